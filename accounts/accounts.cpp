@@ -1,0 +1,156 @@
+// Looking accounts up.
+#include "frame/call.h"
+#include "frame/fetch.h"
+#include "frame/messages.h"
+#include "vlba98/datum.h"
+#include "vlba98/text.h"
+#include "vlfn98/accounts.h"
+#include "vlfn98/client.h"
+
+using namespace frame;
+using namespace vldb98;
+
+ZelkResult ZELK_CALL ZELK_ExistiertKonto(int32_t Mandantennummer, const char *Kontonummer, int32_t Kontoart,
+                                         int32_t Dimension, const char *Kostref) {
+  static constexpr Export self{.name = "ZELK_ExistiertKonto"};
+  return run(self,
+             {number("Mandantennummer:", Mandantennummer), text("Kontonummer:", Kontonummer),
+              number("Kontoart:", Kontoart), number("Dimension:", Dimension), text("Kostref:", Kostref)},
+             [&](ThreadContext *context) -> ZelkResult {
+               if (!vlfn98::isAccountKind(Kontoart)) return ZELKERR_uzl_Kontoart;
+               Store *store = context->session();
+               if (!store) return ZELKERR_Datenbank;
+               if (int32_t opened = vlfn98::HoleMandantenDaten(*store, Mandantennummer); opened < 1) return opened;
+               const char *account = Kontonummer ? Kontonummer : "";
+               SCHLUESSEL key = KeyBuilder().account(account);
+               int file = vlfn98::KzFromZELKArt(Kontoart);
+               if (Kontoart == ZELK_KOSTENSTELLE) file += vlfn98::GetKostKontoKey(account, Dimension, Kostref, key);
+               uint8_t found;
+               if (!store->Used(key, found, FileNumber(file), ZELK_ENG_DEFAULT)) return ZELKERR_Datenbank;
+               return found ? ZELK_OK : ZELK_keinKonto;
+             });
+}
+
+namespace {
+
+constexpr size_t kMaxFrom = 41;
+constexpr int kOrders = 3;
+
+// Key of each order, by table: number, short name, name.
+int keyIndex(int table, int32_t order) {
+  if (order < 2) return order;
+  return table == kSachkonto ? 5 : table == kKost ? 3 : 4;
+}
+
+template <size_t N> void copyTrimmed(char (&target)[N], const char *source) {
+  vlba98::strncpy2(target, vlba98::trimmed(source));
+}
+
+void external(char (&target)[7], const char *reversed) {
+  auto date = vlba98::fromReversed(reversed);
+  vlba98::strncpy2(target, date ? vlba98::toExternal6(*date).data() : "");
+}
+
+void fill(ZELK_SAKO &out, const SACHKONTO &account) {
+  out = {};
+  copyTrimmed(out.Kontonummer, account.Nr);
+  vlba98::strncpy2(out.Kuerzel, account.Kuerzel);
+  vlba98::strncpy2(out.Name, account.Name);
+  out.GuV = account.GuV;
+  out.Steuerschluessel = account.Steuerschluessel;
+  out.Kostenart = account.Kostenart;
+  out.Kostenschablone = account.Kostenschablone;
+  vlba98::strncpy2(out.Waehrung, account.Waehrung);
+  out.Gesperrt = account.Gesperrt;
+}
+
+void fill(ZELK_PEKO &out, const PERSONENKONTO &account) {
+  out = {};
+  copyTrimmed(out.Kontonummer, account.Nr);
+  vlba98::strncpy2(out.Kuerzel, account.Kuerzel);
+  vlba98::strncpy2(out.Name, account.Name);
+  vlba98::strncpy2(out.Zusatz, account.Zusatz);
+  vlba98::strncpy2(out.Vorname, account.Vorname);
+  vlba98::strncpy2(out.Strasse, account.Strasse);
+  vlba98::strncpy2(out.Land, account.Land);
+  vlba98::strncpy2(out.PLZ, account.PLZ);
+  vlba98::strncpy2(out.Ort, account.Ort);
+  vlba98::strncpy2(out.Telefon, account.Telefon);
+  vlba98::strncpy2(out.EMail, account.EMail);
+  vlba98::strncpy2(out.UStIdNr, account.UStIdNr);
+  vlba98::strncpy2(out.IBAN, account.IBAN);
+  vlba98::strncpy2(out.BIC, account.BIC);
+  vlba98::strncpy2(out.Waehrung, account.Waehrung);
+  out.Zahlungsziel = account.Zahlungsziel;
+  copyTrimmed(out.Sammelkonto, account.Sammelkonto);
+  vlba98::strncpy2(out.Kreditlimit, account.Kreditlimit);
+  out.Mahnkennziffer = account.Mahnkennziffer;
+  out.Gesperrt = account.Gesperrt;
+}
+
+void fill(ZELK_KOST &out, const KOST &centre) {
+  out = {};
+  copyTrimmed(out.Kontonummer, centre.Nr);
+  out.Dimension = centre.Dimension;
+  copyTrimmed(out.Kostref, centre.Kostref);
+  vlba98::strncpy2(out.Kuerzel, centre.Kuerzel);
+  vlba98::strncpy2(out.Name, centre.Name);
+  external(out.LaufzeitVon, centre.LaufzeitVon);
+  external(out.LaufzeitBis, centre.LaufzeitBis);
+}
+
+template <class Out, class Record>
+ZelkResult deliver(ThreadContext &context, int32_t kind, Out *account, const Record DATENBANK::*record) {
+  if (context.fetch.kind == kind && !account) return ZELKERR_nicht_moeglich;
+  return deliverNext(context, kind, [&](const DATENBANK &pending) { fill(*account, pending.*record); });
+}
+
+} // namespace
+
+ZelkResult ZELK_CALL ZELK_InitHoleKonto(int32_t Mandantennummer, int32_t Kontoart, int32_t Sortierung, const char *Ab,
+                                        int32_t Fehlermeldungen) {
+  static constexpr Export self{.name = "ZELK_InitHoleKonto"};
+  return run(self,
+             {number("Mandantennummer:", Mandantennummer), number("Kontoart:", Kontoart),
+              number("Sortierung:", Sortierung), text("Ab:", Ab), messages(Fehlermeldungen)},
+             [&](ThreadContext *context) -> ZelkResult {
+               context->fetch = {};
+               if (!vlfn98::isAccountKind(Kontoart))
+                 return refuse(*context, ZELKERR_uzl_Kontoart, resources::kKontoartUnzulaessig);
+               if (Sortierung < 0 || Sortierung >= kOrders)
+                 return refuse(*context, ZELKERR_uzl_Sortierung, resources::kSortierungUnzulaessig);
+               Store *store = context->session();
+               if (!store) return ZELKERR_Datenbank;
+               if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
+               int table = vlfn98::KzFromZELKArt(Kontoart);
+               FileNumber file = fileNumber(table, keyIndex(table, Sortierung));
+               if (!Ab || !*Ab) return startFetch(*context, *store, file, nullptr, ZELK_keinKonto);
+               KeyBuilder from;
+               if (Sortierung == 0) from.account(Ab);
+               else from.text(Ab, kMaxFrom);
+               SCHLUESSEL key = from;
+               return startFetch(*context, *store, file, &key, ZELK_keinKonto);
+             });
+}
+
+ZelkResult ZELK_CALL ZELK_HoleSako(ZELK_SAKO *Konto) {
+  static constexpr Export self{.name = "ZELK_HoleSako", .fetch = true};
+  return run(self, {out("Konto:", Konto)}, [&](ThreadContext *context) {
+    return deliver(*context, kSachkonto, Konto, &DATENBANK::Sachkonto);
+  });
+}
+
+ZelkResult ZELK_CALL ZELK_HolePeko(ZELK_PEKO *Konto) {
+  static constexpr Export self{.name = "ZELK_HolePeko", .fetch = true};
+  return run(self, {out("Konto:", Konto)}, [&](ThreadContext *context) {
+    int32_t kind = context->fetch.kind == kDebitor ? kDebitor : kKreditor;
+    return deliver(*context, kind, Konto, &DATENBANK::Personenkonto);
+  });
+}
+
+ZelkResult ZELK_CALL ZELK_HoleKost(ZELK_KOST *Konto) {
+  static constexpr Export self{.name = "ZELK_HoleKost", .fetch = true};
+  return run(self, {out("Konto:", Konto)}, [&](ThreadContext *context) {
+    return deliver(*context, kKost, Konto, &DATENBANK::Kost);
+  });
+}

@@ -1,0 +1,25 @@
+# One target per folder. A folder's headers are reachable only by the targets that name it under USES, so an include
+# that points against the order of the layers does not compile.
+#
+# A module with exports hands on all of its objects, whether or not something refers to them.
+#
+#   zelk_module(<name> <folder> [EXPORTING] [USES <module>...])
+function(zelk_module name folder)
+  cmake_parse_arguments(arg "EXPORTING" "" "USES" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/${folder}/*.cpp")
+  if(name STREQUAL "platform")
+    file(GLOB system_sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/${folder}/${ZELK_SYSTEM}/*.cpp")
+    list(APPEND sources ${system_sources})
+  endif()
+  # Headers are included as "<module>/<header>.h". The link gives each module an include root that shows nothing else.
+  set(root "${CMAKE_BINARY_DIR}/include-roots/${name}")
+  file(MAKE_DIRECTORY "${root}")
+  file(CREATE_LINK "${CMAKE_SOURCE_DIR}/${folder}" "${root}/${name}" SYMBOLIC)
+  if(arg_EXPORTING)
+    add_library(${name} OBJECT ${sources})
+  else()
+    add_library(${name} STATIC ${sources})
+  endif()
+  target_include_directories(${name} PUBLIC "${root}" PRIVATE "${CMAKE_SOURCE_DIR}/include")
+  target_link_libraries(${name} PUBLIC ${arg_USES} PRIVATE zelk_warnings)
+endfunction()

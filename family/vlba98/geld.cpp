@@ -1,0 +1,247 @@
+#include "vlba98/geld.h"
+
+#include "vlba98/text.h"
+
+#include <algorithm>
+#include <array>
+
+namespace vlba98 {
+namespace {
+
+constexpr std::size_t minWidth = 4; ///< one integer digit, separator, two decimals
+constexpr std::int64_t hundredPercent = 100'00;
+
+std::optional<std::int64_t> withinRange(std::optional<std::int64_t> value) {
+  return value && *value >= -maxGeld && *value <= maxGeld ? value : std::nullopt;
+}
+
+std::optional<std::int64_t> operand(const char *text) {
+  const std::string_view value = trimmed(text ? text : "");
+  return value.empty() ? 0 : parseGeld(value);
+}
+
+template <typename Operation> bool combine(char *result, const char *a, const char *b, Operation operation) {
+  const auto left = operand(a), right = operand(b);
+  if (!left || !right) return false;
+  const std::optional<std::int64_t> value = operation(*left, *right);
+  return value && formatGeld(*value, result);
+}
+
+/// Reads an amount in one of the notations of IsGeld. `at` ends on the first character that is not taken.
+std::optional<std::int64_t> readAmount(const char *&at, std::size_t integerDigits) {
+  char sign = *at == '+' || *at == '-' ? *at++ : '\0';
+  std::int64_t value = 0;
+  const auto takeDigit = [&] {
+    if (!IsZiffer(*at)) return false;
+    value = value * 10 + (*at++ - '0');
+    return true;
+  };
+
+  std::size_t taken = 0;
+  const auto takeIntegerDigit = [&] { return taken < integerDigits && takeDigit() && ++taken > 0; };
+  while (takeIntegerDigit())
+    continue;
+  if (taken == 0) return std::nullopt;
+  const bool grouped = *at == HoleTausenderTrenner() && taken <= 3;
+  while (grouped && *at == HoleTausenderTrenner()) {
+    ++at;
+    for (int i = 0; i < 3; ++i)
+      if (!takeIntegerDigit()) return std::nullopt;
+  }
+
+  const bool internalMinus = *at == '-' && IsZiffer(at[1]) && !sign && !grouped && taken == integerDigits;
+  int decimals = 0;
+  if (*at == HoleDezimalTrenner() || internalMinus) {
+    ++at;
+    while (decimals < 2 && takeDigit())
+      ++decimals;
+    if (decimals < (internalMinus ? 2 : 1)) return std::nullopt;
+  }
+  for (; decimals < 2; ++decimals)
+    value *= 10;
+
+  if (internalMinus) sign = '-';
+  if (!sign && *at == '-') sign = *at++;
+  return sign == '-' ? -value : value;
+}
+
+} // namespace
+
+std::optional<std::int64_t> parseGeld(std::string_view internalForm) {
+  if (internalForm.size() < minWidth || internalForm.size() > geldWidth) return std::nullopt;
+  const std::size_t separatorAt = internalForm.size() - 3;
+  bool digitsOnly = true;
+  const auto digit = [&](std::size_t at) {
+    const unsigned value = static_cast<unsigned char>(internalForm[at]) - static_cast<unsigned>('0');
+    digitsOnly &= value <= 9;
+    return value;
+  };
+
+  std::uint32_t units = 0; // nine digits fit into 32 bits
+  for (std::size_t at = 0; at < separatorAt; ++at)
+    units = units * 10 + digit(at);
+  const std::uint32_t cents = digit(separatorAt + 1) * 10 + digit(separatorAt + 2);
+  const char separator = internalForm[separatorAt];
+  if (!digitsOnly || (separator != ',' && separator != '-')) return std::nullopt;
+  const std::int64_t value = std::int64_t{units} * 100 + cents;
+  return separator == '-' ? -value : value;
+}
+
+bool formatGeld(std::int64_t hundredths, char *out, std::size_t width) {
+  static constexpr std::uint32_t powersOfTen[] = {1,       10,        100,        1'000,       10'000,
+                                                  100'000, 1'000'000, 10'000'000, 100'000'000, 1'000'000'000};
+  if (width < minWidth || width > geldWidth || hundredths < -maxGeld || hundredths > maxGeld) return false;
+  const auto magnitude = static_cast<std::uint64_t>(hundredths < 0 ? -hundredths : hundredths);
+  auto units = static_cast<std::uint32_t>(magnitude / 100);
+  // Not magnitude % 100: a second 64-bit division, which 32-bit machines do in software.
+  const auto cents = static_cast<std::uint32_t>(magnitude - std::uint64_t{units} * 100);
+  const std::size_t separatorAt = width - 3;
+  if (units >= powersOfTen[separatorAt]) return false;
+
+  for (std::size_t at = separatorAt; at-- > 0; units /= 10)
+    out[at] = static_cast<char>('0' + units % 10);
+  out[separatorAt] = hundredths < 0 ? '-' : ',';
+  out[separatorAt + 1] = static_cast<char>('0' + cents / 10);
+  out[separatorAt + 2] = static_cast<char>('0' + cents % 10);
+  out[width] = '\0';
+  return true;
+}
+
+bool formatGeld(std::int64_t hundredths, char out[geldWidth + 1]) {
+  return formatGeld(hundredths, out, geldWidth);
+}
+
+std::optional<std::int64_t> netOfGross(std::int64_t gross, std::int64_t rate) {
+  return withinRange(mulDiv(gross, hundredPercent, hundredPercent + rate, Rounding::halfAwayFromZero));
+}
+
+std::optional<std::int64_t> percentOf(std::int64_t net, std::int64_t rate) {
+  return withinRange(mulDiv(net, rate, hundredPercent, Rounding::halfAwayFromZero));
+}
+
+std::int64_t roundToFive(std::int64_t hundredths) {
+  return (hundredths + (hundredths < 0 ? -2 : 2)) / 5 * 5;
+}
+
+bool IsGeld(const char *text, int width, int leerErlaubt, int negativErlaubt, char *normalised, const char **rest) {
+  const char *at = text ? text : "";
+  const auto refuse = [&](const char *where) {
+    if (rest) *rest = where;
+    return false;
+  };
+  if (width < static_cast<int>(minWidth) || width > static_cast<int>(geldWidth)) return refuse(at);
+  const auto skipBlanks = [&] {
+    while (*at == ' ')
+      ++at;
+  };
+
+  skipBlanks();
+  std::int64_t value = 0;
+  if (*at == '\0') {
+    if (!leerErlaubt) return refuse(at);
+  } else {
+    const char *start = at;
+    const auto amount = readAmount(at, static_cast<std::size_t>(width) - 3);
+    if (!amount) return refuse(at);
+    skipBlanks();
+    if (*at != '\0') return refuse(at);
+    if (*amount < 0 && !negativErlaubt) return refuse(start);
+    value = *amount;
+  }
+  if (rest) *rest = "";
+  return !normalised || formatGeld(value, normalised, static_cast<std::size_t>(width));
+}
+
+bool IsNull(const char *text) {
+  const std::string_view value = trimmed(text ? text : "");
+  return value.find_first_not_of('0') == std::string_view::npos || parseGeld(value) == 0;
+}
+
+bool GeldToCurrency(std::int64_t &currency, const char *text) {
+  const auto value = operand(text);
+  if (value) currency = *value * 100;
+  return value.has_value();
+}
+
+bool CurrencyToGeld(char *text, std::int64_t currency) {
+  const auto value = mulDiv(currency, 1, 100, Rounding::halfAwayFromZero);
+  return value && formatGeld(*value, text);
+}
+
+bool MakeGeld(char *display, const char *text, int mitTausender) {
+  const auto value = operand(text);
+  if (!value) return false;
+  auto magnitude = static_cast<std::uint64_t>(*value < 0 ? -*value : *value);
+  std::array<char, geldDisplaySize> backwards;
+  std::size_t length = 0;
+  const auto put = [&](char c) { backwards[length++] = c; };
+  const auto putDigit = [&] {
+    put(static_cast<char>('0' + magnitude % 10));
+    magnitude /= 10;
+  };
+
+  putDigit();
+  putDigit();
+  put(HoleDezimalTrenner());
+  putDigit();
+  int digits = 1;
+  while (magnitude > 0) {
+    if (mitTausender && digits++ % 3 == 0) put(HoleTausenderTrenner());
+    putDigit();
+  }
+  if (*value < 0) put('-');
+  std::reverse_copy(backwards.begin(), backwards.begin() + static_cast<std::ptrdiff_t>(length), display);
+  display[length] = '\0';
+  return true;
+}
+
+bool MakeGeld(char *text, int mitTausender) {
+  return MakeGeld(text, text, mitTausender);
+}
+
+double GeldToDouble(const char *text) {
+  return static_cast<double>(operand(text).value_or(0)) / 100;
+}
+
+bool GeldIsGreater(const char *a, const char *b) {
+  const auto left = operand(a), right = operand(b);
+  return left && right && *left > *right;
+}
+
+bool add2(char *sum, const char *summand) {
+  return combine(sum, sum, summand, [](std::int64_t a, std::int64_t b) { return a + b; });
+}
+
+bool sub(char *result, const char *a, const char *b) {
+  return combine(result, a, b,
+                 [](std::int64_t x, std::int64_t y) { return x < y ? std::nullopt : std::optional(x - y); });
+}
+
+bool subnegativ(char *result, const char *a, const char *b) {
+  return combine(result, a, b, [](std::int64_t x, std::int64_t y) { return x - y; });
+}
+
+bool mul(char *result, const char *a, const char *b) {
+  return combine(result, a, b,
+                 [](std::int64_t x, std::int64_t y) { return mulDiv(x, y, 100, Rounding::halfAwayFromZero); });
+}
+
+bool div(char *result, const char *a, const char *b) {
+  return combine(result, a, b,
+                 [](std::int64_t x, std::int64_t y) { return mulDiv(x, 100, y, Rounding::halfAwayFromZero); });
+}
+
+bool proz(char *result, const char *gross, const char *percent) {
+  return combine(result, gross, percent, netOfGross);
+}
+
+bool nettoproz(char *result, const char *net, const char *percent) {
+  return combine(result, net, percent, percentOf);
+}
+
+bool RundeAuf5(char *text) {
+  const auto value = operand(text);
+  return value && formatGeld(roundToFive(*value), text);
+}
+
+} // namespace vlba98

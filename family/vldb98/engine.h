@@ -1,0 +1,80 @@
+/// The few primitives on which the record store's operations (store.h) rest. An engine keeps the current record of every
+/// table, the scope and the locks of one session; it belongs to one thread.
+#pragma once
+
+#include <cstdint>
+
+#include "vldb98/keys.h"
+#include "vldb98/locks.h"
+#include "vldb98/schema.h"
+
+namespace vldb98 {
+
+enum DBENGINE : int32_t {
+  ZELK_ENG_DEFAULT = 0, ///< the engine in use
+  ZELK_ENG_BTRIEVE = 1, ///< the file-based engine: the embedded database
+  ZELK_ENG_MYSQL = 2,
+  ZELK_ENG_MSSQL = 3,
+};
+
+enum class ReadOp : uint8_t {
+  First,     ///< in key order
+  Last,
+  Next,      ///< after the current record; after Range only as far as its upper key
+  Prev,
+  Ge,        ///< first with key >= the given one
+  Le,        ///< last with key <= the given one
+  Range,     ///< first with key between the given ones, both included
+  StepFirst, ///< in the order of the table itself
+  StepNext,
+  Exact,     ///< with exactly this key
+  Exists,    ///< the same without delivering it: the current record stays
+};
+
+enum class ChangeOp : uint8_t { Insert, Update, Delete };
+enum class TransactionOp : uint8_t { Begin = 1, Commit = 2, Rollback = 4 };
+enum class TableOp : uint8_t {
+  Create, ///< in the database; done when it is there already
+  Drop,   ///< with the rows of all clients
+  Clear,  ///< the rows of the scope
+};
+
+class Engine {
+public:
+  virtual ~Engine() = default;
+
+  virtual DBENGINE kind() const = 0;
+
+  /// The client and fiscal year (calendar year in which it begins) whose rows are meant from now on. The current records
+  /// of tables that the change concerns are forgotten.
+  virtual void setScope(uint16_t client, int year) = 0;
+
+  /// \param key,upper where the operation takes them, else null
+  /// \param record    receives the record found, which becomes the table's current one; null for Exists
+  /// \param found     false when there is no such record; the buffer and the current record then stay as they were
+  /// \return false when the read failed
+  virtual bool read(ReadOp op, FileNumber file, const SCHLUESSEL *key, const SCHLUESSEL *upper, DATENBANK *record,
+                    bool &found) = 0;
+
+  /// Makes a record that was read earlier the current one of its table again; it is not read.
+  virtual void setCurrent(int table, const DATENBANK &record) = 0;
+
+  /// Insert and Update write the buffer, Update and Delete act on the current record.
+  virtual bool change(ChangeOp op, FileNumber file, DATENBANK *record) = 0;
+
+  /// Transactions nest: only the outermost one is the database's. An inner rollback makes the outermost commit fail,
+  /// rolled back. \param snapshot begins without the intention to write
+  virtual bool transaction(TransactionOp op, bool snapshot) = 0;
+  virtual int transactionDepth() const = 0;
+
+  virtual bool table(TableOp op, int number) = 0;
+  virtual bool tableExists(int number, bool &exists) = 0;
+
+  virtual bool lock(const LockName &name, LockMode mode) = 0;
+  /// Releases what is held on a table of a client. Inside a transaction it takes effect at its end, so that nobody sees
+  /// the table before the change is committed, unless at once is asked for.
+  virtual void unlock(uint16_t client, int table, bool atOnce) = 0;
+  virtual bool holdsLocks() const = 0;
+};
+
+} // namespace vldb98

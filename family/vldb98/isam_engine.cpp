@@ -1,0 +1,263 @@
+#include "vldb98/isam_engine.h"
+
+#include <cstring>
+
+#include "vldb98/statements.h"
+
+namespace vldb98 {
+namespace {
+
+// A statement must not stay open behind an operation: it would hold a read transaction.
+class Execution {
+public:
+  explicit Execution(SqlStatement &statement) : statement_(statement) {}
+  ~Execution() { statement_.reset(); }
+  Execution(const Execution &) = delete;
+  Execution &operator=(const Execution &) = delete;
+
+private:
+  SqlStatement &statement_;
+};
+
+bool takesKey(ReadOp op) { return op >= ReadOp::Ge && op != ReadOp::StepFirst && op != ReadOp::StepNext; }
+bool steps(ReadOp op) { return op == ReadOp::Next || op == ReadOp::Prev || op == ReadOp::StepNext; }
+
+int32_t numberAt(const Field &field, const char *record) {
+  int32_t value;
+  std::memcpy(&value, record + field.offset, sizeof value);
+  return value;
+}
+
+} // namespace
+
+IsamEngine::IsamEngine(DBENGINE kind, std::unique_ptr<SqlConnection> connection, std::unique_ptr<Locks> locks)
+    : kind_(kind), connection_(std::move(connection)), locks_(std::move(locks)) {}
+
+IsamEngine::~IsamEngine() {
+  if (depth_ > 0) connection_->execute("ROLLBACK");
+}
+
+void IsamEngine::setScope(uint16_t client, int year) {
+  if (client == client_ && year == year_) return;
+  for (const Table &table : allTables()) {
+    bool concerned = table.scope != Scope::Global && (client != client_ || (table.scope == Scope::FiscalYear && year != year_));
+    if (concerned) tables_[size_t(table.number)].current.clear();
+  }
+  client_ = client;
+  year_ = year;
+}
+
+SqlStatement *IsamEngine::prepared(Statement &statement, const std::string &text) {
+  if (!statement) statement = connection_->prepare(text);
+  return statement.get();
+}
+
+SqlStatement *IsamEngine::readStatement(const Table &table, const Key &key, ReadOp op, bool bounded) {
+  Statement &slot = tables_[size_t(table.number)].reads[key.index][bounded ? kReadOps : size_t(op)];
+  return slot ? slot.get() : prepared(slot, selectStatement(table, key, op, bounded));
+}
+
+int IsamEngine::bindScope(SqlStatement &statement, const Table &table, int parameter) {
+  scratch_.clear();
+  if (table.scope != Scope::Global) statement.bind(parameter++, int64_t(client_));
+  if (table.scope == Scope::FiscalYear) statement.bind(parameter++, int64_t(year_));
+  return parameter;
+}
+
+int IsamEngine::bindKey(SqlStatement &statement, const Table &table, const Key &key, const SCHLUESSEL &values,
+                        int parameter) {
+  const char *at = values.bytes;
+  for (int index : key.fields) {
+    const Field &field = table.fields[size_t(index)];
+    bindKeyField(statement, parameter++, field, at, scratch_);
+    at += field.keyWidth();
+  }
+  return parameter;
+}
+
+bool IsamEngine::bindFields(SqlStatement &statement, const Table &table, const std::vector<int> &fields,
+                            const char *record, int &parameter) {
+  for (int index : fields)
+    if (!bindField(statement, parameter++, table.fields[size_t(index)], record, scratch_)) return false;
+  return true;
+}
+
+bool IsamEngine::bindRow(SqlStatement &statement, const Table &table, const char *record, int &parameter) {
+  for (const Field &field : table.fields)
+    if (!bindField(statement, parameter++, field, record, scratch_)) return false;
+  return true;
+}
+
+bool IsamEngine::read(ReadOp op, FileNumber file, const SCHLUESSEL *key, const SCHLUESSEL *upper, DATENBANK *record,
+                      bool &found) {
+  found = false;
+  const Table *table = findTable(tableOf(file));
+  bool physical = op == ReadOp::StepFirst || op == ReadOp::StepNext;
+  const Key *order = table ? table->key(physical ? 0 : keyIndexOf(file)) : nullptr;
+  if (!order || (takesKey(op) && !key) || (op == ReadOp::Range && !upper)) return false;
+  TableState &state = tables_[size_t(table->number)];
+  if (steps(op) && state.current.empty()) return true;
+
+  bool bounded = op == ReadOp::Next && state.rangeKey == order->index;
+  SqlStatement *statement = readStatement(*table, *order, op, bounded);
+  if (!statement) return false;
+  int parameter = bindScope(*statement, *table, 1);
+  if (takesKey(op)) parameter = bindKey(*statement, *table, *order, *key, parameter);
+  else if (steps(op) && !bindFields(*statement, *table, order->totalOrder, state.current.data(), parameter)) return false;
+  if (op == ReadOp::Range) bindKey(*statement, *table, *order, *upper, parameter);
+  if (bounded) bindKey(*statement, *table, *order, state.rangeUpper, parameter);
+
+  Execution execution(*statement);
+  Step step = statement->step();
+  if (step == Step::Failed) return false;
+  found = step == Step::Row;
+  if (op == ReadOp::Exists) return true;
+  if (!steps(op)) state.rangeKey = -1;
+  if (op == ReadOp::Range) {
+    state.rangeKey = order->index;
+    state.rangeUpper = *upper;
+  }
+  return !found || readRow(*statement, *table, state, *record);
+}
+
+bool IsamEngine::readRow(SqlStatement &statement, const Table &table, TableState &state, DATENBANK &record) {
+  int column = 0;
+  for (const Field &field : table.fields)
+    if (!readColumn(statement, column++, field, record.bytes)) return false;
+  state.current.assign(record.bytes, record.bytes + table.recordSize);
+  return true;
+}
+
+bool IsamEngine::execute(SqlStatement &statement) {
+  Execution execution(statement);
+  return statement.step() == Step::Done;
+}
+
+void IsamEngine::setCurrent(int number, const DATENBANK &record) {
+  const Table *table = findTable(number);
+  if (!table) return;
+  TableState &state = tables_[size_t(number)];
+  state.current.assign(record.bytes, record.bytes + table->recordSize);
+  state.rangeKey = -1;
+}
+
+bool IsamEngine::change(ChangeOp op, FileNumber file, DATENBANK *record) {
+  const Table *table = findTable(tableOf(file));
+  if (!table || (op != ChangeOp::Delete && !record)) return false;
+  return op == ChangeOp::Insert ? insert(*table, *record) : changeCurrent(op, *table, record);
+}
+
+bool IsamEngine::insert(const Table &table, DATENBANK &record) {
+  bool assigns = table.assigned >= 0 && numberAt(table.fields[size_t(table.assigned)], record.bytes) == 0;
+  // Reading the greatest number and inserting the next must be one step for other writers.
+  bool wrapped = assigns && depth_ == 0;
+  if (wrapped && !transaction(TransactionOp::Begin, false)) return false;
+  DATENBANK before = record;
+  TableState &state = tables_[size_t(table.number)];
+  SqlStatement *statement = prepared(state.insert, state.insert ? std::string() : insertStatement(table));
+  bool done = statement && (!assigns || assignNumber(table, record.bytes));
+  if (done) {
+    int parameter = bindScope(*statement, table, 1);
+    done = bindRow(*statement, table, record.bytes, parameter) && execute(*statement);
+  }
+  if (wrapped && !transaction(done ? TransactionOp::Commit : TransactionOp::Rollback, false)) done = false;
+  if (done) state.current.assign(record.bytes, record.bytes + table.recordSize);
+  else record = before;
+  return done;
+}
+
+bool IsamEngine::assignNumber(const Table &table, char *record) {
+  TableState &state = tables_[size_t(table.number)];
+  SqlStatement *statement = prepared(state.greatest, state.greatest ? std::string() : greatestStatement(table));
+  if (!statement) return false;
+  int parameter = bindScope(*statement, table, 1);
+  for (int index : table.keys.front().fields) {
+    if (index == table.assigned) break;
+    if (!bindField(*statement, parameter++, table.fields[size_t(index)], record, scratch_)) return false;
+  }
+  Execution execution(*statement);
+  Step step = statement->step();
+  if (step == Step::Failed) return false;
+  int64_t next = step == Step::Row ? statement->integer(0) + 1 : 1;
+  const Field &field = table.fields[size_t(table.assigned)];
+  if (next > INT32_MAX) return false;
+  int32_t number = int32_t(next);
+  std::memcpy(record + field.offset, &number, sizeof number);
+  return true;
+}
+
+bool IsamEngine::changeCurrent(ChangeOp op, const Table &table, DATENBANK *record) {
+  TableState &state = tables_[size_t(table.number)];
+  if (state.current.empty()) return false;
+  bool update = op == ChangeOp::Update;
+  Statement &slot = update ? state.update : state.remove;
+  SqlStatement *statement =
+      prepared(slot, slot ? std::string() : update ? updateStatement(table) : deleteStatement(table));
+  if (!statement) return false;
+  int parameter = 1;
+  scratch_.clear();
+  if (update && !bindRow(*statement, table, record->bytes, parameter)) return false;
+  if (table.scope != Scope::Global) statement->bind(parameter++, int64_t(client_));
+  if (table.scope == Scope::FiscalYear) statement->bind(parameter++, int64_t(year_));
+  if (!bindFields(*statement, table, table.keys.front().fields, state.current.data(), parameter)) return false;
+  // A record that somebody else deleted meanwhile cannot be changed.
+  if (!execute(*statement) || connection_->changedRows() != 1) return false;
+  if (update) state.current.assign(record->bytes, record->bytes + table.recordSize);
+  return true;
+}
+
+bool IsamEngine::transaction(TransactionOp op, bool snapshot) {
+  if (op == TransactionOp::Begin) {
+    if (depth_ == 0 && !connection_->execute(snapshot ? "BEGIN" : "BEGIN IMMEDIATE")) return false;
+    ++depth_;
+    return true;
+  }
+  if (depth_ == 0) return false;
+  if (op == TransactionOp::Rollback) doomed_ = true;
+  if (--depth_ > 0) return true;
+  bool committed = !doomed_ && connection_->execute("COMMIT");
+  if (!committed && connection_->inTransaction()) connection_->execute("ROLLBACK");
+  doomed_ = false;
+  for (const LockName &name : pendingUnlocks_) locks_->release(name);
+  pendingUnlocks_.clear();
+  return op == TransactionOp::Commit ? committed : !connection_->inTransaction();
+}
+
+bool IsamEngine::table(TableOp op, int number) {
+  const Table *found = findTable(number);
+  if (!found) return false;
+  switch (op) {
+  case TableOp::Create:
+    for (const std::string &statement : createStatements(*found))
+      if (!connection_->execute(statement)) return false;
+    return true;
+  case TableOp::Drop: return connection_->execute(dropStatement(*found));
+  case TableOp::Clear: break;
+  }
+  auto statement = connection_->prepare(clearStatement(*found));
+  if (!statement) return false;
+  bindScope(*statement, *found, 1);
+  return execute(*statement);
+}
+
+bool IsamEngine::tableExists(int number, bool &exists) {
+  const Table *table = findTable(number);
+  exists = false;
+  if (!table) return true;
+  auto statement = connection_->prepare("SELECT 1 FROM sqlite_schema WHERE type='table' AND name=?");
+  if (!statement) return false;
+  statement->bind(1, table->name);
+  Execution execution(*statement);
+  Step step = statement->step();
+  exists = step == Step::Row;
+  return step != Step::Failed;
+}
+
+void IsamEngine::unlock(uint16_t client, int table, bool atOnce) {
+  for (const LockName &name : locks_->heldOn(client, uint16_t(table))) {
+    if (depth_ > 0 && !atOnce) pendingUnlocks_.push_back(name);
+    else locks_->release(name);
+  }
+}
+
+} // namespace vldb98

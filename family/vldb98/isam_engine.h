@@ -1,0 +1,73 @@
+/// The record operations on any SQL engine.
+#pragma once
+
+#include <array>
+#include <map>
+#include <memory>
+#include <vector>
+
+#include "vldb98/engine.h"
+#include "vldb98/rows.h"
+#include "vldb98/sql.h"
+
+namespace vldb98 {
+
+/// Keeps, for every table, a copy of the current record; a step is one indexed seek from that record's key, so no cursor
+/// and no read transaction stays open between two calls.
+class IsamEngine final : public Engine {
+public:
+  IsamEngine(DBENGINE kind, std::unique_ptr<SqlConnection> connection, std::unique_ptr<Locks> locks);
+  ~IsamEngine() override;
+
+  DBENGINE kind() const override { return kind_; }
+  void setScope(uint16_t client, int year) override;
+  bool read(ReadOp op, FileNumber file, const SCHLUESSEL *key, const SCHLUESSEL *upper, DATENBANK *record,
+            bool &found) override;
+  void setCurrent(int table, const DATENBANK &record) override;
+  bool change(ChangeOp op, FileNumber file, DATENBANK *record) override;
+  bool transaction(TransactionOp op, bool snapshot) override;
+  int transactionDepth() const override { return depth_; }
+  bool table(TableOp op, int number) override;
+  bool tableExists(int number, bool &exists) override;
+  bool lock(const LockName &name, LockMode mode) override { return locks_->acquire(name, mode); }
+  void unlock(uint16_t client, int table, bool atOnce) override;
+  bool holdsLocks() const override { return locks_->holdsAny(); }
+
+private:
+  using Statement = std::unique_ptr<SqlStatement>;
+  static constexpr size_t kReadOps = size_t(ReadOp::Exists) + 1;
+
+  struct TableState {
+    std::map<int, std::array<Statement, kReadOps + 1>> reads; // by key index; the last: Next with a bound
+    Statement insert, update, remove, greatest;
+    std::vector<char> current; // empty: no current record
+    int rangeKey = -1;         // key index of a running range
+    SCHLUESSEL rangeUpper;
+  };
+
+  SqlStatement *prepared(Statement &statement, const std::string &text);
+  SqlStatement *readStatement(const Table &table, const Key &key, ReadOp op, bool bounded);
+  int bindScope(SqlStatement &statement, const Table &table, int parameter);
+  int bindKey(SqlStatement &statement, const Table &table, const Key &key, const SCHLUESSEL &values, int parameter);
+  bool bindFields(SqlStatement &statement, const Table &table, const std::vector<int> &fields, const char *record,
+                  int &parameter);
+  bool bindRow(SqlStatement &statement, const Table &table, const char *record, int &parameter);
+  bool readRow(SqlStatement &statement, const Table &table, TableState &state, DATENBANK &record);
+  bool execute(SqlStatement &statement);
+  bool insert(const Table &table, DATENBANK &record);
+  bool assignNumber(const Table &table, char *record);
+  bool changeCurrent(ChangeOp op, const Table &table, DATENBANK *record);
+
+  DBENGINE kind_;
+  std::unique_ptr<SqlConnection> connection_;
+  std::unique_ptr<Locks> locks_;
+  std::array<TableState, kTableLimit> tables_;
+  Scratch scratch_;
+  uint16_t client_ = 0;
+  int year_ = 0;
+  int depth_ = 0;
+  bool doomed_ = false; // an inner transaction was rolled back
+  std::vector<LockName> pendingUnlocks_;
+};
+
+} // namespace vldb98

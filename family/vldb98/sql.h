@@ -1,0 +1,49 @@
+/// The thin statement interface over which the record operations are written once for every SQL engine.
+///
+/// A connection and its statements belong to one thread. Nothing here throws on an error of the database: it is reported
+/// by the result, and its text can be asked for.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace vldb98 {
+
+enum class Step { Row, Done, Failed };
+
+class SqlStatement {
+public:
+  virtual ~SqlStatement() = default;
+
+  /// Parameters count from 1. A text must stay where it is until the next reset().
+  virtual void bind(int parameter, int64_t value) = 0;
+  virtual void bind(int parameter, std::string_view utf8) = 0;
+  virtual void bindNull(int parameter) = 0;
+
+  virtual Step step() = 0;
+  /// Ends the execution and keeps the parameters.
+  virtual void reset() = 0;
+
+  /// Columns of the row under the statement, from 0. A text is valid until the next step() or reset().
+  virtual bool isNull(int column) = 0;
+  virtual int64_t integer(int column) = 0;
+  virtual std::string_view text(int column) = 0;
+};
+
+class SqlConnection {
+public:
+  virtual ~SqlConnection() = default;
+
+  /// \return null when the statement is not accepted
+  virtual std::unique_ptr<SqlStatement> prepare(const std::string &sql) = 0;
+  virtual bool execute(const std::string &sql) = 0;
+  /// False also when the engine gave a transaction up by itself, as after a full disk.
+  virtual bool inTransaction() = 0;
+  /// Rows that the last insert, update or delete changed.
+  virtual int64_t changedRows() = 0;
+  virtual std::string lastError() = 0;
+};
+
+} // namespace vldb98

@@ -1,0 +1,121 @@
+#include "sqlite/sqlite_connection.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+
+#include "platform/files.h"
+#include "platform/system.h"
+
+static_assert(SQLITE_VERSION_NUMBER >= 3051003, "earlier versions can corrupt a write-ahead-log database");
+
+namespace vldb98 {
+namespace {
+
+// Marks the file as this library's, for file(1) and for the check when it is opened.
+constexpr int kApplicationId = 0x5A4C3938; // "ZL98"
+
+struct CloseConnection {
+  void operator()(sqlite3 *connection) const { sqlite3_close_v2(connection); }
+};
+using Handle = std::unique_ptr<sqlite3, CloseConnection>;
+
+class SqliteStatement final : public SqlStatement {
+public:
+  explicit SqliteStatement(sqlite3_stmt *statement) : statement_(statement) {}
+  ~SqliteStatement() override { sqlite3_finalize(statement_); }
+
+  void bind(int parameter, int64_t value) override { sqlite3_bind_int64(statement_, parameter, value); }
+  void bind(int parameter, std::string_view utf8) override {
+    // A null pointer would bind NULL in place of the empty text.
+    sqlite3_bind_text(statement_, parameter, utf8.data() ? utf8.data() : "", int(utf8.size()), SQLITE_STATIC);
+  }
+  void bindNull(int parameter) override { sqlite3_bind_null(statement_, parameter); }
+
+  Step step() override {
+    switch (sqlite3_step(statement_)) {
+    case SQLITE_ROW: return Step::Row;
+    case SQLITE_DONE: return Step::Done;
+    default: return Step::Failed;
+    }
+  }
+  void reset() override { sqlite3_reset(statement_); }
+
+  bool isNull(int column) override { return sqlite3_column_type(statement_, column) == SQLITE_NULL; }
+  int64_t integer(int column) override { return sqlite3_column_int64(statement_, column); }
+  std::string_view text(int column) override {
+    auto text = reinterpret_cast<const char *>(sqlite3_column_text(statement_, column));
+    return text ? std::string_view(text, size_t(sqlite3_column_bytes(statement_, column))) : std::string_view{};
+  }
+
+private:
+  sqlite3_stmt *statement_;
+};
+
+class SqliteConnection final : public SqlConnection {
+public:
+  SqliteConnection(Handle handle, std::chrono::milliseconds wait) : handle_(std::move(handle)), wait_(wait) {
+    sqlite3_busy_handler(handle_.get(), &SqliteConnection::onBusy, this);
+  }
+
+  std::unique_ptr<SqlStatement> prepare(const std::string &sql) override {
+    sqlite3_stmt *statement = nullptr;
+    int result = sqlite3_prepare_v3(handle_.get(), sql.c_str(), int(sql.size()) + 1, SQLITE_PREPARE_PERSISTENT,
+                                    &statement, nullptr);
+    return result == SQLITE_OK && statement ? std::make_unique<SqliteStatement>(statement) : nullptr;
+  }
+  bool execute(const std::string &sql) override {
+    return sqlite3_exec(handle_.get(), sql.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
+  }
+  bool inTransaction() override { return sqlite3_get_autocommit(handle_.get()) == 0; }
+  int64_t changedRows() override { return sqlite3_changes64(handle_.get()); }
+  std::string lastError() override { return sqlite3_errmsg(handle_.get()); }
+
+private:
+  // SQLite's own waiting sleeps in steps of up to 100 ms, a long time beside a posting.
+  static int onBusy(void *self, int attempt) {
+    auto &connection = *static_cast<SqliteConnection *>(self);
+    uint64_t now = platform::steadyMilliseconds();
+    if (attempt == 0) connection.deadline_ = now + uint64_t(connection.wait_.count());
+    if (now >= connection.deadline_) return 0;
+    platform::sleepMicroseconds(std::min(50u << std::min(attempt, 7), 4000u));
+    return 1;
+  }
+
+  Handle handle_;
+  std::chrono::milliseconds wait_;
+  uint64_t deadline_ = 0;
+};
+
+int64_t pragma(SqlConnection &connection, const char *name) {
+  auto statement = connection.prepare(std::string("PRAGMA ") + name);
+  return statement && statement->step() == Step::Row ? statement->integer(0) : -1;
+}
+
+bool markAsOurs(SqlConnection &connection) {
+  return connection.execute("PRAGMA application_id=" + std::to_string(kApplicationId));
+}
+
+} // namespace
+
+std::unique_ptr<SqlConnection> openSqlite(const std::string &path, const SqliteOptions &options) {
+  if (sqlite3_libversion_number() != SQLITE_VERSION_NUMBER) return nullptr;
+  // Not left to SQLite, whose answer would not tell a missing file from a damaged one.
+  bool exists = platform::isFile(path);
+  if (!exists && !options.create) return nullptr;
+  sqlite3 *raw = nullptr;
+  int flags = SQLITE_OPEN_READWRITE | (options.create ? SQLITE_OPEN_CREATE : 0) | SQLITE_OPEN_NOMUTEX;
+  int result = sqlite3_open_v2(path.c_str(), &raw, flags, nullptr);
+  Handle handle(raw);
+  if (result != SQLITE_OK || sqlite3_db_readonly(raw, "main") != 0) return nullptr;
+  auto connection = std::make_unique<SqliteConnection>(std::move(handle), options.wait);
+
+  if (!exists && !markAsOurs(*connection)) return nullptr;
+  if (pragma(*connection, "application_id") != kApplicationId) return nullptr;
+  bool shared = platform::isNetworkFolder(path.substr(0, path.find_last_of("/\\") + 1));
+  if (!connection->execute(shared ? "PRAGMA journal_mode=DELETE" : "PRAGMA journal_mode=WAL")) return nullptr;
+  if (!connection->execute(options.durable ? "PRAGMA synchronous=FULL" : "PRAGMA synchronous=OFF")) return nullptr;
+  return connection;
+}
+
+} // namespace vldb98

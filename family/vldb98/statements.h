@@ -1,0 +1,35 @@
+/// The text of every statement, made from the schema.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "vldb98/engine.h"
+#include "vldb98/schema.h"
+
+namespace vldb98 {
+
+/// Columns that lead every row: the client, and the fiscal year where the table has one.
+std::vector<std::string> scopeColumns(const Table &table);
+
+/// The tables' creation, indexes included; does nothing where they exist.
+std::vector<std::string> createStatements(const Table &table);
+
+std::string dropStatement(const Table &table);
+std::string clearStatement(const Table &table);
+
+/// A read that delivers all fields in the order of the schema (Exists: nothing). Parameters: the scope, then what the
+/// operation compares with: the key's fields (Ge, Le, Exact, Exists), twice for Range; the total order's (Next, Prev).
+/// Next with a bound takes the key's fields of the upper key behind.
+std::string selectStatement(const Table &table, const Key &key, ReadOp op, bool bounded = false);
+
+/// Parameters: the scope, then all fields.
+std::string insertStatement(const Table &table);
+/// Parameters: all fields, the scope, then the primary key's fields.
+std::string updateStatement(const Table &table);
+/// Parameters: the scope, then the primary key's fields.
+std::string deleteStatement(const Table &table);
+/// The greatest value of the assigned field. Parameters: the scope, then the primary key's fields before it.
+std::string greatestStatement(const Table &table);
+
+} // namespace vldb98

@@ -1,0 +1,135 @@
+// Batch postings: assembled in memory, written and deleted whole.
+#include "vldb98/store.h"
+
+#include <cstring>
+#include <type_traits>
+
+namespace vldb98 {
+namespace {
+
+template <class Record> Record &in(DATENBANK &record) {
+  if constexpr (std::is_same_v<Record, SPLIT>) return record.Split;
+  else return record.Kobu;
+}
+
+KeyBuilder linesFrom(const BATCHBUCHUNG &posting) { return KeyBuilder().number(posting.Stapel).number(posting.Nr); }
+
+} // namespace
+
+void Store::SplitFree() {
+  lines_.clear();
+  costs_.clear();
+}
+
+int Store::MemInsertSplit(const SPLIT &line) {
+  lines_.push_back(line);
+  return 1;
+}
+
+SPLIT *Store::PSplit(size_t index) { return index < lines_.size() ? &lines_[index] : nullptr; }
+
+int Store::MemInsertKobu(const KOBU &cost) {
+  costs_.push_back(cost);
+  return 1;
+}
+
+KOBU *Store::PKobu(size_t index) { return index < costs_.size() ? &costs_[index] : nullptr; }
+
+int Store::InsertBat(BATCHBUCHUNG &posting) {
+  posting.Nr = 0;
+  posting.Anzahl = int32_t(lines_.size());
+  if (!Transaktion(1, 0, ZELK_ENG_DEFAULT)) return 0;
+  bool written = writePosting(posting);
+  if (!Transaktion(written ? 2 : 4, 0, ZELK_ENG_DEFAULT)) written = false;
+  posting_ = written ? posting : BATCHBUCHUNG{};
+  if (!written) posting.Nr = 0;
+  return written;
+}
+
+bool Store::writePosting(BATCHBUCHUNG &posting) {
+  DATENBANK record{};
+  record.Batchbuchung = posting;
+  if (!Insert(record, kBatchbuchung, ZELK_ENG_DEFAULT)) return false;
+  posting.Nr = record.Batchbuchung.Nr;
+  int32_t number = 0;
+  for (SPLIT &line : lines_) {
+    line.Stapel = posting.Stapel;
+    line.Buchung = posting.Nr;
+    line.Nr = number++;
+    record.Split = line;
+    if (!Insert(record, kSplit, ZELK_ENG_DEFAULT)) return false;
+  }
+  int32_t split = -1;
+  for (KOBU &cost : costs_) {
+    number = cost.Split == split ? number + 1 : 0;
+    split = cost.Split;
+    cost.Stapel = posting.Stapel;
+    cost.Buchung = posting.Nr;
+    cost.Nr = number;
+    record.Kobu = cost;
+    if (!Insert(record, kKobu, ZELK_ENG_DEFAULT)) return false;
+  }
+  return markBatch(posting.Stapel);
+}
+
+bool Store::markBatch(int32_t batch) {
+  DATENBANK record{};
+  uint8_t found;
+  if (!UsedGet(record, KeyBuilder().number(batch), found, kStapel, ZELK_ENG_DEFAULT) || !found) return false;
+  if (record.Stapel.Bebucht) return true;
+  record.Stapel.Bebucht = 1;
+  return Update(record, kStapel, ZELK_ENG_DEFAULT);
+}
+
+template <class Record>
+int Store::readLines(FileNumber file, std::vector<Record> &lines, const BATCHBUCHUNG &posting) {
+  DATENBANK record{};
+  uint8_t found;
+  int done = GetGeExt(record, linesFrom(posting), found, file, ZELK_ENG_DEFAULT, 0);
+  while (done && found) {
+    const Record &line = in<Record>(record);
+    if (line.Stapel != posting.Stapel || line.Buchung != posting.Nr) break;
+    lines.push_back(line);
+    done = GetNextExt(record, found, file, ZELK_ENG_DEFAULT);
+  }
+  return done;
+}
+
+int Store::ReadBat(BATCHBUCHUNG &posting, int32_t batch, int32_t number, uint8_t &found) {
+  DATENBANK record{};
+  posting_ = {};
+  if (!GetGeExt(record, KeyBuilder().number(batch).number(number), found, kBatchbuchung, ZELK_ENG_DEFAULT, 0)) return 0;
+  found = found && record.Batchbuchung.Stapel == batch;
+  if (!found) return 1;
+  SplitFree();
+  if (!readLines(kSplit, lines_, record.Batchbuchung) || !readLines(kKobu, costs_, record.Batchbuchung)) return 0;
+  posting = posting_ = record.Batchbuchung;
+  return 1;
+}
+
+int Store::deleteLines(FileNumber file, const BATCHBUCHUNG &posting) {
+  DATENBANK record{};
+  uint8_t found;
+  for (;;) {
+    if (!GetGeExt(record, linesFrom(posting), found, file, ZELK_ENG_DEFAULT, 0)) return 0;
+    // All tables of lines begin with the batch and the posting.
+    if (!found || record.Split.Stapel != posting.Stapel || record.Split.Buchung != posting.Nr) return 1;
+    if (!Delete(file, ZELK_ENG_DEFAULT)) return 0;
+  }
+}
+
+int Store::DeleteBat() {
+  if (posting_.Nr == 0) return 0;
+  DATENBANK record{};
+  uint8_t found;
+  if (!Transaktion(1, 0, ZELK_ENG_DEFAULT)) return 0;
+  bool done = UsedGet(record, KeyBuilder().number(posting_.Stapel).number(posting_.Nr), found, kBatchbuchung,
+                      ZELK_ENG_DEFAULT) &&
+              found && deleteLines(kSplit, posting_) && deleteLines(kKobu, posting_) &&
+              Delete(kBatchbuchung, ZELK_ENG_DEFAULT);
+  if (!Transaktion(done ? 2 : 4, 0, ZELK_ENG_DEFAULT)) done = false;
+  if (done) posting_ = {};
+  return done;
+}
+
+} // namespace vldb98

@@ -1,0 +1,90 @@
+// The open client and its fiscal years.
+#include "vldb98/store.h"
+
+#include <cstring>
+
+#include "vlba98/datum.h"
+#include "vlba98/text.h"
+
+namespace vldb98 {
+namespace {
+
+int yearOf(const char *code) {
+  int number = vlba98::twotoi(code);
+  return number < 0 ? 0 : vlba98::firstYear + number;
+}
+
+} // namespace
+
+void Store::applyScope() { engine_->setScope(client_.Nummer, yearOf(openYear_)); }
+
+int Store::SetzeFista(uint16_t client, uint8_t &found) {
+  DATENBANK record{};
+  if (!UsedGet(record, KeyBuilder().number(client), found, kFirmenstamm, ZELK_ENG_DEFAULT)) return 0;
+  if (!found) return 1;
+  client_ = record.Firmenstamm;
+  std::memcpy(openYear_, client_.AktJahr, sizeof openYear_);
+  applyScope();
+  return 1;
+}
+
+int Store::SaveFista(const FIRMENSTAMM &client) {
+  DATENBANK record{};
+  uint8_t found;
+  if (!UsedGet(record, KeyBuilder().number(client.Nummer), found, kFirmenstamm, ZELK_ENG_DEFAULT)) return 0;
+  record.Firmenstamm = client;
+  int done = found ? Update(record, kFirmenstamm, ZELK_ENG_DEFAULT) : Insert(record, kFirmenstamm, ZELK_ENG_DEFAULT);
+  if (done && client.Nummer == client_.Nummer) client_ = client;
+  return done;
+}
+
+int Store::GetExtFista(FISTA_EXT &extension, uint8_t &found) {
+  DATENBANK record{};
+  int done = UsedGet(record, KeyBuilder().number(client_.Nummer), found, kFistaExt, ZELK_ENG_DEFAULT);
+  if (done && found) extension = record.FistaExt;
+  return done;
+}
+
+int Store::SetExtFista(const FISTA_EXT &extension) {
+  DATENBANK record{};
+  uint8_t found;
+  if (!UsedGet(record, KeyBuilder().number(client_.Nummer), found, kFistaExt, ZELK_ENG_DEFAULT)) return 0;
+  record.FistaExt = extension;
+  record.FistaExt.Nummer = client_.Nummer;
+  return found ? Update(record, kFistaExt, ZELK_ENG_DEFAULT) : Insert(record, kFistaExt, ZELK_ENG_DEFAULT);
+}
+
+int Store::SetzeOpenJahr(const char *yearCode) {
+  uint8_t exists;
+  if (!ExistiertJahr(yearCode, exists) || !exists) return 0;
+  vlba98::strncpy2(openYear_, yearCode);
+  applyScope();
+  return 1;
+}
+
+int Store::SetzeBuchJahr(const char *yearCode) {
+  uint8_t exists;
+  if (!ExistiertJahr(yearCode, exists) || !exists) return 0;
+  FIRMENSTAMM changed = client_;
+  vlba98::strncpy2(changed.AktJahr, yearCode);
+  return SaveFista(changed);
+}
+
+int Store::ExistiertJahr(const char *yearCode, uint8_t &exists) {
+  return Used(KeyBuilder().number(int16_t(yearOf(yearCode))), exists, kGeschaeftsjahr, ZELK_ENG_DEFAULT);
+}
+
+int Store::IsBuchjahr(const char *yearCode, uint8_t &bookable) {
+  DATENBANK record{};
+  int done = UsedGet(record, KeyBuilder().number(int16_t(yearOf(yearCode))), bookable, kGeschaeftsjahr, ZELK_ENG_DEFAULT);
+  if (bookable) bookable = !record.Geschaeftsjahr.Abgeschlossen;
+  return done;
+}
+
+int Store::HoleMinJahr(char (&yearCode)[3]) {
+  DATENBANK record{};
+  return GetFirst(record, kGeschaeftsjahr, ZELK_ENG_DEFAULT, 0) &&
+         vlba98::itotwo(record.Geschaeftsjahr.Jahr - vlba98::firstYear, yearCode);
+}
+
+} // namespace vldb98

@@ -1,0 +1,44 @@
+#include "vlfn98/client.h"
+
+#include "zelk98/zelk98.h"
+
+using namespace vldb98;
+
+namespace vlfn98 {
+
+int32_t HoleMandantenDaten(Store &store, int64_t client) {
+  if (client < 1 || client > UINT16_MAX) return ZELKERR_uzl_Mandnr;
+  uint8_t found = 0;
+  if (!store.SetzeFista(uint16_t(client), found)) return ZELKERR_Datenbank;
+  if (!found) return ZELKERR_uzl_Mandnr;
+  int16_t version = store.HoleFista().Version;
+  if (version < kDataVersion) return ZELKERR_alter_Mandant;
+  if (version > kDataVersion) return ZELKERR_neuerer_Mandant;
+  return ZELK_OK;
+}
+
+int IsSchweiz(Store &store, bool &swiss) {
+  FISTA_EXT extension{};
+  uint8_t found;
+  int done = store.GetExtFista(extension, found);
+  swiss = done && found && extension.Schweiz;
+  return done;
+}
+
+BookableYear IsBuchjahr(Store &store, const vlba98::Datum &day, bool closedToo) {
+  DATENBANK record{};
+  uint8_t found;
+  auto reversed = vlba98::toReversed(day);
+  if (!store.GetLeExt(record, KeyBuilder().text(reversed.data(), 6), found, fileNumber(kGeschaeftsjahr, 1),
+                      ZELK_ENG_DEFAULT, 0))
+    return BookableYear::StoreFailed;
+  if (!found) return BookableYear::No;
+  const GESCHAEFTSJAHR &year = record.Geschaeftsjahr;
+  auto end = vlba98::fromReversed(year.Ende);
+  if (!end || day > *end || (year.Abgeschlossen && !closedToo)) return BookableYear::No;
+  char code[3];
+  if (!vlba98::itotwo(year.Jahr - vlba98::firstYear, code) || !store.SetzeOpenJahr(code)) return BookableYear::StoreFailed;
+  return BookableYear::Yes;
+}
+
+} // namespace vlfn98

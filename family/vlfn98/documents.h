@@ -1,0 +1,27 @@
+/// What a posting carries beside accounts and amounts: payment term, payment-slip reference, document link.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "vldb98/store.h"
+
+namespace vlfn98 {
+
+/// Whether the open client has a payment term of the number. \return 0 when the store failed
+int IsZahlziel(vldb98::Store &store, int32_t number, uint8_t &exists);
+
+/// Whether a reference number of the Swiss payment slip is right: 16 or 27 digits, blanks between them not counted, the
+/// last one the check digit.
+/// \par Source
+/// Modulo 10, recursive: Swiss Implementation Guidelines for the QR-bill, annex B.
+bool CheckEsr(std::string_view reference);
+
+/// The number of a document-management identifier of the open client; it is registered when it is new.
+/// \return 0 when the store failed
+int DmsInsertDmsID(vldb98::Store &store, const char *identifier, int32_t &number);
+
+/// The identifier of a number; empty when there is none. \return 0 when the store failed
+int DmsGetDmsID(vldb98::Store &store, int32_t number, char (&identifier)[51]);
+
+} // namespace vlfn98

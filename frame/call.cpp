@@ -1,0 +1,119 @@
+#include "frame/call.h"
+
+#include <cstring>
+#include <mutex>
+#include <string>
+
+#include "frame/lifecycle.h"
+#include "frame/messages.h"
+#include "platform/files.h"
+#include "platform/ui.h"
+#include "vlba98/encoding.h"
+#include "vldb98/database.h"
+
+namespace frame {
+namespace {
+
+// The directory that is made current while the product works in its own directory. One for the process, changed by every
+// call; hosts that call from several threads share it, as they share the current directory itself.
+class DatabaseDirectory {
+public:
+  std::string get() const {
+    std::lock_guard guard(mutex_);
+    return path_;
+  }
+  void set(const std::string &path) {
+    std::lock_guard guard(mutex_);
+    path_ = path;
+  }
+
+private:
+  mutable std::mutex mutex_;
+  std::string path_;
+};
+
+DatabaseDirectory &databaseDirectory() {
+  static DatabaseDirectory instance;
+  return instance;
+}
+
+// Attaches on first use, and in the own directory mode makes the database directory current for the call.
+class DirectoryGuard {
+public:
+  explicit DirectoryGuard(bool connect) {
+    ZELK_Attach(connect);
+    if (!vldb98::IsZELKMode()) return;
+    saved_ = platform::currentDirectory();
+    std::string known = databaseDirectory().get();
+    if (known.empty()) databaseDirectory().set(saved_);
+    else if (known != saved_) platform::setCurrentDirectory(known);
+  }
+  ~DirectoryGuard() {
+    if (saved_.empty()) return;
+    std::string now = platform::currentDirectory();
+    if (now == saved_) return;
+    databaseDirectory().set(now);
+    platform::setCurrentDirectory(saved_);
+  }
+  DirectoryGuard(const DirectoryGuard &) = delete;
+  DirectoryGuard &operator=(const DirectoryGuard &) = delete;
+
+private:
+  std::string saved_;
+};
+
+void showOverflow(const Parameter &parameter) {
+  std::string text(resources::text(resources::kTextUeberlauf));
+  auto *field = static_cast<const char *>(parameter.pointer);
+  text.replace(text.find("%s"), 2, vlba98::toUtf8(std::string_view(field, parameter.width)));
+  text.replace(text.find("%i"), 2, std::to_string(parameter.width - 1));
+  platform::ui().message("Velta MERKA FIBU", text, platform::BoxIcon::Exclamation, platform::BoxButtons::Ok);
+}
+
+// \return the first field whose text does not end within its width
+const Parameter *firstOverflow(std::span<const Parameter> parameters) {
+  for (const Parameter &parameter : parameters)
+    if (parameter.kind == Parameter::Kind::Field && !std::memchr(parameter.pointer, 0, parameter.width)) return &parameter;
+  return nullptr;
+}
+
+int32_t messagesFlag(std::span<const Parameter> parameters) {
+  for (const Parameter &parameter : parameters)
+    if (parameter.kind == Parameter::Kind::Messages) return int32_t(parameter.number);
+  return 0;
+}
+
+ZelkResult runBody(const Export &self, std::span<const Parameter> parameters, detail::Body body, void *object) {
+  if (self.needsStatus && initialisationStatus() != ZELK_OK) return initialisationStatus();
+  ThreadContext *context = self.needsContext ? threadContext() : nullptr;
+  if (self.needsContext && !context) return ZELKERR_Thread;
+  int32_t flag = messagesFlag(parameters);
+  if (const Parameter *overflow = firstOverflow(parameters)) {
+    if (flag) showOverflow(*overflow);
+    return ZELKERR_Ueberlauf;
+  }
+  if (context) context->fehlermeldungen = flag;
+  return body(object, context);
+}
+
+} // namespace
+
+ZelkResult detail::run(const Export &self, std::span<const Parameter> parameters, Body body, void *object) noexcept {
+  try {
+    DirectoryGuard guard(self.connect);
+    if (self.refusesWhenDetached && detached()) return ZELKERR_Datenbank;
+    return runBody(self, parameters, body, object);
+  } catch (...) {
+    return ZELKERR_sonst;
+  }
+}
+
+int resultNameId(const Export &self, ZelkResult result) {
+  if (result < resources::kLeastResult || result > resources::kGreatestResult) return 0;
+  if (self.fetch && (result == 1 || result == 0)) return resources::kKeinDatensatz - result;
+  if (self.dialog && result == 0) return resources::kAbbruch;
+  if (self.companion != resources::kNoCompanion && result == -1) return self.companion;
+  return resources::nameId(result);
+}
+
+} // namespace frame

@@ -1,0 +1,48 @@
+#include "frame/context.h"
+
+#include <new>
+
+#include "platform/system.h"
+#include "vldb98/database.h"
+
+namespace frame {
+namespace {
+
+platform::ThreadSlot slot;
+
+void destroy(void *context) { delete static_cast<ThreadContext *>(context); }
+
+} // namespace
+
+vldb98::Store *ThreadContext::session() {
+  // A change of the database, or its end, concerns the sessions of all threads; each notices at its next call.
+  uint32_t now = vldb98::generation();
+  if (generation_ != now) {
+    session_.reset();
+    generation_ = now;
+  }
+  if (!session_) session_ = vldb98::openSession();
+  return session_.get();
+}
+
+ThreadContext *threadContext() {
+  if (auto *context = static_cast<ThreadContext *>(slot.get())) return context;
+  if (!slot.allocated()) return nullptr;
+  auto *context = new (std::nothrow) ThreadContext;
+  if (context && !slot.set(context)) {
+    delete context;
+    return nullptr;
+  }
+  return context;
+}
+
+bool allocateContextSlot() { return slot.allocated() || slot.allocate(destroy); }
+
+void freeContextSlot() { slot.free(); }
+
+void freeThreadContext() {
+  destroy(slot.get());
+  slot.set(nullptr);
+}
+
+} // namespace frame

@@ -1,0 +1,49 @@
+/// The state of a calling thread.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "vldb98/store.h"
+
+namespace frame {
+
+/// No shared fetch is running.
+constexpr int32_t kNoFetch = -1;
+
+/// The fetch that families of the shared kind have in common. The number of the data kind is the store's table number, so
+/// that a fetch function tells its own fetch from another one.
+struct SharedFetch {
+  int32_t kind = kNoFetch;
+  bool pending = false;       ///< record holds the next one to deliver
+  vldb98::FileNumber file = 0; ///< table and key of the walk
+  vldb98::DATENBANK record{};
+  int32_t client = 0;
+  char year[3] = ""; ///< open fiscal year of the walk
+};
+
+/// Created on first need, freed when the thread ends or the library is detached.
+struct ThreadContext {
+  int32_t fehlermeldungen = 0;       ///< messages flag of the running call
+  uint32_t clientOption = 0;         ///< option of the last read of client information
+  uint32_t clientCursor = 0;         ///< number of the next client of the client list; 0: no such fetch
+  SharedFetch fetch;
+  vldb98::BATCHBUCHUNG batchPosting{}; ///< posting under the cursor of the batch reading
+
+  /// The thread's session, opened on first need; null when the database cannot be opened.
+  vldb98::Store *session();
+
+private:
+  std::unique_ptr<vldb98::Store> session_;
+  uint32_t generation_ = 0;
+};
+
+/// The calling thread's context; null when there is none to be had.
+ThreadContext *threadContext();
+
+/// For attach and detach. \return false when the process has no thread-local slot left
+bool allocateContextSlot();
+void freeContextSlot();
+void freeThreadContext();
+
+} // namespace frame

@@ -1,0 +1,120 @@
+#include "frame/lifecycle.h"
+
+#include <mutex>
+
+#include "frame/context.h"
+#include "frame/settings.h"
+#include "platform/files.h"
+#include "platform/system.h"
+#include "sqlite/sqlite_connection.h"
+#include "vldb98/database.h"
+
+namespace frame {
+namespace {
+
+struct Lifecycle {
+  std::mutex mutex;
+  std::atomic<bool> attached{false};
+  std::atomic<ZelkResult> status{0};
+  std::atomic<bool> detached{false};
+  bool notificationLoaded = false;
+  ProgramSettings settings;
+};
+
+Lifecycle &lifecycle() {
+  static Lifecycle instance;
+  return instance;
+}
+
+std::string findProgramDirectory() {
+  struct Place {
+    const char *section, *key;
+    size_t size;
+  };
+  static constexpr Place places[] = {{"MFIBU", "ProgPfad98", 250}, {"MFIBU", "ProgPfad", 250}, {"ZELK", "ProgPfad", 260}};
+  for (const Place &place : places)
+    if (std::string path = setting(place.section, place.key, place.size); !path.empty()) return platform::withSeparator(path);
+  return "";
+}
+
+vldb98::DatabaseSettings databaseSettings(const std::string &programDirectory) {
+  vldb98::DatabaseSettings settings;
+  settings.directory = setting("ZELK", "DatenPfad", 260);
+  if (settings.directory.empty()) settings.directory = programDirectory + "DATEN";
+  settings.lockWait = std::chrono::milliseconds(numericSetting("ZELK", "Sperrwartezeit", 10000));
+  settings.openEmbedded = [](const std::string &path, std::chrono::milliseconds wait) {
+    return vldb98::openSqlite(path, {wait, false, true});
+  };
+  return settings;
+}
+
+void attach(Lifecycle &state, bool connect) {
+  platform::adoptUserLocale();
+  state.status = ZELKERR_Ini;
+  ProgramSettings &settings = state.settings;
+  settings = {};
+  settings.programDirectory = findProgramDirectory();
+  if (settings.programDirectory.empty()) return;
+  state.status = ZELKERR_Thread;
+  if (!allocateContextSlot()) return;
+  state.status = ZELKERR_Ini;
+  vldb98::VLDB_Attach(databaseSettings(settings.programDirectory));
+  // A database that cannot be opened now does not fail the attach: each call tries it again, and says so.
+  if (connect && vldb98::IsZELKMode())
+    vldb98::ConnectSQL(vldb98::kConnectSilently, vldb98::ZELK_ENG_DEFAULT, nullptr, nullptr, nullptr, 0, nullptr, nullptr);
+  settings.reportDirectory = setting("ZELK", "ReportPfad", 260);
+  if (settings.reportDirectory.empty()) settings.reportDirectory = setting("MFIBU", "ReportPfad", 260);
+  settings.totalRecall = setting("MFIBU", "TotalRecall", 3) == "98";
+  settings.noFiscalYearCheck = setting("MFIBU", "NoGejaCheck", 2) == "j";
+  state.status = ZELK_OK;
+}
+
+} // namespace
+
+ZelkResult initialisationStatus() { return lifecycle().status; }
+bool detached() { return lifecycle().detached; }
+void setDetached() { lifecycle().detached = true; }
+const ProgramSettings &programSettings() { return lifecycle().settings; }
+
+} // namespace frame
+
+using frame::lifecycle;
+
+int ZELK_CALL ZELK_Attach(bool connect) {
+  auto &state = lifecycle();
+  if (state.attached.load(std::memory_order_acquire)) return 1;
+  std::lock_guard guard(state.mutex);
+  if (state.attached) return 1;
+  try {
+    frame::attach(state, connect);
+    if (state.status == ZELK_OK) {
+      ZELK_InitDLLs();
+      state.notificationLoaded = true;
+    }
+  } catch (...) {
+    state.status = ZELKERR_Ini;
+  }
+  // A failed attach is not tried again either, until ZELK_Detach.
+  state.attached.store(true, std::memory_order_release);
+  return 1;
+}
+
+int ZELK_CALL ZELK_Detach() {
+  auto &state = lifecycle();
+  std::lock_guard guard(state.mutex);
+  if (!state.attached) return 1;
+  platform::releaseProcessInitialisation();
+  if (state.notificationLoaded) ZELK_FreeDLLs();
+  state.notificationLoaded = false;
+  frame::freeThreadContext();
+  frame::freeContextSlot();
+  vldb98::VLDB_Detach();
+  state.status = 0;
+  state.attached = false;
+  return 1;
+}
+
+ZelkResult ZELK_CALL ZELK_Status() {
+  ZelkResult status = frame::initialisationStatus();
+  return status < 0 ? status : ZELK_OK;
+}

@@ -1,0 +1,23 @@
+/// Messages to the user, and the refusal of a call.
+#pragma once
+
+#include <string_view>
+
+#include "resources/strings.h"
+#include "zelk98/zelk98.h"
+
+namespace frame {
+
+struct ThreadContext;
+
+/// Shows a message in the box style of its group, whatever the messages flag.
+/// \param fill    in place of the message's "%s"; Windows-1252
+/// \param partial index of the partial posting that the message is about, from 0; below 0: none
+/// \return the button pressed for a box with Yes, No and Cancel; else 1 for OK or Yes and 0 for Cancel or No
+int showMessage(int message, std::string_view fill = {}, int partial = -1);
+
+/// Refuses a call: shows the message when the call's messages flag is set, and returns the code.
+ZelkResult refuse(const ThreadContext &context, ZelkResult code, int message, std::string_view fill = {},
+                  int partial = -1);
+
+} // namespace frame

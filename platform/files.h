@@ -1,0 +1,34 @@
+/// Folders and paths. All texts are UTF-8.
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace platform {
+
+/// Separates the names of a path: '\\' on Windows, '/' elsewhere.
+extern const char kPathSeparator;
+
+/// The path with a separator at its end.
+std::string withSeparator(std::string path);
+
+/// The process's current directory; empty when it cannot be told.
+std::string currentDirectory();
+bool setCurrentDirectory(const std::string &path);
+
+bool isDirectory(const std::string &path);
+bool isFile(const std::string &path);
+
+/// True for a folder on another machine, where byte-range locks and shared memory are not to be relied on.
+bool isNetworkFolder(const std::string &path);
+
+/// Makes the folder and those above it. \return true also when it exists
+bool makeDirectories(const std::string &path);
+
+/// The path from the root of its volume; the path need not exist.
+std::string absolutePath(const std::string &path);
+
+/// The content of a file; nothing when it cannot be read.
+std::optional<std::string> readFile(const std::string &path);
+
+} // namespace platform

@@ -1,0 +1,25 @@
+/// The registry: named values under keys under two hives. On Windows the system's own; elsewhere one text file, its path
+/// $ZELK_SETTINGS, else ~/.config/velta/settings.ini, with one section for each hive and key. All texts are UTF-8.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace platform {
+
+enum class Hive { LocalMachine, CurrentUser };
+
+/// A text value. Nothing when it, or its key, is missing, is no text, or cannot be read.
+std::optional<std::string> readRegistry(Hive hive, const std::string &key, const std::string &name);
+
+/// Writes a text value and makes its key when missing. Writers exclude each other; readers never see half a write.
+bool writeRegistry(Hive hive, const std::string &key, const std::string &name, const std::string &value);
+
+/// The names of the values of a key.
+std::vector<std::string> registryValueNames(Hive hive, const std::string &key);
+
+/// How many keys lie directly under a key; 0 when it is missing.
+int registrySubkeyCount(Hive hive, const std::string &key);
+
+} // namespace platform

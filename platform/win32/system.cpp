@@ -1,0 +1,108 @@
+#include "platform/system.h"
+
+#include "platform/ui.h"
+#include "platform/win32/win32.h"
+
+#include <clocale>
+#include <mutex>
+#include <shellapi.h>
+#include <utility>
+
+namespace platform {
+namespace {
+
+class DesktopUi final : public Ui {
+public:
+  Button message(const std::string &caption, const std::string &text, BoxIcon icon, BoxButtons buttons) override {
+    UINT style = MB_SETFOREGROUND;
+    switch (icon) {
+    case BoxIcon::Information: style |= MB_ICONINFORMATION; break;
+    case BoxIcon::Exclamation: style |= MB_ICONEXCLAMATION; break;
+    case BoxIcon::Question: style |= MB_ICONQUESTION; break;
+    }
+    switch (buttons) {
+    case BoxButtons::Ok: style |= MB_OK; break;
+    case BoxButtons::OkCancel: style |= MB_OKCANCEL; break;
+    case BoxButtons::YesNo: style |= MB_YESNO; break;
+    case BoxButtons::YesNoCancel: style |= MB_YESNOCANCEL; break;
+    case BoxButtons::YesNoDefaultNo: style |= MB_YESNO | MB_DEFBUTTON2; break;
+    }
+    HCURSOR before = SetCursor(LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_ARROW)));
+    int pressed = MessageBoxW(GetActiveWindow(), toWide(text).c_str(), toWide(caption).c_str(), style);
+    SetCursor(before);
+    return Button(pressed);
+  }
+};
+
+// Slots whose pointers are to be cleaned up when a thread ends. More than one only when the library's parts are linked
+// into one program twice.
+struct CleanupEntry {
+  DWORD index;
+  ThreadSlot::Cleanup cleanup;
+};
+constexpr size_t kMaxSlots = 4;
+CleanupEntry cleanups[kMaxSlots];
+size_t cleanupCount = 0;
+
+} // namespace
+
+Ui &systemUi() {
+  static DesktopUi desktop;
+  return desktop;
+}
+
+bool ThreadSlot::allocate(Cleanup cleanup) {
+  DWORD index = cleanupCount < kMaxSlots ? TlsAlloc() : TLS_OUT_OF_INDEXES;
+  if (index == TLS_OUT_OF_INDEXES) return false;
+  cleanups[cleanupCount++] = {index, cleanup};
+  index_ = index;
+  return true;
+}
+
+void ThreadSlot::free() {
+  if (!allocated()) return;
+  for (size_t i = 0; i < cleanupCount; ++i)
+    if (cleanups[i].index == index_) cleanups[i] = cleanups[--cleanupCount];
+  TlsFree(index_);
+  index_ = kNone;
+}
+
+void *ThreadSlot::get() const { return allocated() ? TlsGetValue(index_) : nullptr; }
+bool ThreadSlot::set(void *value) { return allocated() && TlsSetValue(index_, value) != 0; }
+
+void runThreadCleanups() {
+  for (size_t i = 0; i < cleanupCount; ++i) {
+    void *value = TlsGetValue(cleanups[i].index);
+    if (!value) continue;
+    TlsSetValue(cleanups[i].index, nullptr);
+    cleanups[i].cleanup(value);
+  }
+}
+
+void adoptUserLocale() {
+  char language[100] = "";
+  if (GetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SENGLANGUAGE, language, int(sizeof language)) == 0) return;
+  std::setlocale(LC_CTYPE, language);
+  std::setlocale(LC_COLLATE, language);
+}
+
+void sleepMicroseconds(uint32_t microseconds) { Sleep((microseconds + 999) / 1000); }
+
+uint64_t steadyMilliseconds() { return GetTickCount64(); }
+
+std::vector<std::string> commandLine(int, char **) {
+  SetConsoleOutputCP(CP_UTF8);
+  int count = 0;
+  LPWSTR *wide = CommandLineToArgvW(GetCommandLineW(), &count);
+  std::vector<std::string> arguments;
+  for (int i = 0; i < count; ++i) arguments.push_back(fromWide(wide[i]));
+  LocalFree(wide);
+  return arguments;
+}
+
+bool errorIsTerminal() {
+  DWORD mode;
+  return GetConsoleMode(GetStdHandle(STD_ERROR_HANDLE), &mode) != 0;
+}
+
+} // namespace platform

@@ -1,0 +1,73 @@
+/// The German texts: names and long texts of the result codes, messages. All as UTF-8.
+#pragma once
+
+#include <string_view>
+
+namespace resources {
+
+constexpr int kLeastResult = -103;
+constexpr int kGreatestResult = 2;
+
+struct ResultTexts {
+  int code;
+  const char *name;
+  const char *text;
+};
+
+/// One row per code, from kGreatestResult down to kLeastResult.
+extern const ResultTexts kResultTexts[kGreatestResult - kLeastResult + 1];
+
+// Ids of the names that give an ambiguous code its meaning for one family of functions.
+enum CompanionName {
+  kNoCompanion = 0,
+  kKeineMandanten = 80,
+  kKeineStapel = 81,
+  kKeineKonten = 82,
+  kKeineZahlungsziele = 83,
+  kKeineKostenschablonen = 84,
+  kKeineSprachen = 85,
+  kAbbruch = 87,
+  kWeitererDatensatz = 89,
+  kKeinDatensatz = 90,
+};
+
+// Ids of the name and the long text of a result code.
+constexpr int nameId(int code) { return 100 - code; }
+constexpr int textId(int code) { return 300 - code; }
+
+/// Messages from 1000 on. A group of 200 shares one style of message box.
+enum Message {
+  kGibtEsNicht = 1408,
+  kIstUnzulaessig = 1410,
+  kKontoartUnzulaessig = 1413,
+  kSplitErsteBuchung = 1420,
+  kSplitEineSeite = 1421,
+  kSplitPersonenkonto = 1422,
+  kTeilbuchungsanzahl = 1423,
+  kBuchungsdatumUnzulaessig = 1424,
+  kValutadatumUnzulaessig = 1425,
+  kKoreStapel = 1426,
+  kEroeffnungEinKonto = 1427,
+  kEroeffnungSteuerfrei = 1428,
+  kEsrNurSchweiz = 1429,
+  kEsrFalsch = 1430,
+  kFremdwaehrungBasis = 1431,
+  kWaehrungNurBuchstaben = 1432,
+  kSollkontonummerUnzulaessig = 1433,
+  kHabenkontonummerUnzulaessig = 1434,
+  kBelegnummerFehlt = 1435,
+  kKontonummernGleich = 1436,
+  kSollkontoFalsch = 1437,
+  kHabenkontoFalsch = 1438,
+  kKeineSteuer = 1439,
+  kZahlungszielUnzulaessig = 1440,
+  kKostenschabloneFehlt = 1441,
+  kSortierungUnzulaessig = 1469,
+  kZelkoutStart = 1552,
+  kTextUeberlauf = 1608,
+};
+
+/// The text of a string id; empty where there is none.
+std::string_view text(int id);
+
+} // namespace resources

@@ -1,0 +1,49 @@
+/// Output for people: tables that line up, progress of long work.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace zelkctl {
+
+/// A table whose columns are as wide as their widest cell. All texts are UTF-8.
+class TextTable {
+public:
+  struct Column {
+    std::string title;
+    bool right = false; ///< numbers stand at the right
+  };
+  explicit TextTable(std::vector<Column> columns) : columns_(std::move(columns)) {}
+
+  void add(std::vector<std::string> cells) { rows_.push_back(std::move(cells)); }
+  size_t rows() const { return rows_.size(); }
+  void print() const;
+
+private:
+  std::vector<Column> columns_;
+  std::vector<std::vector<std::string>> rows_;
+};
+
+/// A line on the terminal that tells how far long work is; nothing where standard error is no terminal.
+class Progress {
+public:
+  Progress(std::string what, size_t total);
+  ~Progress();
+  Progress(const Progress &) = delete;
+  Progress &operator=(const Progress &) = delete;
+  void advance();
+
+private:
+  std::string what_;
+  size_t total_, done_ = 0;
+  int shown_ = -1;
+  bool visible_;
+};
+
+/// A text from the library, Windows-1252, as UTF-8 for the terminal.
+std::string shown(const char *text);
+
+/// Says what went wrong, on standard error.
+void complain(const std::string &text);
+
+} // namespace zelkctl

@@ -1,0 +1,98 @@
+// zelkctl: provisions books and drives the exports of zelk98 from a shell.
+#include <CLI/CLI.hpp>
+
+#include <functional>
+
+#include "platform/system.h"
+#include "zelkctl/verbs.h"
+
+namespace {
+
+// The option library speaks English; what people meet here is said in German.
+class GermanFormatter : public CLI::Formatter {
+public:
+  GermanFormatter() {
+    label("OPTIONS", "OPTIONEN");
+    label("Usage", "Aufruf");
+    label("Options", "Optionen");
+    label("Positionals", "Angaben");
+    label("Subcommands", "Befehle");
+    label("SUBCOMMAND", "BEFEHL");
+    label("REQUIRED", "(Pflicht)");
+    label("TEXT", "");
+    label("INT", "");
+    column_width(30);
+  }
+};
+
+std::string germanError(const CLI::App *app, const CLI::Error &error) {
+  std::string name = error.get_name(), text;
+  if (name == "RequiredError") text = "Es fehlt eine Angabe.";
+  else if (name == "ExtrasError") text = "Eine Angabe ist zu viel oder unbekannt.";
+  else if (name == "ConversionError") text = "Eine Angabe ist keine Zahl.";
+  else if (name == "ValidationError") text = "Eine Angabe liegt nicht im zulässigen Bereich.";
+  else text = "Die Angaben sind nicht vollständig.";
+  return text + " (" + error.what() + ")\nHilfe: " + app->get_name() + " --hilfe\n";
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+  using namespace zelkctl;
+  CLI::App app("Richtet Bücher ein und bedient die Schnittstelle zelk98.", "zelkctl");
+  app.set_help_flag("--hilfe,-h", "Diese Hilfe zeigen");
+  app.set_version_flag("--version", std::string("zelkctl ") + ZELK_VERSION, "Die Version zeigen");
+  app.formatter(std::make_shared<GermanFormatter>());
+  app.failure_message(germanError);
+  app.require_subcommand(1);
+
+  std::function<int()> chosen;
+  std::string path, kind = "sachkonten", from;
+  int32_t client = 0, batch = 0, code = 0, order = 0;
+  auto verb = [&](CLI::App &parent, const char *name, const char *what, std::function<int()> work) {
+    CLI::App *sub = parent.add_subcommand(name, what);
+    sub->callback([&chosen, work] { chosen = work; });
+    return sub;
+  };
+  auto clientOf = [&](CLI::App *sub) { sub->add_option("MANDANT", client, "Mandantennummer")->required(); };
+
+  verb(app, "einrichten", "Ein Programmverzeichnis mit leerer Datenbank anlegen und zum Verzeichnis der Schnittstelle machen",
+       [&] { return provision(path); })
+      ->add_option("VERZEICHNIS", path, "Das Programmverzeichnis")->required();
+  verb(app, "anlegen", "Einen Mandanten aus einem Ordner von CSV-Dateien anlegen", [&] { return createClient(path); })
+      ->add_option("ORDNER", path, "Der Ordner des Mandanten")->required();
+  verb(app, "mandanten", "Die Mandanten auflisten", [] { return listClients(); });
+
+  CLI::App *accounts = verb(app, "konten", "Die Konten eines Mandanten auflisten",
+                            [&] { return listAccounts(client, kind, order, from); });
+  clientOf(accounts);
+  accounts->add_option("--art", kind, "sachkonten (Vorgabe), kreditoren, debitoren oder kostenstellen")
+      ->check(CLI::IsMember({"sachkonten", "kreditoren", "debitoren", "kostenstellen"}));
+  accounts->add_option("--sortierung", order, "0 nach Nummer (Vorgabe), 1 nach Kürzel, 2 nach Name")->check(CLI::Range(0, 2));
+  accounts->add_option("--ab", from, "Erst ab diesem Wert der Sortierung");
+
+  CLI::App *batches = verb(app, "stapel", "Die Stapel eines Mandanten auflisten, oder die Buchungen eines Stapels", [&] {
+    return batch ? showBatch(client, batch) : listBatches(client);
+  });
+  clientOf(batches);
+  batches->add_option("STAPEL", batch, "Stapelnummer: dessen Buchungen zeigen");
+
+  CLI::App *postings = verb(app, "buchen", "Buchungen aus einer CSV-Datei in einen Stapel einfügen",
+                            [&] { return importPostings(client, batch, path); });
+  clientOf(postings);
+  postings->add_option("STAPEL", batch, "Stapelnummer")->required();
+  postings->add_option("DATEI", path, "Die CSV-Datei")->required();
+
+  verb(app, "fehlertext", "Name und Text eines Ergebniscodes zeigen", [&] { return showResultText(code); })
+      ->add_option("CODE", code, "Der Code, -103 bis 2")->required();
+
+  std::vector<std::string> arguments = platform::commandLine(argc, argv);
+  std::vector<const char *> pointers;
+  for (const std::string &argument : arguments) pointers.push_back(argument.c_str());
+  try {
+    app.parse(int(pointers.size()), pointers.data());
+  } catch (const CLI::ParseError &error) {
+    return app.exit(error) == 0 ? kDone : kFailed;
+  }
+  return chosen();
+}
