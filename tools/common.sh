@@ -3,6 +3,7 @@
 zelk_checkout=$(cd "${BASH_SOURCE[0]%/*}/.." && pwd -P)
 # What is fetched or made outside the checkout; cmake/Sqlite.cmake looks by the same rule.
 zelk_cache=${ZELK_CACHE:-${XDG_CACHE_HOME:-${HOME:?}/.cache}/zelk98}
+[[ $zelk_cache == /* ]] || { echo "ZELK_CACHE must be an absolute path, not \"$zelk_cache\"." >&2; exit 1; }
 zelk_log=$zelk_checkout/build/log/${0##*/}.log
 
 # die TEXT... - ends the script with a message, one argument per line.

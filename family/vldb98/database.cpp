@@ -84,9 +84,10 @@ bool IsDbOffen() {
 
 uint32_t generation() { return state().generation; }
 
-std::unique_ptr<Store> openSession() {
-  if (!IsDbOffen()) return nullptr;
-  auto engine = openEngine(settingsNow());
+std::unique_ptr<Store> openSession() { return IsDbOffen() ? openSession(settingsNow()) : nullptr; }
+
+std::unique_ptr<Store> openSession(const DatabaseSettings &settings) {
+  auto engine = openEngine(settings);
   if (!engine) return nullptr;
   EngineDecorator decorator;
   {

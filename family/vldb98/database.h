@@ -60,6 +60,9 @@ uint32_t generation();
 /// A new session for the calling thread; null when the database cannot be opened.
 std::unique_ptr<Store> openSession();
 
+/// The same in a database that need not be the process's.
+std::unique_ptr<Store> openSession(const DatabaseSettings &settings);
+
 /// For tests: applied to every engine that is opened from now on; empty ends it.
 void setEngineDecorator(EngineDecorator decorator);
 

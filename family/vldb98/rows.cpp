@@ -144,7 +144,8 @@ void bindKeyField(SqlStatement &statement, int parameter, const Field &field, co
 bool readColumn(SqlStatement &statement, int column, const Field &field, char *record) {
   char *at = record + field.offset;
   if (field.type < FieldType::Text) return storeNumber(field.type, statement.integer(column), at);
-  at[0] = 0;
+  // The whole field: what another record left behind the text would go into keys and to the caller.
+  std::memset(at, 0, field.size);
   switch (field.type) {
   case FieldType::Money: return statement.isNull(column) || vlba98::formatGeld(statement.integer(column), at, field.size - 1u);
   case FieldType::Year:

@@ -8,6 +8,8 @@
 
 namespace {
 
+const char kOptions[] = "Optionen";
+
 // The option library speaks English; what people meet here is said in German.
 class GermanFormatter : public CLI::Formatter {
 public:
@@ -26,13 +28,23 @@ public:
 };
 
 std::string germanError(const CLI::App *app, const CLI::Error &error) {
-  std::string name = error.get_name(), text;
-  if (name == "RequiredError") text = "Es fehlt eine Angabe.";
-  else if (name == "ExtrasError") text = "Eine Angabe ist zu viel oder unbekannt.";
-  else if (name == "ConversionError") text = "Eine Angabe ist keine Zahl.";
-  else if (name == "ValidationError") text = "Eine Angabe liegt nicht im zulässigen Bereich.";
-  else text = "Die Angaben sind nicht vollständig.";
-  return text + " (" + error.what() + ")\nHilfe: " + app->get_name() + " --hilfe\n";
+  // The option library names the option, or what was typed, in front of or behind its sentence.
+  struct Sentence {
+    const char *error, *german;
+  };
+  static constexpr Sentence sentences[] = {{"RequiredError", "Es fehlt eine Angabe"},
+                                           {"ExtrasError", "Eine Angabe ist unbekannt oder zu viel"},
+                                           {"ConversionError", "Eine Angabe ist keine Zahl"},
+                                           {"ValidationError", "Eine Angabe ist nicht zulässig"}};
+  std::string text = "Eine Angabe passt nicht", what = error.what();
+  for (const Sentence &sentence : sentences)
+    if (error.get_name() == sentence.error) text = sentence.german;
+  if (what == "A subcommand is required") what = "BEFEHL";
+  for (std::string_view english : {" is required", "The following argument was not expected: ",
+                                   "The following arguments were not expected: ", "Could not convert: "})
+    if (size_t at = what.find(english); at != std::string::npos) what.erase(at, english.size());
+  if (size_t at = what.find(" not in "); at != std::string::npos) what.replace(at, 8, "; zulässig: ");
+  return text + ": " + what + "\nHilfe: " + app->get_name() + " --hilfe\n";
 }
 
 } // namespace
@@ -40,8 +52,8 @@ std::string germanError(const CLI::App *app, const CLI::Error &error) {
 int main(int argc, char **argv) {
   using namespace zelkctl;
   CLI::App app("Richtet Bücher ein und bedient die Schnittstelle zelk98.", "zelkctl");
-  app.set_help_flag("--hilfe,-h", "Diese Hilfe zeigen");
-  app.set_version_flag("--version", std::string("zelkctl ") + ZELK_VERSION, "Die Version zeigen");
+  app.set_help_flag("--hilfe,-h", "Diese Hilfe zeigen")->group(kOptions);
+  app.set_version_flag("--version", std::string("zelkctl ") + ZELK_VERSION, "Die Version zeigen")->group(kOptions);
   app.formatter(std::make_shared<GermanFormatter>());
   app.failure_message(germanError);
   app.require_subcommand(1);
@@ -51,6 +63,8 @@ int main(int argc, char **argv) {
   int32_t client = 0, batch = 0, code = 0, order = 0;
   auto verb = [&](CLI::App &parent, const char *name, const char *what, std::function<int()> work) {
     CLI::App *sub = parent.add_subcommand(name, what);
+    sub->group("Befehle");
+    sub->get_help_ptr()->group(kOptions);
     sub->callback([&chosen, work] { chosen = work; });
     return sub;
   };
@@ -66,9 +80,10 @@ int main(int argc, char **argv) {
   CLI::App *accounts = verb(app, "konten", "Die Konten eines Mandanten auflisten",
                             [&] { return listAccounts(client, kind, order, from); });
   clientOf(accounts);
+  accounts->option_defaults()->group(kOptions);
   accounts->add_option("--art", kind, "sachkonten (Vorgabe), kreditoren, debitoren oder kostenstellen")
-      ->check(CLI::IsMember({"sachkonten", "kreditoren", "debitoren", "kostenstellen"}));
-  accounts->add_option("--sortierung", order, "0 nach Nummer (Vorgabe), 1 nach Kürzel, 2 nach Name")->check(CLI::Range(0, 2));
+      ->check(CLI::IsMember({"sachkonten", "kreditoren", "debitoren", "kostenstellen"}).description(""));
+  accounts->add_option("--sortierung", order, "0 nach Nummer (Vorgabe), 1 nach Kürzel, 2 nach Name")->check(CLI::Range(0, 2).description(""));
   accounts->add_option("--ab", from, "Erst ab diesem Wert der Sortierung");
 
   CLI::App *batches = verb(app, "stapel", "Die Stapel eines Mandanten auflisten, oder die Buchungen eines Stapels", [&] {

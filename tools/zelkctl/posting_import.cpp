@@ -129,15 +129,17 @@ private:
     }
     char name[50] = "", text[250] = "";
     ZELK_HoleFehlertext(result, name, text);
-    refuse(row, std::to_string(result), shown(name), meaning(result, text), fieldOf(result, posting));
+    refuse(row, std::to_string(result), shown(name), meaning(result, posting, text), fieldOf(result, posting));
     return result != ZELKERR_Datenbank && result != ZELKERR_Ini && result != ZELKERR_Thread && result != ZELKERR_uzl_Mandnr;
   }
 
-  // The code for a text that is too long shares its own text with account numbers, which is not what is meant here.
-  static std::string meaning(ZelkResult result, const char *text) {
+  // Where a code has several meanings, the one that is meant here.
+  static std::string meaning(ZelkResult result, const ZELK_BUCHUNG &posting, const char *text) {
     if (result == ZELKERR_Ueberlauf) return "Der Text ist zu lang für sein Feld.";
-    std::string firstLine = shown(text);
-    return firstLine.substr(0, firstLine.find('\n'));
+    if (result == ZELKERR_uzl_Kontonr && std::strcmp(posting.Sollkonto, posting.Habenkonto) == 0)
+      return "Soll- und Habenkontonummern sind gleich.";
+    std::string all = shown(text);
+    return all.substr(0, all.find('\n'));
   }
 
   static std::string fieldOf(ZelkResult result, const ZELK_BUCHUNG &posting) {

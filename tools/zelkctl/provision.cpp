@@ -34,8 +34,7 @@ std::unique_ptr<vldb98::Store> openStore(const std::string &directory, bool crea
   settings.openEmbedded = [create](const std::string &path, std::chrono::milliseconds wait) {
     return vldb98::openSqlite(path, {wait, create, true});
   };
-  vldb98::VLDB_Attach(settings);
-  return vldb98::openSession();
+  return vldb98::openSession(settings);
 }
 
 } // namespace

@@ -2,7 +2,7 @@
 #include "vlba98/geld.h"
 #include "vlba98/text.h"
 
-#include "base_longhand.h"
+#include "longhand.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,184 @@
+#include "support/books.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <map>
+#include <sstream>
+
+#include "sqlite/sqlite_connection.h"
+#include "support/process.h"
+#include "zelkctl/verbs.h"
+
+namespace test {
+namespace {
+
+using namespace vldb98;
+
+std::map<std::string, std::function<int(const std::string &)>> &roles() {
+  static std::map<std::string, std::function<int(const std::string &)>> instance;
+  return instance;
+}
+
+std::atomic<int> failing{0}, counted{0};
+
+class FaultyEngine final : public Engine {
+public:
+  explicit FaultyEngine(std::unique_ptr<Engine> inner) : inner_(std::move(inner)) {}
+
+  DBENGINE kind() const override { return inner_->kind(); }
+  void setScope(uint16_t client, int year) override { inner_->setScope(client, year); }
+  void setCurrent(int table, const DATENBANK &record) override { inner_->setCurrent(table, record); }
+  bool read(ReadOp op, FileNumber file, const SCHLUESSEL *key, const SCHLUESSEL *upper, DATENBANK *record,
+            bool &found) override {
+    found = false;
+    return !fails() && inner_->read(op, file, key, upper, record, found);
+  }
+  bool change(ChangeOp op, FileNumber file, DATENBANK *record) override {
+    return !fails() && inner_->change(op, file, record);
+  }
+  bool transaction(TransactionOp op, bool snapshot) override {
+    // A rollback cannot be refused; a commit that fails has rolled back.
+    if (op == TransactionOp::Rollback || !fails()) return inner_->transaction(op, snapshot);
+    if (op == TransactionOp::Commit) inner_->transaction(TransactionOp::Rollback, false);
+    return false;
+  }
+  int transactionDepth() const override { return inner_->transactionDepth(); }
+  bool table(TableOp op, int number) override { return !fails() && inner_->table(op, number); }
+  bool tableExists(int number, bool &exists) override { return !fails() && inner_->tableExists(number, exists); }
+  bool lock(const LockName &name, LockMode mode) override { return !fails() && inner_->lock(name, mode); }
+  void unlock(uint16_t client, int table, bool atOnce) override { inner_->unlock(client, table, atOnce); }
+  bool holdsLocks() const override { return inner_->holdsLocks(); }
+
+private:
+  static bool fails() { return ++counted == failing; }
+
+  std::unique_ptr<Engine> inner_;
+};
+
+} // namespace
+
+platform::Button Recorder::message(const std::string &caption, const std::string &text, platform::BoxIcon icon,
+                                   platform::BoxButtons buttons) {
+  shown.push_back({caption, text, icon, buttons});
+  if (answers.empty()) return platform::Button::Ok;
+  platform::Button answer = answers.front();
+  answers.erase(answers.begin());
+  return answer;
+}
+
+std::string Recorder::takeText() {
+  std::string all;
+  for (const Shown &box : shown) all += (all.empty() ? "" : " | ") + box.text;
+  shown.clear();
+  return all;
+}
+
+Environment::Environment() {
+  if (const char *given = std::getenv("ZELK_TEST_FOLDER")) {
+    folder_ = given;
+  } else {
+    static int count = 0;
+    folder_ = std::filesystem::temp_directory_path() /
+              ("zelk98-test-" + std::to_string(processId()) + "-" + std::to_string(++count));
+    std::filesystem::create_directories(folder_);
+    setEnvironment("ZELK_TEST_FOLDER", folder_.string());
+  }
+  isolateSettings(folder_.string());
+}
+
+Environment::~Environment() {
+  ZELK_Detach();
+  if (std::getenv("ZELK_TEST_CHILD")) return;
+  setEnvironment("ZELK_TEST_FOLDER", "");
+  dropSettings(folder_.string());
+  std::error_code ignored;
+  std::filesystem::remove_all(folder_, ignored);
+}
+
+void Environment::provision() {
+  ::testing::internal::CaptureStdout();
+  int code = zelkctl::provision((folder_ / "programm").string());
+  std::string output = ::testing::internal::GetCapturedStdout();
+  ASSERT_EQ(code, zelkctl::kDone) << output;
+}
+
+void Environment::load(const std::string &sample) {
+  ::testing::internal::CaptureStdout();
+  int code = zelkctl::createClient((sourceFolder() / "samples" / sample).string());
+  std::string output = ::testing::internal::GetCapturedStdout();
+  ASSERT_EQ(code, zelkctl::kDone) << output;
+}
+
+std::unique_ptr<Store> Environment::session(std::chrono::milliseconds lockWait) {
+  DatabaseSettings settings;
+  settings.directory = dataFolder().string();
+  settings.lockWait = lockWait;
+  settings.openEmbedded = [](const std::string &path, std::chrono::milliseconds wait) {
+    return openSqlite(path, {wait, false, true});
+  };
+  return openSession(settings);
+}
+
+std::filesystem::path sourceFolder() { return ZELK_SOURCE_FOLDER; }
+
+std::string dump(Store &store, uint16_t client, std::initializer_list<int> tables) {
+  std::ostringstream text;
+  uint8_t found = 0;
+  store.SetzeFista(client, found);
+  for (int number : tables) {
+    const Table *table = findTable(number);
+    DATENBANK record{};
+    int done = store.StepFirstExt(record, found, FileNumber(number), ZELK_ENG_DEFAULT);
+    while (done && found) {
+      text << table->name << ':' << std::string(record.bytes, table->recordSize) << '\n';
+      done = store.StepNextExt(record, found, FileNumber(number), ZELK_ENG_DEFAULT);
+    }
+    if (!done) text << "store failed\n";
+  }
+  return text.str();
+}
+
+int runChild(const std::string &role, const std::string &argument) { return runSelf(role, argument); }
+
+ChildRole::ChildRole(std::string name, std::function<int(const std::string &)> work) { roles()[name] = std::move(work); }
+
+ZELK_BUCHUNG validPosting() {
+  ZELK_BUCHUNG posting{};
+  posting.Mandantennummer = 1;
+  posting.Stapelnummer = 3;
+  posting.Sollart = posting.Habenart = ZELK_SACHKONTO;
+  put(posting.Belegdatum, "210126");
+  put(posting.Belegnummer, "B-1");
+  put(posting.Text, "Bareinzahlung");
+  put(posting.Sollkonto, "1200");
+  put(posting.Habenkonto, "1000");
+  put(posting.Bruttobetrag, "100,00");
+  return posting;
+}
+
+Faults::Faults() {
+  failAt(0);
+  setEngineDecorator([](std::unique_ptr<Engine> engine) { return std::make_unique<FaultyEngine>(std::move(engine)); });
+}
+
+Faults::~Faults() { setEngineDecorator({}); }
+
+void Faults::failAt(int n) {
+  failing = n;
+  counted = 0;
+}
+
+int Faults::operations() const { return counted; }
+
+} // namespace test
+
+int main(int argc, char **argv) {
+  test::rememberProgram(argv[0]);
+  if (const char *role = std::getenv("ZELK_TEST_CHILD")) {
+    const char *argument = std::getenv("ZELK_TEST_ARGUMENT");
+    auto work = test::roles().find(role);
+    return work == test::roles().end() ? 99 : work->second(argument ? argument : "");
+  }
+  ::testing::InitGoogleTest(&argc, argv);
+  return RUN_ALL_TESTS();
+}

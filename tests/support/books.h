@@ -1,0 +1,108 @@
+/// Books to test on: a program directory of the test's own, real databases, a recorder in place of the message boxes.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/ui.h"
+#include "vldb98/database.h"
+#include "vldb98/store.h"
+#include "zelk98/zelk98.h"
+
+namespace test {
+
+/// What a message box showed.
+struct Shown {
+  std::string caption, text; ///< UTF-8
+  platform::BoxIcon icon;
+  platform::BoxButtons buttons;
+};
+
+/// Records message boxes and answers them from a script, with OK when it has ended.
+class Recorder : public platform::Ui {
+public:
+  Recorder() { platform::setUi(this); }
+  ~Recorder() override { platform::setUi(nullptr); }
+  platform::Button message(const std::string &caption, const std::string &text, platform::BoxIcon icon,
+                           platform::BoxButtons buttons) override;
+
+  /// The text of the only message since the last call; "" for none, all of them joined by " | " for several.
+  std::string takeText();
+  std::vector<Shown> shown;
+  std::vector<platform::Button> answers;
+};
+
+/// A temporary folder and settings of the test's own (on Windows a registry of its own); no database yet.
+class Environment : public ::testing::Test {
+protected:
+  Environment();
+  ~Environment() override;
+
+  /// Makes the program directory with an empty database and lets the settings lead to it.
+  void provision();
+  /// Loads a client of the sample books ("musterhandel" is client 1, "alpenwerk" client 2).
+  void load(const std::string &sample);
+  /// A session below the exports, in the same database.
+  std::unique_ptr<vldb98::Store> session(std::chrono::milliseconds lockWait = std::chrono::seconds(10));
+
+  std::filesystem::path folder() const { return folder_; }
+  std::filesystem::path dataFolder() const { return folder_ / "programm" / "DATEN"; }
+  Recorder recorder;
+
+private:
+  std::filesystem::path folder_;
+};
+
+/// Provisioned books with both sample clients.
+class Books : public Environment {
+protected:
+  Books() {
+    provision();
+    load("musterhandel");
+    load("alpenwerk");
+  }
+};
+
+/// The project's folder, for tests that read its files.
+std::filesystem::path sourceFolder();
+
+/// All rows of a client's tables as text, to compare before and after a call that must change nothing.
+std::string dump(vldb98::Store &store, uint16_t client, std::initializer_list<int> tables);
+
+/// Runs this test program once more as another process that plays a role in the same books, and waits for it.
+/// \return its exit code
+int runChild(const std::string &role, const std::string &argument = "");
+
+/// Defines such a role: a function that returns the exit code.
+class ChildRole {
+public:
+  ChildRole(std::string name, std::function<int(const std::string &argument)> work);
+};
+
+/// A valid tax-free posting of client 1 into batch 3: 1200 to 1000, 100,00, 21.01.2026.
+ZELK_BUCHUNG validPosting();
+
+/// Puts a text into a field of a record; one that is too long fills the field without its end.
+template <size_t N> void put(char (&field)[N], const std::string &text) {
+  std::memset(field, 0, N);
+  std::memcpy(field, text.data(), std::min(N, text.size()));
+}
+
+/// Makes the n-th operation of every engine fail that is opened while it lives.
+class Faults {
+public:
+  Faults();
+  ~Faults();
+  Faults(const Faults &) = delete;
+  /// Fails operation n from now on, counting from 1; 0: none.
+  void failAt(int n);
+  /// Operations since the last failAt.
+  int operations() const;
+};
+
+} // namespace test

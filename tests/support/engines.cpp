@@ -1,0 +1,73 @@
+#include "support/engines.h"
+
+#include <ostream>
+
+#include "sqlite/sqlite_connection.h"
+
+namespace test {
+namespace {
+
+using namespace vldb98;
+
+DatabaseSettings embeddedIn(const std::filesystem::path &folder) {
+  DatabaseSettings settings;
+  settings.directory = folder.string();
+  // Power cuts are not tested, and waiting for the disk would be most of the time.
+  settings.openEmbedded = [](const std::string &path, std::chrono::milliseconds wait) {
+    return openSqlite(path, {wait, true, false});
+  };
+  return settings;
+}
+
+std::unique_ptr<SqlConnection> connectEmbedded(const DatabaseSettings &settings) {
+  return settings.openEmbedded(settings.directory + "/" + kDatabaseFile, settings.lockWait);
+}
+
+} // namespace
+
+const std::vector<EngineCase> &engines() {
+  static const std::vector<EngineCase> list = {
+      {"SQLite", ZELK_ENG_BTRIEVE, ZELK_ENG_MYSQL, [] { return std::string(); }, embeddedIn, connectEmbedded},
+  };
+  return list;
+}
+
+void PrintTo(const EngineCase &engine, std::ostream *stream) { *stream << engine.name; }
+
+void StoreTest::SetUp() {
+  if (std::string reason = GetParam().missing(); !reason.empty()) GTEST_SKIP() << GetParam().name << ": " << reason;
+  settings_ = GetParam().provide(folder());
+  store = openSession(settings_);
+  ASSERT_TRUE(store && createTables(*store));
+  for (uint16_t client : {1, 2}) {
+    FIRMENSTAMM master{};
+    master.Nummer = client;
+    put(master.AktJahr, "46");
+    master.Version = kDataVersion;
+    ASSERT_TRUE(store->SaveFista(master));
+    uint8_t found;
+    ASSERT_TRUE(store->SetzeFista(client, found) && found);
+    for (int16_t year : {2025, 2026}) {
+      DATENBANK record{};
+      record.Geschaeftsjahr.Jahr = year;
+      put(record.Geschaeftsjahr.Beginn, std::to_string(year - 1980) + "0101");
+      put(record.Geschaeftsjahr.Ende, std::to_string(year - 1980) + "1231");
+      ASSERT_TRUE(store->Insert(record, kGeschaeftsjahr, ZELK_ENG_DEFAULT));
+    }
+    DATENBANK batch{};
+    ASSERT_TRUE(store->Insert(batch, kStapel, ZELK_ENG_DEFAULT));
+  }
+  uint8_t found;
+  ASSERT_TRUE(store->SetzeFista(1, found) && found);
+}
+
+std::unique_ptr<Store> StoreTest::open(std::chrono::milliseconds lockWait) {
+  DatabaseSettings settings = settings_;
+  settings.lockWait = lockWait;
+  auto session = openSession(settings);
+  uint8_t found = 0;
+  if (!session || !session->SetzeFista(1, found) || !found) return nullptr;
+  return session;
+}
+
+} // namespace test

@@ -1,0 +1,75 @@
+#include "support/process.h"
+
+#include <cstdlib>
+#include <mutex>
+
+#include "platform/win32/win32.h"
+
+// Tests link the library's parts into their own program, which has no entry point of a library that would hear of
+// ending threads.
+static void NTAPI onThread(PVOID, DWORD reason, PVOID) {
+  if (reason == DLL_THREAD_DETACH) platform::runThreadCleanups();
+}
+extern "C" __attribute__((section(".CRT$XLC"), used)) const PIMAGE_TLS_CALLBACK zelkTestThreadCallback = onThread;
+
+namespace test {
+namespace {
+
+std::wstring keyOf(const std::string &folder) {
+  std::wstring name = platform::toWide(folder);
+  for (wchar_t &c : name)
+    if (c == L'\\' || c == L':') c = L'_';
+  return L"Software\\zelk98-test\\" + name;
+}
+
+} // namespace
+
+int processId() { return int(GetCurrentProcessId()); }
+
+void setEnvironment(const std::string &name, const std::string &value) { _putenv_s(name.c_str(), value.c_str()); }
+
+void isolateSettings(const std::string &folder) {
+  for (HKEY hive : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) {
+    RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
+    std::wstring path = keyOf(folder) + (hive == HKEY_LOCAL_MACHINE ? L"\\machine" : L"\\user");
+    HKEY key;
+    if (RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr) != 0) continue;
+    RegOverridePredefKey(hive, key);
+    RegCloseKey(key);
+  }
+}
+
+void dropSettings(const std::string &folder) {
+  RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
+  RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
+  RegDeleteTreeW(HKEY_CURRENT_USER, keyOf(folder).c_str());
+}
+
+void rememberProgram(const std::string &) {}
+
+int runSelf(const std::string &role, const std::string &argument) {
+  static std::mutex environmentInUse;
+  wchar_t path[1024];
+  GetModuleFileNameW(nullptr, path, 1024);
+  std::wstring command = L"\"" + std::wstring(path) + L"\"";
+  STARTUPINFOW startup{};
+  startup.cb = sizeof startup;
+  PROCESS_INFORMATION process{};
+  {
+    std::lock_guard guard(environmentInUse);
+    SetEnvironmentVariableA("ZELK_TEST_CHILD", role.c_str());
+    SetEnvironmentVariableA("ZELK_TEST_ARGUMENT", argument.c_str());
+    BOOL started = CreateProcessW(path, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process);
+    SetEnvironmentVariableA("ZELK_TEST_CHILD", nullptr);
+    SetEnvironmentVariableA("ZELK_TEST_ARGUMENT", nullptr);
+    if (!started) return -1;
+  }
+  WaitForSingleObject(process.hProcess, INFINITE);
+  DWORD code = 0;
+  GetExitCodeProcess(process.hProcess, &code);
+  CloseHandle(process.hThread);
+  CloseHandle(process.hProcess);
+  return int(code);
+}
+
+} // namespace test
