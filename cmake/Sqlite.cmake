@@ -25,7 +25,8 @@ target_compile_definitions(sqlite3 PRIVATE
   SQLITE_OMIT_LOAD_EXTENSION
   SQLITE_OMIT_SHARED_CACHE
   SQLITE_USE_ALLOCA)
-target_compile_options(sqlite3 PRIVATE -O2 -w)
+# Under the sanitizers compiled for time: it is the code around it that is looked at.
+target_compile_options(sqlite3 PRIVATE $<IF:$<BOOL:${ZELK_SANITIZE}>,-O1,-O2> -w -fno-sanitize=undefined)
 if(NOT WIN32)
   target_link_libraries(sqlite3 PRIVATE m)
 endif()

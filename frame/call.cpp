@@ -65,8 +65,9 @@ private:
 void showOverflow(const Parameter &parameter) {
   std::string text(resources::text(resources::kTextUeberlauf));
   auto *field = static_cast<const char *>(parameter.pointer);
-  text.replace(text.find("%s"), 2, vlba98::toUtf8(std::string_view(field, parameter.width)));
+  // The number first: the field's text may hold the mark.
   text.replace(text.find("%i"), 2, std::to_string(parameter.width - 1));
+  text.replace(text.find("%s"), 2, vlba98::toUtf8(std::string_view(field, parameter.width)));
   platform::ui().message("Velta MERKA FIBU", text, platform::BoxIcon::Exclamation, platform::BoxButtons::Ok);
 }
 

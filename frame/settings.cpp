@@ -20,7 +20,15 @@ const std::string kSettingsKey = "Software\\Velta\\settings\\";
 constexpr size_t kMaxSection = 100;
 constexpr size_t kNumberSize = 11;
 
-std::string sectionKey(const std::string &section) { return kSettingsKey + section.substr(0, kMaxSection); }
+// At most so many characters of a UTF-8 text.
+std::string firstCharacters(const std::string &utf8, size_t count) {
+  size_t end = 0;
+  for (; end < utf8.size(); ++end)
+    if ((uint8_t(utf8[end]) & 0xC0) != 0x80 && count-- == 0) break;
+  return utf8.substr(0, end);
+}
+
+std::string sectionKey(const std::string &section) { return kSettingsKey + firstCharacters(section, kMaxSection); }
 
 // Decided once for the process.
 bool userSpecific() {
@@ -79,7 +87,7 @@ uint32_t deliverNames(const std::string &section, char *buffer, uint32_t size) {
 
 std::string setting(const char *section, const char *key, size_t size) {
   auto value = read(section, key);
-  return value ? value->substr(0, size - 1) : "";
+  return value ? firstCharacters(*value, size - 1) : "";
 }
 
 int numericSetting(const char *section, const char *key, int missing) {

@@ -142,10 +142,12 @@ ZelkResult Insertion::checkSplitShape() {
   };
   bool sameDebit = sameThroughout(kDebit), sameCredit = sameThroughout(kCredit);
   if (!sameDebit && !sameCredit) return refuse(ZELKERR_uzl_Split, resources::kSplitEineSeite);
-  const Side &splitSide = sameDebit ? kCredit : kDebit;
-  for (int i = 0; i < count; ++i)
-    if (isPersonal(lines[i].*splitSide.kind)) return refuse(ZELKERR_uzl_Split, resources::kSplitPersonenkonto);
-  return ZELK_OK;
+  // Where both sides stay the same, either counts as the split one.
+  auto personalOn = [&](const Side &side) {
+    return std::any_of(lines, lines + count, [&](const ZELK_TEILBUCHUNG &line) { return isPersonal(line.*side.kind); });
+  };
+  bool admissible = (sameDebit && !personalOn(kCredit)) || (sameCredit && !personalOn(kDebit));
+  return admissible ? ZELK_OK : refuse(ZELKERR_uzl_Split, resources::kSplitPersonenkonto);
 }
 
 ZelkResult Insertion::checkPaymentTerm() {

@@ -41,7 +41,9 @@ void IsamEngine::setScope(uint16_t client, int year) {
   if (client == client_ && year == year_) return;
   for (const Table &table : allTables()) {
     bool concerned = table.scope != Scope::Global && (client != client_ || (table.scope == Scope::FiscalYear && year != year_));
-    if (concerned) tables_[size_t(table.number)].current.clear();
+    if (!concerned) continue;
+    tables_[size_t(table.number)].current.clear();
+    tables_[size_t(table.number)].rangeKey = -1;
   }
   client_ = client;
   year_ = year;

@@ -131,7 +131,8 @@ int Store::EndMultiInsert(FileNumber, DBENGINE engine) {
 
 int Store::LeereRelation(int file, DATENBANK *record, const char *client, const char *year) {
   if (record) *record = DATENBANK{};
-  if (client && *client) engine_->setScope(uint16_t(std::atoi(client)), year && *year ? std::atoi(year) : 0);
+  uint16_t number = client && *client ? uint16_t(std::atoi(client)) : client_.Nummer;
+  engine_->setScope(number, year && *year ? std::atoi(year) : openCalendarYear());
   int done = engine_->table(TableOp::Clear, tableOf(FileNumber(file)));
   applyScope();
   return done;

@@ -163,6 +163,7 @@ private:
   bool markBatch(int32_t batch);
   template <class Record> int readLines(FileNumber file, std::vector<Record> &lines, const BATCHBUCHUNG &posting);
   int deleteLines(FileNumber file, const BATCHBUCHUNG &posting);
+  int openCalendarYear() const; // 0: none
   void applyScope();
 
   std::unique_ptr<Engine> engine_;

@@ -16,7 +16,9 @@ int yearOf(const char *code) {
 
 } // namespace
 
-void Store::applyScope() { engine_->setScope(client_.Nummer, yearOf(openYear_)); }
+int Store::openCalendarYear() const { return yearOf(openYear_); }
+
+void Store::applyScope() { engine_->setScope(client_.Nummer, openCalendarYear()); }
 
 int Store::SetzeFista(uint16_t client, uint8_t &found) {
   DATENBANK record{};
@@ -46,6 +48,7 @@ int Store::GetExtFista(FISTA_EXT &extension, uint8_t &found) {
 }
 
 int Store::SetExtFista(const FISTA_EXT &extension) {
+  if (client_.Nummer == 0) return 0;
   DATENBANK record{};
   uint8_t found;
   if (!UsedGet(record, KeyBuilder().number(client_.Nummer), found, kFistaExt, ZELK_ENG_DEFAULT)) return 0;

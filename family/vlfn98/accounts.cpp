@@ -1,5 +1,6 @@
 #include "vlfn98/accounts.h"
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 
@@ -17,7 +18,8 @@ void KonvertKonto(char (&number)[8], int length) {
 
 int GetKostKontoKey(const char *number, int32_t dimension, const char *reference, vldb98::SCHLUESSEL &key) {
   vldb98::KeyBuilder builder;
-  builder.number(int16_t(dimension)).account(number);
+  // A dimension that does not fit is one that there is not.
+  builder.number(int16_t(std::clamp<int32_t>(dimension, INT16_MIN, INT16_MAX))).account(number);
   bool withReference = reference && *reference;
   if (withReference) builder.account(reference);
   key = builder;

@@ -1,5 +1,6 @@
 #include "support/books.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <map>
@@ -154,6 +155,45 @@ ZELK_BUCHUNG validPosting() {
   put(posting.Habenkonto, "1000");
   put(posting.Bruttobetrag, "100,00");
   return posting;
+}
+
+ZELK_SPLITBUCHUNG validSplit(int lines) {
+  ZELK_SPLITBUCHUNG posting{};
+  posting.Mandantennummer = 1;
+  posting.Stapelnummer = 3;
+  posting.Teilbuchungsanzahl = lines;
+  put(posting.Belegdatum, "210126");
+  put(posting.Belegnummer, "B-1");
+  static constexpr const char *credits[] = {"1000", "1010", "1210"};
+  for (int i = 0; i < std::min(lines, 10); ++i) {
+    ZELK_TEILBUCHUNG &line = posting.Teilbuchung[i];
+    line.Sollart = line.Habenart = ZELK_SACHKONTO;
+    put(line.Sollkonto, "1200");
+    put(line.Habenkonto, credits[i % 3]);
+    put(line.Bruttobetrag, std::to_string(100 + i) + ",00");
+    put(line.Text, "Teil " + std::to_string(i + 1));
+  }
+  return posting;
+}
+
+std::vector<ZELK_SPLITBUCHUNG> postingsOf(int32_t client, int32_t batch) {
+  std::vector<ZELK_SPLITBUCHUNG> all;
+  ZelkResult result = ZELK_InitHoleBatch(client, batch, 0);
+  while (result == ZELK_OK) {
+    ZELK_SPLITBUCHUNG posting;
+    result = ZELK_HoleBatch(&posting);
+    if (result > 0) all.push_back(posting);
+  }
+  EXPECT_GE(result, 0);
+  return all;
+}
+
+bool nothingLocked(Store &other, uint16_t client) {
+  uint8_t found = 0;
+  bool all = other.SetzeFista(client, found) && found;
+  for (int table : kLockedTables) all = all && other.Lock(FileNumber(table), nullptr, 0, ZELK_ENG_DEFAULT);
+  for (int table : kLockedTables) other.Unlock(FileNumber(table), 1, ZELK_ENG_DEFAULT);
+  return all;
 }
 
 Faults::Faults() {

@@ -87,6 +87,20 @@ public:
 /// A valid tax-free posting of client 1 into batch 3: 1200 to 1000, 100,00, 21.01.2026.
 ZELK_BUCHUNG validPosting();
 
+/// The same as a split posting: every line from 1200, to 1000, 1010, 1210, 1000 and so on, with 1,00 more each.
+ZELK_SPLITBUCHUNG validSplit(int lines);
+
+/// The postings of a batch as the exports deliver them.
+std::vector<ZELK_SPLITBUCHUNG> postingsOf(int32_t client, int32_t batch);
+
+/// The tables that an insertion locks.
+inline constexpr std::initializer_list<int> kLockedTables = {
+    vldb98::kKreditor,     vldb98::kDebitor, vldb98::kSachkonto, vldb98::kBatchbuchung,
+    vldb98::kSplit,        vldb98::kStapel,  vldb98::kKobu};
+
+/// Whether the session can lock all of them at once, so that nobody else holds one. It holds none afterwards.
+bool nothingLocked(vldb98::Store &other, uint16_t client);
+
 /// Puts a text into a field of a record; one that is too long fills the field without its end.
 template <size_t N> void put(char (&field)[N], const std::string &text) {
   std::memset(field, 0, N);

@@ -31,6 +31,7 @@ protected:
   void SetUp() override;
   /// A session of the database with client 1 open.
   std::unique_ptr<vldb98::Store> open(std::chrono::milliseconds lockWait = std::chrono::seconds(10));
+  std::unique_ptr<vldb98::Store> openWithoutClient() { return openSession(settings_); }
   std::unique_ptr<vldb98::SqlConnection> connect() { return GetParam().connect(settings_); }
 
   std::unique_ptr<vldb98::Store> store; ///< the test's own session

@@ -12,6 +12,17 @@ void setEnvironment(const std::string &name, const std::string &value);
 void isolateSettings(const std::string &folder);
 void dropSettings(const std::string &folder);
 
+/// Runs a program, with its standard output and standard error in a file. \param arguments with their quotes
+/// \return its exit code
+int runProgram(const std::string &program, const std::string &arguments, const std::string &output);
+
+/// Lets programs that this process starts find the same settings, for the rest of the process. \return false where that
+/// would touch the settings of a real installation
+bool shareSettings();
+
+/// Whether a library file exports a function.
+bool hasFunction(const std::string &library, const std::string &name);
+
 void rememberProgram(const std::string &program);
 /// Starts this program again with ZELK_TEST_CHILD and ZELK_TEST_ARGUMENT set, waits for it and returns its exit code.
 int runSelf(const std::string &role, const std::string &argument);

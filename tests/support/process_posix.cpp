@@ -1,6 +1,7 @@
 #include "support/process.h"
 
 #include <cstdlib>
+#include <dlfcn.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -24,6 +25,18 @@ void isolateSettings(const std::string &folder) { setEnvironment("ZELK_SETTINGS"
 void dropSettings(const std::string &) {}
 
 void rememberProgram(const std::string &path) { program = path; }
+
+int runProgram(const std::string &path, const std::string &arguments, const std::string &output) {
+  int status = std::system(("'" + path + "' " + arguments + " >'" + output + "' 2>&1 </dev/null").c_str());
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+bool shareSettings() { return true; }
+
+bool hasFunction(const std::string &library, const std::string &name) {
+  void *handle = ::dlopen(library.c_str(), RTLD_NOW | RTLD_LOCAL);
+  return handle && ::dlsym(handle, name.c_str());
+}
 
 int runSelf(const std::string &role, const std::string &argument) {
   std::string roleEntry = "ZELK_TEST_CHILD=" + role, argumentEntry = "ZELK_TEST_ARGUMENT=" + argument;

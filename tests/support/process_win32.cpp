@@ -47,6 +47,41 @@ void dropSettings(const std::string &folder) {
 
 void rememberProgram(const std::string &) {}
 
+int runProgram(const std::string &program, const std::string &arguments, const std::string &output) {
+  SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
+  HANDLE file = CreateFileW(platform::toWide(output).c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherited,
+                            CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  STARTUPINFOW startup{};
+  startup.cb = sizeof startup;
+  startup.dwFlags = STARTF_USESTDHANDLES;
+  startup.hStdOutput = startup.hStdError = file;
+  PROCESS_INFORMATION process{};
+  std::wstring command = platform::toWide("\"" + program + "\" " + arguments);
+  BOOL started = CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process);
+  CloseHandle(file);
+  if (!started) return -1;
+  WaitForSingleObject(process.hProcess, INFINITE);
+  DWORD code = 0;
+  GetExitCodeProcess(process.hProcess, &code);
+  CloseHandle(process.hThread);
+  CloseHandle(process.hProcess);
+  return int(code);
+}
+
+bool shareSettings() {
+  if (!GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version")) return false;
+  RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
+  RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
+  RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"Software\\Velta");
+  RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Velta");
+  return true;
+}
+
+bool hasFunction(const std::string &library, const std::string &name) {
+  HMODULE module = LoadLibraryW(platform::toWide(library).c_str());
+  return module && GetProcAddress(module, name.c_str());
+}
+
 int runSelf(const std::string &role, const std::string &argument) {
   static std::mutex environmentInUse;
   wchar_t path[1024];

@@ -56,6 +56,7 @@ int main(int argc, char **argv) {
   app.set_version_flag("--version", std::string("zelkctl ") + ZELK_VERSION, "Die Version zeigen")->group(kOptions);
   app.formatter(std::make_shared<GermanFormatter>());
   app.failure_message(germanError);
+  app.allow_windows_style_options(false); // "/" begins a path
   app.require_subcommand(1);
 
   std::function<int()> chosen;
