@@ -18,9 +18,11 @@ namespace {
 // call; hosts that call from several threads share it, as they share the current directory itself.
 class DatabaseDirectory {
 public:
-  std::string get() const {
+  /// Becomes the directory when there is none yet. \return the directory, empty when it is the given one
+  std::string differentFrom(const std::string &current) {
     std::lock_guard guard(mutex_);
-    return path_;
+    if (path_.empty()) path_ = current;
+    return path_ == current ? std::string() : path_;
   }
   void set(const std::string &path) {
     std::lock_guard guard(mutex_);
@@ -28,7 +30,7 @@ public:
   }
 
 private:
-  mutable std::mutex mutex_;
+  std::mutex mutex_;
   std::string path_;
 };
 
@@ -44,9 +46,8 @@ public:
     ZELK_Attach(connect);
     if (!vldb98::IsZELKMode()) return;
     saved_ = platform::currentDirectory();
-    std::string known = databaseDirectory().get();
-    if (known.empty()) databaseDirectory().set(saved_);
-    else if (known != saved_) platform::setCurrentDirectory(known);
+    if (std::string known = databaseDirectory().differentFrom(saved_); !known.empty())
+      platform::setCurrentDirectory(known);
   }
   ~DirectoryGuard() {
     if (saved_.empty()) return;
