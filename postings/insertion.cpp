@@ -24,15 +24,21 @@ bool isPersonal(int32_t kind) { return kind == ZELK_KREDITOR || kind == ZELK_DEB
 // One side of a posting line, so that debit and credit need no code of their own.
 struct Side {
   char (ZELK_TEILBUCHUNG::*account)[8];
-  int32_t ZELK_TEILBUCHUNG::*kind;
+  size_t kindOffset; // lines are packed: a pointer to the member would have to be aligned
   int unknownMessage; // of the first look at the accounts
   ZelkResult wrongCode;
   int wrongMessage;
+
+  int32_t kind(const ZELK_TEILBUCHUNG &line) const {
+    int32_t value;
+    std::memcpy(&value, reinterpret_cast<const char *>(&line) + kindOffset, sizeof value);
+    return value;
+  }
 };
 
-constexpr Side kDebit{&ZELK_TEILBUCHUNG::Sollkonto, &ZELK_TEILBUCHUNG::Sollart, resources::kSollkontonummerUnzulaessig,
-                      ZELKERR_uzl_Sollkontonr, resources::kSollkontoFalsch};
-constexpr Side kCredit{&ZELK_TEILBUCHUNG::Habenkonto, &ZELK_TEILBUCHUNG::Habenart,
+constexpr Side kDebit{&ZELK_TEILBUCHUNG::Sollkonto, offsetof(ZELK_TEILBUCHUNG, Sollart),
+                      resources::kSollkontonummerUnzulaessig, ZELKERR_uzl_Sollkontonr, resources::kSollkontoFalsch};
+constexpr Side kCredit{&ZELK_TEILBUCHUNG::Habenkonto, offsetof(ZELK_TEILBUCHUNG, Habenart),
                        resources::kHabenkontonummerUnzulaessig, ZELKERR_uzl_Habenkontonr, resources::kHabenkontoFalsch};
 constexpr const Side *kSides[] = {&kDebit, &kCredit};
 
@@ -105,12 +111,12 @@ ZelkResult Insertion::replaceOpeningAccounts() {
     bool debitEmpty = isEmpty(line.Sollkonto), creditEmpty = isEmpty(line.Habenkonto);
     if (debitEmpty == creditEmpty) return refuse(ZELKERR_uzl_Kontonr, resources::kEroeffnungEinKonto, {}, i);
     const Side &replaced = debitEmpty ? kDebit : kCredit, &given = debitEmpty ? kCredit : kDebit;
-    int32_t kind = line.*given.kind;
+    int32_t kind = given.kind(line);
     const char *balanceForward = kind == ZELK_KREDITOR  ? client.VortragKred
                                  : kind == ZELK_DEBITOR ? client.VortragDebi
                                                         : client.VortragSako;
     vlba98::strncpy2(line.*replaced.account, balanceForward);
-    line.*replaced.kind = ZELK_SACHKONTO;
+    (debitEmpty ? line.Sollart : line.Habenart) = ZELK_SACHKONTO;
   }
   return ZELK_OK;
 }
@@ -144,7 +150,7 @@ ZelkResult Insertion::checkSplitShape() {
   if (!sameDebit && !sameCredit) return refuse(ZELKERR_uzl_Split, resources::kSplitEineSeite);
   // Where both sides stay the same, either counts as the split one.
   auto personalOn = [&](const Side &side) {
-    return std::any_of(lines, lines + count, [&](const ZELK_TEILBUCHUNG &line) { return isPersonal(line.*side.kind); });
+    return std::any_of(lines, lines + count, [&](const ZELK_TEILBUCHUNG &line) { return isPersonal(side.kind(line)); });
   };
   bool admissible = (sameDebit && !personalOn(kCredit)) || (sameCredit && !personalOn(kDebit));
   return admissible ? ZELK_OK : refuse(ZELKERR_uzl_Split, resources::kSplitPersonenkonto);
@@ -219,7 +225,7 @@ ZelkResult Insertion::checkLine(int index) {
   for (const Side *side : kSides) {
     bool valid = false;
     // Kind 0 stands for "not looked at" below, and is no kind of an account here.
-    int32_t kind = line.*side->kind ? line.*side->kind : -1;
+    int32_t kind = side->kind(line) ? side->kind(line) : -1;
     if (ZelkResult result = lookUpAccount(line.*side->account, kind, valid); result != ZELK_OK) return result;
     if (!valid) return refuse(side->wrongCode, side->wrongMessage, {}, index);
   }

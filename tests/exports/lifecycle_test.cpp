@@ -64,6 +64,7 @@ TEST_F(Lifecycle, WithoutSettingsNothingWorksUntilDetached) {
   EXPECT_EQ(ZELK_Attach(true), 1);
   EXPECT_EQ(ZELK_Status(), ZELKERR_Ini);
   EXPECT_EQ(ZELK_Detach(), 1);
+  EXPECT_EQ(ZELK_Status(), ZELK_OK) << "the failure is forgotten";
   EXPECT_EQ(ZELK_InitHoleMandant(), ZELKERR_keine_Mandanten);
   EXPECT_EQ(ZELK_Status(), ZELK_OK);
 }

@@ -61,13 +61,24 @@ void StoreTest::SetUp() {
   ASSERT_TRUE(store->SetzeFista(1, found) && found);
 }
 
-std::unique_ptr<Store> StoreTest::open(std::chrono::milliseconds lockWait) {
-  DatabaseSettings settings = settings_;
+namespace {
+
+std::unique_ptr<Store> openFirstClient(DatabaseSettings settings, std::chrono::milliseconds lockWait) {
   settings.lockWait = lockWait;
   auto session = openSession(settings);
   uint8_t found = 0;
-  if (!session || !session->SetzeFista(1, found) || !found) return nullptr;
-  return session;
+  return session && session->SetzeFista(1, found) && found ? std::move(session) : nullptr;
+}
+
+} // namespace
+
+std::unique_ptr<Store> StoreTest::open(std::chrono::milliseconds lockWait) { return openFirstClient(settings_, lockWait); }
+
+std::unique_ptr<Store> openBeside(const std::string &engine, const std::filesystem::path &folder,
+                                  std::chrono::milliseconds lockWait) {
+  for (const EngineCase &known : engines())
+    if (known.name == engine) return openFirstClient(known.provide(folder), lockWait);
+  return nullptr;
 }
 
 } // namespace test

@@ -25,6 +25,11 @@ struct EngineCase {
 const std::vector<EngineCase> &engines();
 void PrintTo(const EngineCase &engine, std::ostream *stream);
 
+/// Another session of the database that a StoreTest made in the folder, for a process that it started: client 1 open.
+/// \param engine name of the test's engine
+std::unique_ptr<vldb98::Store> openBeside(const std::string &engine, const std::filesystem::path &folder,
+                                          std::chrono::milliseconds lockWait);
+
 /// A database with all tables, the clients 1 and 2 with the fiscal years 2025 and 2026 (current), and batch 1 of each.
 class StoreTest : public Environment, public ::testing::WithParamInterface<EngineCase> {
 protected:

@@ -1,6 +1,7 @@
 /// What the tests need of the system: processes, environment, settings of their own.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace test {
@@ -22,6 +23,13 @@ bool shareSettings();
 
 /// Whether a library file exports a function.
 bool hasFunction(const std::string &library, const std::string &name);
+
+/// From now on no file of this process can be written beyond so many bytes, as on a full disk; 0: as far as it was.
+/// \return false where the system has no such limit
+bool limitFileSize(uint64_t bytes);
+
+/// Lets this process, for the rest of its life, be a user whom write protection stops. \return false where there is none
+bool becomeOrdinaryUser();
 
 void rememberProgram(const std::string &program);
 /// Starts this program again with ZELK_TEST_CHILD and ZELK_TEST_ARGUMENT set, waits for it and returns its exit code.

@@ -1,8 +1,10 @@
 #include "support/process.h"
 
+#include <csignal>
 #include <cstdlib>
 #include <dlfcn.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -23,6 +25,19 @@ void setEnvironment(const std::string &name, const std::string &value) {
 
 void isolateSettings(const std::string &folder) { setEnvironment("ZELK_SETTINGS", folder + "/settings.ini"); }
 void dropSettings(const std::string &) {}
+
+bool limitFileSize(uint64_t bytes) {
+  ::signal(SIGXFSZ, SIG_IGN);
+  struct rlimit limit {};
+  ::getrlimit(RLIMIT_FSIZE, &limit);
+  limit.rlim_cur = bytes ? bytes : limit.rlim_max;
+  return ::setrlimit(RLIMIT_FSIZE, &limit) == 0;
+}
+
+bool becomeOrdinaryUser() {
+  constexpr uid_t kNobody = 65534;
+  return ::geteuid() != 0 || (::setgid(kNobody) == 0 && ::setuid(kNobody) == 0);
+}
 
 void rememberProgram(const std::string &path) { program = path; }
 

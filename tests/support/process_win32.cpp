@@ -45,6 +45,9 @@ void dropSettings(const std::string &folder) {
   RegDeleteTreeW(HKEY_CURRENT_USER, keyOf(folder).c_str());
 }
 
+bool limitFileSize(uint64_t) { return false; }
+bool becomeOrdinaryUser() { return false; }
+
 void rememberProgram(const std::string &) {}
 
 int runProgram(const std::string &program, const std::string &arguments, const std::string &output) {

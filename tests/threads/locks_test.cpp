@@ -1,0 +1,175 @@
+// Locks between sessions of several threads and processes.
+#include <atomic>
+#include <cstdlib>
+#include <future>
+#include <thread>
+
+#include "support/engines.h"
+
+namespace test {
+namespace {
+
+using namespace vldb98;
+
+constexpr DBENGINE kDefault = ZELK_ENG_DEFAULT;
+constexpr std::chrono::milliseconds kShort{20};
+
+struct Taking {
+  const char *what;
+  uint16_t client; ///< the one that is open
+  std::function<int(Store &)> take;
+};
+
+const Taking kTable{"table", 1, [](Store &s) { return s.Lock(kSachkonto, nullptr, 0, kDefault); }};
+const Taking kTableByOtherKey{"table through another key", 1, [](Store &s) { return s.Lock(fileNumber(kSachkonto, 1), nullptr, 0, kDefault); }};
+const Taking kTableOfClient2{"table of client 2", 2, kTable.take};
+const Taking kOtherTable{"other table", 1, [](Store &s) { return s.Lock(kDebitor, nullptr, 0, kDefault); }};
+const Taking kArea{"area", 1, [](Store &s) { return s.Lock(kSachkonto, "Saldo", 0, kDefault); }};
+const Taking kText{"resource by text", 1, [](Store &s) { return s.LockRes(kSachkonto, 1, "7", 0, 0, kDefault); }};
+const Taking kNumber{"resource by number", 1, [](Store &s) { return s.LockRes(kSachkonto, 1, 7, 0, 0, kDefault); }};
+const Taking kOtherNumber{"other number", 1, [](Store &s) { return s.LockRes(kSachkonto, 1, 8, 0, 0, kDefault); }};
+const Taking kNumberOfClient2{"number of client 2", 2, [](Store &s) { return s.LockRes(kSachkonto, 2, 7, 0, 0, kDefault); }};
+const Taking kExtern{"resource from outside", 1, [](Store &s) { return s.LockResExtern("7", kSachkonto, kDefault); }};
+const Taking kExternByClient2{"the same by client 2", 2, kExtern.take};
+const Taking kPass{"passing through", 1, [](Store &s) { return s.Lock(kSachkonto, nullptr, 1, kDefault); }};
+const Taking kSelector{"reading with a selector", 1, [](Store &s) {
+  DATENBANK record{};
+  uint8_t found;
+  return s.GetFirstExt(record, found, kSachkonto, kDefault, 5);
+}};
+const Taking kPlainRead{"plain reading", 1, [](Store &s) {
+  DATENBANK record{};
+  uint8_t found;
+  return s.GetFirstExt(record, found, kSachkonto, kDefault, 0);
+}};
+
+class LockTest : public StoreTest {
+protected:
+  /// What another thread's session answers, waiting only briefly.
+  bool elsewhere(const Taking &taking) {
+    return std::async(std::launch::async, [&] {
+             auto session = open(kShort);
+             uint8_t found;
+             return session && session->SetzeFista(taking.client, found) && taking.take(*session);
+           }).get();
+  }
+};
+
+TEST_P(LockTest, ExcludeOthersFromTheSameThingOnly) {
+  struct Row {
+    const Taking &held, &wanted;
+    bool had;
+  };
+  const Row rows[] = {{kTable, kTable, false},       {kTable, kTableByOtherKey, false}, {kTable, kTableOfClient2, true},
+                      {kTable, kOtherTable, true},   {kTable, kNumber, true},           {kTable, kPass, false},
+                      {kTable, kSelector, false},    {kTable, kPlainRead, true},        {kArea, kArea, false},
+                      {kArea, kTable, true},         {kArea, kSelector, true},          {kText, kNumber, false},
+                      {kNumber, kOtherNumber, true}, {kNumber, kNumberOfClient2, true}, {kNumber, kExtern, true},
+                      {kNumber, kTable, true},       {kExtern, kExternByClient2, false}, {kPass, kTable, true},
+                      {kSelector, kTable, true}};
+  for (const Row &row : rows) {
+    SCOPED_TRACE(std::string("held: ") + row.held.what + ", wanted: " + row.wanted.what);
+    ASSERT_TRUE(row.held.take(*store));
+    EXPECT_EQ(elsewhere(row.wanted), row.had);
+    ASSERT_TRUE(store->Unlock(kSachkonto, 1, kDefault));
+    EXPECT_FALSE(store->HaeltSperren());
+    EXPECT_TRUE(elsewhere(row.wanted)) << "after the release";
+  }
+}
+
+TEST_P(LockTest, AreCounted) {
+  ASSERT_TRUE(kTable.take(*store) && kTable.take(*store));
+  // Passing through one's own lock neither waits nor counts.
+  ASSERT_TRUE(kPass.take(*store));
+  ASSERT_TRUE(store->Unlock(kSachkonto, 1, kDefault));
+  EXPECT_FALSE(elsewhere(kTable));
+  ASSERT_TRUE(store->Unlock(kSachkonto, 1, kDefault));
+  EXPECT_TRUE(elsewhere(kTable));
+  EXPECT_TRUE(store->Unlock(kSachkonto, 1, kDefault)) << "nothing is held any more";
+}
+
+TEST_P(LockTest, WaitingEndsWhenTheHolderLetsGo) {
+  for (const Taking *wanted : {&kTable, &kPass, &kSelector}) {
+    SCOPED_TRACE(wanted->what);
+    ASSERT_TRUE(kTable.take(*store));
+    std::promise<void> waits;
+    auto waiter = std::async(std::launch::async, [&] {
+      auto session = open(std::chrono::seconds(60));
+      waits.set_value();
+      return session && wanted->take(*session);
+    });
+    waits.get_future().wait();
+    EXPECT_FALSE(elsewhere(kTable)) << "the waiting one must not have taken it away";
+    ASSERT_TRUE(store->Unlock(kSachkonto, 1, kDefault));
+    EXPECT_TRUE(waiter.get());
+  }
+}
+
+TEST_P(LockTest, EndWithTheirSession) {
+  {
+    auto holder = open();
+    ASSERT_TRUE(holder && kTable.take(*holder) && kNumber.take(*holder) && kExtern.take(*holder));
+    // Also the sessions of one thread exclude each other.
+    auto second = open(kShort);
+    EXPECT_FALSE(kTable.take(*second));
+  }
+  for (const Taking *taking : {&kTable, &kNumber, &kExtern}) EXPECT_TRUE(elsewhere(*taking)) << taking->what;
+}
+
+struct ChildFolder : Environment {
+  void TestBody() override {}
+  using Environment::folder;
+};
+
+ChildRole dyingHolder("die-with-locks", [](const std::string &engine) {
+  ChildFolder child;
+  auto holder = openBeside(engine, child.folder(), kShort);
+  if (!holder || !kTable.take(*holder) || !kNumber.take(*holder) || !holder->Transaktion(1, 0, kDefault)) return 1;
+  DATENBANK record{};
+  put(record.Sachkonto.Nr, "9999   ");
+  if (!holder->Insert(record, kSachkonto, kDefault)) return 2;
+  // Held until here, though the parent cannot see it.
+  auto other = openBeside(engine, child.folder(), kShort);
+  if (!other || kTable.take(*other)) return 3;
+  std::_Exit(42);
+  return 0;
+});
+
+TEST_P(LockTest, EndWithTheirProcess) {
+  ASSERT_EQ(runChild("die-with-locks", GetParam().name), 42);
+  EXPECT_TRUE(kTable.take(*store));
+  EXPECT_TRUE(kNumber.take(*store));
+  // And so does what it had begun to write.
+  uint8_t found;
+  EXPECT_TRUE(store->Used(KeyBuilder().account("9999"), found, kSachkonto, kDefault));
+  EXPECT_FALSE(found);
+  DATENBANK record{};
+  put(record.Sachkonto.Nr, "9999   ");
+  EXPECT_TRUE(store->Insert(record, kSachkonto, kDefault));
+}
+
+TEST_P(LockTest, LetOneInAtATime) {
+  constexpr int kThreads = 4, kRounds = 50;
+  std::atomic<int> inside{0}, intrusions{0}, entered{0};
+  auto work = [&] {
+    auto session = open(std::chrono::seconds(60));
+    for (int i = 0; session && i < kRounds; ++i) {
+      if (!kTable.take(*session)) break;
+      intrusions += inside.fetch_add(1) != 0;
+      std::this_thread::yield();
+      ++entered;
+      --inside;
+      session->Unlock(kSachkonto, 1, kDefault);
+    }
+  };
+  std::vector<std::thread> threads;
+  for (int i = 0; i < kThreads; ++i) threads.emplace_back(work);
+  for (std::thread &thread : threads) thread.join();
+  EXPECT_EQ(intrusions, 0);
+  EXPECT_EQ(entered, kThreads * kRounds);
+}
+
+ZELK_ON_ALL_ENGINES(LockTest);
+
+} // namespace
+} // namespace test

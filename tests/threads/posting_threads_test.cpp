@@ -1,0 +1,132 @@
+// Several threads and processes at the exports at once.
+#include <atomic>
+#include <barrier>
+#include <map>
+#include <set>
+#include <thread>
+
+#include "support/books.h"
+
+namespace test {
+namespace {
+
+constexpr int kPerWriter = 20;
+
+/// Posts under document numbers of the writer's own. \return how many were accepted
+int postAs(const std::string &writer) {
+  int accepted = 0;
+  for (int i = 1; i <= kPerWriter; ++i) {
+    ZELK_BUCHUNG posting = validPosting();
+    put(posting.Belegnummer, writer + "-" + std::to_string(i));
+    accepted += ZELK_BuchungEinfuegen(&posting, 0) == ZELK_OK;
+  }
+  return accepted;
+}
+
+struct ChildBooks : Environment {
+  void TestBody() override {}
+};
+
+ChildRole poster("post", [](const std::string &writer) {
+  ChildBooks books;
+  return postAs(writer) == kPerWriter ? 0 : 1;
+});
+
+using PostingThreads = Books;
+
+TEST_F(PostingThreads, EveryPostingIsThereOnce) {
+  std::atomic<int> accepted{0}, children{0};
+  std::vector<std::thread> writers;
+  for (const char *name : {"T1", "T2", "T3", "T4"})
+    writers.emplace_back([&, name] { accepted += postAs(name); });
+  for (const char *name : {"P1", "P2"})
+    writers.emplace_back([&, name] { children += runChild("post", name) == 0; });
+  for (std::thread &writer : writers) writer.join();
+  EXPECT_EQ(accepted, 4 * kPerWriter);
+  EXPECT_EQ(children, 2);
+
+  std::set<std::string> expected, documents;
+  for (const char *name : {"T1", "T2", "T3", "T4", "P1", "P2"})
+    for (int i = 1; i <= kPerWriter; ++i) expected.insert(std::string(name) + "-" + std::to_string(i));
+  auto store = session();
+  ASSERT_TRUE(store);
+  uint8_t found;
+  ASSERT_TRUE(store->SetzeFista(1, found) && found);
+  vldb98::BATCHBUCHUNG posting{};
+  int32_t number = 0;
+  std::map<std::string, int32_t> lastOfWriter;
+  for (;;) {
+    ASSERT_TRUE(store->ReadBat(posting, 3, number + 1, found));
+    if (!found) break;
+    ASSERT_EQ(posting.Nr, ++number) << "a gap";
+    EXPECT_TRUE(documents.insert(posting.Belegnummer).second) << posting.Belegnummer << " is there twice";
+    EXPECT_EQ(store->SplitAnzahl(), 1u) << posting.Belegnummer;
+    // Each writer's postings keep their order.
+    std::string writer = std::string(posting.Belegnummer).substr(0, 2);
+    int32_t own = std::stoi(std::string(posting.Belegnummer).substr(3));
+    EXPECT_EQ(own, ++lastOfWriter[writer]) << posting.Belegnummer;
+  }
+  EXPECT_EQ(documents, expected);
+}
+
+TEST_F(PostingThreads, EndedThreadsLeaveNothingOpen) {
+  auto openFiles = [&] {
+    std::string names;
+    for (const auto &entry : std::filesystem::directory_iterator(dataFolder()))
+      if (entry.path().filename() != vldb98::kDatabaseFile && entry.path().filename() != vldb98::kLockFile)
+        names += entry.path().filename().string() + " ";
+    return names;
+  };
+  std::vector<std::thread> threads;
+  for (const char *name : {"A", "B"})
+    threads.emplace_back([name] {
+      ZELK_BUCHUNG posting = validPosting();
+      put(posting.Belegnummer, name);
+      EXPECT_EQ(ZELK_BuchungEinfuegen(&posting, 0), ZELK_OK);
+      // Abandoned in the middle.
+      EXPECT_EQ(ZELK_InitHoleKonto(1, ZELK_SACHKONTO, 0, nullptr, 0), ZELK_OK);
+      ZELK_SAKO account;
+      EXPECT_EQ(ZELK_HoleSako(&account), ZELK_OK);
+    });
+  for (std::thread &thread : threads) thread.join();
+  // The write-ahead log is there as long as a session is.
+  EXPECT_EQ(openFiles(), "");
+  auto store = session(std::chrono::milliseconds(0));
+  ASSERT_TRUE(store);
+  EXPECT_NE(openFiles(), "");
+  uint8_t found;
+  ASSERT_TRUE(store->SetzeFista(1, found) && found);
+  for (const vldb98::Table &table : vldb98::allTables())
+    EXPECT_TRUE(store->Lock(vldb98::FileNumber(table.number), nullptr, 0, vldb98::ZELK_ENG_DEFAULT)) << table.name;
+}
+
+TEST_F(PostingThreads, ClientListsDoNotDisturbEachOther) {
+  constexpr int kRounds = 20;
+  // One step of each thread in turn, the second one a step behind.
+  std::barrier turn(2);
+  auto walk = [&](int behind) {
+    std::string codes;
+    for (int i = 0; i < behind; ++i) turn.arrive_and_wait();
+    for (int i = 0; i < kRounds; ++i) {
+      uint32_t first = 0, second = 0;
+      codes += std::to_string(ZELK_InitHoleMandant());
+      turn.arrive_and_wait();
+      codes += std::to_string(ZELK_HoleMandant(&first, nullptr, nullptr)) + std::to_string(first);
+      turn.arrive_and_wait();
+      codes += std::to_string(ZELK_HoleMandant(&second, nullptr, nullptr)) + std::to_string(second) + " ";
+      turn.arrive_and_wait();
+    }
+    for (int i = behind; i < 1; ++i) turn.arrive_and_wait();
+    return codes;
+  };
+  std::string expected, ahead, behind;
+  for (int i = 0; i < kRounds; ++i) expected += "11122 ";
+  std::thread other([&] { behind = walk(1); });
+  ahead = walk(0);
+  other.join();
+  EXPECT_EQ(ahead, expected);
+  EXPECT_EQ(behind, expected);
+}
+
+} // namespace
+} // namespace test
