@@ -42,18 +42,9 @@ int keyIndex(int table, int32_t order) {
   return table == kSachkonto ? 5 : table == kKost ? 3 : 4;
 }
 
-template <size_t N> void copyTrimmed(char (&target)[N], const char *source) {
-  vlba98::strncpy2(target, vlba98::trimmed(source));
-}
-
-void external(char (&target)[7], const char *reversed) {
-  auto date = vlba98::fromReversed(reversed);
-  vlba98::strncpy2(target, date ? vlba98::toExternal6(*date).data() : "");
-}
-
 void fill(ZELK_SAKO &out, const SACHKONTO &account) {
   out = {};
-  copyTrimmed(out.Kontonummer, account.Nr);
+  vlba98::copyTrimmed(out.Kontonummer, account.Nr);
   vlba98::strncpy2(out.Kuerzel, account.Kuerzel);
   vlba98::strncpy2(out.Name, account.Name);
   out.GuV = account.GuV;
@@ -66,7 +57,7 @@ void fill(ZELK_SAKO &out, const SACHKONTO &account) {
 
 void fill(ZELK_PEKO &out, const PERSONENKONTO &account) {
   out = {};
-  copyTrimmed(out.Kontonummer, account.Nr);
+  vlba98::copyTrimmed(out.Kontonummer, account.Nr);
   vlba98::strncpy2(out.Kuerzel, account.Kuerzel);
   vlba98::strncpy2(out.Name, account.Name);
   vlba98::strncpy2(out.Zusatz, account.Zusatz);
@@ -82,7 +73,7 @@ void fill(ZELK_PEKO &out, const PERSONENKONTO &account) {
   vlba98::strncpy2(out.BIC, account.BIC);
   vlba98::strncpy2(out.Waehrung, account.Waehrung);
   out.Zahlungsziel = account.Zahlungsziel;
-  copyTrimmed(out.Sammelkonto, account.Sammelkonto);
+  vlba98::copyTrimmed(out.Sammelkonto, account.Sammelkonto);
   vlba98::strncpy2(out.Kreditlimit, account.Kreditlimit);
   out.Mahnkennziffer = account.Mahnkennziffer;
   out.Gesperrt = account.Gesperrt;
@@ -90,13 +81,13 @@ void fill(ZELK_PEKO &out, const PERSONENKONTO &account) {
 
 void fill(ZELK_KOST &out, const KOST &centre) {
   out = {};
-  copyTrimmed(out.Kontonummer, centre.Nr);
+  vlba98::copyTrimmed(out.Kontonummer, centre.Nr);
   out.Dimension = centre.Dimension;
-  copyTrimmed(out.Kostref, centre.Kostref);
+  vlba98::copyTrimmed(out.Kostref, centre.Kostref);
   vlba98::strncpy2(out.Kuerzel, centre.Kuerzel);
   vlba98::strncpy2(out.Name, centre.Name);
-  external(out.LaufzeitVon, centre.LaufzeitVon);
-  external(out.LaufzeitBis, centre.LaufzeitBis);
+  vlba98::reversedToExternal6(out.LaufzeitVon, centre.LaufzeitVon);
+  vlba98::reversedToExternal6(out.LaufzeitBis, centre.LaufzeitBis);
 }
 
 template <class Out, class Record>

@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "frame/call.h"
+#include "vlba98/datum.h"
 #include "vlba98/text.h"
 #include "vlfn98/client.h"
 
@@ -18,18 +19,13 @@ template <class Work> ZelkResult withClient(ThreadContext &context, int64_t clie
   return opened <= 0 ? opened : work(*store);
 }
 
-int32_t yearOf(const char *code) {
-  int value = vlba98::twotoi(code);
-  return value < 0 ? 0 : vlba98::firstYear + value;
-}
-
 template <size_t N> void copyWithoutBlanks(char (&target)[N], const char (&source)[N]) {
   std::memcpy(target, source, N);
   vlba98::KillSpaces(target);
 }
 
 void fill(ZELK_MANDANTENINFO &info, const FIRMENSTAMM &client) {
-  info.AktuellesJahr = yearOf(client.AktJahr);
+  info.AktuellesJahr = vlba98::yearOfCode(client.AktJahr);
   info.Gejabeginn = client.Gejabeginn;
   if (client.Kontenrahmen >= 0 && client.Kontenrahmen <= 6) info.Kontenrahmen = client.Kontenrahmen;
   info.Istversteuerer = client.Istversteuerer;
@@ -156,7 +152,7 @@ ZelkResult ZELK_CALL ZELK_HoleStartJahr(int32_t Mandantennummer) {
   return run(self, {number("Mandantennummer:", Mandantennummer)}, [&](ThreadContext *context) {
     return withClient(*context, Mandantennummer, [](Store &store) -> ZelkResult {
       const FIRMENSTAMM &client = store.HoleFista();
-      return yearOf(client.StartJahr[0] ? client.StartJahr : client.AktJahr);
+      return vlba98::yearOfCode(client.StartJahr[0] ? client.StartJahr : client.AktJahr);
     });
   });
 }

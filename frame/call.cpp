@@ -49,12 +49,15 @@ public:
     if (std::string known = databaseDirectory().differentFrom(saved_); !known.empty())
       platform::setCurrentDirectory(known);
   }
-  ~DirectoryGuard() {
+  ~DirectoryGuard() try {
     if (saved_.empty()) return;
     std::string now = platform::currentDirectory();
     if (now == saved_) return;
     databaseDirectory().set(now);
     platform::setCurrentDirectory(saved_);
+  } catch (...) {
+    // Out of memory: a function-try-block of a destructor would throw on without the return.
+    return;
   }
   DirectoryGuard(const DirectoryGuard &) = delete;
   DirectoryGuard &operator=(const DirectoryGuard &) = delete;
@@ -69,7 +72,7 @@ void showOverflow(const Parameter &parameter) {
   // The number first: the field's text may hold the mark.
   text.replace(text.find("%i"), 2, std::to_string(parameter.width - 1));
   text.replace(text.find("%s"), 2, vlba98::toUtf8(std::string_view(field, parameter.width)));
-  platform::ui().message("Velta MERKA FIBU", text, platform::BoxIcon::Exclamation, platform::BoxButtons::Ok);
+  platform::ui().message(kMessageCaption, text, platform::BoxIcon::Exclamation, platform::BoxButtons::Ok);
 }
 
 // \return the first field whose text does not end within its width
@@ -106,6 +109,8 @@ ZelkResult detail::run(const Export &self, std::span<const Parameter> parameters
     if (self.refusesWhenDetached && detached()) return ZELKERR_Datenbank;
     return runBody(self, parameters, body, object);
   } catch (...) {
+    // Wherever the call was torn off, a transaction or a lock may be left.
+    if (ThreadContext *context = threadContext()) context->closeSession();
     return ZELKERR_sonst;
   }
 }

@@ -15,7 +15,7 @@ void destroy(void *context) { delete static_cast<ThreadContext *>(context); }
 } // namespace
 
 vldb98::Store *ThreadContext::session() {
-  // A change of the database, or its end, concerns the sessions of all threads; each notices at its next call.
+  // A change of the database concerns the sessions of all threads; each notices at its next call.
   uint32_t now = vldb98::generation();
   if (generation_ != now) {
     session_.reset();

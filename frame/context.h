@@ -33,6 +33,9 @@ struct ThreadContext {
   /// The thread's session, opened on first need; null when the database cannot be opened.
   vldb98::Store *session();
 
+  /// Closes the session: what it had begun is rolled back, what it had locked is free.
+  void closeSession() { session_.reset(); }
+
 private:
   std::unique_ptr<vldb98::Store> session_;
   uint32_t generation_ = 0;

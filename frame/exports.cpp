@@ -58,6 +58,8 @@ ZelkResult ZELK_CALL ZELK_SQLDeInit() {
   static constexpr Export self{.name = "ZELK_SQLDeInit", .needsContext = false};
   return run(self, {}, [](ThreadContext *) -> ZelkResult {
     vldb98::DeinitializeDB();
+    // The sessions of other threads close when those threads end.
+    if (ThreadContext *own = threadContext()) own->closeSession();
     setDetached();
     return ZELK_OK;
   });

@@ -40,8 +40,8 @@ std::string findProgramDirectory() {
 vldb98::DatabaseSettings databaseSettings(const std::string &programDirectory) {
   vldb98::DatabaseSettings settings;
   settings.directory = setting("ZELK", "DatenPfad", 260);
-  if (settings.directory.empty()) settings.directory = programDirectory + "DATEN";
-  settings.lockWait = std::chrono::milliseconds(numericSetting("ZELK", "Sperrwartezeit", 10000));
+  if (settings.directory.empty()) settings.directory = programDirectory + vldb98::kDataFolder;
+  settings.lockWait = std::chrono::milliseconds(positiveSetting("ZELK", "Sperrwartezeit", 10000));
   settings.openEmbedded = [](const std::string &path, std::chrono::milliseconds wait) {
     return vldb98::openSqlite(path, {wait, false, true});
   };
@@ -64,6 +64,7 @@ void attach(Lifecycle &state, bool connect) {
     vldb98::ConnectSQL(vldb98::kConnectSilently, vldb98::ZELK_ENG_DEFAULT, nullptr, nullptr, nullptr, 0, nullptr, nullptr);
   settings.reportDirectory = setting("ZELK", "ReportPfad", 260);
   if (settings.reportDirectory.empty()) settings.reportDirectory = setting("MFIBU", "ReportPfad", 260);
+  if (!settings.reportDirectory.empty()) settings.reportDirectory = platform::withSeparator(settings.reportDirectory);
   settings.totalRecall = setting("MFIBU", "TotalRecall", 3) == "98";
   settings.noFiscalYearCheck = setting("MFIBU", "NoGejaCheck", 2) == "j";
   state.status = ZELK_OK;
@@ -83,19 +84,20 @@ using frame::lifecycle;
 int ZELK_CALL ZELK_Attach(bool connect) {
   auto &state = lifecycle();
   if (state.attached.load(std::memory_order_acquire)) return 1;
-  std::lock_guard guard(state.mutex);
-  if (state.attached) return 1;
-  try {
-    frame::attach(state, connect);
-    if (state.status == ZELK_OK) {
-      ZELK_InitDLLs();
-      state.notificationLoaded = true;
+  {
+    std::lock_guard guard(state.mutex);
+    if (state.attached) return 1;
+    try {
+      frame::attach(state, connect);
+    } catch (...) {
+      state.status = ZELKERR_Ini;
     }
-  } catch (...) {
-    state.status = ZELKERR_Ini;
+    state.notificationLoaded = state.status == ZELK_OK;
+    // A failed attach is not tried again either, until ZELK_Detach.
+    state.attached.store(true, std::memory_order_release);
   }
-  // A failed attach is not tried again either, until ZELK_Detach.
-  state.attached.store(true, std::memory_order_release);
+  // Without the mutex: it may show a message box, under which the host can call again.
+  if (state.status == ZELK_OK) ZELK_InitDLLs();
   return 1;
 }
 

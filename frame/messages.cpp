@@ -13,7 +13,6 @@ using platform::BoxButtons;
 using platform::BoxIcon;
 using platform::Button;
 
-constexpr char kCaption[] = "Velta MERKA FIBU";
 constexpr int kFirstMessage = 1000;
 constexpr int kGroupSize = 200;
 
@@ -47,7 +46,7 @@ int showMessage(int message, std::string_view fill, int partial) {
   }
   replaceOnce(text, "%s", vlba98::toUtf8(fill));
   if (partial >= 0) text = "Teilbuchung " + std::to_string(partial + 1) + ": " + text;
-  Button pressed = platform::ui().message(kCaption, text, style.icon, style.buttons);
+  Button pressed = platform::ui().message(kMessageCaption, text, style.icon, style.buttons);
   if (style.buttons == BoxButtons::YesNoCancel) return int(pressed);
   return pressed == Button::Ok || pressed == Button::Yes;
 }

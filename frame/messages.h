@@ -10,6 +10,9 @@ namespace frame {
 
 struct ThreadContext;
 
+/// Title of the library's message boxes.
+inline constexpr char kMessageCaption[] = "Velta MERKA FIBU";
+
 /// Shows a message in the box style of its group, whatever the messages flag.
 /// \param fill    in place of the message's "%s"; Windows-1252
 /// \param partial index of the partial posting that the message is about, from 0; below 0: none

@@ -1,7 +1,7 @@
 #include "frame/settings.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <charconv>
 #include <cstdlib>
 #include <cstring>
 #include <optional>
@@ -90,14 +90,18 @@ std::string setting(const char *section, const char *key, size_t size) {
   return value ? firstCharacters(*value, size - 1) : "";
 }
 
-int numericSetting(const char *section, const char *key, int missing) {
+int positiveSetting(const char *section, const char *key, int missing) {
   std::string value = setting(section, key, kNumberSize);
-  return value.empty() ? missing : std::atoi(value.c_str());
+  int number = 0;
+  auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), number);
+  return error == std::errc() && *end == 0 && number > 0 ? number : missing;
 }
 
+namespace {
 bool writeSetting(const std::string &section, const std::string &key, const std::string &value) {
   return platform::writeRegistry(userSpecific() ? Hive::CurrentUser : Hive::LocalMachine, sectionKey(section), key, value);
 }
+} // namespace
 
 } // namespace frame
 
@@ -119,12 +123,14 @@ uint32_t ZELK_CALL MFGetPrivateProfileString(const char *Section, const char *Ke
   return 0;
 }
 
-int32_t ZELK_CALL MFGetPrivateProfileInt(const char *Section, const char *Key, int32_t Default, const char *File) {
-  char text[frame::kNumberSize + 1];
-  char missing[frame::kNumberSize + 1];
-  std::snprintf(missing, sizeof missing, "%d", Default);
-  MFGetPrivateProfileString(Section, Key, missing, text, frame::kNumberSize, File);
-  return int32_t(std::strtol(text, nullptr, 10));
+int32_t ZELK_CALL MFGetPrivateProfileInt(const char *Section, const char *Key, int32_t Default, const char *) try {
+  if (!Section || !Key) return Default;
+  auto value = frame::read(frame::fromCodePage(Section), frame::fromCodePage(Key));
+  if (!value) return Default;
+  long long number = std::strtoll(value->substr(0, frame::kNumberSize - 1).c_str(), nullptr, 10);
+  return int32_t(std::clamp<long long>(number, INT32_MIN, INT32_MAX));
+} catch (...) {
+  return Default;
 }
 
 int32_t ZELK_CALL MFWritePrivateProfileString(const char *Section, const char *Key, const char *Value, const char *) try {

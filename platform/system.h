@@ -36,8 +36,8 @@ private:
   uint32_t index_ = kNone;
 };
 
-/// Takes over the user's language for the runtime's character types and collation, where the runtime is the library's
-/// own. (Elsewhere the runtime belongs to the host, whose settings stay as they are.)
+/// Takes over the user's language for the C runtime's character types and collation on Windows, as hosts there are used
+/// to. Elsewhere the host's settings stay as they are.
 void adoptUserLocale();
 
 /// Ends what the load of the library initialised for the process (COM on Windows); does nothing a second time.

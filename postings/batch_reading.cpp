@@ -14,20 +14,12 @@ using namespace vldb98;
 
 namespace {
 
-template <size_t N> void copyTrimmed(char (&target)[N], const char *source) {
-  vlba98::strncpy2(target, vlba98::trimmed(source));
-}
-
-void external(char (&target)[7], const char *reversed) {
-  if (auto date = vlba98::fromReversed(reversed)) vlba98::strncpy2(target, vlba98::toExternal6(*date).data());
-}
-
 void fill(ZELK_TEILBUCHUNG &line, const SPLIT &stored) {
   line.Sollart = vlfn98::KontoArtToZELKKontoArt(stored.Sollart);
   line.Habenart = vlfn98::KontoArtToZELKKontoArt(stored.Habenart);
   line.Kostenschablone = stored.Kostenschablone;
-  copyTrimmed(line.Sollkonto, stored.Sollkonto);
-  copyTrimmed(line.Habenkonto, stored.Habenkonto);
+  vlba98::copyTrimmed(line.Sollkonto, stored.Sollkonto);
+  vlba98::copyTrimmed(line.Habenkonto, stored.Habenkonto);
   vlba98::strncpy2(line.Bruttobetrag, stored.Brutto);
   vlba98::strncpy2(line.Steuersatz, stored.Steuersatz);
   vlba98::strncpy2(line.Steuerbetrag, stored.Steuerbetrag);
@@ -45,8 +37,8 @@ int fill(ZELK_SPLITBUCHUNG &out, Store &store, const BATCHBUCHUNG &posting) {
   out.Eroeffnungsbuchung = posting.Eroeffnung;
   out.Abschlussbuchung = posting.Abschluss;
   out.Umbuchung = posting.Umbuchung;
-  external(out.Belegdatum, posting.Belegdatum);
-  external(out.Valutadatum, posting.Valutadatum);
+  vlba98::reversedToExternal6(out.Belegdatum, posting.Belegdatum);
+  vlba98::reversedToExternal6(out.Valutadatum, posting.Valutadatum);
   vlba98::strncpy2(out.Belegnummer, posting.Belegnummer);
   vlba98::strncpy2(out.OPBelegnummer, posting.OPBelegnummer);
   vlba98::strncpy2(out.Waehrung, posting.Waehrung);

@@ -1,7 +1,6 @@
 #include "postings/insertion.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstring>
 
 #include "frame/lifecycle.h"
@@ -132,7 +131,10 @@ ZelkResult Insertion::checkPaymentSlip() {
 
 ZelkResult Insertion::registerDocument() {
   if (isEmpty(request_.DMSID)) return ZELK_OK;
-  return vlfn98::DmsInsertDmsID(store_, request_.DMSID, posting_.DMSNr) ? ZELK_OK : ZELKERR_Datenbank;
+  int32_t number;
+  if (!vlfn98::DmsInsertDmsID(store_, request_.DMSID, number)) return ZELKERR_Datenbank;
+  posting_.DMSNr = number;
+  return ZELK_OK;
 }
 
 ZelkResult Insertion::checkSplitShape() {

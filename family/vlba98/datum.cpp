@@ -177,4 +177,14 @@ bool IncMonat(char *reversed) {
   return true;
 }
 
+void reversedToExternal6(char (&external)[7], std::string_view reversed) {
+  auto date = fromReversed(reversed);
+  strncpy2(external, date ? toExternal6(*date).data() : "");
+}
+
+int yearOfCode(const char *code) {
+  int number = twotoi(code);
+  return number < 0 ? 0 : firstYear + number;
+}
+
 } // namespace vlba98

@@ -81,4 +81,10 @@ bool ReverseDatum(char *text);
 /// to the end of a shorter month. \return false, and the text unchanged, when it is no such date or leaves the range
 bool IncMonat(char *reversed);
 
+/// A stored date (reversed) as callers get it (external6); empty for an empty or unreadable one.
+void reversedToExternal6(char (&external)[7], std::string_view reversed);
+
+/// The calendar year of a year code of two digits; 0 for any other text, the empty one included.
+int yearOfCode(const char *code);
+
 } // namespace vlba98

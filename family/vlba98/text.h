@@ -53,6 +53,11 @@ template <std::size_t N> bool strncpy2(char (&target)[N], std::string_view sourc
   return strncpy2(target, source, N);
 }
 
+/// The same without the blanks in front and behind: a key field for a caller.
+template <std::size_t N> bool copyTrimmed(char (&target)[N], std::string_view source) {
+  return strncpy2(target, trimmed(source), N);
+}
+
 /// The value of the first two characters, 0 to 99; -1 when they are not two digits.
 int twotoi(const char *text);
 

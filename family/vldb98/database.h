@@ -23,6 +23,7 @@ struct DatabaseSettings {
 };
 
 /// File names of the embedded database inside its directory.
+inline constexpr char kDataFolder[] = "DATEN"; ///< below the program directory
 inline constexpr char kDatabaseFile[] = "MERKA.DB";
 inline constexpr char kLockFile[] = "MERKA.LCK";
 

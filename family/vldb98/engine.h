@@ -71,9 +71,9 @@ public:
   virtual bool tableExists(int number, bool &exists) = 0;
 
   virtual bool lock(const LockName &name, LockMode mode) = 0;
-  /// Releases what is held on a table of a client. Inside a transaction it takes effect at its end, so that nobody sees
+  /// Releases what is held on a table, of whatever client. Inside a transaction it takes effect at its end, so that nobody sees
   /// the table before the change is committed, unless at once is asked for.
-  virtual void unlock(uint16_t client, int table, bool atOnce) = 0;
+  virtual void unlock(int table, bool atOnce) = 0;
   virtual bool holdsLocks() const = 0;
 };
 

@@ -145,7 +145,7 @@ void IsamEngine::setCurrent(int number, const DATENBANK &record) {
 
 bool IsamEngine::change(ChangeOp op, FileNumber file, DATENBANK *record) {
   const Table *table = findTable(tableOf(file));
-  if (!table || (op != ChangeOp::Delete && !record)) return false;
+  if (!table || (op != ChangeOp::Delete && !record) || lostTransaction()) return false;
   return op == ChangeOp::Insert ? insert(*table, *record) : changeCurrent(op, *table, record);
 }
 
@@ -227,14 +227,17 @@ bool IsamEngine::transaction(TransactionOp op, bool snapshot) {
 
 bool IsamEngine::table(TableOp op, int number) {
   const Table *found = findTable(number);
-  if (!found) return false;
+  if (!found || lostTransaction()) return false;
   switch (op) {
   case TableOp::Create:
     for (const std::string &statement : createStatements(*found))
       if (!connection_->execute(statement)) return false;
     return true;
   case TableOp::Drop: return connection_->execute(dropStatement(*found));
-  case TableOp::Clear: break;
+  case TableOp::Clear:
+    // It would be the rows of all clients.
+    if (found->scope == Scope::Global) return false;
+    break;
   }
   auto statement = connection_->prepare(clearStatement(*found));
   if (!statement) return false;
@@ -255,11 +258,9 @@ bool IsamEngine::tableExists(int number, bool &exists) {
   return step != Step::Failed;
 }
 
-void IsamEngine::unlock(uint16_t client, int table, bool atOnce) {
-  for (const LockName &name : locks_->heldOn(client, uint16_t(table))) {
-    if (depth_ > 0 && !atOnce) pendingUnlocks_.push_back(name);
-    else locks_->release(name);
-  }
+void IsamEngine::unlock(int table, bool atOnce) {
+  if (depth_ == 0 || atOnce) return locks_->releaseTable(uint16_t(table));
+  for (const LockName &name : locks_->heldOn(uint16_t(table))) pendingUnlocks_.push_back(name);
 }
 
 } // namespace vldb98

@@ -30,7 +30,7 @@ public:
   bool table(TableOp op, int number) override;
   bool tableExists(int number, bool &exists) override;
   bool lock(const LockName &name, LockMode mode) override { return locks_->acquire(name, mode); }
-  void unlock(uint16_t client, int table, bool atOnce) override;
+  void unlock(int table, bool atOnce) override;
   bool holdsLocks() const override { return locks_->holdsAny(); }
 
 private:
@@ -54,6 +54,8 @@ private:
   bool bindRow(SqlStatement &statement, const Table &table, const char *record, int &parameter);
   bool readRow(SqlStatement &statement, const Table &table, TableState &state, DATENBANK &record);
   bool execute(SqlStatement &statement);
+  /// The database gave the running transaction up by itself: what is changed now would be committed at once.
+  bool lostTransaction() { return depth_ > 0 && !connection_->inTransaction(); }
   bool insert(const Table &table, DATENBANK &record);
   bool assignNumber(const Table &table, char *record);
   bool changeCurrent(ChangeOp op, const Table &table, DATENBANK *record);

@@ -43,10 +43,23 @@ uint64_t LockName::resourceOf(std::string_view text) {
 }
 
 bool Locks::acquire(const LockName &name, LockMode mode) {
-  if (auto mine = held_.find(name); mine != held_.end()) {
+  // The entry is made first, so that a lock that was taken is never without one.
+  auto [mine, fresh] = held_.try_emplace(name, 0);
+  if (!fresh) {
     if (mode == LockMode::Exclusive) ++mine->second;
     return true;
   }
+  bool taken = waitFor(name);
+  if (taken && mode == LockMode::Exclusive) {
+    mine->second = 1;
+    return true;
+  }
+  if (taken) giveBack(name);
+  held_.erase(mine);
+  return taken;
+}
+
+bool Locks::waitFor(const LockName &name) {
   uint64_t deadline = 0;
   for (uint32_t pause = kFirstPause; !tryTake(name); pause = std::min(pause * 2, kLongestPause)) {
     uint64_t now = platform::steadyMilliseconds();
@@ -54,29 +67,27 @@ bool Locks::acquire(const LockName &name, LockMode mode) {
     if (now >= deadline) return false;
     platform::sleepMicroseconds(pause);
   }
-  if (mode == LockMode::PassThrough) giveBack(name);
-  else held_[name] = 1;
   return true;
 }
 
+Locks::Held::iterator Locks::release(Held::iterator mine) {
+  if (--mine->second > 0) return std::next(mine);
+  giveBack(mine->first);
+  return held_.erase(mine);
+}
+
 void Locks::release(const LockName &name) {
-  auto mine = held_.find(name);
-  if (mine == held_.end() || --mine->second > 0) return;
-  giveBack(name);
-  held_.erase(mine);
+  if (auto mine = held_.find(name); mine != held_.end()) release(mine);
 }
 
-void Locks::releaseAll() {
-  for (const auto &[name, count] : held_) giveBack(name);
-  held_.clear();
+void Locks::releaseTable(uint16_t table) {
+  for (auto it = held_.begin(); it != held_.end();) it = it->first.table == table ? release(it) : std::next(it);
 }
 
-std::vector<LockName> Locks::heldOn(uint16_t client, uint16_t table) const {
+std::vector<LockName> Locks::heldOn(uint16_t table) const {
   std::vector<LockName> names;
-  for (auto it = held_.lower_bound({client, table, 0}); it != held_.end(); ++it) {
-    if (it->first.client != client || it->first.table != table) break;
-    names.push_back(it->first);
-  }
+  for (const auto &[name, count] : held_)
+    if (name.table == table) names.push_back(name);
   return names;
 }
 

@@ -42,10 +42,10 @@ public:
   bool acquire(const LockName &name, LockMode mode);
   /// Lowers the count and lets the lock go with the last. Nothing happens when the session does not hold it.
   void release(const LockName &name);
-  /// Lets go every lock, whatever its count.
-  void releaseAll();
-  /// The names held on a table of a client: the table itself and its resources.
-  std::vector<LockName> heldOn(uint16_t client, uint16_t table) const;
+  /// The same for a table, its resources and its clients: each name that is held, once.
+  void releaseTable(uint16_t table);
+  /// The names held on a table.
+  std::vector<LockName> heldOn(uint16_t table) const;
   bool holdsAny() const { return !held_.empty(); }
 
 protected:
@@ -55,7 +55,12 @@ protected:
   virtual void giveBack(const LockName &name) = 0;
 
 private:
-  std::map<LockName, int> held_;
+  using Held = std::map<LockName, int>;
+
+  bool waitFor(const LockName &name);
+  Held::iterator release(Held::iterator mine);
+
+  Held held_;
   std::chrono::milliseconds wait_;
 };
 

@@ -43,7 +43,6 @@ public:
   virtual bool inTransaction() = 0;
   /// Rows that the last insert, update or delete changed.
   virtual int64_t changedRows() = 0;
-  virtual std::string lastError() = 0;
 };
 
 } // namespace vldb98

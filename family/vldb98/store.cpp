@@ -131,8 +131,9 @@ int Store::EndMultiInsert(FileNumber, DBENGINE engine) {
 
 int Store::LeereRelation(int file, DATENBANK *record, const char *client, const char *year) {
   if (record) *record = DATENBANK{};
-  uint16_t number = client && *client ? uint16_t(std::atoi(client)) : client_.Nummer;
-  engine_->setScope(number, year && *year ? std::atoi(year) : openCalendarYear());
+  int number = client && *client ? std::atoi(client) : client_.Nummer;
+  if (number < 1 || number > UINT16_MAX) return 0;
+  engine_->setScope(uint16_t(number), year && *year ? std::atoi(year) : openCalendarYear());
   int done = engine_->table(TableOp::Clear, tableOf(FileNumber(file)));
   applyScope();
   return done;
@@ -154,8 +155,7 @@ int Store::Lock(FileNumber file, const char *name, int mode, DBENGINE engine) {
 
 int Store::Unlock(FileNumber file, int flag, DBENGINE engine) {
   if (!inUse(engine)) return 0;
-  engine_->unlock(client_.Nummer, tableOf(file), flag == 1);
-  engine_->unlock(0, tableOf(file), flag == 1);
+  engine_->unlock(tableOf(file), flag == 1);
   return 1;
 }
 

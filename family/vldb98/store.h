@@ -74,7 +74,7 @@ public:
   int InitMultiInsert(FileNumber file, DBENGINE engine);
   int MultiInsertNext(DATENBANK &record, FileNumber file, DBENGINE engine);
   int EndMultiInsert(FileNumber file, DBENGINE engine);
-  /// Empties a table for a client and fiscal year. \param client,year number and four-digit year as text; null or empty:
+  /// Empties a table for a client and fiscal year; fails for a table that is not kept per client. \param client,year number and four-digit year as text; null or empty:
   /// those that are open \param record cleared, so that no emptied record lingers there; may be null
   int LeereRelation(int file, DATENBANK *record, const char *client, const char *year);
 

@@ -7,16 +7,7 @@
 #include "vlba98/text.h"
 
 namespace vldb98 {
-namespace {
-
-int yearOf(const char *code) {
-  int number = vlba98::twotoi(code);
-  return number < 0 ? 0 : vlba98::firstYear + number;
-}
-
-} // namespace
-
-int Store::openCalendarYear() const { return yearOf(openYear_); }
+int Store::openCalendarYear() const { return vlba98::yearOfCode(openYear_); }
 
 void Store::applyScope() { engine_->setScope(client_.Nummer, openCalendarYear()); }
 
@@ -74,12 +65,12 @@ int Store::SetzeBuchJahr(const char *yearCode) {
 }
 
 int Store::ExistiertJahr(const char *yearCode, uint8_t &exists) {
-  return Used(KeyBuilder().number(int16_t(yearOf(yearCode))), exists, kGeschaeftsjahr, ZELK_ENG_DEFAULT);
+  return Used(KeyBuilder().number(int16_t(vlba98::yearOfCode(yearCode))), exists, kGeschaeftsjahr, ZELK_ENG_DEFAULT);
 }
 
 int Store::IsBuchjahr(const char *yearCode, uint8_t &bookable) {
   DATENBANK record{};
-  int done = UsedGet(record, KeyBuilder().number(int16_t(yearOf(yearCode))), bookable, kGeschaeftsjahr, ZELK_ENG_DEFAULT);
+  int done = UsedGet(record, KeyBuilder().number(int16_t(vlba98::yearOfCode(yearCode))), bookable, kGeschaeftsjahr, ZELK_ENG_DEFAULT);
   if (bookable) bookable = !record.Geschaeftsjahr.Abgeschlossen;
   return done;
 }

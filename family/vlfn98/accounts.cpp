@@ -10,7 +10,7 @@ namespace vlfn98 {
 
 void KonvertKonto(char (&number)[8], int length) {
   std::string plain(vlba98::trimmed(number));
-  size_t digits = size_t(length == 0 ? 4 : length);
+  size_t digits = size_t(length < 1 ? 4 : std::min(length, 7));
   if (vlba98::IsZahl(plain) && plain.size() < digits) plain.insert(0, digits - plain.size(), '0');
   vlba98::strncpy2(number, plain);
   vlba98::FillWithSpaces(number);

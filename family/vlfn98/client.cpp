@@ -17,14 +17,6 @@ int32_t HoleMandantenDaten(Store &store, int64_t client) {
   return ZELK_OK;
 }
 
-int IsSchweiz(Store &store, bool &swiss) {
-  FISTA_EXT extension{};
-  uint8_t found;
-  int done = store.GetExtFista(extension, found);
-  swiss = done && found && extension.Schweiz;
-  return done;
-}
-
 BookableYear IsBuchjahr(Store &store, const vlba98::Datum &day, bool closedToo) {
   DATENBANK record{};
   uint8_t found;

@@ -13,9 +13,6 @@ namespace vlfn98 {
 ///         ZELKERR_neuerer_Mandant for data of another program version; -3 ZELKERR_Datenbank
 int32_t HoleMandantenDaten(vldb98::Store &store, int64_t client);
 
-/// Whether the open client keeps its books under the rules of Switzerland. \return 0 when the store failed
-int IsSchweiz(vldb98::Store &store, bool &swiss);
-
 enum class BookableYear { Yes, No, StoreFailed };
 
 /// Whether a day lies in a fiscal year of the open client that exists and is not closed. If so, that year becomes the

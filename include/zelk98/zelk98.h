@@ -6,7 +6,7 @@
  *  1. Calling convention. On Windows __stdcall, exported under the undecorated name; elsewhere the platform's own.
  *  2. Result. A ZelkResult: 1 success, 2 last record of a fetch, 0 neutral (none, not in use, cancelled), negative values
  *     are errors. ZELK_HoleFehlertext tells the name and the German text of each. Whatever the code, a refused call has
- *     changed nothing and holds no lock.
+ *     changed nothing and holds no lock; only a new document identifier (DMS-ID) stays registered.
  *  3. Texts are zero-terminated 8-bit strings in Windows-1252, in arrays of the stated width; the width includes the
  *     terminator. A text of a record that does not end within its width is refused with -37 ZELKERR_Ueberlauf.
  *  4. Amounts and rates are texts in German notation ("1234,50", "-12,00", "19,00"); dates are texts "TTMMJJ" with a
@@ -393,7 +393,7 @@ ZELK_API ZelkResult ZELK_CALL ZELK_SQLInit(int32_t engine, int32_t dialog, const
                                            const char *Passwort, int32_t port, const char *Zusatz,
                                            const char *Datenbank);
 
-/* Closes the database for the rest of the process: from then on -3 from every function but ZELK_HoleFehlertext and
+/* Ends the work with the database for the rest of the process (other threads' connections close with them): from then on -3 from every function but ZELK_HoleFehlertext and
  * ZELK_Status. */
 ZELK_API ZelkResult ZELK_CALL ZELK_SQLDeInit(void);
 

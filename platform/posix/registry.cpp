@@ -9,8 +9,10 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
 #include <set>
+#include <strings.h>
 #include <sys/file.h>
 #include <unistd.h>
 
@@ -62,6 +64,11 @@ std::optional<std::string> readRegistry(Hive hive, const std::string &key, const
 }
 
 bool writeRegistry(Hive hive, const std::string &key, const std::string &name, const std::string &value) {
+  // In the file, they would become lines, names or sections of their own.
+  const std::string lineEnds("\r\n\0", 3);
+  if ((key + name + value).find_first_of(lineEnds) != std::string::npos || key.find(']') != std::string::npos ||
+      name.empty() || name.find('=') != std::string::npos || std::strchr(";#[", name.front()))
+    return false;
   std::string path = settingsPath();
   if (size_t slash = path.rfind('/'); slash != std::string::npos && slash > 0 && !makeDirectories(path.substr(0, slash)))
     return false;
@@ -94,7 +101,7 @@ int registrySubkeyCount(Hive hive, const std::string &key) {
   std::set<std::string> children;
   for (const auto &section : sections) {
     std::string name = section.pItem;
-    if (name.rfind(prefix, 0) == 0) children.insert(name.substr(prefix.size(), name.find('\\', prefix.size()) - prefix.size()));
+    if (::strncasecmp(name.c_str(), prefix.c_str(), prefix.size()) == 0) children.insert(name.substr(prefix.size(), name.find('\\', prefix.size()) - prefix.size()));
   }
   return int(children.size());
 }

@@ -4,9 +4,7 @@
 #include "platform/win32/win32.h"
 
 #include <clocale>
-#include <mutex>
 #include <shellapi.h>
-#include <utility>
 
 namespace platform {
 namespace {
@@ -41,6 +39,7 @@ struct CleanupEntry {
   ThreadSlot::Cleanup cleanup;
 };
 constexpr size_t kMaxSlots = 4;
+SRWLOCK cleanupsInUse = SRWLOCK_INIT; // a thread may end while another one frees its slot
 CleanupEntry cleanups[kMaxSlots];
 size_t cleanupCount = 0;
 
@@ -52,18 +51,22 @@ Ui &systemUi() {
 }
 
 bool ThreadSlot::allocate(Cleanup cleanup) {
+  AcquireSRWLockExclusive(&cleanupsInUse);
   DWORD index = cleanupCount < kMaxSlots ? TlsAlloc() : TLS_OUT_OF_INDEXES;
-  if (index == TLS_OUT_OF_INDEXES) return false;
-  cleanups[cleanupCount++] = {index, cleanup};
-  index_ = index;
-  return true;
+  bool allocated = index != TLS_OUT_OF_INDEXES;
+  if (allocated) cleanups[cleanupCount++] = {index, cleanup};
+  ReleaseSRWLockExclusive(&cleanupsInUse);
+  if (allocated) index_ = index;
+  return allocated;
 }
 
 void ThreadSlot::free() {
   if (!allocated()) return;
+  AcquireSRWLockExclusive(&cleanupsInUse);
   for (size_t i = 0; i < cleanupCount; ++i)
     if (cleanups[i].index == index_) cleanups[i] = cleanups[--cleanupCount];
   TlsFree(index_);
+  ReleaseSRWLockExclusive(&cleanupsInUse);
   index_ = kNone;
 }
 
@@ -71,12 +74,21 @@ void *ThreadSlot::get() const { return allocated() ? TlsGetValue(index_) : nullp
 bool ThreadSlot::set(void *value) { return allocated() && TlsSetValue(index_, value) != 0; }
 
 void runThreadCleanups() {
+  struct Due {
+    ThreadSlot::Cleanup cleanup;
+    void *value;
+  };
+  Due due[kMaxSlots];
+  size_t dueCount = 0;
+  AcquireSRWLockShared(&cleanupsInUse);
   for (size_t i = 0; i < cleanupCount; ++i) {
     void *value = TlsGetValue(cleanups[i].index);
     if (!value) continue;
     TlsSetValue(cleanups[i].index, nullptr);
-    cleanups[i].cleanup(value);
+    due[dueCount++] = {cleanups[i].cleanup, value};
   }
+  ReleaseSRWLockShared(&cleanupsInUse);
+  for (size_t i = 0; i < dueCount; ++i) due[i].cleanup(due[i].value);
 }
 
 void adoptUserLocale() {

@@ -90,13 +90,13 @@ TEST_F(Clients, HaveMasterData) {
     std::memset(&info, 0x55, sizeof info);
     std::memset(&direct, 0x66, sizeof direct);
     ASSERT_EQ(ZELK_HoleMandantenInfo(row.client, &info, 0), ZELK_OK);
-    EXPECT_EQ(info.AktuellesJahr, row.year);
-    EXPECT_EQ(info.Gejabeginn, row.start);
-    EXPECT_EQ(info.Kontenrahmen, row.chart);
-    EXPECT_EQ(info.Istversteuerer, row.cash);
-    EXPECT_EQ(info.EUeRechner, 0);
-    EXPECT_EQ(info.Steuerfrei, 0);
-    EXPECT_EQ(info.Euro, row.euro);
+    EXPECT_EQ(+info.AktuellesJahr, row.year);
+    EXPECT_EQ(+info.Gejabeginn, row.start);
+    EXPECT_EQ(+info.Kontenrahmen, row.chart);
+    EXPECT_EQ(+info.Istversteuerer, row.cash);
+    EXPECT_EQ(+info.EUeRechner, 0);
+    EXPECT_EQ(+info.Steuerfrei, 0);
+    EXPECT_EQ(+info.Euro, row.euro);
     EXPECT_STREQ(info.UStIdNr, row.taxNumber);
     EXPECT_STREQ(info.Land, row.country);
     EXPECT_STREQ(info.Waehrung, row.currency);
@@ -170,9 +170,9 @@ TEST_F(Clients, KeepTheChartOfAccountsWithinItsRange) {
     ZELK_MANDANTENINFO info{}, direct{};
     info.Kontenrahmen = direct.Kontenrahmen = 4711;
     ASSERT_EQ(ZELK_HoleMandantenInfo(1, &info, 0), ZELK_OK);
-    EXPECT_EQ(info.Kontenrahmen, row.inRecord) << row.stored;
+    EXPECT_EQ(+info.Kontenrahmen, row.inRecord) << row.stored;
     ASSERT_EQ(directInfo(1, direct), ZELK_OK);
-    EXPECT_EQ(direct.Kontenrahmen, row.direct) << row.stored;
+    EXPECT_EQ(+direct.Kontenrahmen, row.direct) << row.stored;
     EXPECT_EQ(directInfo(1, direct), ZELK_HoleMandantenInfoDirekt(1, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
                                                                   nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
                                                                   nullptr, nullptr, nullptr, nullptr, 0));
@@ -190,7 +190,7 @@ TEST_F(Clients, DeliverWhatIsStoredNow) {
   }));
   ASSERT_EQ(ZELK_HoleMandantenInfo(1, &info, 0), ZELK_OK);
   EXPECT_STREQ(info.SvSako, "999");
-  EXPECT_EQ(info.AktuellesJahr, 2025);
+  EXPECT_EQ(+info.AktuellesJahr, 2025);
   EXPECT_EQ(ZELK_HoleStartJahr(1), 2025) << "without a first year the current one";
 }
 

@@ -117,7 +117,7 @@ TEST_F(Postings, ReadingGoesOnWhileTheThreadPosts) {
     put(other.Sollkonto, "1020");
     ASSERT_EQ(ZELK_BuchungEinfuegen(&other, 0), ZELK_OK);
     EXPECT_EQ(ZELK_HoleBatch(&read), i < 2 ? ZELK_OK : ZELK_letzterDatensatz);
-    EXPECT_EQ(read.Teilbuchungsanzahl, 2 + i);
+    EXPECT_EQ(+read.Teilbuchungsanzahl, 2 + i);
     EXPECT_STREQ(read.Teilbuchung[0].Bruttobetrag, "000000100,00");
   }
 }
@@ -149,7 +149,7 @@ public:
 
   /// An amount: as a host may write it, and in internal form.
   std::pair<std::string, std::string> amount() {
-    int64_t value = int64_t(below(2) ? below(100'000) : below(9'999'999'999));
+    int64_t value = std::uniform_int_distribution<int64_t>(0, below(2) ? 100'000 : 99'999'999'999)(random_);
     bool negative = below(3) == 0 && value != 0;
     char internal[40], written[40];
     int units = int(value / 100), cents = int(value % 100);
@@ -252,11 +252,11 @@ TEST_F(Postings, OpeningTakesTheBalanceForwardAccountOfTheKind) {
     ASSERT_EQ(ZELK_BuchungEinfuegen(&posting, 0), ZELK_OK) << row.account;
     ZELK_SPLITBUCHUNG read = postingsOf(row.client, 2).back();
     const ZELK_TEILBUCHUNG &line = read.Teilbuchung[0];
-    EXPECT_EQ(read.Eroeffnungsbuchung, 1);
+    EXPECT_EQ(+read.Eroeffnungsbuchung, 1);
     EXPECT_STREQ(row.debit ? line.Sollkonto : line.Habenkonto, row.account);
     EXPECT_STREQ(row.debit ? line.Habenkonto : line.Sollkonto, row.balanceForward);
-    EXPECT_EQ(row.debit ? line.Sollart : line.Habenart, row.kind);
-    EXPECT_EQ(row.debit ? line.Habenart : line.Sollart, ZELK_SACHKONTO);
+    EXPECT_EQ(row.debit ? +line.Sollart : +line.Habenart, row.kind);
+    EXPECT_EQ(row.debit ? +line.Habenart : +line.Sollart, ZELK_SACHKONTO);
   }
 }
 

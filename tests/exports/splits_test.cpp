@@ -87,7 +87,7 @@ TEST_F(Splits, HaveUpToTenLines) {
   for (int count = 1; count <= 10; ++count) {
     const ZELK_SPLITBUCHUNG &read = all[size_t(count - 1)];
     ZELK_SPLITBUCHUNG given = validSplit(count);
-    EXPECT_EQ(read.Teilbuchungsanzahl, count);
+    EXPECT_EQ(+read.Teilbuchungsanzahl, count);
     for (int i = 0; i < 10; ++i) {
       EXPECT_STREQ(read.Teilbuchung[i].Habenkonto, given.Teilbuchung[i].Habenkonto) << count << ' ' << i;
       EXPECT_STREQ(read.Teilbuchung[i].Text, given.Teilbuchung[i].Text) << count << ' ' << i;
@@ -134,7 +134,7 @@ TEST_F(Splits, RefusedInTheLastLineLeaveNothing) {
   posting = validSplit(1);
   EXPECT_EQ(ZELK_SplitBuchungEinfuegen(&posting, 1), ZELK_OK);
   ASSERT_EQ(postingsOf(1, 3).size(), 1u);
-  EXPECT_EQ(postingsOf(1, 3)[0].Teilbuchungsanzahl, 1);
+  EXPECT_EQ(+postingsOf(1, 3)[0].Teilbuchungsanzahl, 1);
 }
 
 } // namespace

@@ -73,18 +73,18 @@ TEST_P(BatchPostings, AreWrittenReadAndDeletedWhole) {
   ASSERT_TRUE(store->Insert(second, kStapel, kDefault));
   BATCHBUCHUNG made = posting("B-1");
   ASSERT_TRUE(insertSplit(*store, made));
-  EXPECT_EQ(made.Nr, 1);
-  EXPECT_EQ(made.Anzahl, 2);
+  EXPECT_EQ(+made.Nr, 1);
+  EXPECT_EQ(+made.Anzahl, 2);
   EXPECT_TRUE(bebucht(1));
   EXPECT_FALSE(bebucht(2));
   made = posting("B-2", 2);
   store->SplitFree();
   store->MemInsertSplit(line("000000001,00"));
   ASSERT_TRUE(store->InsertBat(made));
-  EXPECT_EQ(made.Nr, 1) << "batches count for themselves";
+  EXPECT_EQ(+made.Nr, 1) << "batches count for themselves";
   made = posting("B-3");
   ASSERT_TRUE(insertSplit(*store, made));
-  EXPECT_EQ(made.Nr, 2);
+  EXPECT_EQ(+made.Nr, 2);
 
   store = open();
   ASSERT_TRUE(store);
@@ -120,7 +120,7 @@ TEST_P(BatchPostings, RefusedOnesLeaveNothing) {
   std::string before = dump(*store, 1, kPostingTables);
   BATCHBUCHUNG made = posting("B-1", 7);
   EXPECT_FALSE(insertSplit(*store, made)) << "there is no batch 7";
-  EXPECT_EQ(made.Nr, 0);
+  EXPECT_EQ(+made.Nr, 0);
   made = posting("B-1");
   store->SplitFree();
   store->MemInsertSplit(line("000000060,00"));
@@ -208,10 +208,10 @@ protected:
 };
 
 TEST_P(ClientState, OpensAndSavesClients) {
-  EXPECT_EQ(store->HoleFista().Nummer, 1);
+  EXPECT_EQ(+store->HoleFista().Nummer, 1);
   ASSERT_TRUE(store->SetzeFista(9, found));
   EXPECT_FALSE(found);
-  EXPECT_EQ(store->HoleFista().Nummer, 1) << "the open one stays";
+  EXPECT_EQ(+store->HoleFista().Nummer, 1) << "the open one stays";
   FIRMENSTAMM changed = store->HoleFista();
   put(changed.Name, "Neu");
   ASSERT_TRUE(store->SaveFista(changed));
@@ -241,7 +241,7 @@ TEST_P(ClientState, KeepsAnExtensionPerClient) {
     FISTA_EXT read{};
     ASSERT_TRUE(open()->GetExtFista(read, found) && found);
     EXPECT_STREQ(read.Ort, town);
-    EXPECT_EQ(read.Nummer, 1) << "the open client's, whatever the record says";
+    EXPECT_EQ(+read.Nummer, 1) << "the open client's, whatever the record says";
   }
   ASSERT_TRUE(store->SetzeFista(2, found) && store->GetExtFista(extension, found));
   EXPECT_FALSE(found);
@@ -287,7 +287,7 @@ TEST_P(ClientState, NeedsAnOpenClient) {
   FISTA_EXT extension{};
   auto fresh = openWithoutClient();
   ASSERT_TRUE(fresh);
-  EXPECT_EQ(fresh->HoleFista().Nummer, 0);
+  EXPECT_EQ(+fresh->HoleFista().Nummer, 0);
   EXPECT_FALSE(fresh->SetExtFista(extension));
   EXPECT_FALSE(fresh->SetzeOpenJahr("46"));
   EXPECT_FALSE(fresh->SetzeBuchJahr("46"));

@@ -197,6 +197,7 @@ constexpr int kPassed = 0, kUnable = 77;
 
 struct ChildBooks : Environment {
   void TestBody() override {}
+  using Environment::session;
 };
 
 ChildRole writeProtected("write-protected", [](const std::string &) {
@@ -255,6 +256,37 @@ TEST_F(Damage, FullDisk) {
   ASSERT_TRUE(store);
   EXPECT_EQ(dump(*store, 1, {vldb98::kBatchbuchung}).size() / (sizeof(vldb98::BATCHBUCHUNG) + sizeof "Batchbuchung:"),
             dump(*store, 1, {vldb98::kSplit}).size() / (sizeof(vldb98::SPLIT) + sizeof "Split:"));
+}
+
+ChildRole fullInside("full-inside-a-transaction", [](const std::string &) {
+  using namespace vldb98;
+  ChildBooks books;
+  auto store = books.session();
+  uint8_t found;
+  if (!store || !store->SetzeFista(1, found) || !store->Transaktion(1, 0, ZELK_ENG_DEFAULT)) return 1;
+  if (!limitFileSize(64 * 1024)) return kUnable;
+  auto insert = [&](int number) {
+    DATENBANK record{};
+    put(record.Personenkonto.Nr, ("N" + std::to_string(number) + "       ").substr(0, 7));
+    put(record.Personenkonto.Sammelkonto, "1400   ");
+    return store->Insert(record, kDebitor, ZELK_ENG_DEFAULT);
+  };
+  // More than the engine keeps in memory, so that it writes before the commit.
+  int number = 0;
+  while (number < 100'000 && insert(number)) ++number;
+  if (number == 100'000) return 2;
+  limitFileSize(0);
+  if (insert(900'000)) return 3;
+  if (store->Transaktion(2, 0, ZELK_ENG_DEFAULT)) return 4;
+  if (!store->Used(KeyBuilder().account("N900000"), found, kDebitor, ZELK_ENG_DEFAULT) || found) return 5;
+  return insert(900'001) ? kPassed : 6;
+});
+
+TEST_F(Damage, FullDiskInsideATransaction) {
+  int code = runChild("full-inside-a-transaction");
+  if (code == kUnable) GTEST_SKIP() << "this system has no limit of a process's files";
+  EXPECT_EQ(code, kPassed) << "2: the disk was never full, 3 to 5: what came after the failure was written by itself, 6: "
+                              "the session does not recover";
 }
 
 } // namespace

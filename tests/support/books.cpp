@@ -47,7 +47,7 @@ public:
   bool table(TableOp op, int number) override { return !fails() && inner_->table(op, number); }
   bool tableExists(int number, bool &exists) override { return !fails() && inner_->tableExists(number, exists); }
   bool lock(const LockName &name, LockMode mode) override { return !fails() && inner_->lock(name, mode); }
-  void unlock(uint16_t client, int table, bool atOnce) override { inner_->unlock(client, table, atOnce); }
+  void unlock(int table, bool atOnce) override { inner_->unlock(table, atOnce); }
   bool holdsLocks() const override { return inner_->holdsLocks(); }
 
 private:

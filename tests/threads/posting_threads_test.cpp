@@ -58,7 +58,7 @@ TEST_F(PostingThreads, EveryPostingIsThereOnce) {
   for (;;) {
     ASSERT_TRUE(store->ReadBat(posting, 3, number + 1, found));
     if (!found) break;
-    ASSERT_EQ(posting.Nr, ++number) << "a gap";
+    ASSERT_EQ(+posting.Nr, ++number) << "a gap";
     EXPECT_TRUE(documents.insert(posting.Belegnummer).second) << posting.Belegnummer << " is there twice";
     EXPECT_EQ(store->SplitAnzahl(), 1u) << posting.Belegnummer;
     // Each writer's postings keep their order.
@@ -108,13 +108,15 @@ TEST_F(PostingThreads, ClientListsDoNotDisturbEachOther) {
     std::string codes;
     for (int i = 0; i < behind; ++i) turn.arrive_and_wait();
     for (int i = 0; i < kRounds; ++i) {
-      uint32_t first = 0, second = 0;
       codes += std::to_string(ZELK_InitHoleMandant());
       turn.arrive_and_wait();
-      codes += std::to_string(ZELK_HoleMandant(&first, nullptr, nullptr)) + std::to_string(first);
-      turn.arrive_and_wait();
-      codes += std::to_string(ZELK_HoleMandant(&second, nullptr, nullptr)) + std::to_string(second) + " ";
-      turn.arrive_and_wait();
+      for (int client = 0; client < 2; ++client) {
+        uint32_t number = 0;
+        codes += std::to_string(ZELK_HoleMandant(&number, nullptr, nullptr));
+        codes += std::to_string(number);
+        turn.arrive_and_wait();
+      }
+      codes += ' ';
     }
     for (int i = behind; i < 1; ++i) turn.arrive_and_wait();
     return codes;

@@ -119,7 +119,10 @@ TEST_F(Zelkctl, RefusesFilesThatAreNoPostings) {
   EXPECT_OUTCOME("buchen 1 3 " + write("kurz.csv", "Belegdatum;Belegnummer\n"), 2, "Die Spalte \"Sollkonto\" fehlt.");
   EXPECT_OUTCOME("buchen 1 3 " + write("fremd.csv", header + ";Farbe\n"), 2, "Die Spalte \"Farbe\" gibt es nicht.");
   EXPECT_OUTCOME("buchen 9 3 " + write("gut.csv", header + "\n21.01.2026;B1;1200;1000;5,00\n"), 2, "Abgebrochen in Zeile 2");
-  EXPECT_OUTCOME("buchen 1 99 " + quoted(folder() / "gut.csv"), 1, "-6");
+  EXPECT_OUTCOME("buchen 1 99 " + quoted(folder() / "gut.csv"), 2, "-6");
+  // A date is a date as a whole, not where its beginning is one; a number is one of 32 bits.
+  EXPECT_OUTCOME("buchen 1 3 " + write("datum.csv", header + "\n2101269;B1;1200;1000;5,00\n1.1.26 Uhr;B2;1200;1000;5\n12345\xC3\xBC;B3;1200;1000;5\n"), 1, "3 abgelehnt");
+  EXPECT_OUTCOME("buchen 1 3 " + write("ziel.csv", header + ";Zahlungsziel\n21.01.2026;B1;1200;1000;5,00;4294967297\n"), 1, "keine ganze Zahl");
   // The kinds of the accounts are looked up when the file leaves them out.
   EXPECT_OUTCOME("buchen 1 3 " + write("arten.csv", header + "\n21.01.2026;B1;1200;10000;5,00\n21.01.2026;B2;70000;1200;5\n"), 0,
                  "2 gebucht");
@@ -157,6 +160,10 @@ TEST_F(ClientFolder, IsLoadedWholeOrNotAtAll) {
   const Case cases[] = {
       {"firmenstamm.csv", "Nummer;Name\n", "genau einer Zeile"},
       {"firmenstamm.csv", "Nummer;Name;AktJahr\n0;x;2026\n", "Nummer"},
+      {"firmenstamm.csv", "Nummer;Name;AktJahr;Gejabeginn;Waehrung;Kontolaenge\n7;x;2026;1;EUR;8\n", "Kontolaenge muss"},
+      {"firmenstamm.csv", "Nummer;Name;AktJahr;Gejabeginn\n7;x;2026;1\n", "Waehrung fehlt."},
+      {"geschaeftsjahr.csv", "Jahr;Beginn;Ende\n1970;01.01.2026;31.12.2026\n", "Jahr muss von 1980 bis 2079 gehen."},
+      {"sachkonto.csv", "Nr;Name;Jahr\n1000;Kasse;x2026\n", "erwartet wird ein Jahr"},
       {"firmenstamm.csv", "Nummer;Name;AktJahr\n70000;x;2026\n", "Zeile 2: Nummer = \"70000\": erwartet wird eine Zahl von 1 bis 65535"},
       {"firmenstamm.csv", "Nummer;Name;AktJahr\n7;x;2024\n", "AktJahr ist keines der Geschäftsjahre"},
       {"geschaeftsjahr.csv", "Jahr;Beginn;Ende\n2026;31.12.2026;01.01.2026\n", "vertauscht"},

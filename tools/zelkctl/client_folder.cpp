@@ -1,8 +1,6 @@
 // anlegen: one client from a folder of CSV files, all or nothing.
 #include <algorithm>
-#include <cctype>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <map>
@@ -15,6 +13,7 @@
 #include "vlba98/text.h"
 #include "zelkctl/console.h"
 #include "zelkctl/csv.h"
+#include "zelkctl/values.h"
 #include "zelkctl/provision.h"
 #include "zelkctl/verbs.h"
 
@@ -38,19 +37,10 @@ struct LoadedTable {
   std::vector<LoadedRow> rows;
 };
 
-// A whole number in the range of its field.
-bool parseNumber(const std::string &value, long long least, long long greatest, long long &number) {
-  char *end = nullptr;
-  number = std::strtoll(value.c_str(), &end, 10);
-  return !value.empty() && *end == 0 && number >= least && number <= greatest;
-}
-
 template <class Integer> bool storeInteger(const std::string &value, char *at) {
-  long long number;
-  if (!parseNumber(value, std::numeric_limits<Integer>::min(), std::numeric_limits<Integer>::max(), number)) return false;
-  Integer narrow = Integer(number);
-  std::memcpy(at, &narrow, sizeof narrow);
-  return true;
+  auto number = wholeNumber<Integer>(value);
+  if (number) std::memcpy(at, &*number, sizeof *number);
+  return number.has_value();
 }
 
 // \return German: what the value should have been; empty when it was stored
@@ -72,10 +62,9 @@ std::string storeValue(const Field &field, const std::string &value, char *recor
     return date ? "" : "ein Datum TT.MM.JJJJ";
   }
   case FieldType::Year: {
-    long long year;
-    bool valid = parseNumber(value, vlba98::firstYear, vlba98::lastYear, year);
-    if (valid) vlba98::itotwo(int(year) - vlba98::firstYear, at);
-    return valid ? "" : "ein Jahr von 1980 bis 2079";
+    auto year = wholeNumber<int>(value, vlba98::firstYear, vlba98::lastYear);
+    if (year) vlba98::itotwo(*year - vlba98::firstYear, at);
+    return year ? "" : "ein Jahr von 1980 bis 2079";
   }
   case FieldType::Text:
   case FieldType::KeyText: break;
@@ -111,10 +100,13 @@ private:
     if (!platform::isDirectory(folder_)) return problem(folder_, 0, "Der Ordner ist nicht da.");
     std::vector<std::string> names;
     auto path = std::filesystem::path(std::u8string(folder_.begin(), folder_.end()));
-    for (const auto &entry : std::filesystem::directory_iterator(path)) {
+    std::error_code unreadable;
+    for (const auto &entry : std::filesystem::directory_iterator(path, unreadable)) {
       std::u8string name = entry.path().filename().u8string();
-      if (entry.path().extension() == ".csv") names.emplace_back(name.begin(), name.end());
+      std::u8string extension = entry.path().extension().u8string();
+      if (extension == u8".csv" || extension == u8".CSV") names.emplace_back(name.begin(), name.end());
     }
+    if (unreadable) return problem(folder_, 0, "Der Ordner kann nicht gelesen werden.");
     std::sort(names.begin(), names.end());
     for (const std::string &name : names) {
       const Table *table = findTable(name.substr(0, name.size() - 4));
@@ -146,7 +138,10 @@ private:
       std::memset(&target.record, 0, sizeof target.record);
       for (const Field &field : table.fields) storeDefault(field, target.record.bytes);
       for (size_t i = 0; i < fieldOf.size(); ++i) {
-        if (int(i) == yearColumn) target.year = std::atoi(row.values[i].c_str());
+        if (int(i) == yearColumn && !row.values[i].empty()) {
+          target.year = wholeNumber<int>(row.values[i]).value_or(-1);
+          if (target.year < 0) problem(name, row.line, "Jahr = \"" + row.values[i] + "\": erwartet wird ein Jahr.");
+        }
         if (fieldOf[i] < 0) continue;
         const Field &field = table.fields[size_t(fieldOf[i])];
         std::string expected = storeValue(field, row.values[i], target.record.bytes);
@@ -174,10 +169,12 @@ private:
     FIRMENSTAMM &client = master->rows.front().record.Firmenstamm;
     client.Version = kDataVersion;
     client_ = client.Nummer;
-    if (client_ == 0) problem(master->file, 2, "Die Nummer des Mandanten fehlt.");
+    checkMaster(master->file, master->rows.front().line, client);
     if (extension) extension->rows.front().record.FistaExt.Nummer = client_;
     for (const LoadedRow &row : years->rows) {
       const GESCHAEFTSJAHR &year = row.record.Geschaeftsjahr;
+      if (year.Jahr < vlba98::firstYear || year.Jahr > vlba98::lastYear)
+        problem(years->file, row.line, "Jahr muss von 1980 bis 2079 gehen.");
       years_.insert(year.Jahr);
       if (!*year.Beginn || std::strcmp(year.Beginn, year.Ende) > 0)
         problem(years->file, row.line, "Beginn und Ende des Geschäftsjahres fehlen oder sind vertauscht.");
@@ -188,6 +185,21 @@ private:
     checkYears();
     checkAccountNumbers();
     linkStructures();
+  }
+
+  void checkMaster(const std::string &file, int line, const FIRMENSTAMM &client) {
+    struct Rule {
+      bool kept;
+      const char *text;
+    };
+    for (const Rule &rule :
+         {Rule{client.Nummer > 0, "Die Nummer des Mandanten fehlt."}, {*client.Name != 0, "Name fehlt."},
+          {*client.Waehrung != 0, "Waehrung fehlt."},
+          {client.Gejabeginn >= 1 && client.Gejabeginn <= 12, "Gejabeginn muss von 1 bis 12 gehen."},
+          {client.Kontenrahmen >= 0 && client.Kontenrahmen <= 6, "Kontenrahmen muss von 0 bis 6 gehen."},
+          {client.Kontolaenge == 0 || (client.Kontolaenge >= 4 && client.Kontolaenge <= 7),
+           "Kontolaenge muss von 4 bis 7 gehen."}})
+      if (!rule.kept) problem(file, line, rule.text);
   }
 
   void checkYears() {
@@ -284,7 +296,9 @@ private:
       char code[3];
       if (year != kEveryYear && !(vlba98::itotwo(year - vlba98::firstYear, code) && store.SetzeOpenJahr(code))) return false;
       if (!store.Insert(row.record, FileNumber(table.table->number), ZELK_ENG_DEFAULT)) {
-        problem(table.file, row.line, "Der Datensatz kann nicht angelegt werden; gibt es den Schlüssel schon?");
+        // The insertion tells a duplicate and a failing database apart no more than the store does; a read does.
+        uint8_t found;
+        if (store.SetzeFista(client_, found)) problem(table.file, row.line, "Den Schlüssel des Datensatzes gibt es schon.");
         return false;
       }
     }

@@ -93,7 +93,7 @@ CsvFile parseCsv(std::string_view text) {
   }
   CsvRow header = parser.row();
   check(header, header.values.size());
-  file.problem = header.problem;
+  if (!header.problem.empty()) file.problem = "Zeile 1: " + header.problem;
   file.columns = header.values;
   for (size_t i = 0; i < file.columns.size() && file.problem.empty(); ++i)
     if (file.column(file.columns[i]) != int(i)) file.problem = "Die Spalte \"" + file.columns[i] + "\" kommt zweimal vor.";

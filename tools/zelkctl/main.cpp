@@ -4,6 +4,8 @@
 #include <functional>
 
 #include "platform/system.h"
+#include "zelk98/zelk98.h"
+#include "zelkctl/console.h"
 #include "zelkctl/verbs.h"
 
 namespace {
@@ -110,5 +112,13 @@ int main(int argc, char **argv) {
   } catch (const CLI::ParseError &error) {
     return app.exit(error) == 0 ? kDone : kFailed;
   }
-  return chosen();
+  int exitCode = kFailed;
+  try {
+    exitCode = chosen();
+  } catch (const std::exception &error) {
+    complain(std::string("Ein unerwarteter Fehler ist aufgetreten: ") + error.what());
+  }
+  // Closes the database, which folds its log into the file.
+  ZELK_Detach();
+  return exitCode;
 }

@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 #include "vlba98/datum.h"
@@ -11,6 +10,7 @@
 #include "zelk98/zelk98.h"
 #include "zelkctl/console.h"
 #include "zelkctl/csv.h"
+#include "zelkctl/values.h"
 #include "zelkctl/verbs.h"
 
 namespace zelkctl {
@@ -65,10 +65,29 @@ void putText(char *at, size_t size, const std::string &text) {
   std::memcpy(at, text.data(), std::min(size, text.size()));
 }
 
+// What is no date goes over as a text that is none either, never as a part of it that happens to be one.
 std::string boundaryDate(const std::string &value) {
-  if (auto date = vlba98::parseDatum(std::string(vlba98::trimmed(value)))) return vlba98::toExternal6(*date).data();
-  return value.substr(0, sizeof(ZELK_BUCHUNG::Belegdatum) - 1);
+  std::string_view text = vlba98::trimmed(value);
+  if (auto date = vlba98::parseDatum(text)) return vlba98::toExternal6(*date).data();
+  return text.empty() ? "" : "?";
 }
+
+// How many postings the batch holds; -1 when that cannot be told.
+long countPostings(int32_t client, int32_t batch) {
+  ZELK_SPLITBUCHUNG posting;
+  long count = 0;
+  ZelkResult result = ZELK_InitHoleBatch(client, batch, 0);
+  while (result == ZELK_OK) {
+    result = ZELK_HoleBatch(&posting);
+    if (result > 0) ++count;
+  }
+  return result < 0 ? -1 : count;
+}
+
+// Refusals that the other rows would meet as well.
+constexpr ZelkResult kConcernAllRows[] = {ZELKERR_Datenbank,     ZELKERR_Ini,           ZELKERR_Thread,
+                                          ZELKERR_uzl_Mandnr,    ZELKERR_alter_Mandant, ZELKERR_neuerer_Mandant,
+                                          ZELKERR_uzl_Stapelnr};
 
 class Import {
 public:
@@ -82,6 +101,7 @@ public:
       return kFailed;
     }
     Progress progress("Buchen", csv.rows.size());
+    long before = countPostings(client_, batch_);
     int stopped = 0;
     for (const CsvRow &row : csv.rows) {
       progress.advance();
@@ -89,7 +109,14 @@ public:
       stopped = row.line;
       break;
     }
-    return report(csv, stopped);
+    int code = report(csv, stopped);
+    // The library reports success also for a posting that it skips because its tables stayed locked by others.
+    if (long after = countPostings(client_, batch_); after - before < long(inserted_)) {
+      complain("Achtung: der Stapel hat nur " + std::to_string(after - before) +
+               " Buchungen mehr als zuvor. Die anderen wurden übersprungen, da die Tabellen gesperrt waren.");
+      return kFailed;
+    }
+    return code;
   }
 
 private:
@@ -112,10 +139,9 @@ private:
       char *at = reinterpret_cast<char *>(&posting) + column.offset;
       const std::string &value = row.values[i];
       if (column.form == Form::Number) {
-        char *end;
-        int32_t number = int32_t(std::strtol(value.c_str(), &end, 10));
-        if (*end) return refuse(row, "", "", "\"" + value + "\" ist keine Zahl.", column.name);
-        std::memcpy(at, &number, sizeof number);
+        auto number = value.empty() ? 0 : wholeNumber<int32_t>(value);
+        if (!number) return refuse(row, "", "", "\"" + value + "\" ist keine ganze Zahl.", column.name);
+        std::memcpy(at, &*number, sizeof *number);
       } else {
         putText(at, column.size, *vlba98::toWindows1252(column.form == Form::Date ? boundaryDate(value) : value));
       }
@@ -130,7 +156,7 @@ private:
     char name[50] = "", text[250] = "";
     ZELK_HoleFehlertext(result, name, text);
     refuse(row, std::to_string(result), shown(name), meaning(result, posting, text), fieldOf(result, posting));
-    return result != ZELKERR_Datenbank && result != ZELKERR_Ini && result != ZELKERR_Thread && result != ZELKERR_uzl_Mandnr;
+    return std::find(std::begin(kConcernAllRows), std::end(kConcernAllRows), result) == std::end(kConcernAllRows);
   }
 
   // Where a code has several meanings, the one that is meant here.

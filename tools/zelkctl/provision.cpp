@@ -13,7 +13,8 @@
 namespace zelkctl {
 namespace {
 
-const char kDataFolder[] = "DATEN";
+// Attach reads no more of the program path.
+constexpr size_t kLongestPath = 249;
 
 std::string readSetting(const char *section, const char *key) {
   char value[260];
@@ -24,7 +25,7 @@ std::string readSetting(const char *section, const char *key) {
 std::string dataDirectory() {
   if (std::string path = readSetting("ZELK", "DatenPfad"); !path.empty()) return path;
   for (auto [section, key] : {std::pair{"MFIBU", "ProgPfad98"}, {"MFIBU", "ProgPfad"}, {"ZELK", "ProgPfad"}})
-    if (std::string path = readSetting(section, key); !path.empty()) return platform::withSeparator(path) + kDataFolder;
+    if (std::string path = readSetting(section, key); !path.empty()) return platform::withSeparator(path) + vldb98::kDataFolder;
   return "";
 }
 
@@ -54,7 +55,7 @@ std::unique_ptr<vldb98::Store> openBooks() {
 
 int provision(const std::string &directory) {
   std::string root = platform::withSeparator(platform::absolutePath(directory));
-  std::string data = root + kDataFolder;
+  std::string data = root + vldb98::kDataFolder;
   auto codePage = vlba98::toWindows1252(root);
   if (!codePage) {
     complain("Der Name des Verzeichnisses hat ein Zeichen, das es in Windows-1252 nicht gibt.");
@@ -64,6 +65,10 @@ int provision(const std::string &directory) {
     complain("Das Verzeichnis " + data + " kann nicht angelegt werden.");
     return kFailed;
   }
+  if (codePage->size() > kLongestPath) {
+    complain("Der Pfad " + root + " ist zu lang.");
+    return kFailed;
+  }
   bool existed = platform::isFile(platform::withSeparator(data) + vldb98::kDatabaseFile);
   auto store = openStore(data, true);
   if (!store || !vldb98::createTables(*store)) {
@@ -71,8 +76,11 @@ int provision(const std::string &directory) {
              "ist das Verzeichnis schreibgeschützt?");
     return kFailed;
   }
-  if (!MFWritePrivateProfileString("MFIBU", "ProgPfad98", codePage->c_str(), "")) {
-    complain("Die Einstellungen können nicht geschrieben werden (Abschnitt MFIBU, Eintrag ProgPfad98).");
+  // A data folder elsewhere would take precedence over the one that was just made.
+  bool elsewhere = !readSetting("ZELK", "DatenPfad").empty();
+  if (!MFWritePrivateProfileString("MFIBU", "ProgPfad98", codePage->c_str(), "") ||
+      (elsewhere && !MFWritePrivateProfileString("ZELK", "DatenPfad", "", ""))) {
+    complain("Die Einstellungen können nicht geschrieben werden (Abschnitte MFIBU und ZELK).");
     return kFailed;
   }
   std::printf("%s %s\nProgrammverzeichnis: %s\n", existed ? "Datenbank besteht bereits:" : "Datenbank angelegt:", data.c_str(),

@@ -69,7 +69,6 @@ public:
   }
   bool inTransaction() override { return sqlite3_get_autocommit(handle_.get()) == 0; }
   int64_t changedRows() override { return sqlite3_changes64(handle_.get()); }
-  std::string lastError() override { return sqlite3_errmsg(handle_.get()); }
 
 private:
   // SQLite's own waiting sleeps in steps of up to 100 ms, a long time beside a posting.
