@@ -1,10 +1,10 @@
 // Looking accounts up.
+#include "vlfn98/accounts.h"
 #include "frame/call.h"
 #include "frame/fetch.h"
 #include "frame/messages.h"
 #include "vlba98/datum.h"
 #include "vlba98/text.h"
-#include "vlfn98/accounts.h"
 #include "vlfn98/client.h"
 
 using namespace frame;
@@ -117,8 +117,10 @@ ZelkResult ZELK_CALL ZELK_InitHoleKonto(int32_t Mandantennummer, int32_t Kontoar
                FileNumber file = fileNumber(table, keyIndex(table, Sortierung));
                if (!Ab || !*Ab) return startFetch(*context, *store, file, nullptr, ZELK_keinKonto);
                KeyBuilder from;
-               if (Sortierung == 0) from.account(Ab);
-               else from.text(Ab, kMaxFrom);
+               if (Sortierung == 0)
+                 from.account(Ab);
+               else
+                 from.text(Ab, kMaxFrom);
                SCHLUESSEL key = from;
                return startFetch(*context, *store, file, &key, ZELK_keinKonto);
              });
@@ -126,9 +128,8 @@ ZelkResult ZELK_CALL ZELK_InitHoleKonto(int32_t Mandantennummer, int32_t Kontoar
 
 ZelkResult ZELK_CALL ZELK_HoleSako(ZELK_SAKO *Konto) {
   static constexpr Export self{.name = "ZELK_HoleSako", .fetch = true};
-  return run(self, {out("Konto:", Konto)}, [&](ThreadContext *context) {
-    return deliver(*context, kSachkonto, Konto, &DATENBANK::Sachkonto);
-  });
+  return run(self, {out("Konto:", Konto)},
+             [&](ThreadContext *context) { return deliver(*context, kSachkonto, Konto, &DATENBANK::Sachkonto); });
 }
 
 ZelkResult ZELK_CALL ZELK_HolePeko(ZELK_PEKO *Konto) {
@@ -141,7 +142,6 @@ ZelkResult ZELK_CALL ZELK_HolePeko(ZELK_PEKO *Konto) {
 
 ZelkResult ZELK_CALL ZELK_HoleKost(ZELK_KOST *Konto) {
   static constexpr Export self{.name = "ZELK_HoleKost", .fetch = true};
-  return run(self, {out("Konto:", Konto)}, [&](ThreadContext *context) {
-    return deliver(*context, kKost, Konto, &DATENBANK::Kost);
-  });
+  return run(self, {out("Konto:", Konto)},
+             [&](ThreadContext *context) { return deliver(*context, kKost, Konto, &DATENBANK::Kost); });
 }

@@ -1,7 +1,7 @@
 // Speed, as ratios to bare measures in one run: build/native/bin/zelk98_bench
 //
-// Each figure stands beside what the engine alone needs for the same work (a prepared statement, a seek for each row), so
-// that the machine cancels out. Medians of several repetitions.
+// Each figure stands beside what the engine alone needs for the same work (a prepared statement, a seek for each row),
+// so that the machine cancels out. Medians of several repetitions.
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
 
@@ -26,7 +26,9 @@ using namespace vldb98;
 constexpr int kAccounts = 10000;
 constexpr int kYear = 2026;
 
-std::string accountNumber(int i) { return std::to_string(10000 + i); }
+std::string accountNumber(int i) {
+  return std::to_string(10000 + i);
+}
 
 /// One client with many debtors in a temporary folder, a session and a bare connection to the same file.
 class BenchBooks {
@@ -43,7 +45,8 @@ public:
     store = openSession(settings);
     fill();
     std::string file = platform::withSeparator(settings.directory) + kDatabaseFile;
-    if (sqlite3_open_v2(file.c_str(), &bare, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr) != SQLITE_OK) std::abort();
+    if (sqlite3_open_v2(file.c_str(), &bare, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr) != SQLITE_OK)
+      std::abort();
   }
   ~BenchBooks() {
     sqlite3_close_v2(bare);
@@ -91,7 +94,8 @@ public:
   explicit BareStatement(const char *condition) {
     std::string sql = "SELECT ";
     const Table &table = *findTable(kDebitor);
-    for (const Field &field : table.fields) sql += std::string(&field == &table.fields.front() ? "" : ",") + "\"" + field.name + "\"";
+    for (const Field &field : table.fields)
+      sql += std::string(&field == &table.fields.front() ? "" : ",") + "\"" + field.name + "\"";
     sql += std::string(" FROM Debitor WHERE Mandant=1 AND Jahr=2026 AND ") + condition;
     columns_ = int(table.fields.size());
     sqlite3_prepare_v2(books().bare, sql.c_str(), -1, &statement_, nullptr);
@@ -103,8 +107,10 @@ public:
     sqlite3_bind_text(statement_, 1, number.c_str(), int(number.size()), SQLITE_STATIC);
     bool there = sqlite3_step(statement_) == SQLITE_ROW;
     for (int i = 0; there && i < columns_; ++i) {
-      if (sqlite3_column_type(statement_, i) == SQLITE_INTEGER) benchmark::DoNotOptimize(sqlite3_column_int64(statement_, i));
-      else benchmark::DoNotOptimize(sqlite3_column_text(statement_, i));
+      if (sqlite3_column_type(statement_, i) == SQLITE_INTEGER)
+        benchmark::DoNotOptimize(sqlite3_column_int64(statement_, i));
+      else
+        benchmark::DoNotOptimize(sqlite3_column_text(statement_, i));
     }
     if (there) number_ = reinterpret_cast<const char *>(sqlite3_column_text(statement_, 0));
     sqlite3_reset(statement_);
@@ -133,7 +139,9 @@ void positionedRead(benchmark::State &state) {
   DATENBANK record;
   uint8_t found;
   for (auto _ : state)
-    if (!books().store->UsedGet(record, KeyBuilder().account(accountNumber(randomAccount())), found, kDebitor, ZELK_ENG_DEFAULT) || !found)
+    if (!books().store->UsedGet(record, KeyBuilder().account(accountNumber(randomAccount())), found, kDebitor,
+                                ZELK_ENG_DEFAULT) ||
+        !found)
       state.SkipWithError("no record");
 }
 
@@ -156,7 +164,8 @@ void walk(benchmark::State &state) {
   for (auto _ : state) {
     int rows = 0;
     int done = books().store->GetFirstExt(record, found, kDebitor, ZELK_ENG_DEFAULT, 0);
-    for (; done && found; ++rows) done = books().store->GetNextExt(record, found, kDebitor, ZELK_ENG_DEFAULT);
+    for (; done && found; ++rows)
+      done = books().store->GetNextExt(record, found, kDebitor, ZELK_ENG_DEFAULT);
     if (rows != kAccounts) state.SkipWithError("records missing");
   }
 }

@@ -108,21 +108,30 @@ ZelkResult ZELK_CALL ZELK_HoleMandantenInfoDirekt(int32_t Mandantennummer, int32
     void *target;
     size_t offset, size;
   };
-#define DELIVERY(label, member) {label, member, offsetof(Info, member), sizeof(Info::member)}
-  const Delivery deliveries[] = {
-      DELIVERY("Aktuelles Jahr:", AktuellesJahr), DELIVERY("Gejabeginn:", Gejabeginn),
-      DELIVERY("Kontenrahmen:", Kontenrahmen),    DELIVERY("Istversteuerer:", Istversteuerer),
-      DELIVERY("EÜ-Rechner:", EUeRechner),        DELIVERY("Steuerfrei:", Steuerfrei),
-      DELIVERY("Euro:", Euro),                    DELIVERY("USt-ID-Nr:", UStIdNr),
-      DELIVERY("Land:", Land),                    DELIVERY("Währung:", Waehrung),
-      DELIVERY("Eurokurs:", Eurokurs),            DELIVERY("SV Sako:", SvSako),
-      DELIVERY("SV Kred:", SvKred),               DELIVERY("SV Debi:", SvDebi),
-      DELIVERY("Name:", Name),                    DELIVERY("Zusatz:", Zusatz)};
+#define DELIVERY(label, member)                                                                                        \
+  { label, member, offsetof(Info, member), sizeof(Info::member) }
+  const Delivery deliveries[] = {DELIVERY("Aktuelles Jahr:", AktuellesJahr),
+                                 DELIVERY("Gejabeginn:", Gejabeginn),
+                                 DELIVERY("Kontenrahmen:", Kontenrahmen),
+                                 DELIVERY("Istversteuerer:", Istversteuerer),
+                                 DELIVERY("EÜ-Rechner:", EUeRechner),
+                                 DELIVERY("Steuerfrei:", Steuerfrei),
+                                 DELIVERY("Euro:", Euro),
+                                 DELIVERY("USt-ID-Nr:", UStIdNr),
+                                 DELIVERY("Land:", Land),
+                                 DELIVERY("Währung:", Waehrung),
+                                 DELIVERY("Eurokurs:", Eurokurs),
+                                 DELIVERY("SV Sako:", SvSako),
+                                 DELIVERY("SV Kred:", SvKred),
+                                 DELIVERY("SV Debi:", SvDebi),
+                                 DELIVERY("Name:", Name),
+                                 DELIVERY("Zusatz:", Zusatz)};
 #undef DELIVERY
   Parameter parameters[std::size(deliveries) + 2];
   Parameter *next = parameters;
   *next++ = number("Mandatennummer:", Mandantennummer);
-  for (const Delivery &delivery : deliveries) *next++ = out(delivery.label, delivery.target);
+  for (const Delivery &delivery : deliveries)
+    *next++ = out(delivery.label, delivery.target);
   *next++ = number("Option:", Option);
   return run(self, parameters, [&](ThreadContext *context) {
     Info info{};

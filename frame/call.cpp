@@ -14,8 +14,8 @@
 namespace frame {
 namespace {
 
-// The directory that is made current while the product works in its own directory. One for the process, changed by every
-// call; hosts that call from several threads share it, as they share the current directory itself.
+// The directory that is made current while the product works in its own directory. One for the process, changed by
+// every call; hosts that call from several threads share it, as they share the current directory itself.
 class DatabaseDirectory {
 public:
   /// Becomes the directory when there is none yet. \return the directory, empty when it is the given one
@@ -78,7 +78,8 @@ void showOverflow(const Parameter &parameter) {
 // \return the first field whose text does not end within its width
 const Parameter *firstOverflow(std::span<const Parameter> parameters) {
   for (const Parameter &parameter : parameters)
-    if (parameter.kind == Parameter::Kind::Field && !std::memchr(parameter.pointer, 0, parameter.width)) return &parameter;
+    if (parameter.kind == Parameter::Kind::Field && !std::memchr(parameter.pointer, 0, parameter.width))
+      return &parameter;
   return nullptr;
 }
 
@@ -98,7 +99,10 @@ ZelkResult runBody(const Export &self, std::span<const Parameter> parameters, de
     return ZELKERR_Ueberlauf;
   }
   if (context) context->fehlermeldungen = flag;
-  return body(object, context);
+  ZelkResult result = body(object, context);
+  // Whatever the database came to, the next call begins with a connection of its own.
+  if (result == ZELKERR_Datenbank && context) context->closeSession();
+  return result;
 }
 
 } // namespace

@@ -15,13 +15,13 @@ namespace frame {
 /// What the frame knows of an exported function.
 struct Export {
   const char *name;
-  bool fetch = false;                          ///< results 1 and 0 carry the names of a fetch
-  bool dialog = false;                         ///< result 0 carries the name of a cancelled dialog
-  int companion = resources::kNoCompanion;     ///< name of the result -1
-  bool connect = true;                         ///< attach opens the default connection
-  bool refusesWhenDetached = true;             ///< -3 after ZELK_SQLDeInit
-  bool needsStatus = true;                     ///< the initialisation status must be 1
-  bool needsContext = true;                    ///< -42 without a thread context
+  bool fetch = false;                      ///< results 1 and 0 carry the names of a fetch
+  bool dialog = false;                     ///< result 0 carries the name of a cancelled dialog
+  int companion = resources::kNoCompanion; ///< name of the result -1
+  bool connect = true;                     ///< attach opens the default connection
+  bool refusesWhenDetached = true;         ///< -3 after ZELK_SQLDeInit
+  bool needsStatus = true;                 ///< the initialisation status must be 1
+  bool needsContext = true;                ///< -42 without a thread context
 };
 
 /// One labelled parameter or record field of a call.
@@ -39,14 +39,20 @@ template <class Number> constexpr Parameter number(const char *label, Number val
   return {label, Parameter::Kind::Number, 0, int64_t(value), nullptr};
 }
 /// A text that a host passes by pointer; may be null.
-inline Parameter text(const char *label, const char *value) { return {label, Parameter::Kind::Text, 0, 0, value}; }
+inline Parameter text(const char *label, const char *value) {
+  return {label, Parameter::Kind::Text, 0, 0, value};
+}
 /// A text in an array of a record.
 template <size_t N> Parameter field(const char *label, const char (&value)[N]) {
   return {label, Parameter::Kind::Field, uint16_t(N), 0, value};
 }
-inline Parameter out(const char *label, const void *value) { return {label, Parameter::Kind::Out, 0, 0, value}; }
+inline Parameter out(const char *label, const void *value) {
+  return {label, Parameter::Kind::Out, 0, 0, value};
+}
 /// The messages flag; the frame keeps it in the thread's context for the call.
-inline Parameter messages(int32_t value) { return {"Fehlermeldungen:", Parameter::Kind::Messages, 0, value, nullptr}; }
+inline Parameter messages(int32_t value) {
+  return {"Fehlermeldungen:", Parameter::Kind::Messages, 0, value, nullptr};
+}
 
 namespace detail {
 using Body = ZelkResult (*)(void *body, ThreadContext *context);
@@ -60,7 +66,8 @@ template <class Body> ZelkResult run(const Export &self, std::span<const Paramet
   using Object = std::remove_reference_t<Body>;
   return detail::run(
       self, parameters,
-      [](void *object, ThreadContext *context) -> ZelkResult { return (*static_cast<Object *>(object))(context); }, &body);
+      [](void *object, ThreadContext *context) -> ZelkResult { return (*static_cast<Object *>(object))(context); },
+      &body);
 }
 template <class Body> ZelkResult run(const Export &self, std::initializer_list<Parameter> parameters, Body &&body) {
   return run(self, std::span(parameters.begin(), parameters.size()), body);

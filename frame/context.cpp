@@ -10,7 +10,9 @@ namespace {
 
 platform::ThreadSlot slot;
 
-void destroy(void *context) { delete static_cast<ThreadContext *>(context); }
+void destroy(void *context) {
+  delete static_cast<ThreadContext *>(context);
+}
 
 } // namespace
 
@@ -36,9 +38,13 @@ ThreadContext *threadContext() {
   return context;
 }
 
-bool allocateContextSlot() { return slot.allocated() || slot.allocate(destroy); }
+bool allocateContextSlot() {
+  return slot.allocated() || slot.allocate(destroy);
+}
 
-void freeContextSlot() { slot.free(); }
+void freeContextSlot() {
+  slot.free();
+}
 
 void freeThreadContext() {
   destroy(slot.get());

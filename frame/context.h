@@ -11,11 +11,11 @@ namespace frame {
 /// No shared fetch is running.
 constexpr int32_t kNoFetch = -1;
 
-/// The fetch that families of the shared kind have in common. The number of the data kind is the store's table number, so
-/// that a fetch function tells its own fetch from another one.
+/// The fetch that families of the shared kind have in common. The number of the data kind is the store's table number,
+/// so that a fetch function tells its own fetch from another one.
 struct SharedFetch {
   int32_t kind = kNoFetch;
-  bool pending = false;       ///< record holds the next one to deliver
+  bool pending = false;        ///< record holds the next one to deliver
   vldb98::FileNumber file = 0; ///< table and key of the walk
   vldb98::DATENBANK record{};
   int32_t client = 0;
@@ -24,9 +24,9 @@ struct SharedFetch {
 
 /// Created on first need, freed when the thread ends or the library is detached.
 struct ThreadContext {
-  int32_t fehlermeldungen = 0;       ///< messages flag of the running call
-  uint32_t clientOption = 0;         ///< option of the last read of client information
-  uint32_t clientCursor = 0;         ///< number of the next client of the client list; 0: no such fetch
+  int32_t fehlermeldungen = 0; ///< messages flag of the running call
+  uint32_t clientOption = 0;   ///< option of the last read of client information
+  uint32_t clientCursor = 0;   ///< number of the next client of the client list; 0: no such fetch
   SharedFetch fetch;
   vldb98::BATCHBUCHUNG batchPosting{}; ///< posting under the cursor of the batch reading
 

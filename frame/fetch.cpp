@@ -15,7 +15,8 @@ namespace {
 constexpr int32_t kWalkSelector = 5;
 
 bool reopen(Store &store, const SharedFetch &fetch) {
-  if (store.HoleFista().Nummer != fetch.client && vlfn98::HoleMandantenDaten(store, fetch.client) != ZELK_OK) return false;
+  if (store.HoleFista().Nummer != fetch.client && vlfn98::HoleMandantenDaten(store, fetch.client) != ZELK_OK)
+    return false;
   return std::strcmp(store.HoleOpenJahr(), fetch.year) == 0 || store.SetzeOpenJahr(fetch.year);
 }
 
@@ -51,7 +52,7 @@ ZelkResult detail::readAhead(ThreadContext &context, int32_t kind, DATENBANK &ne
   Store *store = context.session();
   uint8_t found = 0;
   if (store && reopen(*store, fetch)) {
-    store->Positioniere(fetch.record, fetch.file);
+    store->setCurrent(fetch.record, fetch.file);
     if (store->GetNextExt(next, found, fetch.file, ZELK_ENG_DEFAULT)) return found ? ZELK_OK : ZELK_letzterDatensatz;
   }
   context.fetch = {};

@@ -31,9 +31,11 @@ std::string findProgramDirectory() {
     const char *section, *key;
     size_t size;
   };
-  static constexpr Place places[] = {{"MFIBU", "ProgPfad98", 250}, {"MFIBU", "ProgPfad", 250}, {"ZELK", "ProgPfad", 260}};
+  static constexpr Place places[] = {
+      {"MFIBU", "ProgPfad98", 250}, {"MFIBU", "ProgPfad", 250}, {"ZELK", "ProgPfad", 260}};
   for (const Place &place : places)
-    if (std::string path = setting(place.section, place.key, place.size); !path.empty()) return platform::withSeparator(path);
+    if (std::string path = setting(place.section, place.key, place.size); !path.empty())
+      return platform::withSeparator(path);
   return "";
 }
 
@@ -61,7 +63,8 @@ void attach(Lifecycle &state, bool connect) {
   vldb98::VLDB_Attach(databaseSettings(settings.programDirectory));
   // A database that cannot be opened now does not fail the attach: each call tries it again, and says so.
   if (connect && vldb98::IsZELKMode())
-    vldb98::ConnectSQL(vldb98::kConnectSilently, vldb98::ZELK_ENG_DEFAULT, nullptr, nullptr, nullptr, 0, nullptr, nullptr);
+    vldb98::ConnectSQL(vldb98::kConnectSilently, vldb98::ZELK_ENG_DEFAULT, nullptr, nullptr, nullptr, 0, nullptr,
+                       nullptr);
   settings.reportDirectory = setting("ZELK", "ReportPfad", 260);
   if (settings.reportDirectory.empty()) settings.reportDirectory = setting("MFIBU", "ReportPfad", 260);
   if (!settings.reportDirectory.empty()) settings.reportDirectory = platform::withSeparator(settings.reportDirectory);
@@ -72,10 +75,18 @@ void attach(Lifecycle &state, bool connect) {
 
 } // namespace
 
-ZelkResult initialisationStatus() { return lifecycle().status; }
-bool detached() { return lifecycle().detached; }
-void setDetached() { lifecycle().detached = true; }
-const ProgramSettings &programSettings() { return lifecycle().settings; }
+ZelkResult initialisationStatus() {
+  return lifecycle().status;
+}
+bool detached() {
+  return lifecycle().detached;
+}
+void setDetached() {
+  lifecycle().detached = true;
+}
+const ProgramSettings &programSettings() {
+  return lifecycle().settings;
+}
 
 } // namespace frame
 

@@ -23,9 +23,9 @@ struct BoxStyle {
 
 // By group of message numbers, from kFirstMessage on.
 constexpr BoxStyle kStyles[] = {
-    {BoxIcon::Information, BoxButtons::Ok},        {BoxIcon::Information, BoxButtons::OkCancel},
-    {BoxIcon::Exclamation, BoxButtons::Ok},        {BoxIcon::Exclamation, BoxButtons::OkCancel},
-    {BoxIcon::Question, BoxButtons::YesNo},        {BoxIcon::Question, BoxButtons::YesNoCancel},
+    {BoxIcon::Information, BoxButtons::Ok},          {BoxIcon::Information, BoxButtons::OkCancel},
+    {BoxIcon::Exclamation, BoxButtons::Ok},          {BoxIcon::Exclamation, BoxButtons::OkCancel},
+    {BoxIcon::Question, BoxButtons::YesNo},          {BoxIcon::Question, BoxButtons::YesNoCancel},
     {BoxIcon::Question, BoxButtons::YesNoDefaultNo}, {BoxIcon::Exclamation, BoxButtons::Ok},
 };
 

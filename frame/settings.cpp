@@ -28,7 +28,9 @@ std::string firstCharacters(const std::string &utf8, size_t count) {
   return utf8.substr(0, end);
 }
 
-std::string sectionKey(const std::string &section) { return kSettingsKey + firstCharacters(section, kMaxSection); }
+std::string sectionKey(const std::string &section) {
+  return kSettingsKey + firstCharacters(section, kMaxSection);
+}
 
 // Decided once for the process.
 bool userSpecific() {
@@ -49,7 +51,8 @@ std::string toCodePage(const std::string &utf8) {
   std::string text;
   for (size_t i = 0; i < utf8.size();) {
     size_t length = 1;
-    while (i + length < utf8.size() && (uint8_t(utf8[i + length]) & 0xC0) == 0x80) ++length;
+    while (i + length < utf8.size() && (uint8_t(utf8[i + length]) & 0xC0) == 0x80)
+      ++length;
     auto character = vlba98::toWindows1252(utf8.substr(i, length));
     text += character ? *character : "?";
     i += length;
@@ -57,7 +60,9 @@ std::string toCodePage(const std::string &utf8) {
   return text;
 }
 
-std::string fromCodePage(const char *text) { return vlba98::toUtf8(text ? text : ""); }
+std::string fromCodePage(const char *text) {
+  return vlba98::toUtf8(text ? text : "");
+}
 
 uint32_t deliver(const std::string &text, char *buffer, uint32_t size) {
   uint32_t length = std::min(uint32_t(text.size()), size - 1);
@@ -79,7 +84,8 @@ uint32_t deliverCut(const std::string &text, char *buffer, uint32_t size) {
 uint32_t deliverNames(const std::string &section, char *buffer, uint32_t size) {
   std::string path = sectionKey(section), list;
   auto names = platform::registryValueNames(userSpecific() ? Hive::CurrentUser : Hive::LocalMachine, path);
-  for (const std::string &name : names) list += toCodePage(name) + '\0';
+  for (const std::string &name : names)
+    list += toCodePage(name) + '\0';
   return deliverCut(list, buffer, size);
 }
 
@@ -99,7 +105,8 @@ int positiveSetting(const char *section, const char *key, int missing) {
 
 namespace {
 bool writeSetting(const std::string &section, const std::string &key, const std::string &value) {
-  return platform::writeRegistry(userSpecific() ? Hive::CurrentUser : Hive::LocalMachine, sectionKey(section), key, value);
+  return platform::writeRegistry(userSpecific() ? Hive::CurrentUser : Hive::LocalMachine, sectionKey(section), key,
+                                 value);
 }
 } // namespace
 
@@ -108,9 +115,9 @@ bool writeSetting(const std::string &section, const std::string &key, const std:
 uint32_t ZELK_CALL MFGetPrivateProfileString(const char *Section, const char *Key, const char *Default, char *Buffer,
                                              uint32_t Size, const char *) try {
   if (!Section) {
-    platform::ui().message("Fehler",
-                           "Es wurde versucht die Sektionsnamen aus der Registry abzurufen. Dies ist jedoch nicht möglich.",
-                           platform::BoxIcon::Exclamation, platform::BoxButtons::Ok);
+    platform::ui().message(
+        "Fehler", "Es wurde versucht die Sektionsnamen aus der Registry abzurufen. Dies ist jedoch nicht möglich.",
+        platform::BoxIcon::Exclamation, platform::BoxButtons::Ok);
     return 0;
   }
   if (!Buffer || Size == 0) return 0;
@@ -133,7 +140,8 @@ int32_t ZELK_CALL MFGetPrivateProfileInt(const char *Section, const char *Key, i
   return Default;
 }
 
-int32_t ZELK_CALL MFWritePrivateProfileString(const char *Section, const char *Key, const char *Value, const char *) try {
+int32_t ZELK_CALL MFWritePrivateProfileString(const char *Section, const char *Key, const char *Value,
+                                              const char *) try {
   if (!Section || !Key) return 0;
   return frame::writeSetting(frame::fromCodePage(Section), frame::fromCodePage(Key), frame::fromCodePage(Value));
 } catch (...) {

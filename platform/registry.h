@@ -1,5 +1,5 @@
-/// The registry: named values under keys under two hives. On Windows the system's own; elsewhere one text file, its path
-/// $ZELK_SETTINGS, else ~/.config/velta/settings.ini, with one section for each hive and key. All texts are UTF-8.
+/// The registry: named values under keys under two hives. On Windows the system's own; elsewhere one text file, its
+/// path $ZELK_SETTINGS, else ~/.config/velta/settings.ini, with one section for each hive and key. All texts are UTF-8.
 #pragma once
 
 #include <optional>

@@ -14,6 +14,8 @@ Ui &ui() {
   return chosen ? *chosen : systemUi();
 }
 
-void setUi(Ui *replacement) { replaced.store(replacement); }
+void setUi(Ui *replacement) {
+  replaced.store(replacement);
+}
 
 } // namespace platform

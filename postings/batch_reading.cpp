@@ -52,27 +52,26 @@ int fill(ZELK_SPLITBUCHUNG &out, Store &store, const BATCHBUCHUNG &posting) {
 
 ZelkResult ZELK_CALL ZELK_InitHoleBatch(int32_t Mandantennummer, int32_t Stapelnummer, int32_t Fehlermeldungen) {
   static constexpr Export self{.name = "ZELK_InitHoleBatch"};
-  return run(self,
-             {number("Mandantennummer:", Mandantennummer), number("Stapelnummer:", Stapelnummer),
-              messages(Fehlermeldungen)},
-             [&](ThreadContext *context) -> ZelkResult {
-               context->fetch = {};
-               Store *store = context->session();
-               if (!store) return ZELKERR_Datenbank;
-               if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
-               uint8_t found;
-               if (!store->Used(KeyBuilder().number(Stapelnummer), found, kStapel, ZELK_ENG_DEFAULT))
-                 return ZELKERR_Datenbank;
-               if (!found) return refuse(*context, ZELKERR_uzl_Stapelnr, resources::kGibtEsNicht, "Stapel");
-               BATCHBUCHUNG posting{};
-               if (!store->ReadBat(posting, Stapelnummer, 0, found)) return ZELKERR_Datenbank;
-               if (!found) return ZELK_keinKonto;
-               context->fetch.kind = kBatchbuchung;
-               context->fetch.pending = true;
-               context->fetch.client = Mandantennummer;
-               context->batchPosting = posting;
-               return ZELK_OK;
-             });
+  return run(
+      self,
+      {number("Mandantennummer:", Mandantennummer), number("Stapelnummer:", Stapelnummer), messages(Fehlermeldungen)},
+      [&](ThreadContext *context) -> ZelkResult {
+        context->fetch = {};
+        Store *store = context->session();
+        if (!store) return ZELKERR_Datenbank;
+        if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
+        uint8_t found;
+        if (!store->Used(KeyBuilder().number(Stapelnummer), found, kStapel, ZELK_ENG_DEFAULT)) return ZELKERR_Datenbank;
+        if (!found) return refuse(*context, ZELKERR_uzl_Stapelnr, resources::kGibtEsNicht, "Stapel");
+        BATCHBUCHUNG posting{};
+        if (!store->ReadBat(posting, Stapelnummer, 0, found)) return ZELKERR_Datenbank;
+        if (!found) return ZELK_keinKonto;
+        context->fetch.kind = kBatchbuchung;
+        context->fetch.pending = true;
+        context->fetch.client = Mandantennummer;
+        context->batchPosting = posting;
+        return ZELK_OK;
+      });
 }
 
 ZelkResult ZELK_CALL ZELK_HoleBatch(ZELK_SPLITBUCHUNG *Buchung) {

@@ -33,7 +33,7 @@ public:
   }
   ~PostingLocks() {
     for (const Release &release : kReleaseOrder)
-      store_.Unlock(release.file, release.changed && store_.TransaktionsTiefe() <= 0, ZELK_ENG_DEFAULT);
+      store_.Unlock(release.file, release.changed && store_.transactionDepth() <= 0, ZELK_ENG_DEFAULT);
   }
   PostingLocks(const PostingLocks &) = delete;
   PostingLocks &operator=(const PostingLocks &) = delete;
@@ -76,12 +76,11 @@ ZelkResult ZELK_CALL ZELK_SplitBuchungEinfuegen(const ZELK_SPLITBUCHUNG *Buchung
       *next++ = p;
     for (int i = 0; i < std::min(b.Teilbuchungsanzahl, kMaxLines); ++i) {
       const ZELK_TEILBUCHUNG &line = b.Teilbuchung[i];
-      for (const Parameter &p :
-           {number("Sollart:", line.Sollart), number("Habenart:", line.Habenart),
-            number("Kostenschablone:", line.Kostenschablone), field("Sollkonto:", line.Sollkonto),
-            field("Habenkonto:", line.Habenkonto), field("Bruttobetrag:", line.Bruttobetrag),
-            field("Steuersatz:", line.Steuersatz), field("Steuerbetrag:", line.Steuerbetrag), field("Text:", line.Text),
-            field("Text 2:", line.Text2)})
+      for (const Parameter &p : {number("Sollart:", line.Sollart), number("Habenart:", line.Habenart),
+                                 number("Kostenschablone:", line.Kostenschablone), field("Sollkonto:", line.Sollkonto),
+                                 field("Habenkonto:", line.Habenkonto), field("Bruttobetrag:", line.Bruttobetrag),
+                                 field("Steuersatz:", line.Steuersatz), field("Steuerbetrag:", line.Steuerbetrag),
+                                 field("Text:", line.Text), field("Text 2:", line.Text2)})
         *next++ = p;
     }
   }
@@ -95,16 +94,30 @@ ZelkResult ZELK_CALL ZELK_BuchungEinfuegen(const ZELK_BUCHUNG *Buchung, int32_t 
     return run(self, {messages(Fehlermeldungen)}, [](ThreadContext *) -> ZelkResult { return ZELKERR_nicht_moeglich; });
   const ZELK_BUCHUNG &b = *Buchung;
   return run(self,
-             {number("Mandantennummer:", b.Mandantennummer), number("Stapelnummer:", b.Stapelnummer),
-              number("Kostenschablone:", b.Kostenschablone), number("Zahlungsziel:", b.Zahlungsziel),
-              number("Eröffnungsbuchung:", b.Eroeffnungsbuchung), number("Abschlussbuchung:", b.Abschlussbuchung),
-              number("Sollart:", b.Sollart), number("Habenart:", b.Habenart), number("USt-Direkt:", b.UStDirekt),
-              number("Umbuchung:", b.Umbuchung), field("Belegdatum:", b.Belegdatum), field("Belegnummer:", b.Belegnummer),
-              field("Text:", b.Text), field("Text 2:", b.Text2), field("Sollkonto:", b.Sollkonto),
-              field("Habenkonto:", b.Habenkonto), field("Bruttobetrag:", b.Bruttobetrag),
-              field("Steuersatz:", b.Steuersatz), field("Steuerbetrag:", b.Steuerbetrag),
-              field("OP-Belegnummer:", b.OPBelegnummer), field("Valutadatum:", b.Valutadatum),
-              field("Währung:", b.Waehrung), field("ESR:", b.ESR), messages(Fehlermeldungen)},
+             {number("Mandantennummer:", b.Mandantennummer),
+              number("Stapelnummer:", b.Stapelnummer),
+              number("Kostenschablone:", b.Kostenschablone),
+              number("Zahlungsziel:", b.Zahlungsziel),
+              number("Eröffnungsbuchung:", b.Eroeffnungsbuchung),
+              number("Abschlussbuchung:", b.Abschlussbuchung),
+              number("Sollart:", b.Sollart),
+              number("Habenart:", b.Habenart),
+              number("USt-Direkt:", b.UStDirekt),
+              number("Umbuchung:", b.Umbuchung),
+              field("Belegdatum:", b.Belegdatum),
+              field("Belegnummer:", b.Belegnummer),
+              field("Text:", b.Text),
+              field("Text 2:", b.Text2),
+              field("Sollkonto:", b.Sollkonto),
+              field("Habenkonto:", b.Habenkonto),
+              field("Bruttobetrag:", b.Bruttobetrag),
+              field("Steuersatz:", b.Steuersatz),
+              field("Steuerbetrag:", b.Steuerbetrag),
+              field("OP-Belegnummer:", b.OPBelegnummer),
+              field("Valutadatum:", b.Valutadatum),
+              field("Währung:", b.Waehrung),
+              field("ESR:", b.ESR),
+              messages(Fehlermeldungen)},
              [&](ThreadContext *) {
                ZELK_SPLITBUCHUNG split{};
                split.Mandantennummer = b.Mandantennummer;

@@ -17,13 +17,17 @@ namespace {
 
 constexpr int kMaxLines = 10;
 
-bool isEmpty(const char *text) { return vlba98::trimmed(text).empty(); }
-bool isPersonal(int32_t kind) { return kind == ZELK_KREDITOR || kind == ZELK_DEBITOR; }
+bool isEmpty(const char *text) {
+  return vlba98::trimmed(text).empty();
+}
+bool isPersonal(int32_t kind) {
+  return kind == ZELK_KREDITOR || kind == ZELK_DEBITOR;
+}
 
 // One side of a posting line, so that debit and credit need no code of their own.
 struct Side {
   char (ZELK_TEILBUCHUNG::*account)[8];
-  size_t kindOffset; // lines are packed: a pointer to the member would have to be aligned
+  size_t kindOffset;  // lines are packed: a pointer to the member would have to be aligned
   int unknownMessage; // of the first look at the accounts
   ZelkResult wrongCode;
   int wrongMessage;
@@ -57,12 +61,13 @@ ZelkResult Insertion::refuse(ZelkResult code, int message, std::string_view fill
 ZelkResult Insertion::run() {
   using Check = ZelkResult (Insertion::*)();
   // The order is part of the interface: the first check that fails names the code.
-  static constexpr Check checks[] = {
-      &Insertion::checkBatch,       &Insertion::checkDocumentDate, &Insertion::checkLineCount,
-      &Insertion::replaceOpeningAccounts, &Insertion::checkPaymentSlip, &Insertion::registerDocument,
-      &Insertion::checkSplitShape,  &Insertion::checkPaymentTerm,  &Insertion::checkCurrency,
-      &Insertion::checkFirstAccounts, &Insertion::takeDocumentNumber, &Insertion::checkValueDate,
-      &Insertion::checkLines,       &Insertion::write};
+  static constexpr Check checks[] = {&Insertion::checkBatch,         &Insertion::checkDocumentDate,
+                                     &Insertion::checkLineCount,     &Insertion::replaceOpeningAccounts,
+                                     &Insertion::checkPaymentSlip,   &Insertion::registerDocument,
+                                     &Insertion::checkSplitShape,    &Insertion::checkPaymentTerm,
+                                     &Insertion::checkCurrency,      &Insertion::checkFirstAccounts,
+                                     &Insertion::takeDocumentNumber, &Insertion::checkValueDate,
+                                     &Insertion::checkLines,         &Insertion::write};
   for (Check check : checks)
     if (ZelkResult result = (this->*check)(); result != ZELK_OK) return result;
   return ZELK_OK;
@@ -83,9 +88,12 @@ ZelkResult Insertion::checkDocumentDate() {
   auto date = vlba98::parseDatum(request_.Belegdatum);
   if (!date) return refuse(ZELKERR_uzl_Belegdatum, resources::kBuchungsdatumUnzulaessig);
   switch (vlfn98::IsBuchjahr(store_, *date, frame::programSettings().noFiscalYearCheck)) {
-  case vlfn98::BookableYear::StoreFailed: return ZELKERR_Datenbank;
-  case vlfn98::BookableYear::No: return refuse(ZELKERR_uzl_Belegdatum, resources::kBuchungsdatumUnzulaessig);
-  case vlfn98::BookableYear::Yes: break;
+  case vlfn98::BookableYear::StoreFailed:
+    return ZELKERR_Datenbank;
+  case vlfn98::BookableYear::No:
+    return refuse(ZELKERR_uzl_Belegdatum, resources::kBuchungsdatumUnzulaessig);
+  case vlfn98::BookableYear::Yes:
+    break;
   }
   vlba98::strncpy2(posting_.Belegdatum, vlba98::toReversed(*date).data());
   return ZELK_OK;
@@ -168,7 +176,8 @@ ZelkResult Insertion::checkPaymentTerm() {
 
 ZelkResult Insertion::checkCurrency() {
   std::string_view currency = vlba98::trimmed(request_.Waehrung);
-  bool letters = std::all_of(currency.begin(), currency.end(), [](char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); });
+  bool letters = std::all_of(currency.begin(), currency.end(),
+                             [](char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); });
   if (!letters) return refuse(ZELKERR_uzl_Waehrung, resources::kWaehrungNurBuchstaben);
   char upper[4] = "";
   std::transform(currency.begin(), currency.end(), upper, [](char c) { return char(c & ~0x20); });
@@ -191,10 +200,12 @@ ZelkResult Insertion::lookUpAccount(const char (&account)[8], int32_t kind, bool
 ZelkResult Insertion::checkFirstAccounts() {
   int length = store_.HoleFista().Kontolaenge;
   for (int i = 0; i < request_.Teilbuchungsanzahl; ++i)
-    for (const Side *side : kSides) vlfn98::KonvertKonto(request_.Teilbuchung[i].*side->account, length);
+    for (const Side *side : kSides)
+      vlfn98::KonvertKonto(request_.Teilbuchung[i].*side->account, length);
   for (const Side *side : kSides) {
     bool valid = false;
-    if (ZelkResult result = lookUpAccount(request_.Teilbuchung[0].*side->account, 0, valid); result != ZELK_OK) return result;
+    if (ZelkResult result = lookUpAccount(request_.Teilbuchung[0].*side->account, 0, valid); result != ZELK_OK)
+      return result;
     if (!valid) return refuse(ZELKERR_uzl_Kontonr, side->unknownMessage);
   }
   return ZELK_OK;
@@ -231,12 +242,12 @@ ZelkResult Insertion::checkLine(int index) {
     if (ZelkResult result = lookUpAccount(line.*side->account, kind, valid); result != ZELK_OK) return result;
     if (!valid) return refuse(side->wrongCode, side->wrongMessage, {}, index);
   }
-  const Amount amounts[] = {
-      {line.Bruttobetrag, int(vlba98::geldWidth), ZELKERR_uzl_Bruttobetrag, "Bruttobetrag"},
-      {line.Steuersatz, int(vlba98::satzWidth), ZELKERR_uzl_Steuersatz, "Steuersatz"},
-      {line.Steuerbetrag, int(vlba98::geldWidth), ZELKERR_uzl_Steuerbetrag, "Steuerbetrag"}};
+  const Amount amounts[] = {{line.Bruttobetrag, int(vlba98::geldWidth), ZELKERR_uzl_Bruttobetrag, "Bruttobetrag"},
+                            {line.Steuersatz, int(vlba98::satzWidth), ZELKERR_uzl_Steuersatz, "Steuersatz"},
+                            {line.Steuerbetrag, int(vlba98::geldWidth), ZELKERR_uzl_Steuerbetrag, "Steuerbetrag"}};
   for (const Amount &amount : amounts)
-    if (bool rate = amount.width == int(vlba98::satzWidth); !vlba98::IsGeld(amount.text, amount.width, 1, !rate, amount.text))
+    if (bool rate = amount.width == int(vlba98::satzWidth);
+        !vlba98::IsGeld(amount.text, amount.width, 1, !rate, amount.text))
       return refuse(amount.code, resources::kIstUnzulaessig, amount.name, index);
   if (line.Kostenschablone != 0) return refuse(ZELKERR_uzl_Koscha, resources::kKostenschabloneFehlt, {}, index);
   bool rateGiven = !vlba98::IsNull(line.Steuersatz), taxGiven = !vlba98::IsNull(line.Steuerbetrag);
@@ -259,6 +270,8 @@ ZelkResult Insertion::checkLine(int index) {
   return store_.MemInsertSplit(stored) ? ZELK_OK : ZELKERR_Datenbank;
 }
 
-ZelkResult Insertion::write() { return store_.InsertBat(posting_) ? ZELK_OK : ZELKERR_Datenbank; }
+ZelkResult Insertion::write() {
+  return store_.InsertBat(posting_) ? ZELK_OK : ZELKERR_Datenbank;
+}
 
 } // namespace postings

@@ -1,5 +1,6 @@
 // The result codes with their names and texts, as callers and the call protocol show them. The texts are part of the
-// interface: their slips stay as they are, and so do those of -74 to -76, which stand one place later than their names say.
+// interface: their slips stay as they are, and so do those of -74 to -76, which stand one place later than their names
+// say.
 #include "resources/strings.h"
 
 namespace resources {
@@ -24,8 +25,7 @@ const ResultTexts kResultTexts[] = {
     {-11, "ZELKERR_uzl_Belegdatum", "Das angegebene Belegdatum ist unzulässig (Format? Bebuchbares Jahr?)."},
     {-12, "ZELKERR_uzl_Bruttobetrag", "Der angegebenen Bruttobetrag ist unzulässig (Format)."},
     {-13, "ZELKERR_uzl_Steuersatz", "Der angegebene Steuersatz ist unzulässig (Format? Passend zum Steuerbetrag?). "},
-    {-14, "ZELKERR_uzl_Steuerbetrag",
-     "Der angegebene Steuerbetrag ist unzulässig (Format? Passend zum Steuersatz?)."},
+    {-14, "ZELKERR_uzl_Steuerbetrag", "Der angegebene Steuerbetrag ist unzulässig (Format? Passend zum Steuersatz?)."},
     {-15, "ZELKERR_uzl_Gegenkonto", "Das angegebene Gegenkonto ist unzulässig (Existenz?)."},
     {-16, "ZELKERR_uzl_Bankverbindung",
      "Die angegebene Bankverbindung ist unzulässig. Es müssen entweder sowohl BLZ und Bankkontonummer "
@@ -138,8 +138,7 @@ const ResultTexts kResultTexts[] = {
      "Das Datum liegt ausserhalb der Laufzeitbeschränkung der Kostenstelle/des Kostenträgers."},
     {-98, "ZELKERR_uzl_Ustidnr", "Die Umsatzsteuer-ID entspricht nicht den Vorgaben des angegebenen Landes."},
     {-99, "ZELKERR_uzl_Menge", "Die Mengenangabe entspricht nicht dem erwarteten Format."},
-    {-100, "ZELKERR_uzl_Einheitenwechsel",
-     "Die Einheiten der Kostenbuchungen pro Splitbuchung müssen identisch sein."},
+    {-100, "ZELKERR_uzl_Einheitenwechsel", "Die Einheiten der Kostenbuchungen pro Splitbuchung müssen identisch sein."},
     {-101, "ZELKERR_uzl_Bonitaet", "Die Bonität ist nicht zulässig."},
     {-102, "ZELKERR_uzl_BonitaetSuchTyp", "Der Suchtyp für die Bonität ist nicht zulässig."},
     {-103, "ZELKERR_neuerer_Mandant",

@@ -67,8 +67,10 @@ static_assert(std::is_sorted(std::begin(kEntries), std::end(kEntries),
 } // namespace
 
 std::string_view text(int id) {
-  if (int code = 100 - id; code >= kLeastResult && code <= kGreatestResult) return kResultTexts[kGreatestResult - code].name;
-  if (int code = 300 - id; code >= kLeastResult && code <= kGreatestResult) return kResultTexts[kGreatestResult - code].text;
+  if (int code = 100 - id; code >= kLeastResult && code <= kGreatestResult)
+    return kResultTexts[kGreatestResult - code].name;
+  if (int code = 300 - id; code >= kLeastResult && code <= kGreatestResult)
+    return kResultTexts[kGreatestResult - code].text;
   auto entry = std::lower_bound(std::begin(kEntries), std::end(kEntries), id,
                                 [](const Entry &e, int wanted) { return e.id < wanted; });
   return entry != std::end(kEntries) && entry->id == id ? entry->text : std::string_view{};

@@ -32,8 +32,12 @@ enum CompanionName {
 };
 
 // Ids of the name and the long text of a result code.
-constexpr int nameId(int code) { return 100 - code; }
-constexpr int textId(int code) { return 300 - code; }
+constexpr int nameId(int code) {
+  return 100 - code;
+}
+constexpr int textId(int code) {
+  return 300 - code;
+}
 
 /// Messages from 1000 on. A group of 200 shares one style of message box.
 enum Message {

@@ -73,18 +73,28 @@ void DeinitializeDB() {
   ++state().generation;
 }
 
-bool IsZELKMode() { return GetUsedEngine() == ZELK_ENG_BTRIEVE; }
-DBENGINE GetUsedEngine() { return ZELK_ENG_BTRIEVE; }
-std::string HoleDbPfad() { return platform::withSeparator(settingsNow().directory); }
+bool IsZELKMode() {
+  return GetUsedEngine() == ZELK_ENG_BTRIEVE;
+}
+DBENGINE GetUsedEngine() {
+  return ZELK_ENG_BTRIEVE;
+}
+std::string HoleDbPfad() {
+  return platform::withSeparator(settingsNow().directory);
+}
 
 bool IsDbOffen() {
   std::lock_guard guard(state().mutex);
   return state().open;
 }
 
-uint32_t generation() { return state().generation; }
+uint32_t generation() {
+  return state().generation;
+}
 
-std::unique_ptr<Store> openSession() { return IsDbOffen() ? openSession(settingsNow()) : nullptr; }
+std::unique_ptr<Store> openSession() {
+  return IsDbOffen() ? openSession(settingsNow()) : nullptr;
+}
 
 std::unique_ptr<Store> openSession(const DatabaseSettings &settings) {
   auto engine = openEngine(settings);

@@ -11,7 +11,8 @@
 namespace vldb98 {
 
 /// How the embedded engine's file is opened; the driver stands in a layer above.
-using OpenEmbedded = std::function<std::unique_ptr<SqlConnection>(const std::string &path, std::chrono::milliseconds wait)>;
+using OpenEmbedded =
+    std::function<std::unique_ptr<SqlConnection>(const std::string &path, std::chrono::milliseconds wait)>;
 
 /// Puts something around an engine before a session gets it.
 using EngineDecorator = std::function<std::unique_ptr<Engine>(std::unique_ptr<Engine>)>;

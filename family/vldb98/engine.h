@@ -1,5 +1,5 @@
-/// The few primitives on which the record store's operations (store.h) rest. An engine keeps the current record of every
-/// table, the scope and the locks of one session; it belongs to one thread.
+/// The few primitives on which the record store's operations (store.h) rest. An engine keeps the current record of
+/// every table, the scope and the locks of one session; it belongs to one thread.
 #pragma once
 
 #include <cstdint>
@@ -18,17 +18,17 @@ enum DBENGINE : int32_t {
 };
 
 enum class ReadOp : uint8_t {
-  First,     ///< in key order
+  First, ///< in key order
   Last,
-  Next,      ///< after the current record; after Range only as far as its upper key
+  Next, ///< after the current record; after Range only as far as its upper key
   Prev,
   Ge,        ///< first with key >= the given one
   Le,        ///< last with key <= the given one
   Range,     ///< first with key between the given ones, both included
   StepFirst, ///< in the order of the table itself
   StepNext,
-  Exact,     ///< with exactly this key
-  Exists,    ///< the same without delivering it: the current record stays
+  Exact,  ///< with exactly this key
+  Exists, ///< the same without delivering it: the current record stays
 };
 
 enum class ChangeOp : uint8_t { Insert, Update, Delete };
@@ -45,8 +45,8 @@ public:
 
   virtual DBENGINE kind() const = 0;
 
-  /// The client and fiscal year (calendar year in which it begins) whose rows are meant from now on. The current records
-  /// of tables that the change concerns are forgotten.
+  /// The client and fiscal year (calendar year in which it begins) whose rows are meant from now on. The current
+  /// records of tables that the change concerns are forgotten.
   virtual void setScope(uint16_t client, int year) = 0;
 
   /// \param key,upper where the operation takes them, else null
@@ -71,8 +71,8 @@ public:
   virtual bool tableExists(int number, bool &exists) = 0;
 
   virtual bool lock(const LockName &name, LockMode mode) = 0;
-  /// Releases what is held on a table, of whatever client. Inside a transaction it takes effect at its end, so that nobody sees
-  /// the table before the change is committed, unless at once is asked for.
+  /// Releases what is held on a table, of whatever client. Inside a transaction it takes effect at its end, so that
+  /// nobody sees the table before the change is committed, unless at once is asked for.
   virtual void unlock(int table, bool atOnce) = 0;
   virtual bool holdsLocks() const = 0;
 };

@@ -19,8 +19,12 @@ private:
   SqlStatement &statement_;
 };
 
-bool takesKey(ReadOp op) { return op >= ReadOp::Ge && op != ReadOp::StepFirst && op != ReadOp::StepNext; }
-bool steps(ReadOp op) { return op == ReadOp::Next || op == ReadOp::Prev || op == ReadOp::StepNext; }
+bool takesKey(ReadOp op) {
+  return op >= ReadOp::Ge && op != ReadOp::StepFirst && op != ReadOp::StepNext;
+}
+bool steps(ReadOp op) {
+  return op == ReadOp::Next || op == ReadOp::Prev || op == ReadOp::StepNext;
+}
 
 int32_t numberAt(const Field &field, const char *record) {
   int32_t value;
@@ -40,7 +44,8 @@ IsamEngine::~IsamEngine() {
 void IsamEngine::setScope(uint16_t client, int year) {
   if (client == client_ && year == year_) return;
   for (const Table &table : allTables()) {
-    bool concerned = table.scope != Scope::Global && (client != client_ || (table.scope == Scope::FiscalYear && year != year_));
+    bool concerned =
+        table.scope != Scope::Global && (client != client_ || (table.scope == Scope::FiscalYear && year != year_));
     if (!concerned) continue;
     tables_[size_t(table.number)].current.clear();
     tables_[size_t(table.number)].rangeKey = -1;
@@ -104,8 +109,10 @@ bool IsamEngine::read(ReadOp op, FileNumber file, const SCHLUESSEL *key, const S
   SqlStatement *statement = readStatement(*table, *order, op, bounded);
   if (!statement) return false;
   int parameter = bindScope(*statement, *table, 1);
-  if (takesKey(op)) parameter = bindKey(*statement, *table, *order, *key, parameter);
-  else if (steps(op) && !bindFields(*statement, *table, order->totalOrder, state.current.data(), parameter)) return false;
+  if (takesKey(op))
+    parameter = bindKey(*statement, *table, *order, *key, parameter);
+  else if (steps(op) && !bindFields(*statement, *table, order->totalOrder, state.current.data(), parameter))
+    return false;
   if (op == ReadOp::Range) bindKey(*statement, *table, *order, *upper, parameter);
   if (bounded) bindKey(*statement, *table, *order, state.rangeUpper, parameter);
 
@@ -163,8 +170,10 @@ bool IsamEngine::insert(const Table &table, DATENBANK &record) {
     done = bindRow(*statement, table, record.bytes, parameter) && execute(*statement);
   }
   if (wrapped && !transaction(done ? TransactionOp::Commit : TransactionOp::Rollback, false)) done = false;
-  if (done) state.current.assign(record.bytes, record.bytes + table.recordSize);
-  else record = before;
+  if (done)
+    state.current.assign(record.bytes, record.bytes + table.recordSize);
+  else
+    record = before;
   return done;
 }
 
@@ -193,8 +202,9 @@ bool IsamEngine::changeCurrent(ChangeOp op, const Table &table, DATENBANK *recor
   if (state.current.empty()) return false;
   bool update = op == ChangeOp::Update;
   Statement &slot = update ? state.update : state.remove;
-  SqlStatement *statement =
-      prepared(slot, slot ? std::string() : update ? updateStatement(table) : deleteStatement(table));
+  SqlStatement *statement = prepared(slot, slot     ? std::string()
+                                           : update ? updateStatement(table)
+                                                    : deleteStatement(table));
   if (!statement) return false;
   int parameter = 1;
   scratch_.clear();
@@ -220,7 +230,8 @@ bool IsamEngine::transaction(TransactionOp op, bool snapshot) {
   bool committed = !doomed_ && connection_->execute("COMMIT");
   if (!committed && connection_->inTransaction()) connection_->execute("ROLLBACK");
   doomed_ = false;
-  for (const LockName &name : pendingUnlocks_) locks_->release(name);
+  for (const LockName &name : pendingUnlocks_)
+    locks_->release(name);
   pendingUnlocks_.clear();
   return op == TransactionOp::Commit ? committed : !connection_->inTransaction();
 }
@@ -233,7 +244,8 @@ bool IsamEngine::table(TableOp op, int number) {
     for (const std::string &statement : createStatements(*found))
       if (!connection_->execute(statement)) return false;
     return true;
-  case TableOp::Drop: return connection_->execute(dropStatement(*found));
+  case TableOp::Drop:
+    return connection_->execute(dropStatement(*found));
   case TableOp::Clear:
     // It would be the rows of all clients.
     if (found->scope == Scope::Global) return false;
@@ -260,7 +272,8 @@ bool IsamEngine::tableExists(int number, bool &exists) {
 
 void IsamEngine::unlock(int table, bool atOnce) {
   if (depth_ == 0 || atOnce) return locks_->releaseTable(uint16_t(table));
-  for (const LockName &name : locks_->heldOn(uint16_t(table))) pendingUnlocks_.push_back(name);
+  for (const LockName &name : locks_->heldOn(uint16_t(table)))
+    pendingUnlocks_.push_back(name);
 }
 
 } // namespace vldb98

@@ -12,8 +12,8 @@
 
 namespace vldb98 {
 
-/// Keeps, for every table, a copy of the current record; a step is one indexed seek from that record's key, so no cursor
-/// and no read transaction stays open between two calls.
+/// Keeps, for every table, a copy of the current record; a step is one indexed seek from that record's key, so no
+/// cursor and no read transaction stays open between two calls.
 class IsamEngine final : public Engine {
 public:
   IsamEngine(DBENGINE kind, std::unique_ptr<SqlConnection> connection, std::unique_ptr<Locks> locks);

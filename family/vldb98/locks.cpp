@@ -38,7 +38,8 @@ private:
 
 uint64_t LockName::resourceOf(std::string_view text) {
   uint64_t hash = 0xCBF29CE484222325ull;
-  for (char c : text) hash = (hash ^ uint8_t(c)) * 0x100000001B3ull;
+  for (char c : text)
+    hash = (hash ^ uint8_t(c)) * 0x100000001B3ull;
   return hash ? hash : 1;
 }
 
@@ -81,7 +82,8 @@ void Locks::release(const LockName &name) {
 }
 
 void Locks::releaseTable(uint16_t table) {
-  for (auto it = held_.begin(); it != held_.end();) it = it->first.table == table ? release(it) : std::next(it);
+  for (auto it = held_.begin(); it != held_.end();)
+    it = it->first.table == table ? release(it) : std::next(it);
 }
 
 std::vector<LockName> Locks::heldOn(uint16_t table) const {

@@ -1,6 +1,7 @@
 // The record types of the database, as they lie in the record buffer.
 //
-// Byte-packed. Texts are Windows-1252. Five shapes of character array occur; the schema (schema.h) says which field has which:
+// Byte-packed. Texts are Windows-1252. Five shapes of character array occur; the schema (schema.h) says which field has
+// which:
 //   key text   blank-padded to the array's size minus one, then a zero byte (an account number: 7 characters)
 //   text       zero-terminated, at most the array's size minus one characters
 //   money      char[13], internal money text "000000000,00"; char[6], rate in percent "00,00"; empty = no value
@@ -17,67 +18,67 @@ namespace vldb98 {
 
 // Client master record.
 struct FIRMENSTAMM {
-  uint16_t Nummer;         // client number, 1 to 65535
+  uint16_t Nummer; // client number, 1 to 65535
   char Name[41];
   char Zusatz[41];
-  char AktJahr[3];         // current fiscal year
-  char StartJahr[3];       // first fiscal year; empty = the current one
-  int16_t Gejabeginn;      // month in which the fiscal year begins, 1 to 12
-  int16_t Kontenrahmen;    // chart of accounts, 0 to 6
+  char AktJahr[3];      // current fiscal year
+  char StartJahr[3];    // first fiscal year; empty = the current one
+  int16_t Gejabeginn;   // month in which the fiscal year begins, 1 to 12
+  int16_t Kontenrahmen; // chart of accounts, 0 to 6
   int16_t Istversteuerer;
   int16_t EUeRechner;
   int16_t Steuerfrei;
-  int16_t Euro;            // 1 = the books are kept in Euro
+  int16_t Euro; // 1 = the books are kept in Euro
   char UStIdNr[16];
-  char Land[4];            // country code as on vehicles ("D", "CH")
-  char Waehrung[4];        // currency of the books ("EUR", "CHF")
-  char Eurokurs[12];       // units of the client's currency for one Euro, decimal comma
-  char SvSako[8];          // number layouts for display: a 9 for each digit, blanks as grouping ("99 99")
+  char Land[4];      // country code as on vehicles ("D", "CH")
+  char Waehrung[4];  // currency of the books ("EUR", "CHF")
+  char Eurokurs[12]; // units of the client's currency for one Euro, decimal comma
+  char SvSako[8];    // number layouts for display: a 9 for each digit, blanks as grouping ("99 99")
   char SvKred[8];
   char SvDebi[8];
-  int16_t Kontolaenge;     // digits of general-ledger account numbers, 4 to 7; 0 counts as 4
-  int32_t Optionen;        // posting options; 8192 = round amounts to five hundredths
-  char VortragSako[8];     // balance-forward accounts (key texts) for general-ledger accounts, creditors and debtors
+  int16_t Kontolaenge; // digits of general-ledger account numbers, 4 to 7; 0 counts as 4
+  int32_t Optionen;    // posting options; 8192 = round amounts to five hundredths
+  char VortragSako[8]; // balance-forward accounts (key texts) for general-ledger accounts, creditors and debtors
   char VortragKred[8];
   char VortragDebi[8];
-  int16_t Version;         // version of the client's data, see kDataVersion
+  int16_t Version; // version of the client's data, see kDataVersion
 };
 
 // Extension of the client master record.
 struct FISTA_EXT {
-  uint16_t Nummer;         // client number
+  uint16_t Nummer; // client number
   char Strasse[41];
   char PLZ[8];
   char Ort[41];
   char Steuernummer[21];
-  uint8_t Schweiz;             // books are kept under the rules of Switzerland
+  uint8_t Schweiz; // books are kept under the rules of Switzerland
   uint8_t Kostenstellenpflicht;
 };
 
 // Fiscal year of a client.
 struct GESCHAEFTSJAHR {
-  int16_t Jahr;            // calendar year in which the fiscal year begins
-  char Beginn[7];          // first and last day (dates)
+  int16_t Jahr;   // calendar year in which the fiscal year begins
+  char Beginn[7]; // first and last day (dates)
   char Ende[7];
-  uint8_t Abgeschlossen;   // 1 = no longer bookable
+  uint8_t Abgeschlossen; // 1 = no longer bookable
 };
 
 // General-ledger account of a fiscal year.
 struct SACHKONTO {
-  char Nr[8];              // key text
+  char Nr[8]; // key text
   char Kuerzel[9];
   char Name[41];
-  uint8_t GuV;             // 1 = income-statement account, 0 = balance-sheet account
-  int16_t Steuerschluessel;// tax key, 0 = none
-  uint8_t Kostenart;       // 1 = cost type: postings may carry cost postings
-  int32_t Kostenschablone; // default cost template, 0 = none
-  char Waehrung[4];        // currency of the account; empty = the client's
-  uint8_t Gesperrt;        // 1 = not to be posted to
+  uint8_t GuV;              // 1 = income-statement account, 0 = balance-sheet account
+  int16_t Steuerschluessel; // tax key, 0 = none
+  uint8_t Kostenart;        // 1 = cost type: postings may carry cost postings
+  int32_t Kostenschablone;  // default cost template, 0 = none
+  char Waehrung[4];         // currency of the account; empty = the client's
+  uint8_t Gesperrt;         // 1 = not to be posted to
 };
 
 // Creditor or debtor account of a fiscal year.
 struct PERSONENKONTO {
-  char Nr[8];              // key text
+  char Nr[8]; // key text
   char Kuerzel[9];
   char Name[41];
   char Zusatz[41];
@@ -91,74 +92,74 @@ struct PERSONENKONTO {
   char UStIdNr[16];
   char IBAN[35];
   char BIC[12];
-  char Waehrung[4];        // currency of the account; empty = the client's
-  int32_t Zahlungsziel;    // payment term, 0 = none
-  char Sammelkonto[8];     // control account in the general ledger (key text)
-  char Kreditlimit[13];    // money; empty = none
-  int16_t Mahnkennziffer;  // dunning group, 0 = normal
+  char Waehrung[4];       // currency of the account; empty = the client's
+  int32_t Zahlungsziel;   // payment term, 0 = none
+  char Sammelkonto[8];    // control account in the general ledger (key text)
+  char Kreditlimit[13];   // money; empty = none
+  int16_t Mahnkennziffer; // dunning group, 0 = normal
   uint8_t Gesperrt;
 };
 
 // Cost centre of a fiscal year.
 struct KOST {
-  char Nr[8];              // key text
-  int16_t Dimension;       // cost-accounting dimension, 0 to 5
-  char Kostref[8];         // cost reference (key text); blank = none
+  char Nr[8];        // key text
+  int16_t Dimension; // cost-accounting dimension, 0 to 5
+  char Kostref[8];   // cost reference (key text); blank = none
   char Kuerzel[9];
   char Name[41];
-  char LaufzeitVon[7];     // running time (dates); empty = unbounded
+  char LaufzeitVon[7]; // running time (dates); empty = unbounded
   char LaufzeitBis[7];
 };
 
 // Batch.
 struct STAPEL {
-  int32_t Nr;              // 1 and up; assigned by Insert when 0
+  int32_t Nr; // 1 and up; assigned by Insert when 0
   char Name[41];
-  int16_t Wiederkehr;      // recurrence interval in months, 0 to 99
+  int16_t Wiederkehr; // recurrence interval in months, 0 to 99
   uint8_t Transitorisch;
   uint8_t Sperre;
-  uint8_t Bebucht;         // the batch holds postings
+  uint8_t Bebucht; // the batch holds postings
   uint8_t Abstimm0;
   char Passwort[17];
-  uint8_t VonExtern;       // created through the programming interface
+  uint8_t VonExtern; // created through the programming interface
   uint8_t Gecleart;
-  uint8_t Pflicht;         // standard batch of the accounting program
-  uint8_t Kore;            // batch of the cost-accounting product
+  uint8_t Pflicht; // standard batch of the accounting program
+  uint8_t Kore;    // batch of the cost-accounting product
 };
 
 // Posting of a batch.
 struct BATCHBUCHUNG {
   int32_t Stapel;
-  int32_t Nr;              // within the batch; assigned by Insert when 0
+  int32_t Nr; // within the batch; assigned by Insert when 0
   char Belegdatum[7];
   char Belegnummer[17];
   char OPBelegnummer[17];
   char Valutadatum[7];
-  char Waehrung[4];        // empty = the client's
+  char Waehrung[4]; // empty = the client's
   char ESR[50];
-  int32_t DMSNr;           // number of the document-management link, 0 = none
+  int32_t DMSNr; // number of the document-management link, 0 = none
   int32_t Zahlungsziel;
   uint8_t USTDirekt;
   uint8_t Eroeffnung;
   uint8_t Abschluss;
   uint8_t Umbuchung;
-  int32_t Anzahl;          // number of partial postings
+  int32_t Anzahl; // number of partial postings
 };
 
 // One line of a batch posting.
 struct SPLIT {
   int32_t Stapel;
-  int32_t Buchung;         // BATCHBUCHUNG.Nr
-  int32_t Nr;              // 0 and up
-  int16_t Sollart;         // 2 general-ledger account, 4 creditor, 8 debtor
+  int32_t Buchung; // BATCHBUCHUNG.Nr
+  int32_t Nr;      // 0 and up
+  int16_t Sollart; // 2 general-ledger account, 4 creditor, 8 debtor
   int16_t Habenart;
-  char Sollkonto[8];       // key text
+  char Sollkonto[8]; // key text
   char Habenkonto[8];
-  char Brutto[13];         // money
+  char Brutto[13]; // money
   int16_t Steuerschluessel;
-  int16_t Steuerseite;     // 0 none, 1 credit, 2 debit
-  char Steuersatz[6];      // rate
-  char Steuerbetrag[13];   // money
+  int16_t Steuerseite;   // 0 none, 1 credit, 2 debit
+  char Steuersatz[6];    // rate
+  char Steuerbetrag[13]; // money
   char Text[36];
   char Text2[36];
   int32_t Kostenschablone;
@@ -168,16 +169,16 @@ struct SPLIT {
 struct KOBU {
   int32_t Stapel;
   int32_t Buchung;
-  int32_t Split;           // SPLIT.Nr
-  int32_t Nr;              // 0 and up
-  char Kostenstelle1[8];   // key texts
+  int32_t Split;         // SPLIT.Nr
+  int32_t Nr;            // 0 and up
+  char Kostenstelle1[8]; // key texts
   char Kostenstelle2[8];
   char Kostenstelle3[8];
   char Kostenstelle4[8];
   char Kostenstelle5[8];
   char Kostenstelle6[8];
   int32_t Kostenkennung;
-  char Betrag[13];         // money
+  char Betrag[13]; // money
   char Menge[13];
   char Einheit[4];
   char Bemerkung[41];
@@ -186,55 +187,55 @@ struct KOBU {
 
 // Payment term.
 struct ZAHLZIEL {
-  int32_t Nr;              // 1 and up; assigned by Insert when 0
+  int32_t Nr; // 1 and up; assigned by Insert when 0
   char Kuerzel[11];
-  int16_t Skontotage1;     // discount period in days
-  char Skontosatz1[6];     // rate
-  int16_t Zahltage;        // net payment period in days
-  int16_t TagInMonat;      // day of the month on which payment is due, 0 = none
-  int16_t MonatePlus;      // following months
-  int16_t Zahlungsart;     // 0 to 5
+  int16_t Skontotage1; // discount period in days
+  char Skontosatz1[6]; // rate
+  int16_t Zahltage;    // net payment period in days
+  int16_t TagInMonat;  // day of the month on which payment is due, 0 = none
+  int16_t MonatePlus;  // following months
+  int16_t Zahlungsart; // 0 to 5
   char Bemerkung[41];
   int16_t Skontotage2;
-  char Skontosatz2[6];     // rate
+  char Skontosatz2[6]; // rate
 };
 
 // Tax key, valid from a date on.
 struct STEUSA {
   int16_t Schluessel;
-  char GueltigAb[7];       // date
+  char GueltigAb[7]; // date
   char Bezeichnung[41];
-  char Satz[6];            // rate
-  int16_t Art;             // 0 tax-free, 1 output tax, 2 input tax, 3 intra-community acquisition
-  char Steuerkonto[8];     // tax account (key text); blank = none
-  char Gegenkonto[8];      // second tax account of an acquisition (input tax); blank = none
-  int16_t Ustvakz;         // line of the VAT advance return, 0 = none
+  char Satz[6];        // rate
+  int16_t Art;         // 0 tax-free, 1 output tax, 2 input tax, 3 intra-community acquisition
+  char Steuerkonto[8]; // tax account (key text); blank = none
+  char Gegenkonto[8];  // second tax account of an acquisition (input tax); blank = none
+  int16_t Ustvakz;     // line of the VAT advance return, 0 = none
 };
 
 // Exchange rate, valid from a date on.
 struct KURSE {
   char Waehrung[4];
-  char Datum[7];           // date
-  char Kurs[13];           // units of the client's currency for Einheiten of Waehrung, decimal comma, up to 6 decimals
-  int32_t Einheiten;       // 1, 10, 100, ...
+  char Datum[7];     // date
+  char Kurs[13];     // units of the client's currency for Einheiten of Waehrung, decimal comma, up to 6 decimals
+  int32_t Einheiten; // 1, 10, 100, ...
 };
 
 // Line of a report structure.
 struct AUFBAU {
-  int32_t Nr;              // 1 = root
+  int32_t Nr; // 1 = root
   int32_t Vater;
-  int32_t Flags;           // 1 account line, 4 hidden
-  int32_t Naechste;        // next sibling, 0 = none
-  int32_t Kind;            // first child, 0 = none
-  char Name[41];           // for an account line the account number
+  int32_t Flags;    // 1 account line, 4 hidden
+  int32_t Naechste; // next sibling, 0 = none
+  int32_t Kind;     // first child, 0 = none
+  char Name[41];    // for an account line the account number
   char Kennung[21];
-  int32_t Flags2;          // 4 = the second identifier holds
+  int32_t Flags2; // 4 = the second identifier holds
   char Kennung2[21];
 };
 
 // Document-management link.
 struct DMS_ID {
-  int32_t Nr;              // assigned by Insert when 0
+  int32_t Nr; // assigned by Insert when 0
   char Id[51];
 };
 

@@ -32,19 +32,27 @@ template <class Integer> bool store(int64_t value, char *at) {
 
 int64_t loadNumber(FieldType type, const char *at) {
   switch (type) {
-  case FieldType::UInt8: return load<uint8_t>(at);
-  case FieldType::Int16: return load<int16_t>(at);
-  case FieldType::UInt16: return load<uint16_t>(at);
-  default: return load<int32_t>(at);
+  case FieldType::UInt8:
+    return load<uint8_t>(at);
+  case FieldType::Int16:
+    return load<int16_t>(at);
+  case FieldType::UInt16:
+    return load<uint16_t>(at);
+  default:
+    return load<int32_t>(at);
   }
 }
 
 bool storeNumber(FieldType type, int64_t value, char *at) {
   switch (type) {
-  case FieldType::UInt8: return store<uint8_t>(value, at);
-  case FieldType::Int16: return store<int16_t>(value, at);
-  case FieldType::UInt16: return store<uint16_t>(value, at);
-  default: return store<int32_t>(value, at);
+  case FieldType::UInt8:
+    return store<uint8_t>(value, at);
+  case FieldType::Int16:
+    return store<int16_t>(value, at);
+  case FieldType::UInt16:
+    return store<uint16_t>(value, at);
+  default:
+    return store<int32_t>(value, at);
   }
 }
 
@@ -56,7 +64,8 @@ void bindText(SqlStatement &statement, int parameter, std::string_view cp1252, S
   statement.bind(parameter, std::string_view(utf8, length));
 }
 
-// A date of a key may be a mere bound, such as the day after the 31st, so its digits are not looked at as a calendar day.
+// A date of a key may be a mere bound, such as the day after the 31st, so its digits are not looked at as a calendar
+// day.
 void bindReversedDate(SqlStatement &statement, int parameter, const char *reversed, Scratch &scratch) {
   int code = vlba98::twotoi(reversed);
   if (code < 0) return statement.bind(parameter, std::string_view{});
@@ -85,8 +94,10 @@ const char *columnType(FieldType type) {
   switch (type) {
   case FieldType::Text:
   case FieldType::KeyText:
-  case FieldType::Date: return "TEXT";
-  default: return "INTEGER";
+  case FieldType::Date:
+    return "TEXT";
+  default:
+    return "INTEGER";
   }
 }
 
@@ -115,12 +126,18 @@ bool bindField(SqlStatement &statement, int parameter, const Field &field, const
     bindReversedDate(statement, parameter, at, scratch);
     return true;
   case FieldType::Year:
-    if (text.empty()) statement.bindNull(parameter);
-    else if (int code = vlba98::twotoi(at); code >= 0) statement.bind(parameter, int64_t(vlba98::firstYear + code));
-    else return false;
+    if (text.empty())
+      statement.bindNull(parameter);
+    else if (int code = vlba98::twotoi(at); code >= 0)
+      statement.bind(parameter, int64_t(vlba98::firstYear + code));
+    else
+      return false;
     return true;
-  case FieldType::KeyText: text = withoutTrailingBlanks(text); break;
-  default: break;
+  case FieldType::KeyText:
+    text = withoutTrailingBlanks(text);
+    break;
+  default:
+    break;
   }
   bindText(statement, parameter, text, scratch);
   return true;
@@ -147,7 +164,8 @@ bool readColumn(SqlStatement &statement, int column, const Field &field, char *r
   // The whole field: what another record left behind the text would go into keys and to the caller.
   std::memset(at, 0, field.size);
   switch (field.type) {
-  case FieldType::Money: return statement.isNull(column) || vlba98::formatGeld(statement.integer(column), at, field.size - 1u);
+  case FieldType::Money:
+    return statement.isNull(column) || vlba98::formatGeld(statement.integer(column), at, field.size - 1u);
   case FieldType::Year:
     return statement.isNull(column) || vlba98::itotwo(int(statement.integer(column)) - vlba98::firstYear, at);
   case FieldType::Date: {
@@ -158,7 +176,8 @@ bool readColumn(SqlStatement &statement, int column, const Field &field, char *r
     std::memcpy(at, vlba98::toReversed(*date).data(), field.size);
     return true;
   }
-  default: break;
+  default:
+    break;
   }
   std::string_view utf8 = statement.text(column);
   size_t length = 0;

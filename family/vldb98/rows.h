@@ -1,8 +1,8 @@
 /// Records and keys on their way between the buffers and the columns of a statement.
 ///
 /// Columns are typed so that any SQL tool can read the books: money and rates as integers in hundredths, dates in
-/// ISO 8601, years as calendar years, texts as UTF-8 without padding. An empty amount, rate or year is NULL, an empty date
-/// or text the empty text.
+/// ISO 8601, years as calendar years, texts as UTF-8 without padding. An empty amount, rate or year is NULL, an empty
+/// date or text the empty text.
 #pragma once
 
 #include <cstddef>
@@ -26,8 +26,8 @@ private:
   size_t used_ = 0;
 };
 
-/// Binds a field of a record. \return false when the record holds what the field cannot mean (a text without its end, an
-/// amount that is none, a date that is no calendar day)
+/// Binds a field of a record. \return false when the record holds what the field cannot mean (a text without its end,
+/// an amount that is none, a date that is no calendar day)
 bool bindField(SqlStatement &statement, int parameter, const Field &field, const char *record, Scratch &scratch);
 
 /// Binds a field of a key buffer that stands at the given bytes.

@@ -10,9 +10,12 @@ namespace vldb98 {
 namespace {
 
 template <class Member> constexpr FieldType numberType() {
-  if constexpr (std::is_same_v<Member, uint8_t>) return FieldType::UInt8;
-  else if constexpr (std::is_same_v<Member, int16_t>) return FieldType::Int16;
-  else if constexpr (std::is_same_v<Member, uint16_t>) return FieldType::UInt16;
+  if constexpr (std::is_same_v<Member, uint8_t>)
+    return FieldType::UInt8;
+  else if constexpr (std::is_same_v<Member, int16_t>)
+    return FieldType::Int16;
+  else if constexpr (std::is_same_v<Member, uint16_t>)
+    return FieldType::UInt16;
   else {
     static_assert(std::is_same_v<Member, int32_t>);
     return FieldType::Int32;
@@ -20,7 +23,9 @@ template <class Member> constexpr FieldType numberType() {
 }
 
 #define FIELD(record, member, type)                                                                                    \
-  Field { #member, type, offsetof(record, member), sizeof(record::member) }
+  Field {                                                                                                              \
+#member, type, offsetof(record, member), sizeof(record::member)                                                    \
+  }
 #define NUMBER(record, member) FIELD(record, member, numberType<decltype(record::member)>())
 #define TEXT(record, member) FIELD(record, member, FieldType::Text)
 #define KEYTEXT(record, member) FIELD(record, member, FieldType::KeyText)
@@ -44,7 +49,8 @@ Table table(int number, std::string name, Scope scope, size_t recordSize, std::v
   };
   for (const KeyDeclaration &declared : keys) {
     Key key{declared.index, declared.unique, {}, {}};
-    for (const char *field : declared.fields) key.fields.push_back(indexOf(field));
+    for (const char *field : declared.fields)
+      key.fields.push_back(indexOf(field));
     key.totalOrder = key.fields;
     if (!key.unique)
       for (int field : t.keys.front().fields)
@@ -61,10 +67,26 @@ Table table(int number, std::string name, Scope scope, size_t recordSize, std::v
 Table personalAccounts(int number, const char *name) {
   using R = PERSONENKONTO;
   return table(number, name, Scope::FiscalYear, sizeof(R),
-               {KEYTEXT(R, Nr), TEXT(R, Kuerzel), TEXT(R, Name), TEXT(R, Zusatz), TEXT(R, Vorname), TEXT(R, Strasse),
-                TEXT(R, Land), TEXT(R, PLZ), TEXT(R, Ort), TEXT(R, Telefon), TEXT(R, EMail), TEXT(R, UStIdNr),
-                TEXT(R, IBAN), TEXT(R, BIC), TEXT(R, Waehrung), NUMBER(R, Zahlungsziel), KEYTEXT(R, Sammelkonto),
-                MONEY(R, Kreditlimit), NUMBER(R, Mahnkennziffer), NUMBER(R, Gesperrt)},
+               {KEYTEXT(R, Nr),
+                TEXT(R, Kuerzel),
+                TEXT(R, Name),
+                TEXT(R, Zusatz),
+                TEXT(R, Vorname),
+                TEXT(R, Strasse),
+                TEXT(R, Land),
+                TEXT(R, PLZ),
+                TEXT(R, Ort),
+                TEXT(R, Telefon),
+                TEXT(R, EMail),
+                TEXT(R, UStIdNr),
+                TEXT(R, IBAN),
+                TEXT(R, BIC),
+                TEXT(R, Waehrung),
+                NUMBER(R, Zahlungsziel),
+                KEYTEXT(R, Sammelkonto),
+                MONEY(R, Kreditlimit),
+                NUMBER(R, Mahnkennziffer),
+                NUMBER(R, Gesperrt)},
                {{0, true, {"Nr"}}, {1, false, {"Kuerzel"}}, {4, false, {"Name"}}});
 }
 
@@ -81,14 +103,15 @@ std::vector<Table> declareTables() {
   std::vector<Table> tables;
   {
     using R = FIRMENSTAMM;
-    tables.push_back(table(
-        kFirmenstamm, "Firmenstamm", Scope::Global, sizeof(R),
-        {NUMBER(R, Nummer), TEXT(R, Name), TEXT(R, Zusatz), YEAR(R, AktJahr), YEAR(R, StartJahr), NUMBER(R, Gejabeginn),
-         NUMBER(R, Kontenrahmen), NUMBER(R, Istversteuerer), NUMBER(R, EUeRechner), NUMBER(R, Steuerfrei),
-         NUMBER(R, Euro), TEXT(R, UStIdNr), TEXT(R, Land), TEXT(R, Waehrung), TEXT(R, Eurokurs), TEXT(R, SvSako),
-         TEXT(R, SvKred), TEXT(R, SvDebi), NUMBER(R, Kontolaenge), NUMBER(R, Optionen), KEYTEXT(R, VortragSako),
-         KEYTEXT(R, VortragKred), KEYTEXT(R, VortragDebi), NUMBER(R, Version)},
-        {{0, true, {"Nummer"}}, {1, false, {"Name"}}}));
+    tables.push_back(
+        table(kFirmenstamm, "Firmenstamm", Scope::Global, sizeof(R),
+              {NUMBER(R, Nummer),       TEXT(R, Name),           TEXT(R, Zusatz),         YEAR(R, AktJahr),
+               YEAR(R, StartJahr),      NUMBER(R, Gejabeginn),   NUMBER(R, Kontenrahmen), NUMBER(R, Istversteuerer),
+               NUMBER(R, EUeRechner),   NUMBER(R, Steuerfrei),   NUMBER(R, Euro),         TEXT(R, UStIdNr),
+               TEXT(R, Land),           TEXT(R, Waehrung),       TEXT(R, Eurokurs),       TEXT(R, SvSako),
+               TEXT(R, SvKred),         TEXT(R, SvDebi),         NUMBER(R, Kontolaenge),  NUMBER(R, Optionen),
+               KEYTEXT(R, VortragSako), KEYTEXT(R, VortragKred), KEYTEXT(R, VortragDebi), NUMBER(R, Version)},
+              {{0, true, {"Nummer"}}, {1, false, {"Name"}}}));
   }
   {
     using R = FISTA_EXT;
@@ -105,11 +128,11 @@ std::vector<Table> declareTables() {
   }
   {
     using R = SACHKONTO;
-    tables.push_back(table(kSachkonto, "Sachkonto", Scope::FiscalYear, sizeof(R),
-                           {KEYTEXT(R, Nr), TEXT(R, Kuerzel), TEXT(R, Name), NUMBER(R, GuV),
-                            NUMBER(R, Steuerschluessel), NUMBER(R, Kostenart), NUMBER(R, Kostenschablone),
-                            TEXT(R, Waehrung), NUMBER(R, Gesperrt)},
-                           {{0, true, {"Nr"}}, {1, false, {"Kuerzel"}}, {5, false, {"Name"}}}));
+    tables.push_back(
+        table(kSachkonto, "Sachkonto", Scope::FiscalYear, sizeof(R),
+              {KEYTEXT(R, Nr), TEXT(R, Kuerzel), TEXT(R, Name), NUMBER(R, GuV), NUMBER(R, Steuerschluessel),
+               NUMBER(R, Kostenart), NUMBER(R, Kostenschablone), TEXT(R, Waehrung), NUMBER(R, Gesperrt)},
+              {{0, true, {"Nr"}}, {1, false, {"Kuerzel"}}, {5, false, {"Name"}}}));
   }
   tables.push_back(personalAccounts(kKreditor, "Kreditor"));
   tables.push_back(personalAccounts(kDebitor, "Debitor"));
@@ -152,13 +175,13 @@ std::vector<Table> declareTables() {
   }
   {
     using R = KOBU;
-    tables.push_back(table(kKobu, "Kostenbuchung", Scope::Client, sizeof(R),
-                           {NUMBER(R, Stapel), NUMBER(R, Buchung), NUMBER(R, Split), NUMBER(R, Nr),
-                            KEYTEXT(R, Kostenstelle1), KEYTEXT(R, Kostenstelle2), KEYTEXT(R, Kostenstelle3),
-                            KEYTEXT(R, Kostenstelle4), KEYTEXT(R, Kostenstelle5), KEYTEXT(R, Kostenstelle6),
-                            NUMBER(R, Kostenkennung), MONEY(R, Betrag), MONEY(R, Menge), TEXT(R, Einheit),
-                            TEXT(R, Bemerkung), TEXT(R, Bemerkung2)},
-                           {{0, true, {"Stapel", "Buchung", "Split", "Nr"}}}));
+    tables.push_back(
+        table(kKobu, "Kostenbuchung", Scope::Client, sizeof(R),
+              {NUMBER(R, Stapel), NUMBER(R, Buchung), NUMBER(R, Split), NUMBER(R, Nr), KEYTEXT(R, Kostenstelle1),
+               KEYTEXT(R, Kostenstelle2), KEYTEXT(R, Kostenstelle3), KEYTEXT(R, Kostenstelle4),
+               KEYTEXT(R, Kostenstelle5), KEYTEXT(R, Kostenstelle6), NUMBER(R, Kostenkennung), MONEY(R, Betrag),
+               MONEY(R, Menge), TEXT(R, Einheit), TEXT(R, Bemerkung), TEXT(R, Bemerkung2)},
+              {{0, true, {"Stapel", "Buchung", "Split", "Nr"}}}));
   }
   {
     using R = ZAHLZIEL;
@@ -220,7 +243,8 @@ const std::vector<Table> &allTables() {
 const Table *findTable(int number) {
   static const auto byNumber = [] {
     std::array<const Table *, kTableLimit> index{};
-    for (const Table &t : allTables()) index[size_t(t.number)] = &t;
+    for (const Table &t : allTables())
+      index[size_t(t.number)] = &t;
     return index;
   }();
   return number >= 0 && number < kTableLimit ? byNumber[size_t(number)] : nullptr;

@@ -18,9 +18,15 @@ namespace vldb98 {
 using FileNumber = uint16_t;
 
 constexpr FileNumber kTableLimit = 127;
-constexpr FileNumber fileNumber(int table, int keyIndex) { return FileNumber(table + kTableLimit * keyIndex); }
-constexpr int tableOf(FileNumber file) { return file % kTableLimit; }
-constexpr int keyIndexOf(FileNumber file) { return file / kTableLimit; }
+constexpr FileNumber fileNumber(int table, int keyIndex) {
+  return FileNumber(table + kTableLimit * keyIndex);
+}
+constexpr int tableOf(FileNumber file) {
+  return file % kTableLimit;
+}
+constexpr int keyIndexOf(FileNumber file) {
+  return file / kTableLimit;
+}
 
 // Table numbers. The report structures lie in 33 tables of one layout (kStructureTables).
 enum TableNumber : int {
@@ -42,8 +48,9 @@ enum TableNumber : int {
 };
 
 // Table of each class of report structure, by class.
-constexpr std::array<uint8_t, 33> kStructureTables = {7,  10, 13, 18, 19, 20, 21, 22, 23, 38, 39, 40, 41, 42, 43, 32, 33,
-                                                      34, 35, 36, 37, 44, 45, 46, 47, 48, 49, 8,  9,  11, 12, 14, 15};
+constexpr std::array<uint8_t, 33> kStructureTables = {7,  10, 13, 18, 19, 20, 21, 22, 23, 38, 39,
+                                                      40, 41, 42, 43, 32, 33, 34, 35, 36, 37, 44,
+                                                      45, 46, 47, 48, 49, 8,  9,  11, 12, 14, 15};
 
 enum class FieldType : uint8_t { UInt8, Int16, UInt16, Int32, Text, KeyText, Money, Date, Year };
 
@@ -60,9 +67,7 @@ struct Field {
   uint16_t size;   // bytes in the record, the terminator included
 
   // Bytes in a key buffer: texts stand there without their terminator.
-  uint16_t keyWidth() const {
-    return type >= FieldType::Text ? uint16_t(size - 1) : size;
-  }
+  uint16_t keyWidth() const { return type >= FieldType::Text ? uint16_t(size - 1) : size; }
 };
 
 struct Key {

@@ -1,7 +1,7 @@
 /// The thin statement interface over which the record operations are written once for every SQL engine.
 ///
-/// A connection and its statements belong to one thread. Nothing here throws on an error of the database: it is reported
-/// by the result, and its text can be asked for.
+/// A connection and its statements belong to one thread. Nothing here throws on an error of the database: it is
+/// reported by the result, and its text can be asked for.
 #pragma once
 
 #include <cstdint>

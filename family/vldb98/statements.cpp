@@ -7,23 +7,28 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-std::string quoted(const std::string &name) { return '"' + name + '"'; }
+std::string quoted(const std::string &name) {
+  return '"' + name + '"';
+}
 
 std::string joined(const Names &names, const char *separator, const char *behindEach = "") {
   std::string text;
-  for (const std::string &name : names) text += (text.empty() ? "" : separator) + name + behindEach;
+  for (const std::string &name : names)
+    text += (text.empty() ? "" : separator) + name + behindEach;
   return text;
 }
 
 Names columns(const Table &table, const std::vector<int> &fields) {
   Names names;
-  for (int field : fields) names.push_back(quoted(table.fields[size_t(field)].name));
+  for (int field : fields)
+    names.push_back(quoted(table.fields[size_t(field)].name));
   return names;
 }
 
 Names allColumns(const Table &table) {
   Names names;
-  for (const Field &field : table.fields) names.push_back(quoted(field.name));
+  for (const Field &field : table.fields)
+    names.push_back(quoted(field.name));
   return names;
 }
 
@@ -33,15 +38,20 @@ std::string compared(const Names &names, const char *comparison) {
   return "(" + joined(names, ",") + ")" + comparison + "(" + joined(marks, ",") + ")";
 }
 
-std::string where(const Names &conditions) { return conditions.empty() ? "" : " WHERE " + joined(conditions, " AND "); }
+std::string where(const Names &conditions) {
+  return conditions.empty() ? "" : " WHERE " + joined(conditions, " AND ");
+}
 
 Names equalities(const Names &names) {
   Names conditions;
-  for (const std::string &name : names) conditions.push_back(name + "=?");
+  for (const std::string &name : names)
+    conditions.push_back(name + "=?");
   return conditions;
 }
 
-void append(Names &to, const Names &more) { to.insert(to.end(), more.begin(), more.end()); }
+void append(Names &to, const Names &more) {
+  to.insert(to.end(), more.begin(), more.end());
+}
 
 Names rowConditions(const Table &table) {
   Names conditions = equalities(scopeColumns(table));
@@ -59,7 +69,8 @@ Names scopeColumns(const Table &table) {
 
 Names createStatements(const Table &table) {
   Names lines;
-  for (const std::string &column : scopeColumns(table)) lines.push_back(column + " INTEGER NOT NULL");
+  for (const std::string &column : scopeColumns(table))
+    lines.push_back(column + " INTEGER NOT NULL");
   for (const Field &field : table.fields) {
     bool nullable = field.type == FieldType::Money || field.type == FieldType::Year;
     lines.push_back(quoted(field.name) + " " + columnType(field.type) + (nullable ? "" : " NOT NULL"));
@@ -80,7 +91,9 @@ Names createStatements(const Table &table) {
   return statements;
 }
 
-std::string dropStatement(const Table &table) { return "DROP TABLE IF EXISTS " + quoted(table.name); }
+std::string dropStatement(const Table &table) {
+  return "DROP TABLE IF EXISTS " + quoted(table.name);
+}
 
 std::string clearStatement(const Table &table) {
   return "DELETE FROM " + quoted(table.name) + where(equalities(scopeColumns(table)));
@@ -91,20 +104,31 @@ std::string selectStatement(const Table &table, const Key &key, ReadOp op, bool 
   Names keyColumns = columns(table, key.fields);
   Names order = columns(table, key.totalOrder);
   switch (op) {
-  case ReadOp::Ge: conditions.push_back(compared(keyColumns, ">=")); break;
-  case ReadOp::Le: conditions.push_back(compared(keyColumns, "<=")); break;
+  case ReadOp::Ge:
+    conditions.push_back(compared(keyColumns, ">="));
+    break;
+  case ReadOp::Le:
+    conditions.push_back(compared(keyColumns, "<="));
+    break;
   case ReadOp::Range:
     conditions.push_back(compared(keyColumns, ">="));
     conditions.push_back(compared(keyColumns, "<="));
     break;
   case ReadOp::Next:
-  case ReadOp::StepNext: conditions.push_back(compared(order, ">")); break;
-  case ReadOp::Prev: conditions.push_back(compared(order, "<")); break;
+  case ReadOp::StepNext:
+    conditions.push_back(compared(order, ">"));
+    break;
+  case ReadOp::Prev:
+    conditions.push_back(compared(order, "<"));
+    break;
   case ReadOp::Exact:
-  case ReadOp::Exists: append(conditions, equalities(keyColumns)); break;
+  case ReadOp::Exists:
+    append(conditions, equalities(keyColumns));
+    break;
   case ReadOp::First:
   case ReadOp::Last:
-  case ReadOp::StepFirst: break;
+  case ReadOp::StepFirst:
+    break;
   }
   if (bounded) conditions.push_back(compared(keyColumns, "<="));
   bool descending = op == ReadOp::Last || op == ReadOp::Le || op == ReadOp::Prev;
@@ -135,7 +159,8 @@ std::string greatestStatement(const Table &table) {
     append(conditions, equalities(columns(table, {field})));
   }
   std::string assigned = columns(table, {table.assigned}).front();
-  return "SELECT " + assigned + " FROM " + quoted(table.name) + where(conditions) + " ORDER BY " + assigned + " DESC LIMIT 1";
+  return "SELECT " + assigned + " FROM " + quoted(table.name) + where(conditions) + " ORDER BY " + assigned +
+         " DESC LIMIT 1";
 }
 
 } // namespace vldb98

@@ -78,7 +78,8 @@ int Store::UsedGetExt(DATENBANK &record, const SCHLUESSEL &key, uint8_t &found, 
 }
 
 int Store::UsedKuerzel(const char *shortName, uint8_t &found, int table) {
-  return Used(KeyBuilder().text(shortName, sizeof(SACHKONTO::Kuerzel) - 1), found, fileNumber(table, 1), ZELK_ENG_DEFAULT);
+  return Used(KeyBuilder().text(shortName, sizeof(SACHKONTO::Kuerzel) - 1), found, fileNumber(table, 1),
+              ZELK_ENG_DEFAULT);
 }
 
 int Store::UsedAndGetKnr(const char *account, uint8_t &found, DATENBANK &record, int32_t &table) {
@@ -172,7 +173,9 @@ int Store::LockResExtern(const char *name, FileNumber file, DBENGINE engine) {
   return LockRes(file, 0, name, 0, 0, engine);
 }
 
-int Store::UnlockCurrentRecord(FileNumber, DBENGINE engine) { return inUse(engine); }
+int Store::UnlockCurrentRecord(FileNumber, DBENGINE engine) {
+  return inUse(engine);
+}
 
 int Store::TableExists(int table, uint8_t &exists) {
   bool there = false;
@@ -180,8 +183,14 @@ int Store::TableExists(int table, uint8_t &exists) {
   exists = there;
   return done;
 }
-int Store::CreateTable(int table) { return engine_->table(TableOp::Create, table); }
-int Store::DeleteTable(int table) { return engine_->table(TableOp::Clear, table); }
-int Store::DropTable(int table) { return engine_->table(TableOp::Drop, table); }
+int Store::CreateTable(int table) {
+  return engine_->table(TableOp::Create, table);
+}
+int Store::DeleteTable(int table) {
+  return engine_->table(TableOp::Clear, table);
+}
+int Store::DropTable(int table) {
+  return engine_->table(TableOp::Drop, table);
+}
 
 } // namespace vldb98

@@ -1,15 +1,16 @@
 /// The record store: the one door to the books.
 ///
-/// A Store is one session: its connection, the current record of every table, the open client and fiscal year, the locks
-/// held, the batch posting being built. It belongs to one thread; sessions of any threads and processes work on the same
-/// data side by side.
+/// A Store is one session: its connection, the current record of every table, the open client and fiscal year, the
+/// locks held, the batch posting being built. It belongs to one thread; sessions of any threads and processes work on
+/// the same data side by side.
 ///
 /// Every operation returns non-zero when it was carried out and 0 when it failed. "Not there" is no failure: the found
 /// flag tells it apart. Reads without a found flag return 0 also when there is no record.
 ///
-/// - A read makes the record delivered the table's current one, from which the stepping reads continue and on which Update
-///   and Delete act. After Delete, stepping goes on from where the record was. When nothing is found, buffer and current
-///   record stay as they were.
+/// - A read makes the record delivered the table's current one, from which the stepping reads continue and on which
+/// Update
+///   and Delete act. After Delete, stepping goes on from where the record was. When nothing is found, buffer and
+///   current record stay as they were.
 /// - File number = table number + 127 x key index. Rows of a table per client are those of the open client, per fiscal
 ///   year those of its open year. The engine argument is ZELK_ENG_DEFAULT or the engine in use; another one fails.
 /// - Lock selector of the positioning reads: 0 takes nothing; any other value waits until no other session holds the
@@ -36,8 +37,10 @@ public:
   int GetNext(DATENBANK &record, FileNumber file, DBENGINE engine);
   int GetFirstExt(DATENBANK &record, uint8_t &found, FileNumber file, DBENGINE engine, int32_t selector);
   int GetLastExt(DATENBANK &record, uint8_t &found, FileNumber file, DBENGINE engine, int32_t selector);
-  int GetGeExt(DATENBANK &record, const SCHLUESSEL &key, uint8_t &found, FileNumber file, DBENGINE engine, int32_t selector);
-  int GetLeExt(DATENBANK &record, const SCHLUESSEL &key, uint8_t &found, FileNumber file, DBENGINE engine, int32_t selector);
+  int GetGeExt(DATENBANK &record, const SCHLUESSEL &key, uint8_t &found, FileNumber file, DBENGINE engine,
+               int32_t selector);
+  int GetLeExt(DATENBANK &record, const SCHLUESSEL &key, uint8_t &found, FileNumber file, DBENGINE engine,
+               int32_t selector);
   /// After GetRangeExt on the same file number only as far as its upper key.
   int GetNextExt(DATENBANK &record, uint8_t &found, FileNumber file, DBENGINE engine);
   int GetPrevExt(DATENBANK &record, uint8_t &found, FileNumber file, DBENGINE engine);
@@ -48,7 +51,7 @@ public:
 
   /// Puts the table back to a record that was read earlier, whatever was read in between, so that stepping goes on from
   /// there.
-  void Positioniere(const DATENBANK &record, FileNumber file) { engine_->setCurrent(tableOf(file), record); }
+  void setCurrent(const DATENBANK &record, FileNumber file) { engine_->setCurrent(tableOf(file), record); }
 
   // --- Exact reads and tests ---
   /// The current record stays.
@@ -74,15 +77,16 @@ public:
   int InitMultiInsert(FileNumber file, DBENGINE engine);
   int MultiInsertNext(DATENBANK &record, FileNumber file, DBENGINE engine);
   int EndMultiInsert(FileNumber file, DBENGINE engine);
-  /// Empties a table for a client and fiscal year; fails for a table that is not kept per client. \param client,year number and four-digit year as text; null or empty:
-  /// those that are open \param record cleared, so that no emptied record lingers there; may be null
+  /// Empties a table for a client and fiscal year; fails for a table that is not kept per client. \param client,year
+  /// number and four-digit year as text; null or empty: those that are open \param record cleared, so that no emptied
+  /// record lingers there; may be null
   int LeereRelation(int file, DATENBANK *record, const char *client, const char *year);
 
   // --- Transactions and locks ---
   /// \param operation 1 begins, 2 commits, 4 rolls back. Nested: see Engine::transaction
   /// \param flag      0: to write; 1: to read several tables in one state
   int Transaktion(int operation, int flag, DBENGINE engine);
-  int TransaktionsTiefe() const { return engine_->transactionDepth(); }
+  int transactionDepth() const { return engine_->transactionDepth(); }
   /// \param name null: the table of the open client; else an area of it that the name stands for
   /// \param mode 0: against all others, until Unlock; 1: waits for the holder only and takes nothing
   int Lock(FileNumber file, const char *name, int mode, DBENGINE engine);
@@ -96,7 +100,7 @@ public:
   int LockResExtern(const char *name, FileNumber file, DBENGINE engine);
   /// Records carry no locks of their own here, so there is never one left to release: always done.
   int UnlockCurrentRecord(FileNumber file, DBENGINE engine);
-  bool HaeltSperren() const { return engine_->holdsLocks(); }
+  bool holdsLocks() const { return engine_->holdsLocks(); }
 
   // --- Batch postings in memory ---
   /// Empties the lines and cost postings in memory.
@@ -105,11 +109,11 @@ public:
   int MemInsertSplit(const SPLIT &line);
   /// The line of an index from 0; null past the end.
   SPLIT *PSplit(size_t index);
-  size_t SplitAnzahl() const { return lines_.size(); }
+  size_t lineCount() const { return lines_.size(); }
   /// Appends a cost posting of the line with the index that its field Split names.
   int MemInsertKobu(const KOBU &cost);
-  KOBU *PKobu(size_t index);
-  size_t KobuAnzahl() const { return costs_.size(); }
+  KOBU *costAt(size_t index);
+  size_t costCount() const { return costs_.size(); }
   /// Writes the posting with the lines and cost postings in memory and marks its batch as holding postings, all or
   /// nothing. The posting receives its number and count of lines.
   int InsertBat(BATCHBUCHUNG &posting);

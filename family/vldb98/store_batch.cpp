@@ -8,11 +8,15 @@ namespace vldb98 {
 namespace {
 
 template <class Record> Record &in(DATENBANK &record) {
-  if constexpr (std::is_same_v<Record, SPLIT>) return record.Split;
-  else return record.Kobu;
+  if constexpr (std::is_same_v<Record, SPLIT>)
+    return record.Split;
+  else
+    return record.Kobu;
 }
 
-KeyBuilder linesFrom(const BATCHBUCHUNG &posting) { return KeyBuilder().number(posting.Stapel).number(posting.Nr); }
+KeyBuilder linesFrom(const BATCHBUCHUNG &posting) {
+  return KeyBuilder().number(posting.Stapel).number(posting.Nr);
+}
 
 } // namespace
 
@@ -26,14 +30,18 @@ int Store::MemInsertSplit(const SPLIT &line) {
   return 1;
 }
 
-SPLIT *Store::PSplit(size_t index) { return index < lines_.size() ? &lines_[index] : nullptr; }
+SPLIT *Store::PSplit(size_t index) {
+  return index < lines_.size() ? &lines_[index] : nullptr;
+}
 
 int Store::MemInsertKobu(const KOBU &cost) {
   costs_.push_back(cost);
   return 1;
 }
 
-KOBU *Store::PKobu(size_t index) { return index < costs_.size() ? &costs_[index] : nullptr; }
+KOBU *Store::costAt(size_t index) {
+  return index < costs_.size() ? &costs_[index] : nullptr;
+}
 
 int Store::InsertBat(BATCHBUCHUNG &posting) {
   posting.Nr = 0;
@@ -81,8 +89,7 @@ bool Store::markBatch(int32_t batch) {
   return Update(record, kStapel, ZELK_ENG_DEFAULT);
 }
 
-template <class Record>
-int Store::readLines(FileNumber file, std::vector<Record> &lines, const BATCHBUCHUNG &posting) {
+template <class Record> int Store::readLines(FileNumber file, std::vector<Record> &lines, const BATCHBUCHUNG &posting) {
   DATENBANK record{};
   uint8_t found;
   int done = GetGeExt(record, linesFrom(posting), found, file, ZELK_ENG_DEFAULT, 0);

@@ -7,9 +7,13 @@
 #include "vlba98/text.h"
 
 namespace vldb98 {
-int Store::openCalendarYear() const { return vlba98::yearOfCode(openYear_); }
+int Store::openCalendarYear() const {
+  return vlba98::yearOfCode(openYear_);
+}
 
-void Store::applyScope() { engine_->setScope(client_.Nummer, openCalendarYear()); }
+void Store::applyScope() {
+  engine_->setScope(client_.Nummer, openCalendarYear());
+}
 
 int Store::SetzeFista(uint16_t client, uint8_t &found) {
   DATENBANK record{};
@@ -70,7 +74,8 @@ int Store::ExistiertJahr(const char *yearCode, uint8_t &exists) {
 
 int Store::IsBuchjahr(const char *yearCode, uint8_t &bookable) {
   DATENBANK record{};
-  int done = UsedGet(record, KeyBuilder().number(int16_t(vlba98::yearOfCode(yearCode))), bookable, kGeschaeftsjahr, ZELK_ENG_DEFAULT);
+  int done = UsedGet(record, KeyBuilder().number(int16_t(vlba98::yearOfCode(yearCode))), bookable, kGeschaeftsjahr,
+                     ZELK_ENG_DEFAULT);
   if (bookable) bookable = !record.Geschaeftsjahr.Abgeschlossen;
   return done;
 }

@@ -15,15 +15,21 @@ constexpr int KzFromZELKArt(int32_t kind) {
 
 /// The store's account kind (2 general ledger, 4 creditor, 8 debtor) of a kind at the boundary: 1 gives 2, 4 gives 8,
 /// anything else 4. The store's kinds know no cost centre, so 8 becomes a creditor and comes back as 2.
-constexpr int16_t ZELKKontoArtToKontoArt(int32_t kind) { return kind == 1 ? 2 : kind == 4 ? 8 : 4; }
+constexpr int16_t ZELKKontoArtToKontoArt(int32_t kind) {
+  return kind == 1 ? 2 : kind == 4 ? 8 : 4;
+}
 
 /// The way back: 2 gives 1, 8 gives 4, anything else 2.
-constexpr int32_t KontoArtToZELKKontoArt(int16_t kind) { return kind == 2 ? 1 : kind == 8 ? 4 : 2; }
+constexpr int32_t KontoArtToZELKKontoArt(int16_t kind) {
+  return kind == 2 ? 1 : kind == 8 ? 4 : 2;
+}
 
-constexpr bool isAccountKind(int32_t kind) { return kind == 1 || kind == 2 || kind == 4 || kind == 8; }
+constexpr bool isAccountKind(int32_t kind) {
+  return kind == 1 || kind == 2 || kind == 4 || kind == 8;
+}
 
-/// Brings an account number as a host writes it to the form in which the store keeps it: without blanks around; a number
-/// of digits that is shorter than the client's general-ledger numbers gets leading zeros up to their length.
+/// Brings an account number as a host writes it to the form in which the store keeps it: without blanks around; a
+/// number of digits that is shorter than the client's general-ledger numbers gets leading zeros up to their length.
 /// \param number  at most 7 characters; receives the form, blank-padded to 7
 /// \param length  digits of the client's general-ledger account numbers, 4 to 7; 0 counts as 4
 void KonvertKonto(char (&number)[8], int length);

@@ -29,7 +29,8 @@ BookableYear IsBuchjahr(Store &store, const vlba98::Datum &day, bool closedToo) 
   auto end = vlba98::fromReversed(year.Ende);
   if (!end || day > *end || (year.Abgeschlossen && !closedToo)) return BookableYear::No;
   char code[3];
-  if (!vlba98::itotwo(year.Jahr - vlba98::firstYear, code) || !store.SetzeOpenJahr(code)) return BookableYear::StoreFailed;
+  if (!vlba98::itotwo(year.Jahr - vlba98::firstYear, code) || !store.SetzeOpenJahr(code))
+    return BookableYear::StoreFailed;
   return BookableYear::Yes;
 }
 

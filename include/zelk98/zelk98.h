@@ -387,7 +387,7 @@ ZELK_API void ZELK_CALL ZELK_FreeDLLs(void);
 ZELK_API ZelkResult ZELK_CALL ZELK_GetUsedEngine(void);
 
 /* Connects to a database. engine: 1 to 3 as above, anything else the default. port: below 0 counts as 0, above 65536 as
- * 65535. Database: for the embedded engine its directory, null or empty for the one of the settings.
+ * 65535. Database: for the embedded engine its directory, null or empty for the one in use.
  * 1 connected, 0 dialog cancelled, -72 no connection. */
 ZELK_API ZelkResult ZELK_CALL ZELK_SQLInit(int32_t engine, int32_t dialog, const char *Host, const char *User,
                                            const char *Passwort, int32_t port, const char *Zusatz,

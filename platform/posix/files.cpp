@@ -20,7 +20,9 @@ std::string currentDirectory() {
   return ::getcwd(buffer, sizeof buffer) ? buffer : "";
 }
 
-bool setCurrentDirectory(const std::string &path) { return ::chdir(path.c_str()) == 0; }
+bool setCurrentDirectory(const std::string &path) {
+  return ::chdir(path.c_str()) == 0;
+}
 
 bool isDirectory(const std::string &path) {
   std::error_code error;

@@ -32,7 +32,7 @@ std::string sectionName(Hive hive, const std::string &key) {
 // Names do not regard case, as in the registry.
 bool load(CSimpleIniA &ini, const std::string &path) {
   ini.SetUnicode();
-  return ini.LoadFile(path.c_str()) >= 0;
+  return isFile(path) && ini.LoadFile(path.c_str()) >= 0;
 }
 
 // Held while a writer reads, changes and replaces the file. On a file of its own, since the settings file is replaced.
@@ -70,7 +70,8 @@ bool writeRegistry(Hive hive, const std::string &key, const std::string &name, c
       name.empty() || name.find('=') != std::string::npos || std::strchr(";#[", name.front()))
     return false;
   std::string path = settingsPath();
-  if (size_t slash = path.rfind('/'); slash != std::string::npos && slash > 0 && !makeDirectories(path.substr(0, slash)))
+  if (size_t slash = path.rfind('/');
+      slash != std::string::npos && slash > 0 && !makeDirectories(path.substr(0, slash)))
     return false;
   WriterLock lock(path);
   if (!lock.held()) return false;
@@ -88,7 +89,8 @@ std::vector<std::string> registryValueNames(Hive hive, const std::string &key) {
   CSimpleIniA::TNamesDepend keys;
   ini.GetAllKeys(sectionName(hive, key).c_str(), keys);
   keys.sort(CSimpleIniA::Entry::LoadOrder());
-  for (const auto &entry : keys) names.emplace_back(entry.pItem);
+  for (const auto &entry : keys)
+    names.emplace_back(entry.pItem);
   return names;
 }
 
@@ -101,7 +103,8 @@ int registrySubkeyCount(Hive hive, const std::string &key) {
   std::set<std::string> children;
   for (const auto &section : sections) {
     std::string name = section.pItem;
-    if (::strncasecmp(name.c_str(), prefix.c_str(), prefix.size()) == 0) children.insert(name.substr(prefix.size(), name.find('\\', prefix.size()) - prefix.size()));
+    if (::strncasecmp(name.c_str(), prefix.c_str(), prefix.size()) == 0)
+      children.insert(name.substr(prefix.size(), name.find('\\', prefix.size()) - prefix.size()));
   }
   return int(children.size());
 }

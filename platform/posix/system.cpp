@@ -15,11 +15,14 @@ public:
   Button message(const std::string &caption, const std::string &text, BoxIcon, BoxButtons buttons) override {
     std::fprintf(stderr, "%s: %s\n", caption.c_str(), text.c_str());
     switch (buttons) {
-    case BoxButtons::Ok: return Button::Ok;
+    case BoxButtons::Ok:
+      return Button::Ok;
     case BoxButtons::OkCancel:
-    case BoxButtons::YesNoCancel: return Button::Cancel;
+    case BoxButtons::YesNoCancel:
+      return Button::Cancel;
     case BoxButtons::YesNo:
-    case BoxButtons::YesNoDefaultNo: break;
+    case BoxButtons::YesNoDefaultNo:
+      break;
     }
     return Button::No;
   }
@@ -45,8 +48,12 @@ void ThreadSlot::free() {
   index_ = kNone;
 }
 
-void *ThreadSlot::get() const { return allocated() ? pthread_getspecific(pthread_key_t(index_)) : nullptr; }
-bool ThreadSlot::set(void *value) { return allocated() && pthread_setspecific(pthread_key_t(index_), value) == 0; }
+void *ThreadSlot::get() const {
+  return allocated() ? pthread_getspecific(pthread_key_t(index_)) : nullptr;
+}
+bool ThreadSlot::set(void *value) {
+  return allocated() && pthread_setspecific(pthread_key_t(index_), value) == 0;
+}
 
 void adoptUserLocale() {}
 void releaseProcessInitialisation() {}
@@ -62,8 +69,12 @@ uint64_t steadyMilliseconds() {
   return uint64_t(now.tv_sec) * 1000 + uint64_t(now.tv_nsec) / 1000000;
 }
 
-std::vector<std::string> commandLine(int argc, char **argv) { return {argv, argv + argc}; }
+std::vector<std::string> commandLine(int argc, char **argv) {
+  return {argv, argv + argc};
+}
 
-bool errorIsTerminal() { return ::isatty(STDERR_FILENO) != 0; }
+bool errorIsTerminal() {
+  return ::isatty(STDERR_FILENO) != 0;
+}
 
 } // namespace platform

@@ -36,7 +36,9 @@ std::string currentDirectory() {
   return length > 0 && length < std::size(buffer) ? fromWide(buffer, int(length)) : "";
 }
 
-bool setCurrentDirectory(const std::string &path) { return SetCurrentDirectoryW(toWide(path).c_str()) != 0; }
+bool setCurrentDirectory(const std::string &path) {
+  return SetCurrentDirectoryW(toWide(path).c_str()) != 0;
+}
 
 bool isDirectory(const std::string &path) {
   DWORD attributes = GetFileAttributesW(toWide(path).c_str());
@@ -51,7 +53,8 @@ bool isFile(const std::string &path) {
 bool isNetworkFolder(const std::string &path) {
   std::string absolute = absolutePath(path);
   if (absolute.rfind("\\\\", 0) == 0) return true;
-  return absolute.size() > 2 && absolute[1] == ':' && GetDriveTypeW(toWide(absolute.substr(0, 2) + "\\").c_str()) == DRIVE_REMOTE;
+  return absolute.size() > 2 && absolute[1] == ':' &&
+         GetDriveTypeW(toWide(absolute.substr(0, 2) + "\\").c_str()) == DRIVE_REMOTE;
 }
 
 bool makeDirectories(const std::string &path) {

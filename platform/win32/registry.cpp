@@ -64,8 +64,8 @@ std::vector<std::string> registryValueNames(Hive hive, const std::string &path) 
 int registrySubkeyCount(Hive hive, const std::string &path) {
   Key key(hive, path, KEY_READ);
   DWORD count = 0;
-  if (!key || RegQueryInfoKeyW(key.get(), nullptr, nullptr, nullptr, &count, nullptr, nullptr, nullptr, nullptr, nullptr,
-                               nullptr, nullptr) != ERROR_SUCCESS)
+  if (!key || RegQueryInfoKeyW(key.get(), nullptr, nullptr, nullptr, &count, nullptr, nullptr, nullptr, nullptr,
+                               nullptr, nullptr, nullptr) != ERROR_SUCCESS)
     return 0;
   return int(count);
 }

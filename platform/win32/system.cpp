@@ -14,16 +14,32 @@ public:
   Button message(const std::string &caption, const std::string &text, BoxIcon icon, BoxButtons buttons) override {
     UINT style = MB_SETFOREGROUND;
     switch (icon) {
-    case BoxIcon::Information: style |= MB_ICONINFORMATION; break;
-    case BoxIcon::Exclamation: style |= MB_ICONEXCLAMATION; break;
-    case BoxIcon::Question: style |= MB_ICONQUESTION; break;
+    case BoxIcon::Information:
+      style |= MB_ICONINFORMATION;
+      break;
+    case BoxIcon::Exclamation:
+      style |= MB_ICONEXCLAMATION;
+      break;
+    case BoxIcon::Question:
+      style |= MB_ICONQUESTION;
+      break;
     }
     switch (buttons) {
-    case BoxButtons::Ok: style |= MB_OK; break;
-    case BoxButtons::OkCancel: style |= MB_OKCANCEL; break;
-    case BoxButtons::YesNo: style |= MB_YESNO; break;
-    case BoxButtons::YesNoCancel: style |= MB_YESNOCANCEL; break;
-    case BoxButtons::YesNoDefaultNo: style |= MB_YESNO | MB_DEFBUTTON2; break;
+    case BoxButtons::Ok:
+      style |= MB_OK;
+      break;
+    case BoxButtons::OkCancel:
+      style |= MB_OKCANCEL;
+      break;
+    case BoxButtons::YesNo:
+      style |= MB_YESNO;
+      break;
+    case BoxButtons::YesNoCancel:
+      style |= MB_YESNOCANCEL;
+      break;
+    case BoxButtons::YesNoDefaultNo:
+      style |= MB_YESNO | MB_DEFBUTTON2;
+      break;
     }
     HCURSOR before = SetCursor(LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_ARROW)));
     int pressed = MessageBoxW(GetActiveWindow(), toWide(text).c_str(), toWide(caption).c_str(), style);
@@ -70,8 +86,12 @@ void ThreadSlot::free() {
   index_ = kNone;
 }
 
-void *ThreadSlot::get() const { return allocated() ? TlsGetValue(index_) : nullptr; }
-bool ThreadSlot::set(void *value) { return allocated() && TlsSetValue(index_, value) != 0; }
+void *ThreadSlot::get() const {
+  return allocated() ? TlsGetValue(index_) : nullptr;
+}
+bool ThreadSlot::set(void *value) {
+  return allocated() && TlsSetValue(index_, value) != 0;
+}
 
 void runThreadCleanups() {
   struct Due {
@@ -88,7 +108,8 @@ void runThreadCleanups() {
     due[dueCount++] = {cleanups[i].cleanup, value};
   }
   ReleaseSRWLockShared(&cleanupsInUse);
-  for (size_t i = 0; i < dueCount; ++i) due[i].cleanup(due[i].value);
+  for (size_t i = 0; i < dueCount; ++i)
+    due[i].cleanup(due[i].value);
 }
 
 void adoptUserLocale() {
@@ -98,16 +119,21 @@ void adoptUserLocale() {
   std::setlocale(LC_COLLATE, language);
 }
 
-void sleepMicroseconds(uint32_t microseconds) { Sleep((microseconds + 999) / 1000); }
+void sleepMicroseconds(uint32_t microseconds) {
+  Sleep((microseconds + 999) / 1000);
+}
 
-uint64_t steadyMilliseconds() { return GetTickCount64(); }
+uint64_t steadyMilliseconds() {
+  return GetTickCount64();
+}
 
 std::vector<std::string> commandLine(int, char **) {
   SetConsoleOutputCP(CP_UTF8);
   int count = 0;
   LPWSTR *wide = CommandLineToArgvW(GetCommandLineW(), &count);
   std::vector<std::string> arguments;
-  for (int i = 0; i < count; ++i) arguments.push_back(fromWide(wide[i]));
+  for (int i = 0; i < count; ++i)
+    arguments.push_back(fromWide(wide[i]));
   LocalFree(wide);
   return arguments;
 }

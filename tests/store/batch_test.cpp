@@ -54,7 +54,7 @@ protected:
     std::string text = std::string(made.Belegnummer) + " " + std::to_string(made.Anzahl) + ":";
     for (size_t i = 0; SPLIT *split = from.PSplit(i); ++i) text += " " + std::to_string(split->Nr) + "/" + euros(split->Brutto);
     text += ";";
-    for (size_t i = 0; KOBU *kobu = from.PKobu(i); ++i)
+    for (size_t i = 0; KOBU *kobu = from.costAt(i); ++i)
       text += " " + std::to_string(kobu->Split) + "." + std::to_string(kobu->Nr) + "/" + euros(kobu->Betrag);
     return text;
   }
@@ -128,7 +128,7 @@ TEST_P(BatchPostings, RefusedOnesLeaveNothing) {
   EXPECT_FALSE(store->InsertBat(made));
   EXPECT_FALSE(store->DeleteBat()) << "none was written";
   EXPECT_EQ(dump(*store, 1, kPostingTables), before);
-  EXPECT_EQ(store->TransaktionsTiefe(), 0);
+  EXPECT_EQ(store->transactionDepth(), 0);
   // Inside a transaction a refused posting takes the others with it.
   ASSERT_TRUE(store->Transaktion(1, 0, kDefault));
   made = posting("B-2");
@@ -155,7 +155,7 @@ TEST_P(BatchPostings, FailingOperationLeavesTheTables) {
       bool done = call();
       operations = faults.operations();
       faults.failAt(0);
-      EXPECT_EQ(faulty->TransaktionsTiefe(), 0);
+      EXPECT_EQ(faulty->transactionDepth(), 0);
       if (operations < n) {
         EXPECT_TRUE(done);
         break;

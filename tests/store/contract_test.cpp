@@ -142,7 +142,7 @@ TEST_P(Contract, WhatIsNotThereOrNotInUseFails) {
   EXPECT_FALSE(store->Unlock(kSachkonto, 1, other));
   EXPECT_FALSE(store->UnlockCurrentRecord(kSachkonto, other));
   EXPECT_FALSE(store->InitMultiInsert(kSachkonto, other));
-  EXPECT_EQ(store->TransaktionsTiefe(), 0);
+  EXPECT_EQ(store->transactionDepth(), 0);
   EXPECT_EQ(store->GetUsedEngine(), GetParam().kind);
 }
 
@@ -181,16 +181,16 @@ TEST_P(Contract, PositioniereBringsAWalkBack) {
   EXPECT_EQ(ge("1000"), "1000");
   DATENBANK place = record;
   EXPECT_EQ(exact("1600"), "1600");
-  store->Positioniere(place, kSachkonto);
+  store->setCurrent(place, kSachkonto);
   EXPECT_EQ(next(), "1200");
   // Also when that record is gone, and whatever range was running.
   place = record;
   ASSERT_TRUE(store->Delete(kSachkonto, kDefault));
   EXPECT_EQ(answer(store->GetRangeExt(record, key("1000"), key("1000"), found, kSachkonto, kDefault)), "1000");
-  store->Positioniere(place, kSachkonto);
+  store->setCurrent(place, kSachkonto);
   EXPECT_EQ(next(), "1400");
   place = account("1600");
-  store->Positioniere(place, kSachkonto);
+  store->setCurrent(place, kSachkonto);
   ASSERT_TRUE(store->Delete(kSachkonto, kDefault));
   EXPECT_EQ(exact("1600"), "none");
 }
@@ -329,7 +329,7 @@ TEST_P(Contract, InsertAssignsNumbers) {
   EXPECT_EQ(inserted(kZahlziel, 0), -1) << "its second key is unique";
   ASSERT_TRUE(store->SetzeFista(2, found) && found);
   EXPECT_EQ(inserted(kZahlziel, 0), 1) << "each client counts for itself";
-  EXPECT_EQ(store->TransaktionsTiefe(), 0);
+  EXPECT_EQ(store->transactionDepth(), 0);
 }
 
 TEST_P(Contract, AnotherSessionsChangesAreMet) {

@@ -198,7 +198,7 @@ TEST_P(Records, NonsenseIsRefused) {
       }
     }
     EXPECT_EQ(dump(*session, 1, {table.number}), before) << table.name;
-    EXPECT_EQ(store->TransaktionsTiefe(), 0);
+    EXPECT_EQ(store->transactionDepth(), 0);
   }
   EXPECT_GE(refused, 300);
 }

@@ -117,7 +117,7 @@ TEST_P(Transactions, FailedStepLeavesTheOthersToBeDecided) {
   DATENBANK batch{};
   std::memset(batch.Stapel.Name, 'x', sizeof batch.Stapel.Name);
   EXPECT_FALSE(store->Insert(batch, kStapel, kDefault)) << "also where a number is assigned";
-  EXPECT_EQ(store->TransaktionsTiefe(), 1);
+  EXPECT_EQ(store->transactionDepth(), 1);
   ASSERT_TRUE(store->Transaktion(kCommit, 0, kDefault));
   EXPECT_EQ(accounts(), "A");
 }
@@ -137,10 +137,10 @@ TEST_P(Transactions, ReleaseLocksAtTheirEnd) {
     ASSERT_TRUE(store->Unlock(kSachkonto, row.flag, kDefault));
     EXPECT_EQ(lockFree(kSachkonto), row.freeInside);
     EXPECT_EQ(bool(other->LockRes(kSachkonto, 1, "Saldo", 1, 0, kDefault)), row.freeInside);
-    EXPECT_EQ(store->HaeltSperren(), !row.freeInside);
+    EXPECT_EQ(store->holdsLocks(), !row.freeInside);
     ASSERT_TRUE(!row.end || store->Transaktion(row.end, 0, kDefault));
     EXPECT_TRUE(lockFree(kSachkonto));
-    EXPECT_FALSE(store->HaeltSperren());
+    EXPECT_FALSE(store->holdsLocks());
   }
 }
 
@@ -181,7 +181,7 @@ TEST_P(Transactions, MultiInsertIsAllOrNothing) {
     }
     EXPECT_EQ(all, row.done);
     EXPECT_EQ(bool(store->EndMultiInsert(kSachkonto, kDefault)), row.done);
-    EXPECT_EQ(store->TransaktionsTiefe(), 0);
+    EXPECT_EQ(store->transactionDepth(), 0);
     EXPECT_EQ(accounts(), row.left);
   }
   EXPECT_FALSE(store->EndMultiInsert(kSachkonto, kDefault));

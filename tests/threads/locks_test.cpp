@@ -72,7 +72,7 @@ TEST_P(LockTest, ExcludeOthersFromTheSameThingOnly) {
     ASSERT_TRUE(row.held.take(*store));
     EXPECT_EQ(elsewhere(row.wanted), row.had);
     ASSERT_TRUE(store->Unlock(kSachkonto, 1, kDefault));
-    EXPECT_FALSE(store->HaeltSperren());
+    EXPECT_FALSE(store->holdsLocks());
     EXPECT_TRUE(elsewhere(row.wanted)) << "after the release";
   }
 }

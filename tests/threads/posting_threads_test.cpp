@@ -60,7 +60,7 @@ TEST_F(PostingThreads, EveryPostingIsThereOnce) {
     if (!found) break;
     ASSERT_EQ(+posting.Nr, ++number) << "a gap";
     EXPECT_TRUE(documents.insert(posting.Belegnummer).second) << posting.Belegnummer << " is there twice";
-    EXPECT_EQ(store->SplitAnzahl(), 1u) << posting.Belegnummer;
+    EXPECT_EQ(store->lineCount(), 1u) << posting.Belegnummer;
     // Each writer's postings keep their order.
     std::string writer = std::string(posting.Belegnummer).substr(0, 2);
     int32_t own = std::stoi(std::string(posting.Belegnummer).substr(3));

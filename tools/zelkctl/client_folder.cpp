@@ -13,8 +13,8 @@
 #include "vlba98/text.h"
 #include "zelkctl/console.h"
 #include "zelkctl/csv.h"
-#include "zelkctl/values.h"
 #include "zelkctl/provision.h"
+#include "zelkctl/values.h"
 #include "zelkctl/verbs.h"
 
 using namespace vldb98;
@@ -50,12 +50,18 @@ std::string storeValue(const Field &field, const std::string &value, char *recor
   size_t width = field.size - 1u;
   if (value.empty() && field.type != FieldType::KeyText) return "";
   switch (field.type) {
-  case FieldType::UInt8: return value == "0" || value == "1" ? storeInteger<uint8_t>(value, at), "" : "0 oder 1";
-  case FieldType::Int16: return storeInteger<int16_t>(value, at) ? "" : "eine ganze Zahl";
-  case FieldType::UInt16: return storeInteger<uint16_t>(value, at) ? "" : "eine Zahl von 1 bis 65535";
-  case FieldType::Int32: return storeInteger<int32_t>(value, at) ? "" : "eine ganze Zahl";
+  case FieldType::UInt8:
+    return value == "0" || value == "1" ? storeInteger<uint8_t>(value, at), "" : "0 oder 1";
+  case FieldType::Int16:
+    return storeInteger<int16_t>(value, at) ? "" : "eine ganze Zahl";
+  case FieldType::UInt16:
+    return storeInteger<uint16_t>(value, at) ? "" : "eine Zahl von 1 bis 65535";
+  case FieldType::Int32:
+    return storeInteger<int32_t>(value, at) ? "" : "eine ganze Zahl";
   case FieldType::Money:
-    return vlba98::IsGeld(text->c_str(), int(width), 1, 1, at) ? "" : width == 5 ? "ein Prozentsatz wie 19,00" : "ein Betrag wie 1234,50";
+    return vlba98::IsGeld(text->c_str(), int(width), 1, 1, at) ? ""
+           : width == 5                                        ? "ein Prozentsatz wie 19,00"
+                                                               : "ein Betrag wie 1234,50";
   case FieldType::Date: {
     auto date = vlba98::parseDatum(value);
     if (date) std::memcpy(at, vlba98::toReversed(*date).data(), field.size);
@@ -67,7 +73,8 @@ std::string storeValue(const Field &field, const std::string &value, char *recor
     return year ? "" : "ein Jahr von 1980 bis 2079";
   }
   case FieldType::Text:
-  case FieldType::KeyText: break;
+  case FieldType::KeyText:
+    break;
   }
   if (text->size() > width) return "ein Text von höchstens " + std::to_string(width) + " Zeichen";
   std::memcpy(at, text->c_str(), text->size() + 1);
@@ -111,8 +118,10 @@ private:
     for (const std::string &name : names) {
       const Table *table = findTable(name.substr(0, name.size() - 4));
       bool loadable = table && table->number != kBatchbuchung && table->number != kSplit && table->number != kKobu;
-      if (!loadable) problem(name, 0, "Zu diesem Namen gibt es keine Tabelle.");
-      else readTable(name, *table);
+      if (!loadable)
+        problem(name, 0, "Zu diesem Namen gibt es keine Tabelle.");
+      else
+        readTable(name, *table);
     }
   }
 
@@ -124,8 +133,10 @@ private:
     for (size_t i = 0; i < csv.columns.size(); ++i) {
       fieldOf.push_back(table.fieldIndex(csv.columns[i]));
       if (fieldOf.back() >= 0) continue;
-      if (table.scope == Scope::FiscalYear && csv.columns[i] == kYearColumn) yearColumn = int(i);
-      else problem(name, 1, "Die Spalte \"" + csv.columns[i] + "\" gibt es nicht.");
+      if (table.scope == Scope::FiscalYear && csv.columns[i] == kYearColumn)
+        yearColumn = int(i);
+      else
+        problem(name, 1, "Die Spalte \"" + csv.columns[i] + "\" gibt es nicht.");
     }
     LoadedTable &loaded = tables_[table.number];
     loaded = {&table, name, {}};
@@ -136,7 +147,8 @@ private:
       }
       LoadedRow target{row.line, kEveryYear, {}};
       std::memset(&target.record, 0, sizeof target.record);
-      for (const Field &field : table.fields) storeDefault(field, target.record.bytes);
+      for (const Field &field : table.fields)
+        storeDefault(field, target.record.bytes);
       for (size_t i = 0; i < fieldOf.size(); ++i) {
         if (int(i) == yearColumn && !row.values[i].empty()) {
           target.year = wholeNumber<int>(row.values[i]).value_or(-1);
@@ -146,7 +158,8 @@ private:
         const Field &field = table.fields[size_t(fieldOf[i])];
         std::string expected = storeValue(field, row.values[i], target.record.bytes);
         if (!expected.empty())
-          problem(name, row.line, std::string(field.name) + " = \"" + row.values[i] + "\": erwartet wird " + expected + ".");
+          problem(name, row.line,
+                  std::string(field.name) + " = \"" + row.values[i] + "\": erwartet wird " + expected + ".");
       }
       loaded.rows.push_back(target);
     }
@@ -163,9 +176,11 @@ private:
 
   void checkWhole() {
     LoadedTable *master = loaded(kFirmenstamm), *years = loaded(kGeschaeftsjahr), *extension = loaded(kFistaExt);
-    if (!master || master->rows.size() != 1) return problem("firmenstamm.csv", 0, "Die Datei mit genau einer Zeile fehlt.");
+    if (!master || master->rows.size() != 1)
+      return problem("firmenstamm.csv", 0, "Die Datei mit genau einer Zeile fehlt.");
     if (!years || years->rows.empty()) return problem("geschaeftsjahr.csv", 0, "Es fehlt ein Geschäftsjahr.");
-    if (extension && extension->rows.size() != 1) return problem("firmenstammext.csv", 0, "Es darf nur eine Zeile geben.");
+    if (extension && extension->rows.size() != 1)
+      return problem("firmenstammext.csv", 0, "Es darf nur eine Zeile geben.");
     FIRMENSTAMM &client = master->rows.front().record.Firmenstamm;
     client.Version = kDataVersion;
     client_ = client.Nummer;
@@ -193,7 +208,8 @@ private:
       const char *text;
     };
     for (const Rule &rule :
-         {Rule{client.Nummer > 0, "Die Nummer des Mandanten fehlt."}, {*client.Name != 0, "Name fehlt."},
+         {Rule{client.Nummer > 0, "Die Nummer des Mandanten fehlt."},
+          {*client.Name != 0, "Name fehlt."},
           {*client.Waehrung != 0, "Waehrung fehlt."},
           {client.Gejabeginn >= 1 && client.Gejabeginn <= 12, "Gejabeginn muss von 1 bis 12 gehen."},
           {client.Kontenrahmen >= 0 && client.Kontenrahmen <= 6, "Kontenrahmen muss von 0 bis 6 gehen."},
@@ -217,7 +233,8 @@ private:
         for (const LoadedRow &row : table->rows) {
           std::string account = row.record.Sachkonto.Nr; // all three begin with the number
           auto [other, fresh] = owner.emplace(account, table->file);
-          if (vlba98::trimmed(account).empty()) problem(table->file, row.line, "Die Kontonummer fehlt.");
+          if (vlba98::trimmed(account).empty())
+            problem(table->file, row.line, "Die Kontonummer fehlt.");
           else if (!fresh && other->second != table->file)
             problem(table->file, row.line, "Konto " + account + " steht auch in " + other->second + ".");
         }
@@ -229,7 +246,8 @@ private:
     for (auto &[number, table] : tables_) {
       if (std::find(kStructureTables.begin(), kStructureTables.end(), number) == kStructureTables.end()) continue;
       std::map<int32_t, AUFBAU *> lines, lastChild;
-      for (LoadedRow &row : table.rows) lines[row.record.Aufbau.Nr] = &row.record.Aufbau;
+      for (LoadedRow &row : table.rows)
+        lines[row.record.Aufbau.Nr] = &row.record.Aufbau;
       for (LoadedRow &row : table.rows) {
         AUFBAU &line = row.record.Aufbau;
         if (line.Vater == 0) continue;
@@ -294,11 +312,13 @@ private:
                                                                   : std::set<int>{row.year};
     for (int year : years) {
       char code[3];
-      if (year != kEveryYear && !(vlba98::itotwo(year - vlba98::firstYear, code) && store.SetzeOpenJahr(code))) return false;
+      if (year != kEveryYear && !(vlba98::itotwo(year - vlba98::firstYear, code) && store.SetzeOpenJahr(code)))
+        return false;
       if (!store.Insert(row.record, FileNumber(table.table->number), ZELK_ENG_DEFAULT)) {
         // The insertion tells a duplicate and a failing database apart no more than the store does; a read does.
         uint8_t found;
-        if (store.SetzeFista(client_, found)) problem(table.file, row.line, "Den Schlüssel des Datensatzes gibt es schon.");
+        if (store.SetzeFista(client_, found))
+          problem(table.file, row.line, "Den Schlüssel des Datensatzes gibt es schon.");
         return false;
       }
     }
@@ -314,6 +334,8 @@ private:
 
 } // namespace
 
-int createClient(const std::string &folder) { return Loader(folder).run(); }
+int createClient(const std::string &folder) {
+  return Loader(folder).run();
+}
 
 } // namespace zelkctl

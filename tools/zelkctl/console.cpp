@@ -34,14 +34,16 @@ void TextTable::print() const {
   std::vector<size_t> widths;
   for (size_t i = 0; i < columns_.size(); ++i) {
     size_t widest = width(columns_[i].title);
-    for (const auto &row : rows_) widest = std::max(widest, width(row[i]));
+    for (const auto &row : rows_)
+      widest = std::max(widest, width(row[i]));
     titles.push_back(columns_[i].title);
     rules.emplace_back(widest, '-');
     widths.push_back(widest);
   }
   printRow(titles, columns_, widths);
   printRow(rules, columns_, widths);
-  for (const auto &row : rows_) printRow(row, columns_, widths);
+  for (const auto &row : rows_)
+    printRow(row, columns_, widths);
 }
 
 Progress::Progress(std::string what, size_t total)
@@ -61,7 +63,9 @@ void Progress::advance() {
   std::fflush(stderr);
 }
 
-std::string shown(const char *text) { return vlba98::toUtf8(text); }
+std::string shown(const char *text) {
+  return vlba98::toUtf8(text);
+}
 
 void complain(const std::string &text) {
   std::fflush(stdout);

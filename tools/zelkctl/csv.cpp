@@ -18,7 +18,8 @@ public:
 
   CsvRow row() {
     CsvRow row{line_, {}, {}};
-    do row.values.push_back(value(row.problem));
+    do
+      row.values.push_back(value(row.problem));
     while (take(';'));
     take('\r');
     if (take('\n')) ++line_;
@@ -63,7 +64,9 @@ private:
   int line_ = 1;
 };
 
-bool isEmptyLine(const CsvRow &row) { return row.values.size() == 1 && row.values.front().empty() && row.problem.empty(); }
+bool isEmptyLine(const CsvRow &row) {
+  return row.values.size() == 1 && row.values.front().empty() && row.problem.empty();
+}
 
 void check(CsvRow &row, size_t columns) {
   if (!row.problem.empty()) return;
@@ -96,7 +99,8 @@ CsvFile parseCsv(std::string_view text) {
   if (!header.problem.empty()) file.problem = "Zeile 1: " + header.problem;
   file.columns = header.values;
   for (size_t i = 0; i < file.columns.size() && file.problem.empty(); ++i)
-    if (file.column(file.columns[i]) != int(i)) file.problem = "Die Spalte \"" + file.columns[i] + "\" kommt zweimal vor.";
+    if (file.column(file.columns[i]) != int(i))
+      file.problem = "Die Spalte \"" + file.columns[i] + "\" kommt zweimal vor.";
   while (file.problem.empty() && !parser.atEnd()) {
     CsvRow row = parser.row();
     if (isEmptyLine(row)) continue;

@@ -24,7 +24,8 @@ struct CsvFile {
 };
 
 /// Reads a text. Separator ';', quotes "..." with "" for a quote in them, line ends LF or CR LF, also inside quotes; a
-/// byte-order mark is passed over, and so are empty lines. A text that is not UTF-8 is a problem of the row that has it.
+/// byte-order mark is passed over, and so are empty lines. A text that is not UTF-8 is a problem of the row that has
+/// it.
 CsvFile parseCsv(std::string_view text);
 
 /// The same from a file. \param path UTF-8

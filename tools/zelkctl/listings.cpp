@@ -30,7 +30,9 @@ constexpr AccountList kAccountLists[] = {{"sachkonten", ZELK_SACHKONTO},
                                          {"debitoren", ZELK_DEBITOR},
                                          {"kostenstellen", ZELK_KOSTENSTELLE}};
 
-const char *yesOrEmpty(int32_t flag) { return flag ? "ja" : ""; }
+const char *yesOrEmpty(int32_t flag) {
+  return flag ? "ja" : "";
+}
 
 // Fetches the account under the cursor as a row of the table of its kind.
 ZelkResult nextAccount(int32_t kind, std::vector<std::string> &row) {
@@ -43,13 +45,13 @@ ZelkResult nextAccount(int32_t kind, std::vector<std::string> &row) {
   } else if (kind == ZELK_KOSTENSTELLE) {
     ZELK_KOST centre;
     if ((result = ZELK_HoleKost(&centre)) > 0)
-      row = {shown(centre.Kontonummer), shown(centre.Kuerzel), shown(centre.Name), std::to_string(centre.Dimension),
-             date(centre.LaufzeitVon), date(centre.LaufzeitBis)};
+      row = {shown(centre.Kontonummer),        shown(centre.Kuerzel),    shown(centre.Name),
+             std::to_string(centre.Dimension), date(centre.LaufzeitVon), date(centre.LaufzeitBis)};
   } else {
     ZELK_PEKO account;
     if ((result = ZELK_HolePeko(&account)) > 0)
-      row = {shown(account.Kontonummer), shown(account.Kuerzel), shown(account.Name), shown(account.PLZ),
-             shown(account.Ort), shown(account.Land)};
+      row = {shown(account.Kontonummer), shown(account.Kuerzel), shown(account.Name),
+             shown(account.PLZ),         shown(account.Ort),     shown(account.Land)};
   }
   return result;
 }

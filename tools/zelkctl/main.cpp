@@ -73,11 +73,14 @@ int main(int argc, char **argv) {
   };
   auto clientOf = [&](CLI::App *sub) { sub->add_option("MANDANT", client, "Mandantennummer")->required(); };
 
-  verb(app, "einrichten", "Ein Programmverzeichnis mit leerer Datenbank anlegen und zum Verzeichnis der Schnittstelle machen",
+  verb(app, "einrichten",
+       "Ein Programmverzeichnis mit leerer Datenbank anlegen und zum Verzeichnis der Schnittstelle machen",
        [&] { return provision(path); })
-      ->add_option("VERZEICHNIS", path, "Das Programmverzeichnis")->required();
+      ->add_option("VERZEICHNIS", path, "Das Programmverzeichnis")
+      ->required();
   verb(app, "anlegen", "Einen Mandanten aus einem Ordner von CSV-Dateien anlegen", [&] { return createClient(path); })
-      ->add_option("ORDNER", path, "Der Ordner des Mandanten")->required();
+      ->add_option("ORDNER", path, "Der Ordner des Mandanten")
+      ->required();
   verb(app, "mandanten", "Die Mandanten auflisten", [] { return listClients(); });
 
   CLI::App *accounts = verb(app, "konten", "Die Konten eines Mandanten auflisten",
@@ -86,12 +89,12 @@ int main(int argc, char **argv) {
   accounts->option_defaults()->group(kOptions);
   accounts->add_option("--art", kind, "sachkonten (Vorgabe), kreditoren, debitoren oder kostenstellen")
       ->check(CLI::IsMember({"sachkonten", "kreditoren", "debitoren", "kostenstellen"}).description(""));
-  accounts->add_option("--sortierung", order, "0 nach Nummer (Vorgabe), 1 nach Kürzel, 2 nach Name")->check(CLI::Range(0, 2).description(""));
+  accounts->add_option("--sortierung", order, "0 nach Nummer (Vorgabe), 1 nach Kürzel, 2 nach Name")
+      ->check(CLI::Range(0, 2).description(""));
   accounts->add_option("--ab", from, "Erst ab diesem Wert der Sortierung");
 
-  CLI::App *batches = verb(app, "stapel", "Die Stapel eines Mandanten auflisten, oder die Buchungen eines Stapels", [&] {
-    return batch ? showBatch(client, batch) : listBatches(client);
-  });
+  CLI::App *batches = verb(app, "stapel", "Die Stapel eines Mandanten auflisten, oder die Buchungen eines Stapels",
+                           [&] { return batch ? showBatch(client, batch) : listBatches(client); });
   clientOf(batches);
   batches->add_option("STAPEL", batch, "Stapelnummer: dessen Buchungen zeigen");
 
@@ -102,11 +105,13 @@ int main(int argc, char **argv) {
   postings->add_option("DATEI", path, "Die CSV-Datei")->required();
 
   verb(app, "fehlertext", "Name und Text eines Ergebniscodes zeigen", [&] { return showResultText(code); })
-      ->add_option("CODE", code, "Der Code, -103 bis 2")->required();
+      ->add_option("CODE", code, "Der Code, -103 bis 2")
+      ->required();
 
   std::vector<std::string> arguments = platform::commandLine(argc, argv);
   std::vector<const char *> pointers;
-  for (const std::string &argument : arguments) pointers.push_back(argument.c_str());
+  for (const std::string &argument : arguments)
+    pointers.push_back(argument.c_str());
   try {
     app.parse(int(pointers.size()), pointers.data());
   } catch (const CLI::ParseError &error) {

@@ -27,7 +27,7 @@ struct Column {
 };
 
 #define COLUMN(name, form, required, member, code)                                                                     \
-  {name, form, required, offsetof(ZELK_BUCHUNG, member), sizeof(ZELK_BUCHUNG::member), code}
+  { name, form, required, offsetof(ZELK_BUCHUNG, member), sizeof(ZELK_BUCHUNG::member), code }
 constexpr Column kColumns[] = {
     COLUMN("Belegdatum", Form::Date, true, Belegdatum, ZELKERR_uzl_Belegdatum),
     COLUMN("Belegnummer", Form::Text, true, Belegnummer, ZELKERR_uzl_Belegnr),
@@ -85,8 +85,8 @@ long countPostings(int32_t client, int32_t batch) {
 }
 
 // Refusals that the other rows would meet as well.
-constexpr ZelkResult kConcernAllRows[] = {ZELKERR_Datenbank,     ZELKERR_Ini,           ZELKERR_Thread,
-                                          ZELKERR_uzl_Mandnr,    ZELKERR_alter_Mandant, ZELKERR_neuerer_Mandant,
+constexpr ZelkResult kConcernAllRows[] = {ZELKERR_Datenbank,   ZELKERR_Ini,           ZELKERR_Thread,
+                                          ZELKERR_uzl_Mandnr,  ZELKERR_alter_Mandant, ZELKERR_neuerer_Mandant,
                                           ZELKERR_uzl_Stapelnr};
 
 class Import {
@@ -124,7 +124,8 @@ private:
     for (const std::string &name : csv.columns)
       if (!findColumn(name)) return "Die Spalte \"" + name + "\" gibt es nicht.";
     for (const Column &column : kColumns)
-      if (column.required && csv.column(column.name) < 0) return std::string("Die Spalte \"") + column.name + "\" fehlt.";
+      if (column.required && csv.column(column.name) < 0)
+        return std::string("Die Spalte \"") + column.name + "\" fehlt.";
     return "";
   }
 
@@ -212,6 +213,8 @@ private:
 
 } // namespace
 
-int importPostings(int32_t client, int32_t batch, const std::string &file) { return Import(client, batch).run(file); }
+int importPostings(int32_t client, int32_t batch, const std::string &file) {
+  return Import(client, batch).run(file);
+}
 
 } // namespace zelkctl

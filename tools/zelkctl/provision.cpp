@@ -25,7 +25,8 @@ std::string readSetting(const char *section, const char *key) {
 std::string dataDirectory() {
   if (std::string path = readSetting("ZELK", "DatenPfad"); !path.empty()) return path;
   for (auto [section, key] : {std::pair{"MFIBU", "ProgPfad98"}, {"MFIBU", "ProgPfad"}, {"ZELK", "ProgPfad"}})
-    if (std::string path = readSetting(section, key); !path.empty()) return platform::withSeparator(path) + vldb98::kDataFolder;
+    if (std::string path = readSetting(section, key); !path.empty())
+      return platform::withSeparator(path) + vldb98::kDataFolder;
   return "";
 }
 
@@ -48,7 +49,8 @@ std::unique_ptr<vldb98::Store> openBooks() {
   }
   auto store = openStore(directory, false);
   if (!store)
-    complain("Die Datenbank in " + directory + " kann nicht geöffnet werden. Sie fehlt, ist schreibgeschützt oder keine "
+    complain("Die Datenbank in " + directory +
+             " kann nicht geöffnet werden. Sie fehlt, ist schreibgeschützt oder keine "
              "Datenbank dieses Programms. Neu anlegen: zelkctl einrichten VERZEICHNIS");
   return store;
 }
@@ -72,7 +74,8 @@ int provision(const std::string &directory) {
   bool existed = platform::isFile(platform::withSeparator(data) + vldb98::kDatabaseFile);
   auto store = openStore(data, true);
   if (!store || !vldb98::createTables(*store)) {
-    complain("Die Datenbank in " + data + " kann nicht angelegt werden. Ist dort eine andere Datei dieses Namens, oder "
+    complain("Die Datenbank in " + data +
+             " kann nicht angelegt werden. Ist dort eine andere Datei dieses Namens, oder "
              "ist das Verzeichnis schreibgeschützt?");
     return kFailed;
   }
@@ -83,8 +86,8 @@ int provision(const std::string &directory) {
     complain("Die Einstellungen können nicht geschrieben werden (Abschnitte MFIBU und ZELK).");
     return kFailed;
   }
-  std::printf("%s %s\nProgrammverzeichnis: %s\n", existed ? "Datenbank besteht bereits:" : "Datenbank angelegt:", data.c_str(),
-              root.c_str());
+  std::printf("%s %s\nProgrammverzeichnis: %s\n",
+              existed ? "Datenbank besteht bereits:" : "Datenbank angelegt:", data.c_str(), root.c_str());
   return kDone;
 }
 

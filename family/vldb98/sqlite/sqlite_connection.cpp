@@ -34,9 +34,12 @@ public:
 
   Step step() override {
     switch (sqlite3_step(statement_)) {
-    case SQLITE_ROW: return Step::Row;
-    case SQLITE_DONE: return Step::Done;
-    default: return Step::Failed;
+    case SQLITE_ROW:
+      return Step::Row;
+    case SQLITE_DONE:
+      return Step::Done;
+    default:
+      return Step::Failed;
     }
   }
   void reset() override { sqlite3_reset(statement_); }
