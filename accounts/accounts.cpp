@@ -105,7 +105,7 @@ ZelkResult ZELK_CALL ZELK_InitHoleKonto(int32_t Mandantennummer, int32_t Kontoar
              {number("Mandantennummer:", Mandantennummer), number("Kontoart:", Kontoart),
               number("Sortierung:", Sortierung), text("Ab:", Ab), messages(Fehlermeldungen)},
              [&](ThreadContext *context) -> ZelkResult {
-               context->fetch = {};
+               context->fetch.end();
                if (!vlfn98::isAccountKind(Kontoart))
                  return refuse(*context, ZELKERR_uzl_Kontoart, resources::kKontoartUnzulaessig);
                if (Sortierung < 0 || Sortierung >= kOrders)

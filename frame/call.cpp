@@ -18,13 +18,15 @@ namespace {
 // every call; hosts that call from several threads share it, as they share the current directory itself.
 class DatabaseDirectory {
 public:
-  /// Becomes the directory when there is none yet. \return the directory, empty when it is the given one
-  std::string differentFrom(const std::string &current) {
+  /// Becomes the directory when there is none yet, else makes it current when another one is.
+  void enter(const char *current) {
     std::lock_guard guard(mutex_);
-    if (path_.empty()) path_ = current;
-    return path_ == current ? std::string() : path_;
+    if (path_.empty())
+      path_ = current;
+    else if (path_ != current)
+      platform::setCurrentDirectory(path_);
   }
-  void set(const std::string &path) {
+  void set(const char *path) {
     std::lock_guard guard(mutex_);
     path_ = path;
   }
@@ -43,27 +45,29 @@ DatabaseDirectory &databaseDirectory() {
 class DirectoryGuard {
 public:
   explicit DirectoryGuard(bool connect) {
+    saved_[0] = 0;
     ZELK_Attach(connect);
     if (!vldb98::IsZELKMode()) return;
-    saved_ = platform::currentDirectory();
-    if (std::string known = databaseDirectory().differentFrom(saved_); !known.empty())
-      platform::setCurrentDirectory(known);
+    platform::currentDirectory(saved_);
+    databaseDirectory().enter(saved_);
   }
-  ~DirectoryGuard() try {
-    if (saved_.empty()) return;
-    std::string now = platform::currentDirectory();
-    if (now == saved_) return;
-    databaseDirectory().set(now);
-    platform::setCurrentDirectory(saved_);
-  } catch (...) {
-    // Out of memory: a function-try-block of a destructor would throw on without the return.
-    return;
+  ~DirectoryGuard() {
+    if (!*saved_) return;
+    platform::DirectoryName now;
+    platform::currentDirectory(now);
+    if (std::strcmp(now, saved_) == 0) return;
+    try {
+      databaseDirectory().set(now);
+      platform::setCurrentDirectory(saved_);
+    } catch (...) {
+      // Out of memory: the host's directory then stays the database's.
+    }
   }
   DirectoryGuard(const DirectoryGuard &) = delete;
   DirectoryGuard &operator=(const DirectoryGuard &) = delete;
 
 private:
-  std::string saved_;
+  platform::DirectoryName saved_;
 };
 
 void showOverflow(const Parameter &parameter) {

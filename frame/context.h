@@ -20,6 +20,11 @@ struct SharedFetch {
   vldb98::DATENBANK record{};
   int32_t client = 0;
   char year[3] = ""; ///< open fiscal year of the walk
+
+  void end() {
+    kind = kNoFetch;
+    pending = false;
+  }
 };
 
 /// Created on first need, freed when the thread ends or the library is detached.

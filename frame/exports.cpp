@@ -74,7 +74,7 @@ ZelkResult ZELK_CALL ZELK_BeendeHolen() {
   static constexpr Export self{.name = "ZELK_BeendeHolen"};
   return run(self, {}, [](ThreadContext *context) -> ZelkResult {
     if (context->fetch.kind == vldb98::kBatchbuchung) context->batchPosting = {};
-    context->fetch = {};
+    context->fetch.end();
     return ZELK_OK;
   });
 }

@@ -29,7 +29,7 @@ ZelkResult openClient(ThreadContext &context, Store &store, int32_t client) {
 }
 
 ZelkResult startFetch(ThreadContext &context, Store &store, FileNumber file, const SCHLUESSEL *from, ZelkResult none) {
-  context.fetch = {};
+  context.fetch.end();
   SharedFetch started;
   started.kind = tableOf(file);
   started.file = file;
@@ -55,7 +55,7 @@ ZelkResult detail::readAhead(ThreadContext &context, int32_t kind, DATENBANK &ne
     store->setCurrent(fetch.record, fetch.file);
     if (store->GetNextExt(next, found, fetch.file, ZELK_ENG_DEFAULT)) return found ? ZELK_OK : ZELK_letzterDatensatz;
   }
-  context.fetch = {};
+  context.fetch.end();
   return ZELKERR_Datenbank;
 }
 

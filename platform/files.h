@@ -12,8 +12,11 @@ extern const char kPathSeparator;
 /// The path with a separator at its end.
 std::string withSeparator(std::string path);
 
+/// A directory's path with its terminator, on the stack: it is asked for twice in every call.
+using DirectoryName = char[4096];
+
 /// The process's current directory; empty when it cannot be told.
-std::string currentDirectory();
+void currentDirectory(DirectoryName &path);
 bool setCurrentDirectory(const std::string &path);
 
 bool isDirectory(const std::string &path);

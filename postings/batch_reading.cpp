@@ -56,7 +56,7 @@ ZelkResult ZELK_CALL ZELK_InitHoleBatch(int32_t Mandantennummer, int32_t Stapeln
       self,
       {number("Mandantennummer:", Mandantennummer), number("Stapelnummer:", Stapelnummer), messages(Fehlermeldungen)},
       [&](ThreadContext *context) -> ZelkResult {
-        context->fetch = {};
+        context->fetch.end();
         Store *store = context->session();
         if (!store) return ZELKERR_Datenbank;
         if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;

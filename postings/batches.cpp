@@ -11,7 +11,7 @@ ZelkResult ZELK_CALL ZELK_InitHoleStapel(int32_t Mandantennummer, int32_t Fehler
   static constexpr Export self{.name = "ZELK_InitHoleStapel"};
   return run(self, {number("Mandantennummer:", Mandantennummer), messages(Fehlermeldungen)},
              [&](ThreadContext *context) -> ZelkResult {
-               context->fetch = {};
+               context->fetch.end();
                Store *store = context->session();
                if (!store) return ZELKERR_Datenbank;
                if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;

@@ -15,9 +15,8 @@ std::string withSeparator(std::string path) {
   return path;
 }
 
-std::string currentDirectory() {
-  char buffer[4096];
-  return ::getcwd(buffer, sizeof buffer) ? buffer : "";
+void currentDirectory(DirectoryName &path) {
+  if (!::getcwd(path, sizeof path)) path[0] = 0;
 }
 
 bool setCurrentDirectory(const std::string &path) {

@@ -30,10 +30,13 @@ std::string withSeparator(std::string path) {
   return path;
 }
 
-std::string currentDirectory() {
-  wchar_t buffer[1024];
-  DWORD length = GetCurrentDirectoryW(DWORD(std::size(buffer)), buffer);
-  return length > 0 && length < std::size(buffer) ? fromWide(buffer, int(length)) : "";
+void currentDirectory(DirectoryName &path) {
+  wchar_t wide[1024];
+  DWORD length = GetCurrentDirectoryW(DWORD(std::size(wide)), wide);
+  bool known = length > 0 && length < std::size(wide);
+  int size =
+      known ? WideCharToMultiByte(CP_UTF8, 0, wide, int(length), path, int(sizeof path) - 1, nullptr, nullptr) : 0;
+  path[size] = 0;
 }
 
 bool setCurrentDirectory(const std::string &path) {

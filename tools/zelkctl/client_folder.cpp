@@ -82,6 +82,29 @@ std::string storeValue(const Field &field, const std::string &value, char *recor
   return "";
 }
 
+// What a field names must be a key of another table; empty and 0 name nothing.
+struct Reference {
+  int table;
+  const char *field;
+  int target;
+};
+constexpr Reference kReferences[] = {
+    {kFirmenstamm, "VortragSako", kSachkonto}, {kFirmenstamm, "VortragKred", kSachkonto},
+    {kFirmenstamm, "VortragDebi", kSachkonto}, {kSachkonto, "Steuerschluessel", kSteusa},
+    {kKreditor, "Sammelkonto", kSachkonto},    {kDebitor, "Sammelkonto", kSachkonto},
+    {kKreditor, "Zahlungsziel", kZahlziel},    {kDebitor, "Zahlungsziel", kZahlziel},
+    {kSteusa, "Steuerkonto", kSachkonto},      {kSteusa, "Gegenkonto", kSachkonto},
+};
+
+// Keys as texts, so that references of any type compare.
+std::string keyText(const Field &field, const char *record) {
+  const char *at = record + field.offset;
+  int64_t number = 0;
+  if (field.type >= FieldType::Text) return std::string(vlba98::trimmed(at));
+  std::memcpy(&number, at, field.size); // little-endian, and no key is below zero
+  return number ? std::to_string(number) : "";
+}
+
 class Loader {
 public:
   explicit Loader(std::string folder) : folder_(std::move(folder)) {}
@@ -197,8 +220,11 @@ private:
     int current = vlba98::twotoi(client.AktJahr);
     if (current < 0 || !years_.count(vlba98::firstYear + current))
       problem(master->file, 2, "AktJahr ist keines der Geschäftsjahre.");
+    if (int first = vlba98::yearOfCode(client.StartJahr); first && !years_.count(first))
+      problem(master->file, 2, "StartJahr ist keines der Geschäftsjahre.");
     checkYears();
     checkAccountNumbers();
+    checkReferences();
     linkStructures();
   }
 
@@ -238,6 +264,23 @@ private:
           else if (!fresh && other->second != table->file)
             problem(table->file, row.line, "Konto " + account + " steht auch in " + other->second + ".");
         }
+  }
+
+  void checkReferences() {
+    for (const Reference &reference : kReferences) {
+      LoadedTable *from = loaded(reference.table), *to = loaded(reference.target);
+      if (!from) continue;
+      const Field &field = from->table->fields[size_t(from->table->fieldIndex(reference.field))];
+      std::set<std::string> keys;
+      if (to)
+        for (const LoadedRow &row : to->rows)
+          keys.insert(keyText(to->table->fields.front(), row.record.bytes));
+      for (const LoadedRow &row : from->rows)
+        if (std::string key = keyText(field, row.record.bytes); !key.empty() && !keys.count(key))
+          problem(from->file, row.line,
+                  std::string(reference.field) + " " + key + " gibt es nicht in der Tabelle " +
+                      findTable(reference.target)->name + ".");
+    }
   }
 
   // A structure is written as a list of lines with their parents; the links to the first child and the next sibling
