@@ -21,7 +21,8 @@ TEST(AccountKinds, AreMapped) {
     int table;
     int16_t stored;
     int32_t back;
-  } rows[] = {{1, 0, 2, 1}, {2, 2, 4, 2}, {4, 3, 8, 4}, {8, 16, 4, 2}, {0, 0, 4, 2}, {3, 0, 4, 2}, {16, 0, 4, 2}, {-1, 0, 4, 2}};
+  } rows[] = {{1, 0, 2, 1}, {2, 2, 4, 2}, {4, 3, 8, 4},  {8, 16, 4, 2},
+              {0, 0, 4, 2}, {3, 0, 4, 2}, {16, 0, 4, 2}, {-1, 0, 4, 2}};
   for (const auto &row : rows) {
     EXPECT_EQ(vlfn98::KzFromZELKArt(row.kind), row.table) << row.kind;
     EXPECT_EQ(vlfn98::ZELKKontoArtToKontoArt(row.kind), row.stored) << row.kind;
@@ -104,9 +105,12 @@ template <class Record, class Next> void collect(Next next, std::vector<std::str
 Walked walk(int32_t client, int32_t kind, int32_t order, const char *from) {
   Walked walked{ZELK_InitHoleKonto(client, kind, order, from, 0), {}};
   if (walked.init != ZELK_OK) return walked;
-  if (kind == ZELK_SACHKONTO) collect<ZELK_SAKO>(ZELK_HoleSako, walked.lines);
-  else if (kind == ZELK_KOSTENSTELLE) collect<ZELK_KOST>(ZELK_HoleKost, walked.lines);
-  else collect<ZELK_PEKO>(ZELK_HolePeko, walked.lines);
+  if (kind == ZELK_SACHKONTO)
+    collect<ZELK_SAKO>(ZELK_HoleSako, walked.lines);
+  else if (kind == ZELK_KOSTENSTELLE)
+    collect<ZELK_KOST>(ZELK_HoleKost, walked.lines);
+  else
+    collect<ZELK_PEKO>(ZELK_HolePeko, walked.lines);
   return walked;
 }
 
@@ -119,14 +123,16 @@ std::vector<std::string> fromFile(const std::string &client, const std::string &
   for (const zelkctl::CsvRow &row : file.rows) {
     if (year >= 0 && row.values[size_t(year)] == "2025") continue;
     std::vector<std::string> values;
-    for (int column : columns) values.push_back(row.values[size_t(column)]);
+    for (int column : columns)
+      values.push_back(row.values[size_t(column)]);
     rows.push_back(values);
   }
   std::sort(rows.begin(), rows.end(), [&](const auto &a, const auto &b) {
     return std::tie(a[size_t(order)], a[0]) < std::tie(b[size_t(order)], b[0]);
   });
   std::vector<std::string> lines;
-  for (const auto &row : rows) lines.push_back(row[0] + ';' + row[1] + ';' + row[2]);
+  for (const auto &row : rows)
+    lines.push_back(row[0] + ';' + row[1] + ';' + row[2]);
   return lines;
 }
 
@@ -216,14 +222,18 @@ TEST_F(Accounts, FetchesTellTheirKindApart) {
   ZELK_BUCHUNG inserted = validPosting();
   ASSERT_EQ(ZELK_BuchungEinfuegen(&inserted, 0), ZELK_OK);
   const std::function<ZelkResult()> fetches[] = {
-      [&] { return ZELK_HoleSako(&ledger); }, [&] { return ZELK_HolePeko(&personal); },
-      [&] { return ZELK_HolePeko(&personal); }, [&] { return ZELK_HoleKost(&centre); },
+      [&] { return ZELK_HoleSako(&ledger); },
+      [&] { return ZELK_HolePeko(&personal); },
+      [&] { return ZELK_HolePeko(&personal); },
+      [&] { return ZELK_HoleKost(&centre); },
       [] { return ZELK_HoleStapel(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr); },
       [&] { return ZELK_HoleBatch(&posting); }};
-  const std::function<ZelkResult()> inits[] = {
-      [] { return ZELK_InitHoleKonto(1, 1, 0, nullptr, 0); }, [] { return ZELK_InitHoleKonto(1, 2, 0, nullptr, 0); },
-      [] { return ZELK_InitHoleKonto(1, 4, 0, nullptr, 0); }, [] { return ZELK_InitHoleKonto(1, 8, 0, nullptr, 0); },
-      [] { return ZELK_InitHoleStapel(1, 0); },               [] { return ZELK_InitHoleBatch(1, 3, 0); }};
+  const std::function<ZelkResult()> inits[] = {[] { return ZELK_InitHoleKonto(1, 1, 0, nullptr, 0); },
+                                               [] { return ZELK_InitHoleKonto(1, 2, 0, nullptr, 0); },
+                                               [] { return ZELK_InitHoleKonto(1, 4, 0, nullptr, 0); },
+                                               [] { return ZELK_InitHoleKonto(1, 8, 0, nullptr, 0); },
+                                               [] { return ZELK_InitHoleStapel(1, 0); },
+                                               [] { return ZELK_InitHoleBatch(1, 3, 0); }};
   for (size_t i = 0; i < std::size(inits); ++i)
     for (size_t j = 0; j < std::size(fetches); ++j) {
       ASSERT_EQ(inits[i](), ZELK_OK);
@@ -255,7 +265,8 @@ TEST_F(Accounts, CarryTheirFields) {
   EXPECT_STREQ(ledger.Waehrung, "USD");
   ASSERT_EQ(ZELK_InitHoleKonto(1, 1, 0, "3400", 0), ZELK_OK);
   ASSERT_GT(ZELK_HoleSako(&ledger), 0);
-  EXPECT_EQ(std::tuple(+ledger.GuV, +ledger.Steuerschluessel, +ledger.Kostenart, +ledger.Gesperrt), std::tuple(1, 5, 1, 0));
+  EXPECT_EQ(std::tuple(+ledger.GuV, +ledger.Steuerschluessel, +ledger.Kostenart, +ledger.Gesperrt),
+            std::tuple(1, 5, 1, 0));
   ASSERT_EQ(ZELK_InitHoleKonto(1, 1, 0, "1590", 0), ZELK_OK);
   ASSERT_GT(ZELK_HoleSako(&ledger), 0);
   EXPECT_EQ(+ledger.Gesperrt, 1);
@@ -298,7 +309,8 @@ TEST_F(Accounts, WalkGoesOnUndisturbed) {
       EXPECT_EQ(ZELK_InitHoleMandant(), ZELK_OK);
       // Others delete the record that was delivered last.
       DATENBANK record{};
-      ASSERT_TRUE(other->UsedGet(record, KeyBuilder().account(account.Kontonummer), found, kSachkonto, ZELK_ENG_DEFAULT));
+      ASSERT_TRUE(
+          other->UsedGet(record, KeyBuilder().account(account.Kontonummer), found, kSachkonto, ZELK_ENG_DEFAULT));
       ASSERT_TRUE(other->Delete(kSachkonto, ZELK_ENG_DEFAULT));
     }
     EXPECT_EQ(seen, expected) << elsewhere;

@@ -55,7 +55,8 @@ TEST_F(Clients, DeletedMeanwhileEndsTheFetch) {
   auto other = session();
   vldb98::DATENBANK record{};
   uint8_t found;
-  ASSERT_TRUE(other->UsedGet(record, vldb98::KeyBuilder().number(uint16_t(1)), found, vldb98::kFirmenstamm, vldb98::ZELK_ENG_DEFAULT));
+  ASSERT_TRUE(other->UsedGet(record, vldb98::KeyBuilder().number(uint16_t(1)), found, vldb98::kFirmenstamm,
+                             vldb98::ZELK_ENG_DEFAULT));
   ASSERT_TRUE(other->Delete(vldb98::kFirmenstamm, vldb98::ZELK_ENG_DEFAULT));
   EXPECT_EQ(ZELK_HoleMandant(nullptr, nullptr, nullptr), ZELKERR_Datenbank);
 }
@@ -109,11 +110,12 @@ TEST_F(Clients, HaveMasterData) {
     ASSERT_EQ(directInfo(row.client, direct), ZELK_OK);
     // Behind their terminators the record's texts may hold what was there before.
     std::vector<std::pair<const char *, const char *>> texts = {
-        {info.UStIdNr, direct.UStIdNr}, {info.Land, direct.Land},     {info.Waehrung, direct.Waehrung},
+        {info.UStIdNr, direct.UStIdNr},   {info.Land, direct.Land},     {info.Waehrung, direct.Waehrung},
         {info.Eurokurs, direct.Eurokurs}, {info.SvSako, direct.SvSako}, {info.SvKred, direct.SvKred},
-        {info.SvDebi, direct.SvDebi},   {info.Name, direct.Name},     {info.Zusatz, direct.Zusatz}};
+        {info.SvDebi, direct.SvDebi},     {info.Name, direct.Name},     {info.Zusatz, direct.Zusatz}};
     EXPECT_EQ(std::memcmp(&info, &direct, offsetof(ZELK_MANDANTENINFO, UStIdNr)), 0);
-    for (auto [a, b] : texts) EXPECT_STREQ(a, b);
+    for (auto [a, b] : texts)
+      EXPECT_STREQ(a, b);
     EXPECT_EQ(ZELK_HoleMandantenVersion(row.client), 98);
     EXPECT_EQ(ZELK_HoleStartJahr(row.client), 2025);
   }
@@ -173,9 +175,9 @@ TEST_F(Clients, KeepTheChartOfAccountsWithinItsRange) {
     EXPECT_EQ(+info.Kontenrahmen, row.inRecord) << row.stored;
     ASSERT_EQ(directInfo(1, direct), ZELK_OK);
     EXPECT_EQ(+direct.Kontenrahmen, row.direct) << row.stored;
-    EXPECT_EQ(directInfo(1, direct), ZELK_HoleMandantenInfoDirekt(1, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                                                  nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                                                  nullptr, nullptr, nullptr, nullptr, 0));
+    EXPECT_EQ(directInfo(1, direct),
+              ZELK_HoleMandantenInfoDirekt(1, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                           nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, 0));
   }
 }
 

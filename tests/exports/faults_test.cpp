@@ -8,7 +8,8 @@ namespace {
 
 using namespace vldb98;
 
-constexpr std::initializer_list<int> kUnchanged = {kFirmenstamm, kStapel, kBatchbuchung, kSplit, kKobu, kSachkonto, kZahlziel};
+constexpr std::initializer_list<int> kUnchanged = {kFirmenstamm, kStapel,    kBatchbuchung, kSplit,
+                                                   kKobu,        kSachkonto, kZahlziel};
 
 /// A call on prepared state. It returns the result of the function under test.
 struct Scenario {
@@ -24,7 +25,8 @@ void nothing(Store &) {}
 void emptyBatches(Store &other) {
   uint8_t found = 0;
   ASSERT_TRUE(other.SetzeFista(1, found) && found);
-  for (int table : {kBatchbuchung, kSplit, kDmsId}) ASSERT_TRUE(other.DeleteTable(table));
+  for (int table : {kBatchbuchung, kSplit, kDmsId})
+    ASSERT_TRUE(other.DeleteTable(table));
   for (int32_t batch : {3, 8}) {
     DATENBANK record{};
     ASSERT_TRUE(other.UsedGet(record, KeyBuilder().number(batch), found, kStapel, ZELK_ENG_DEFAULT) && found);
@@ -47,43 +49,55 @@ ZELK_SPLITBUCHUNG largePosting() {
   ZELK_SPLITBUCHUNG posting = validSplit(10);
   posting.Eroeffnungsbuchung = 1;
   posting.Zahlungsziel = 3;
-  for (ZELK_TEILBUCHUNG &line : posting.Teilbuchung) line.Sollkonto[0] = 0;
+  for (ZELK_TEILBUCHUNG &line : posting.Teilbuchung)
+    line.Sollkonto[0] = 0;
   put(posting.DMSID, "Dokument 1");
   return posting;
 }
 
 const Scenario kScenarios[] = {
-    {"BuchungEinfuegen", emptyBatches, [] {
+    {"BuchungEinfuegen", emptyBatches,
+     [] {
        ZELK_BUCHUNG posting = validPosting();
        return ZELK_BuchungEinfuegen(&posting, 1);
-     }, true},
-    {"SplitBuchungEinfuegen", emptyBatches, [] {
+     },
+     true},
+    {"SplitBuchungEinfuegen", emptyBatches,
+     [] {
        ZELK_SPLITBUCHUNG posting = largePosting();
        return ZELK_SplitBuchungEinfuegen(&posting, 1);
-     }, true},
+     },
+     true},
     {"InitHoleMandant", nothing, [] { return ZELK_InitHoleMandant(); }, false},
-    {"HoleMandant", [](Store &) { ZELK_InitHoleMandant(); }, [] { return ZELK_HoleMandant(nullptr, nullptr, nullptr); }, false},
-    {"HoleMandantenInfo", nothing, [] {
+    {"HoleMandant", [](Store &) { ZELK_InitHoleMandant(); }, [] { return ZELK_HoleMandant(nullptr, nullptr, nullptr); },
+     false},
+    {"HoleMandantenInfo", nothing,
+     [] {
        ZELK_MANDANTENINFO info{};
        return ZELK_HoleMandantenInfo(1, &info, 0);
-     }, false},
+     },
+     false},
     {"HoleMandantenVersion", nothing, [] { return ZELK_HoleMandantenVersion(1); }, false},
     {"HoleStartJahr", nothing, [] { return ZELK_HoleStartJahr(1); }, false},
     {"ExistiertKonto", nothing, [] { return ZELK_ExistiertKonto(1, "1000", 1, 0, nullptr); }, false},
     {"InitHoleKonto", nothing, [] { return ZELK_InitHoleKonto(1, 1, 0, nullptr, 1); }, false},
     {"InitHoleKonto from a key on", nothing, [] { return ZELK_InitHoleKonto(1, 4, 2, "B", 1); }, false},
-    {"HoleSako", [](Store &) { ZELK_InitHoleKonto(1, 1, 0, nullptr, 0); }, [] {
+    {"HoleSako", [](Store &) { ZELK_InitHoleKonto(1, 1, 0, nullptr, 0); },
+     [] {
        ZELK_SAKO account;
        return ZELK_HoleSako(&account);
-     }, false},
+     },
+     false},
     {"InitHoleStapel", nothing, [] { return ZELK_InitHoleStapel(1, 1); }, false},
     {"HoleStapel", [](Store &) { ZELK_InitHoleStapel(1, 0); },
      [] { return ZELK_HoleStapel(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr); }, false},
     {"InitHoleBatch", fillBatch, [] { return ZELK_InitHoleBatch(1, 8, 1); }, false},
-    {"HoleBatch", [](Store &other) { fillBatch(other), ZELK_InitHoleBatch(1, 8, 0); }, [] {
+    {"HoleBatch", [](Store &other) { fillBatch(other), ZELK_InitHoleBatch(1, 8, 0); },
+     [] {
        ZELK_SPLITBUCHUNG posting;
        return ZELK_HoleBatch(&posting);
-     }, false}};
+     },
+     false}};
 
 TEST_F(Books, FaultsOfTheStoreLeaveNoTrace) {
   auto other = session(std::chrono::milliseconds(0));
@@ -103,17 +117,22 @@ TEST_F(Books, FaultsOfTheStoreLeaveNoTrace) {
       ZelkResult result = scenario.call();
       ASSERT_GE(faults.operations(), n);
       faults.failAt(0);
-      if (result == ZELK_OK) ++skipped;
-      else EXPECT_EQ(result, ZELKERR_Datenbank);
+      if (result == ZELK_OK)
+        ++skipped;
+      else
+        EXPECT_EQ(result, ZELKERR_Datenbank);
       EXPECT_EQ(recorder.takeText(), "");
       EXPECT_EQ(dump(*other, 1, kUnchanged), before);
       EXPECT_TRUE(nothingLocked(*other, 1));
       // The thread goes on as if nothing had happened.
       scenario.prepare(*other);
       EXPECT_EQ(scenario.call(), expected);
-      if (scenario.inserts) { EXPECT_EQ(postingsOf(1, 3).size(), 1u); }
+      if (scenario.inserts) {
+        EXPECT_EQ(postingsOf(1, 3).size(), 1u);
+      }
     }
-    EXPECT_EQ(skipped, scenario.inserts ? 7 : 0) << scenario.name << ": a table that cannot be locked skips the posting";
+    EXPECT_EQ(skipped, scenario.inserts ? 7 : 0)
+        << scenario.name << ": a table that cannot be locked skips the posting";
   }
 }
 

@@ -56,7 +56,8 @@ using Lifecycle = Environment;
 
 TEST_F(Lifecycle, WithoutSettingsNothingWorksUntilDetached) {
   EXPECT_EQ(ZELK_Status(), ZELK_OK) << "nothing has failed yet";
-  for (const Call &call : kFramed) EXPECT_EQ(call.run(), ZELKERR_Ini) << call.name;
+  for (const Call &call : kFramed)
+    EXPECT_EQ(call.run(), ZELKERR_Ini) << call.name;
   EXPECT_EQ(ZELK_Status(), ZELKERR_Ini);
   EXPECT_EQ(ZELK_HoleFehlertext(ZELKERR_Ini, nullptr, nullptr), ZELK_OK);
   provision();
@@ -71,13 +72,15 @@ TEST_F(Lifecycle, WithoutSettingsNothingWorksUntilDetached) {
 
 TEST_F(Lifecycle, NullPointersAreTakenEverywhere) {
   provision();
-  for (const Call &call : kFramed) EXPECT_EQ(call.run(), call.onEmptyBooks) << call.name;
+  for (const Call &call : kFramed)
+    EXPECT_EQ(call.run(), call.onEmptyBooks) << call.name;
 }
 
 TEST_F(Lifecycle, EndsForTheProcessWithSQLDeInit) {
   provision();
   EXPECT_EQ(ZELK_SQLDeInit(), ZELK_OK);
-  for (const Call &call : kFramed) EXPECT_EQ(call.run(), ZELKERR_Datenbank) << call.name;
+  for (const Call &call : kFramed)
+    EXPECT_EQ(call.run(), ZELKERR_Datenbank) << call.name;
   char name[50];
   EXPECT_EQ(ZELK_HoleFehlertext(ZELKERR_Datenbank, name, nullptr), ZELK_OK);
   EXPECT_STREQ(name, "ZELKERR_Datenbank");
@@ -175,7 +178,8 @@ TEST_F(Lifecycle, CurrentDirectoryIsTheHostsAfterEveryCall) {
   provision();
   load("musterhandel");
   fs::path first = folder() / "zuerst", later = folder() / "spaeter", changed = folder() / "gewechselt";
-  for (const fs::path &path : {first, later, changed}) fs::create_directories(path);
+  for (const fs::path &path : {first, later, changed})
+    fs::create_directories(path);
   fs::path before = fs::current_path();
   static constexpr frame::Export self{.name = "probe"};
   auto inside = [](const fs::path &change) {
@@ -213,8 +217,18 @@ TEST_F(Lifecycle, FrameTurnsExceptionsIntoAResult) {
   static constexpr frame::Export self{.name = "probe"};
   fs::path before = fs::current_path();
   auto elsewhere = [&] { fs::current_path(folder()); };
-  EXPECT_EQ(frame::run(self, {}, [&](frame::ThreadContext *) -> ZelkResult { elsewhere(); throw std::runtime_error("x"); }), ZELKERR_sonst);
-  EXPECT_EQ(frame::run(self, {}, [&](frame::ThreadContext *) -> ZelkResult { elsewhere(); throw 1; }), ZELKERR_sonst);
+  EXPECT_EQ(frame::run(self, {},
+                       [&](frame::ThreadContext *) -> ZelkResult {
+                         elsewhere();
+                         throw std::runtime_error("x");
+                       }),
+            ZELKERR_sonst);
+  EXPECT_EQ(frame::run(self, {},
+                       [&](frame::ThreadContext *) -> ZelkResult {
+                         elsewhere();
+                         throw 1;
+                       }),
+            ZELKERR_sonst);
   EXPECT_EQ(fs::current_path(), before);
   EXPECT_EQ(ZELK_InitHoleMandant(), ZELKERR_keine_Mandanten);
 }
@@ -227,8 +241,9 @@ TEST_F(Lifecycle, FrameRefusesTextsWithoutAnEnd) {
   static constexpr frame::Export self{.name = "probe"};
   int runs = 0;
   auto call = [&](int32_t flag) {
-    return frame::run(self, {frame::field("Eins:", record.first), frame::field("Zwei:", record.second), frame::messages(flag)},
-                      [&](frame::ThreadContext *) -> ZelkResult { return ++runs, ZELK_OK; });
+    return frame::run(
+        self, {frame::field("Eins:", record.first), frame::field("Zwei:", record.second), frame::messages(flag)},
+        [&](frame::ThreadContext *) -> ZelkResult { return ++runs, ZELK_OK; });
   };
   static const struct {
     const char *bytes;
@@ -242,7 +257,9 @@ TEST_F(Lifecycle, FrameRefusesTextsWithoutAnEnd) {
               {"abc\0%s %i\xFC", ZELKERR_Ueberlauf,
                "Der Text '%s %iü' hat in der Struktur einen Überlauf verursacht. Die maximale Länge (5 Zeichen) wurde "
                "überschritten."},
-              {"\x80" "bcdabcdef", ZELKERR_Ueberlauf,
+              {"\x80"
+               "bcdabcdef",
+               ZELKERR_Ueberlauf,
                "Der Text '€bcd' hat in der Struktur einen Überlauf verursacht. Die maximale Länge (3 Zeichen) wurde "
                "überschritten."}};
   for (const auto &row : rows) {

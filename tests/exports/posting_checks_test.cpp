@@ -37,7 +37,9 @@ struct Check {
   const char *message;
 };
 
-ZELK_TEILBUCHUNG &line(ZELK_SPLITBUCHUNG &posting, int index = 0) { return posting.Teilbuchung[index]; }
+ZELK_TEILBUCHUNG &line(ZELK_SPLITBUCHUNG &posting, int index = 0) {
+  return posting.Teilbuchung[index];
+}
 
 void toSwiss(ZELK_SPLITBUCHUNG &posting) {
   posting.Mandantennummer = 2;
@@ -82,8 +84,9 @@ const char kDate[] = "Das Buchungsdatum ist unzulässig!", kGross[] = "Der Brutt
            kLetters[] = "Das Währungskürzel darf nur (max. 3) Buchstaben enthalten!",
            kForeign[] = "In der Basisversion kann nicht mit Fremdwährung gebucht werden. Bitte übergeben Sie Ihre "
                         "Buchungen in der Mandantenwährung.",
-           kOpening[] = "Bei einer Eröffnungsbuchung muss eines der Konten leer übergeben werden (wird ersetzt durch das "
-                        "entsprechende Saldovortragskonto)!";
+           kOpening[] =
+               "Bei einer Eröffnungsbuchung muss eines der Konten leer übergeben werden (wird ersetzt durch das "
+               "entsprechende Saldovortragskonto)!";
 
 const Check kChecks[] = {
     {"valid", [](auto &) {}, 1, ""},
@@ -115,7 +118,8 @@ const Check kChecks[] = {
     {"no lines", [](auto &p) { p.Teilbuchungsanzahl = 0; }, -25, "Die Anzahl der Teilbuchungen ist nicht korrekt!"},
     {"-1 lines", [](auto &p) { p.Teilbuchungsanzahl = -1; }, -25, "Die Anzahl der Teilbuchungen ist nicht korrekt!"},
     {"11 lines", [](auto &p) { p.Teilbuchungsanzahl = 11; }, -25, "Die Anzahl der Teilbuchungen ist nicht korrekt!"},
-    {"endless lines", [](auto &p) { p.Teilbuchungsanzahl = INT32_MAX; }, -25, "Die Anzahl der Teilbuchungen ist nicht korrekt!"},
+    {"endless lines", [](auto &p) { p.Teilbuchungsanzahl = INT32_MAX; }, -25,
+     "Die Anzahl der Teilbuchungen ist nicht korrekt!"},
 
     {"opening with both accounts", [](auto &p) { p.Eroeffnungsbuchung = 1; }, -10, kOpening},
     {"opening without accounts", opening([](auto &p) { put(line(p).Sollkonto, "  "); }), -10, kOpening},
@@ -125,7 +129,8 @@ const Check kChecks[] = {
     {"opening with a rate", opening(tax("19,00", "")), -14, "Eine Eröffnungsbuchung muss steuerfrei sein!"},
     {"opening with tax 0", opening(tax("0,00", "0,00")), 1, ""},
     {"opening of an unknown account", opening(accounts("4999", 1, "", 1)), -10, kNoDebit},
-    {"opening of the balance-forward account", opening(accounts("9000", 1, "", 1)), -10, "Soll- und Habenkontonummern sind gleich!"},
+    {"opening of the balance-forward account", opening(accounts("9000", 1, "", 1)), -10,
+     "Soll- und Habenkontonummern sind gleich!"},
 
     {"payment slip outside Switzerland", [](auto &p) { put(p.ESR, "210000000003139471430009017"); }, -60,
      "Die Angabe einer ESR-Nummer (210000000003139471430009017) ist nur bei schweizer Mandanten gestattet!"},
@@ -135,8 +140,10 @@ const Check kChecks[] = {
     {"blank payment slip", [](auto &p) { put(p.ESR, "   "); }, 1, ""},
 
     {"payment term 5", [](auto &p) { p.Zahlungsziel = 5; }, 1, ""},
-    {"payment term 6", [](auto &p) { p.Zahlungsziel = 6; }, -27, "Das angegebene Zahlungsziel ist unzulässig (Existenz?)."},
-    {"payment term -1", [](auto &p) { p.Zahlungsziel = -1; }, -27, "Das angegebene Zahlungsziel ist unzulässig (Existenz?)."},
+    {"payment term 6", [](auto &p) { p.Zahlungsziel = 6; }, -27,
+     "Das angegebene Zahlungsziel ist unzulässig (Existenz?)."},
+    {"payment term -1", [](auto &p) { p.Zahlungsziel = -1; }, -27,
+     "Das angegebene Zahlungsziel ist unzulässig (Existenz?)."},
 
     {"client's currency", [](auto &p) { put(p.Waehrung, "EUR"); }, 1, ""},
     {"in small letters", [](auto &p) { put(p.Waehrung, "eur"); }, 1, ""},
@@ -154,11 +161,13 @@ const Check kChecks[] = {
     {"leading zeros left out", accounts("27", 1, "1000", 1), 1, ""},
     {"blanks around", accounts(" 1200 ", 1, " 1000", 1), 1, ""},
     {"account of 2026 only", accounts("4964", 1, "1200", 1), 1, ""},
-    {"account of 2026 only, in 2025", [](auto &p) { accounts("4964", 1, "1200", 1)(p), put(p.Belegdatum, "310125"); }, -10, kNoDebit},
+    {"account of 2026 only, in 2025", [](auto &p) { accounts("4964", 1, "1200", 1)(p), put(p.Belegdatum, "310125"); },
+     -10, kNoDebit},
     {"creditor and debtor", accounts("70010", 2, "10010", 4), 1, ""},
 
     {"no document number", [](auto &p) { put(p.Belegnummer, ""); }, -62, "Bitte vergeben Sie eine Belegnummer!"},
-    {"blank document number", [](auto &p) { put(p.Belegnummer, "                "); }, -62, "Bitte vergeben Sie eine Belegnummer!"},
+    {"blank document number", [](auto &p) { put(p.Belegnummer, "                "); }, -62,
+     "Bitte vergeben Sie eine Belegnummer!"},
     {"longest document number", [](auto &p) { put(p.Belegnummer, "1234567890123456"); }, 1, ""},
     {"value date", [](auto &p) { put(p.Valutadatum, "311299"); }, 1, ""},
     {"no value date", [](auto &p) { put(p.Valutadatum, "    "); }, 1, ""},
@@ -200,7 +209,8 @@ const Check kChecks[] = {
     {"rate below zero", tax("-1", ""), -13, kRate},
     {"rate of three digits", tax("100", ""), -13, kRate},
     {"tax of a wrong form", tax("", "1,2,3"), -14, kTax},
-    {"cost template", [](auto &p) { line(p).Kostenschablone = 1; }, -82, "Die angegebenen Kostenschablone existiert nicht."},
+    {"cost template", [](auto &p) { line(p).Kostenschablone = 1; }, -82,
+     "Die angegebenen Kostenschablone existiert nicht."},
     {"rate", tax("19,00", ""), -13, kNoTax},
     {"tax", tax("", "19,00"), -14, kNoTax},
     {"rate and tax", tax("19,00", "19,00"), -14, kNoTax},
@@ -219,13 +229,14 @@ TEST_F(PostingChecks, OfClosedYears) {
   uint8_t found;
   ASSERT_TRUE(other_->SetzeFista(1, found) && found);
   DATENBANK year{};
-  ASSERT_TRUE(other_->UsedGet(year, KeyBuilder().number(int16_t(2025)), found, kGeschaeftsjahr, ZELK_ENG_DEFAULT) && found);
+  ASSERT_TRUE(other_->UsedGet(year, KeyBuilder().number(int16_t(2025)), found, kGeschaeftsjahr, ZELK_ENG_DEFAULT) &&
+              found);
   year.Geschaeftsjahr.Abgeschlossen = 1;
   ASSERT_TRUE(other_->Update(year, kGeschaeftsjahr, ZELK_ENG_DEFAULT));
   static const struct {
     const char *setting, *day;
     ZelkResult result;
-  } rows[] = {{"", "311225", -11}, {"", "010126", 1}, {"n", "311225", -11}, {"J", "311225", -11},
+  } rows[] = {{"", "311225", -11}, {"", "010126", 1},    {"n", "311225", -11}, {"J", "311225", -11},
               {"j", "311225", 1},  {"j", "311224", -11}, {"j", "010127", -11}};
   for (const auto &row : rows) {
     SCOPED_TRACE(std::string(row.setting) + ' ' + row.day);
@@ -248,9 +259,11 @@ const Check kOrder[] = {
      "Die Angabe einer ESR-Nummer (1) ist nur bei schweizer Mandanten gestattet!"},
     {"shape", [](auto &p) { put(line(p, 1).Sollkonto, "1360"); }, -26,
      "Bei einer Splitbuchung muss entweder das Soll- oder das Habenkonto jeder Teilbuchung gleich sein!"},
-    {"payment term", [](auto &p) { p.Zahlungsziel = 99; }, -27, "Das angegebene Zahlungsziel ist unzulässig (Existenz?)."},
+    {"payment term", [](auto &p) { p.Zahlungsziel = 99; }, -27,
+     "Das angegebene Zahlungsziel ist unzulässig (Existenz?)."},
     {"currency letters", [](auto &p) { put(p.Waehrung, "12"); }, -83, kLetters},
-    {"debit account", [](auto &p) { put(line(p).Sollkonto, "4999"), put(line(p, 1).Sollkonto, "4999"); }, -10, kNoDebit},
+    {"debit account", [](auto &p) { put(line(p).Sollkonto, "4999"), put(line(p, 1).Sollkonto, "4999"); }, -10,
+     kNoDebit},
     {"credit account", [](auto &p) { put(line(p).Habenkonto, "4998"); }, -10, kNoCredit},
     {"document number", [](auto &p) { p.Belegnummer[0] = 0; }, -62, "Bitte vergeben Sie eine Belegnummer!"},
     {"value date", [](auto &p) { put(p.Valutadatum, "x"); }, -61, "Das Valutadatum ist unzulässig!"},
@@ -259,8 +272,10 @@ const Check kOrder[] = {
     {"equal accounts", [](auto &p) { put(line(p, 1).Habenkonto, "1200"); }, -10,
      "Teilbuchung 2: Soll- und Habenkontonummern sind gleich!"},
     {"debit kind", [](auto &p) { line(p, 1).Sollart = 4; }, -8, "Teilbuchung 2: Die Sollkontonummer ist unzulässig!"},
-    {"credit kind", [](auto &p) { line(p, 1).Habenart = 0; }, -9, "Teilbuchung 2: Die Habenkontonummer ist unzulässig!"},
-    {"gross", [](auto &p) { put(line(p, 1).Bruttobetrag, "x"); }, -12, "Teilbuchung 2: Der Bruttobetrag ist unzulässig!"},
+    {"credit kind", [](auto &p) { line(p, 1).Habenart = 0; }, -9,
+     "Teilbuchung 2: Die Habenkontonummer ist unzulässig!"},
+    {"gross", [](auto &p) { put(line(p, 1).Bruttobetrag, "x"); }, -12,
+     "Teilbuchung 2: Der Bruttobetrag ist unzulässig!"},
     {"rate", [](auto &p) { put(line(p, 1).Steuersatz, "x"); }, -13, "Teilbuchung 2: Der Steuersatz ist unzulässig!"},
     {"tax", [](auto &p) { put(line(p, 1).Steuerbetrag, "x"); }, -14, "Teilbuchung 2: Der Steuerbetrag ist unzulässig!"},
     {"cost template", [](auto &p) { line(p, 1).Kostenschablone = 1; }, -82,
@@ -285,11 +300,15 @@ TEST_F(PostingChecks, ComeInTheirOrder) {
 struct TextField {
   size_t offset, width;
 };
-#define TEXT_FIELD(record, field) TextField{offsetof(record, field), sizeof(record::field)}
+#define TEXT_FIELD(record, field)                                                                                      \
+  TextField {                                                                                                          \
+    offsetof(record, field), sizeof(record::field)                                                                     \
+  }
 #define LINE_FIELD(index, field)                                                                                       \
-  TextField{offsetof(ZELK_SPLITBUCHUNG, Teilbuchung) + index * sizeof(ZELK_TEILBUCHUNG) +                              \
-                offsetof(ZELK_TEILBUCHUNG, field),                                                                     \
-            sizeof(ZELK_TEILBUCHUNG::field)}
+  TextField {                                                                                                          \
+    offsetof(ZELK_SPLITBUCHUNG, Teilbuchung) + index * sizeof(ZELK_TEILBUCHUNG) + offsetof(ZELK_TEILBUCHUNG, field),   \
+        sizeof(ZELK_TEILBUCHUNG::field)                                                                                \
+  }
 
 /// Every field without its end, in the order in which they are looked at.
 template <class Record, class Insert>
@@ -299,7 +318,8 @@ void expectOverflows(Recorder &recorder, Record valid, const std::vector<TextFie
   for (size_t i = 0; i < fields.size(); ++i) {
     Record posting = valid;
     char *bytes = reinterpret_cast<char *>(&posting);
-    for (size_t j = fields.size(); j-- > i;) std::memset(bytes + fields[j].offset, 'a' + int(j % 26), fields[j].width);
+    for (size_t j = fields.size(); j-- > i;)
+      std::memset(bytes + fields[j].offset, 'a' + int(j % 26), fields[j].width);
     EXPECT_EQ(insert(posting, 0), ZELKERR_Ueberlauf) << i;
     EXPECT_EQ(recorder.takeText(), "") << i;
     EXPECT_EQ(insert(posting, 1), ZELKERR_Ueberlauf) << i;
@@ -307,7 +327,8 @@ void expectOverflows(Recorder &recorder, Record valid, const std::vector<TextFie
                                        "' hat in der Struktur einen Überlauf verursacht. Die maximale Länge (" +
                                        std::to_string(fields[i].width - 1) + " Zeichen) wurde überschritten.");
     bytes[fields[i].offset + fields[i].width - 1] = 0;
-    for (size_t j = i + 1; j < fields.size(); ++j) bytes[fields[j].offset] = 0;
+    for (size_t j = i + 1; j < fields.size(); ++j)
+      bytes[fields[j].offset] = 0;
     EXPECT_EQ(insert(posting, 0), ZELKERR_uzl_Mandnr) << i << ": the whole width but the end";
   }
 }
@@ -326,9 +347,9 @@ TEST_F(PostingChecks, TextsMustEndWithinTheirWidth) {
                                    TEXT_FIELD(S, Valutadatum), TEXT_FIELD(S, Waehrung),    TEXT_FIELD(S, ESR),
                                    TEXT_FIELD(S, DMSID)};
   for (int index : {0, 1, 9})
-    for (const TextField &field :
-         {LINE_FIELD(index, Sollkonto), LINE_FIELD(index, Habenkonto), LINE_FIELD(index, Bruttobetrag),
-          LINE_FIELD(index, Steuersatz), LINE_FIELD(index, Steuerbetrag), LINE_FIELD(index, Text), LINE_FIELD(index, Text2)})
+    for (const TextField &field : {LINE_FIELD(index, Sollkonto), LINE_FIELD(index, Habenkonto),
+                                   LINE_FIELD(index, Bruttobetrag), LINE_FIELD(index, Steuersatz),
+                                   LINE_FIELD(index, Steuerbetrag), LINE_FIELD(index, Text), LINE_FIELD(index, Text2)})
       fields.push_back(field);
   auto insert = [](const S &posting, int32_t flag) { return ZELK_SplitBuchungEinfuegen(&posting, flag); };
   expectOverflows(recorder, validSplit(10), fields, insert);

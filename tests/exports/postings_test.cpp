@@ -16,8 +16,8 @@ using Postings = Books;
 /// A text field in words, for comparisons that name the field.
 std::string show(const ZELK_TEILBUCHUNG &l) {
   auto kinds = std::to_string(l.Sollart) + '/' + std::to_string(l.Habenart) + '/' + std::to_string(l.Kostenschablone);
-  return kinds + " Soll=" + l.Sollkonto + " Haben=" + l.Habenkonto + " Brutto=" + l.Bruttobetrag + " Satz=" + l.Steuersatz +
-         " Steuer=" + l.Steuerbetrag + " Text=" + l.Text + " Text2=" + l.Text2;
+  return kinds + " Soll=" + l.Sollkonto + " Haben=" + l.Habenkonto + " Brutto=" + l.Bruttobetrag +
+         " Satz=" + l.Steuersatz + " Steuer=" + l.Steuerbetrag + " Text=" + l.Text + " Text2=" + l.Text2;
 }
 
 std::string show(const ZELK_SPLITBUCHUNG &p) {
@@ -27,7 +27,8 @@ std::string show(const ZELK_SPLITBUCHUNG &p) {
     text += std::to_string(number) + ' ';
   for (const char *field : {p.Belegdatum, p.Belegnummer, p.OPBelegnummer, p.Valutadatum, p.Waehrung, p.ESR, p.DMSID})
     text += std::string(" [") + field + ']';
-  for (const ZELK_TEILBUCHUNG &line : p.Teilbuchung) text += "\n  " + show(line);
+  for (const ZELK_TEILBUCHUNG &line : p.Teilbuchung)
+    text += "\n  " + show(line);
   return text;
 }
 
@@ -93,7 +94,8 @@ TEST_F(Postings, AreReadInTheirOrderByBatch) {
   for (auto [batch, first] : {std::pair{3, 1}, {8, 2}}) {
     auto all = postingsOf(1, batch);
     ASSERT_EQ(all.size(), 6u);
-    for (size_t i = 0; i < all.size(); ++i) EXPECT_EQ(all[i].Belegnummer, "B-" + std::to_string(first + 2 * int(i)));
+    for (size_t i = 0; i < all.size(); ++i)
+      EXPECT_EQ(all[i].Belegnummer, "B-" + std::to_string(first + 2 * int(i)));
   }
   ZELK_SPLITBUCHUNG posting;
   EXPECT_EQ(ZELK_HoleBatch(&posting), ZELKERR_keinDatensatz);
@@ -128,11 +130,18 @@ struct Pool {
   std::vector<int32_t> batches;
   std::vector<const char *> ledger, creditors, debtors, days;
 };
-const Pool kPools[] = {
-    {1, {1, 3, 8}, {"0027", "1000", "1010", "1200", "1360", "2100", "4210", "9000"}, {"70010", "70020"}, {"10010", "10020"},
-     {"010125", "311225", "010126", "280226", "311226"}},
-    {2, {1, 2}, {"1000", "1020", "1100", "3200", "6000", "9100"}, {"70010", "70020"}, {"10010", "10030"},
-     {"010725", "300626", "010726", "290227", "300627"}}};
+const Pool kPools[] = {{1,
+                        {1, 3, 8},
+                        {"0027", "1000", "1010", "1200", "1360", "2100", "4210", "9000"},
+                        {"70010", "70020"},
+                        {"10010", "10020"},
+                        {"010125", "311225", "010126", "280226", "311226"}},
+                       {2,
+                        {1, 2},
+                        {"1000", "1020", "1100", "3200", "6000", "9100"},
+                        {"70010", "70020"},
+                        {"10010", "10030"},
+                        {"010725", "300626", "010726", "290227", "300627"}}};
 
 class RandomPosting {
 public:
@@ -143,7 +152,8 @@ public:
 
   std::string text(size_t width) {
     std::string all(below(width), ' ');
-    for (char &c : all) c = char(1 + below(255));
+    for (char &c : all)
+      c = char(1 + below(255));
     return all;
   }
 
@@ -155,13 +165,21 @@ public:
     int units = int(value / 100), cents = int(value % 100);
     std::snprintf(internal, sizeof internal, "%09d%c%02d", units, negative ? '-' : ',', cents);
     switch (below(4)) {
-    case 0: return {internal, internal};
-    case 1: std::snprintf(written, sizeof written, "%s%d,%02d", negative ? "-" : "", units, cents); break;
-    case 2: std::snprintf(written, sizeof written, "%d,%02d%s", units, cents, negative ? "-" : ""); break;
+    case 0:
+      return {internal, internal};
+    case 1:
+      std::snprintf(written, sizeof written, "%s%d,%02d", negative ? "-" : "", units, cents);
+      break;
+    case 2:
+      std::snprintf(written, sizeof written, "%d,%02d%s", units, cents, negative ? "-" : "");
+      break;
     default:
       if (units > 999'999) return {internal, internal};
-      if (units > 999) std::snprintf(written, sizeof written, "%s%d.%03d,%02d", negative ? "-" : "+", units / 1000, units % 1000, cents);
-      else std::snprintf(written, sizeof written, " %s%d,%02d ", negative ? "-" : "", units, cents);
+      if (units > 999)
+        std::snprintf(written, sizeof written, "%s%d.%03d,%02d", negative ? "-" : "+", units / 1000, units % 1000,
+                      cents);
+      else
+        std::snprintf(written, sizeof written, " %s%d,%02d ", negative ? "-" : "", units, cents);
     }
     return {written, internal};
   }
@@ -224,7 +242,8 @@ TEST_F(Postings, RandomOnesAreReadBackAsTheyWereGiven) {
   ZELK_Detach();
   for (const auto &[where, postings] : expected) {
     std::vector<std::string> read;
-    for (const ZELK_SPLITBUCHUNG &posting : postingsOf(where.first, where.second)) read.push_back(show(posting));
+    for (const ZELK_SPLITBUCHUNG &posting : postingsOf(where.first, where.second))
+      read.push_back(show(posting));
     EXPECT_EQ(read, postings) << "client " << where.first << ", batch " << where.second;
   }
 }
@@ -270,7 +289,8 @@ TEST_F(Postings, DocumentIdentifiersAreRegisteredOnce) {
   auto all = postingsOf(1, 3);
   ASSERT_EQ(all.size(), 7u);
   const char *delivered[] = {"A", "B", "A", "", "a", "A", ""};
-  for (size_t i = 0; i < all.size(); ++i) EXPECT_STREQ(all[i].DMSID, delivered[i]) << i;
+  for (size_t i = 0; i < all.size(); ++i)
+    EXPECT_STREQ(all[i].DMSID, delivered[i]) << i;
   auto count = [&](uint16_t client) {
     std::string rows = dump(*other, client, {kDmsId});
     return std::count(rows.begin(), rows.end(), '\n');
@@ -298,7 +318,8 @@ TEST_F(Postings, PaymentSlipNumbersNeedTheirCheckDigit) {
                                       {7, 1, 3, 5, 0, 9, 4, 6, 8, 2}, {1, 3, 5, 0, 9, 4, 6, 8, 2, 7},
                                       {3, 5, 0, 9, 4, 6, 8, 2, 7, 1}, {5, 0, 9, 4, 6, 8, 2, 7, 1, 3}};
     int carry = 0;
-    for (char c : digits) carry = table[carry][c - '0'];
+    for (char c : digits)
+      carry = table[carry][c - '0'];
     return (10 - carry) % 10;
   };
   ZELK_BUCHUNG posting = validPosting();
@@ -316,8 +337,9 @@ TEST_F(Postings, PaymentSlipNumbersNeedTheirCheckDigit) {
     }
   EXPECT_EQ(insert("21 00000 00003 13947 14300 09017"), ZELK_OK);
   EXPECT_STREQ(postingsOf(2, 2).back().ESR, "21 00000 00003 13947 14300 09017");
-  for (const char *wrong : {"0", "7", "21000000000313947143000901", "2100000000031394714300090170", "0000000000000000000000000000000000000",
-                            "21000000000313947143000901x", "-10000000003139471430009017"})
+  for (const char *wrong :
+       {"0", "7", "21000000000313947143000901", "2100000000031394714300090170", "0000000000000000000000000000000000000",
+        "21000000000313947143000901x", "-10000000003139471430009017"})
     EXPECT_EQ(insert(wrong), ZELKERR_uzl_Data) << wrong;
 }
 

@@ -79,7 +79,8 @@ TEST_F(Results, AreCutAndInTheCodePageOfTheHost) {
   ASSERT_EQ(ZELK_HoleFehlertext(-38, name, text), ZELK_OK);
   EXPECT_EQ(std::strlen(text), 249u);
   EXPECT_EQ(text[250], '?');
-  std::string shown = vlba98::toUtf8(text), start = "Die gewünschte Aktion ist nicht möglich.\nMandantenanlage: Die Maximal";
+  std::string shown = vlba98::toUtf8(text),
+              start = "Die gewünschte Aktion ist nicht möglich.\nMandantenanlage: Die Maximal";
   EXPECT_EQ(shown.substr(0, start.size()), start);
   std::string end = "100KB verfügbar oder es gibt ein Problem mit der Zuordnung zu den Aufbauten.\nMandanteninfo: ";
   EXPECT_NE(shown.find(end.substr(0, 20)), std::string::npos);
@@ -100,17 +101,25 @@ TEST_F(Results, AreShownUnderTheNameOfTheirFamily) {
     const Export &self;
     ZelkResult result;
     const char *name;
-  } rows[] = {
-      {plain, 2, "ZELK_letzterDatensatz"},    {plain, 1, "ZELK_OK"},
-      {plain, 0, "ZELK_keinKonto"},           {plain, -1, "ZELKERR_keine_Mandanten"},
-      {plain, 3, ""},                         {plain, -104, ""},
-      {fetch, 2, "ZELK_letzterDatensatz"},    {fetch, 1, "ZELK_weitererDatensatz"},
-      {fetch, 0, "ZELK_keinDatensatz"},       {fetch, -1, "ZELKERR_keine_Mandanten"},
-      {dialog, 1, "ZELK_OK"},                 {dialog, 0, "ZELKERR_Abbruch"},
-      {clients, 1, "ZELK_weitererDatensatz"}, {clients, -1, "ZELKERR_keine_Mandanten"},
-      {batches, 0, "ZELKERR_Abbruch"},        {batches, -1, "ZELKERR_keine_Stapel"},
-      {batches, -2, "ZELKERR_sonst"},         {terms, 0, "ZELK_keinKonto"},
-      {terms, -1, "ZELKERR_keine_Zahlungsziele"}};
+  } rows[] = {{plain, 2, "ZELK_letzterDatensatz"},
+              {plain, 1, "ZELK_OK"},
+              {plain, 0, "ZELK_keinKonto"},
+              {plain, -1, "ZELKERR_keine_Mandanten"},
+              {plain, 3, ""},
+              {plain, -104, ""},
+              {fetch, 2, "ZELK_letzterDatensatz"},
+              {fetch, 1, "ZELK_weitererDatensatz"},
+              {fetch, 0, "ZELK_keinDatensatz"},
+              {fetch, -1, "ZELKERR_keine_Mandanten"},
+              {dialog, 1, "ZELK_OK"},
+              {dialog, 0, "ZELKERR_Abbruch"},
+              {clients, 1, "ZELK_weitererDatensatz"},
+              {clients, -1, "ZELKERR_keine_Mandanten"},
+              {batches, 0, "ZELKERR_Abbruch"},
+              {batches, -1, "ZELKERR_keine_Stapel"},
+              {batches, -2, "ZELKERR_sonst"},
+              {terms, 0, "ZELK_keinKonto"},
+              {terms, -1, "ZELKERR_keine_Zahlungsziele"}};
   for (const auto &row : rows) {
     int id = frame::resultNameId(row.self, row.result);
     EXPECT_EQ(id ? resources::text(id) : "", row.name) << row.self.name << ' ' << row.result;
@@ -165,9 +174,9 @@ TEST_F(Results, MessagesTellTheButtonPressed) {
     int message;
     Button pressed;
     int result;
-  } rows[] = {{1408, Button::Ok, 1},  {1600, Button::Ok, 1},     {1600, Button::Cancel, 0}, {1800, Button::Yes, 1},
-              {1800, Button::No, 0},  {2000, Button::Yes, 6},    {2000, Button::No, 7},     {2000, Button::Cancel, 2},
-              {2200, Button::Yes, 1}, {2200, Button::No, 0},     {2400, Button::Ok, 1},     {1200, Button::Cancel, 0}};
+  } rows[] = {{1408, Button::Ok, 1},  {1600, Button::Ok, 1},  {1600, Button::Cancel, 0}, {1800, Button::Yes, 1},
+              {1800, Button::No, 0},  {2000, Button::Yes, 6}, {2000, Button::No, 7},     {2000, Button::Cancel, 2},
+              {2200, Button::Yes, 1}, {2200, Button::No, 0},  {2400, Button::Ok, 1},     {1200, Button::Cancel, 0}};
   for (const auto &row : rows) {
     recorder.answers = {row.pressed};
     EXPECT_EQ(frame::showMessage(row.message), row.result) << row.message << ' ' << int(row.pressed);

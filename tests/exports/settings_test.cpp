@@ -33,7 +33,9 @@ std::string value(const char *section, const char *key) {
   return delivered.buffer.c_str();
 }
 
-std::string z(const char *text, size_t size) { return std::string(text, size); }
+std::string z(const char *text, size_t size) {
+  return std::string(text, size);
+}
 
 TEST_F(Settings, AreDeliveredIntoTheBuffer) {
   ASSERT_TRUE(MFWritePrivateProfileString("MFIBU", "Name", "abcdefgh", "MFIBU.INI"));
@@ -42,25 +44,24 @@ TEST_F(Settings, AreDeliveredIntoTheBuffer) {
     const char *key, *missing;
     uint32_t size, length;
     std::string buffer;
-  } rows[] = {
-      // A default that is too long leaves room for two terminators.
-      {"fehlt", "abcdefgh", 5, 3, z("abc\0\0", 5)},
-      {"fehlt", "abcde", 5, 3, z("abc\0\0", 5)},
-      {"fehlt", "abcd", 5, 4, z("abcd\0", 5)},
-      {"fehlt", "", 5, 0, z("\0????", 5)},
-      {"fehlt", nullptr, 5, 0, z("\0????", 5)},
-      {"fehlt", "abcdefgh", 2, 0, z("\0\0", 2)},
-      {"fehlt", "abcdefgh", 1, 0, z("\0", 1)},
-      {"fehlt", "abcdefgh", 0, 0, ""},
-      // A value is cut behind what the buffer holds.
-      {"Name", "x", 9, 8, z("abcdefgh\0", 9)},
-      {"Name", "x", 8, 7, z("abcdefg\0", 8)},
-      {"Name", nullptr, 2, 1, z("a\0", 2)},
-      {"Name", "x", 1, 0, z("\0", 1)},
-      {"Name", "x", 0, 0, ""},
-      // Names do not regard case; a value that is there and empty counts.
-      {"NAME", "x", 9, 8, z("abcdefgh\0", 9)},
-      {"Leer", "x", 3, 0, z("\0??", 3)}};
+  } rows[] = {// A default that is too long leaves room for two terminators.
+              {"fehlt", "abcdefgh", 5, 3, z("abc\0\0", 5)},
+              {"fehlt", "abcde", 5, 3, z("abc\0\0", 5)},
+              {"fehlt", "abcd", 5, 4, z("abcd\0", 5)},
+              {"fehlt", "", 5, 0, z("\0????", 5)},
+              {"fehlt", nullptr, 5, 0, z("\0????", 5)},
+              {"fehlt", "abcdefgh", 2, 0, z("\0\0", 2)},
+              {"fehlt", "abcdefgh", 1, 0, z("\0", 1)},
+              {"fehlt", "abcdefgh", 0, 0, ""},
+              // A value is cut behind what the buffer holds.
+              {"Name", "x", 9, 8, z("abcdefgh\0", 9)},
+              {"Name", "x", 8, 7, z("abcdefg\0", 8)},
+              {"Name", nullptr, 2, 1, z("a\0", 2)},
+              {"Name", "x", 1, 0, z("\0", 1)},
+              {"Name", "x", 0, 0, ""},
+              // Names do not regard case; a value that is there and empty counts.
+              {"NAME", "x", 9, 8, z("abcdefgh\0", 9)},
+              {"Leer", "x", 3, 0, z("\0??", 3)}};
   for (const auto &row : rows) {
     Delivered delivered = read("MFIBU", row.key, row.missing, row.size);
     EXPECT_EQ(delivered.length, row.length) << row.key << ' ' << row.size;
@@ -82,7 +83,8 @@ TEST_F(Settings, SectionsAreNotListed) {
 }
 
 TEST_F(Settings, NamesOfASectionAreListed) {
-  for (const char *name : {"Drei", "Eins", "Zw\xF6lf"}) ASSERT_TRUE(MFWritePrivateProfileString("Liste", name, "1", nullptr));
+  for (const char *name : {"Drei", "Eins", "Zw\xF6lf"})
+    ASSERT_TRUE(MFWritePrivateProfileString("Liste", name, "1", nullptr));
   Delivered delivered = read("Liste", nullptr, "x", 40);
   EXPECT_EQ(delivered.length, 16u);
   EXPECT_EQ(delivered.buffer.substr(0, 18), z("Drei\0Eins\0Zw\xF6lf\0\0?", 18));
@@ -96,31 +98,39 @@ TEST_F(Settings, NumbersAreTextsOfTenCharacters) {
   static const struct {
     const char *stored;
     int32_t number;
-  } rows[] = {{"42", 42},   {"-42", -42}, {" 7", 7},  {"12 Monate", 12},      {"", 0},
-              {"keine", 0}, {"0x10", 0},  {"+5", 5},  {"2147483647", INT32_MAX}, {"12345678901", 1234567890}};
+  } rows[] = {{"42", 42},   {"-42", -42}, {" 7", 7}, {"12 Monate", 12},         {"", 0},
+              {"keine", 0}, {"0x10", 0},  {"+5", 5}, {"2147483647", INT32_MAX}, {"12345678901", 1234567890}};
   for (const auto &row : rows) {
     ASSERT_TRUE(MFWritePrivateProfileString("ZELK", "Zahl", row.stored, nullptr));
     EXPECT_EQ(MFGetPrivateProfileInt("ZELK", "Zahl", 99, nullptr), row.number) << row.stored;
   }
-  for (int32_t missing : {0, 99, -1, INT32_MAX, -999999999}) EXPECT_EQ(MFGetPrivateProfileInt("ZELK", "fehlt", missing, nullptr), missing);
+  for (int32_t missing : {0, 99, -1, INT32_MAX, -999999999})
+    EXPECT_EQ(MFGetPrivateProfileInt("ZELK", "fehlt", missing, nullptr), missing);
 }
 
 TEST_F(Settings, SurviveWithEveryCharacter) {
   std::string all;
   for (int c = 1; c < 256; ++c)
     if (c != '\n' && c != '\r') all += char(c);
-  for (const std::string &text : {all, std::string("; [x] = \"y\""), std::string("innen  und \t aussen"), std::string("\xC4\xD6\xDC\xE4\xF6\xFC\xDF\x80")}) {
+  for (const std::string &text : {all, std::string("; [x] = \"y\""), std::string("innen  und \t aussen"),
+                                  std::string("\xC4\xD6\xDC\xE4\xF6\xFC\xDF\x80")}) {
     ASSERT_TRUE(MFWritePrivateProfileString("Zeichen", "Wert", text.c_str(), nullptr));
     EXPECT_EQ(value("Zeichen", "Wert"), text);
   }
-  ASSERT_TRUE(MFWritePrivateProfileString("Gr\xF6\xDF" "en", "H\xF6he", "1", nullptr));
-  EXPECT_EQ(value("Gr\xF6\xDF" "en", "H\xF6he"), "1");
+  ASSERT_TRUE(MFWritePrivateProfileString("Gr\xF6\xDF"
+                                          "en",
+                                          "H\xF6he", "1", nullptr));
+  EXPECT_EQ(value("Gr\xF6\xDF"
+                  "en",
+                  "H\xF6he"),
+            "1");
 }
 
 TEST_F(Settings, SectionsCountHundredCharacters) {
   for (const char *letter : {"s", "\xFC"}) {
     std::string name;
-    for (int i = 0; i < 99; ++i) name += letter;
+    for (int i = 0; i < 99; ++i)
+      name += letter;
     ASSERT_TRUE(MFWritePrivateProfileString((name + "a weg").c_str(), "Wert", "a", nullptr));
     ASSERT_TRUE(MFWritePrivateProfileString((name + "b weg").c_str(), "Wert", "b", nullptr));
     EXPECT_EQ(value((name + "a").c_str(), "Wert"), "a");
@@ -181,7 +191,8 @@ TEST_F(SettingsFile, KeepsHivesAndKeysApart) {
 }
 
 TEST_F(SettingsFile, ThatIsDamagedCountsAsFarAsItGoes) {
-  std::ofstream(path(), std::ios::binary) << "Unsinn\n[halb\nx=1\n\n[HKEY_LOCAL_MACHINE\\Software\\Velta\\settings\\MFIBU]\nName = da\n=\n";
+  std::ofstream(path(), std::ios::binary)
+      << "Unsinn\n[halb\nx=1\n\n[HKEY_LOCAL_MACHINE\\Software\\Velta\\settings\\MFIBU]\nName = da\n=\n";
   EXPECT_EQ(value("MFIBU", "Name"), "da");
   EXPECT_EQ(value("MFIBU", "x"), "(fehlt)");
   EXPECT_TRUE(MFWritePrivateProfileString("MFIBU", "Neu", "1", nullptr));

@@ -10,7 +10,8 @@ using namespace vldb98;
 using Splits = Books;
 
 const char kFirst[] = "Bei einer Splitbuchung müssen im ersten Split beide Kontonummern angegeben werden!",
-           kOneSide[] = "Bei einer Splitbuchung muss entweder das Soll- oder das Habenkonto jeder Teilbuchung gleich sein!",
+           kOneSide[] =
+               "Bei einer Splitbuchung muss entweder das Soll- oder das Habenkonto jeder Teilbuchung gleich sein!",
            kPersonal[] = "Auf der gesplitteten Seite darf kein Personenkonto vorkommen!";
 
 struct Line {
@@ -62,13 +63,15 @@ TEST_F(Splits, HaveOneSideThatStays) {
       {{{"1200", 1, "1000", 1}, {"1200", 1, "1010", 4}}, -26, kPersonal},
       {{{"1200", 1, "1000", 1}, {"1200", 1, "10010", 1}}, -9, "Teilbuchung 2: Die Habenkontonummer ist unzulässig!"},
       {{{"1200", 1, "1000", 1}, {"1200", 1, "4998", 1}}, -9, "Teilbuchung 2: Die Habenkontonummer ist unzulässig!"},
-      {{{"1200", 1, "1000", 1}, {"1200", 1, "1010", 1}, {"1200", 1, "1200", 1}}, -10,
+      {{{"1200", 1, "1000", 1}, {"1200", 1, "1010", 1}, {"1200", 1, "1200", 1}},
+       -10,
        "Teilbuchung 3: Soll- und Habenkontonummern sind gleich!"}};
   auto other = session(std::chrono::milliseconds(0));
   for (const auto &row : rows) {
     ZELK_SPLITBUCHUNG posting = validSplit(int(row.lines.size()));
     setLines(posting, row.lines);
-    std::string trace = std::string(row.lines[0].debit) + '/' + row.lines[0].credit + ' ' + row.lines[1].debit + '/' + row.lines[1].credit;
+    std::string trace = std::string(row.lines[0].debit) + '/' + row.lines[0].credit + ' ' + row.lines[1].debit + '/' +
+                        row.lines[1].credit;
     std::string before = dump(*other, 1, {kStapel, kBatchbuchung, kSplit});
     EXPECT_EQ(ZELK_SplitBuchungEinfuegen(&posting, 1), row.result) << trace;
     EXPECT_EQ(recorder.takeText(), row.message) << trace;

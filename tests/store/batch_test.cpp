@@ -52,7 +52,8 @@ protected:
   static std::string inMemory(Store &from, const BATCHBUCHUNG &made) {
     auto euros = [](const char *money) { return std::to_string(std::atoi(money)); };
     std::string text = std::string(made.Belegnummer) + " " + std::to_string(made.Anzahl) + ":";
-    for (size_t i = 0; SPLIT *split = from.PSplit(i); ++i) text += " " + std::to_string(split->Nr) + "/" + euros(split->Brutto);
+    for (size_t i = 0; SPLIT *split = from.PSplit(i); ++i)
+      text += " " + std::to_string(split->Nr) + "/" + euros(split->Brutto);
     text += ";";
     for (size_t i = 0; KOBU *kobu = from.costAt(i); ++i)
       text += " " + std::to_string(kobu->Split) + "." + std::to_string(kobu->Nr) + "/" + euros(kobu->Betrag);
@@ -93,10 +94,12 @@ TEST_P(BatchPostings, AreWrittenReadAndDeletedWhole) {
     int32_t batch, number;
     const char *read;
   };
-  static constexpr Row rows[] = {
-      {1, 1, "B-1 2: 0/60 1/40; 0.0/20 0.1/40 1.0/40"}, {1, 0, "B-1 2: 0/60 1/40; 0.0/20 0.1/40 1.0/40"},
-      {1, 2, "B-3 2: 0/60 1/40; 0.0/20 0.1/40 1.0/40"}, {2, 1, "B-2 1: 0/1;"},
-      {1, 3, "none"},                                   {3, 0, "none"}};
+  static constexpr Row rows[] = {{1, 1, "B-1 2: 0/60 1/40; 0.0/20 0.1/40 1.0/40"},
+                                 {1, 0, "B-1 2: 0/60 1/40; 0.0/20 0.1/40 1.0/40"},
+                                 {1, 2, "B-3 2: 0/60 1/40; 0.0/20 0.1/40 1.0/40"},
+                                 {2, 1, "B-2 1: 0/1;"},
+                                 {1, 3, "none"},
+                                 {3, 0, "none"}};
   for (const Row &row : rows) {
     BATCHBUCHUNG read{};
     ASSERT_TRUE(store->ReadBat(read, row.batch, row.number, found));
@@ -167,18 +170,22 @@ TEST_P(BatchPostings, FailingOperationLeavesTheTables) {
     EXPECT_NE(dump(*store, 1, kPostingTables), before);
   };
   BATCHBUCHUNG made;
-  sweep("InsertBat", [&] { made = posting("B-1"); }, [&] { return insertSplit(*faulty, made); });
-  sweep("DeleteBat", [&] { ASSERT_TRUE(faulty->ReadBat(made, 1, 1, found) && found); }, [&] { return faulty->DeleteBat() != 0; });
+  sweep(
+      "InsertBat", [&] { made = posting("B-1"); }, [&] { return insertSplit(*faulty, made); });
+  sweep(
+      "DeleteBat", [&] { ASSERT_TRUE(faulty->ReadBat(made, 1, 1, found) && found); },
+      [&] { return faulty->DeleteBat() != 0; });
   DATENBANK batch{};
-  sweep("multi insert", [&] { batch = {}; },
-        [&] {
-          if (!faulty->InitMultiInsert(kStapel, kDefault)) return false;
-          for (int i = 0; i < 4; ++i) {
-            batch.Stapel.Nr = 0;
-            faulty->MultiInsertNext(batch, kStapel, kDefault);
-          }
-          return faulty->EndMultiInsert(kStapel, kDefault) != 0;
-        });
+  sweep(
+      "multi insert", [&] { batch = {}; },
+      [&] {
+        if (!faulty->InitMultiInsert(kStapel, kDefault)) return false;
+        for (int i = 0; i < 4; ++i) {
+          batch.Stapel.Nr = 0;
+          faulty->MultiInsertNext(batch, kStapel, kDefault);
+        }
+        return faulty->EndMultiInsert(kStapel, kDefault) != 0;
+      });
 }
 
 TEST_P(BatchPostings, FailingReadTellsSo) {
@@ -256,7 +263,7 @@ TEST_P(ClientState, KnowsItsFiscalYears) {
     const char *year;
     bool exists, bookable;
   };
-  static constexpr Row rows[] = {{"43", false, false}, {"44", true, false}, {"45", true, true}, {"46", true, true},
+  static constexpr Row rows[] = {{"43", false, false}, {"44", true, false}, {"45", true, true},  {"46", true, true},
                                  {"47", false, false}, {"", false, false},  {"4", false, false}, {"ab", false, false}};
   for (const Row &row : rows) {
     SCOPED_TRACE(row.year);

@@ -15,8 +15,8 @@ TEST(FileNumbers, AreTablePlus127TimesKeyIndex) {
     int table, keyIndex;
     FileNumber file;
   };
-  static constexpr Row rows[] = {{0, 0, 0},    {0, 1, 127},   {2, 1, 129},  {3, 4, 511},  {16, 9, 1159}, {16, 10, 1286},
-                                 {18, 1, 145}, {19, 1, 146},  {20, 1, 147}, {21, 1, 148}, {22, 1, 149},  {23, 1, 150}};
+  static constexpr Row rows[] = {{0, 0, 0},    {0, 1, 127},  {2, 1, 129},  {3, 4, 511},  {16, 9, 1159}, {16, 10, 1286},
+                                 {18, 1, 145}, {19, 1, 146}, {20, 1, 147}, {21, 1, 148}, {22, 1, 149},  {23, 1, 150}};
   for (const Row &row : rows) {
     EXPECT_EQ(fileNumber(row.table, row.keyIndex), row.file);
     EXPECT_EQ(tableOf(row.file), row.table);
@@ -58,7 +58,9 @@ protected:
   }
   std::string next(FileNumber file = kSachkonto) { return answer(store->GetNextExt(record, found, file, kDefault)); }
   std::string prev(FileNumber file = kSachkonto) { return answer(store->GetPrevExt(record, found, file, kDefault)); }
-  std::string exact(const std::string &number) { return answer(store->UsedGet(record, key(number), found, kSachkonto, kDefault)); }
+  std::string exact(const std::string &number) {
+    return answer(store->UsedGet(record, key(number), found, kSachkonto, kDefault));
+  }
 
   DATENBANK record{};
   uint8_t found = 9;
@@ -70,7 +72,8 @@ TEST_P(Contract, UnpaddedKeyIsMissing) {
     const char *bytes;
     bool there;
   };
-  static constexpr Row rows[] = {{"1200   ", true}, {"1200\0\0\0", false}, {"1200 \0\0", false}, {"1200  \0", false}, {"   1200", false}};
+  static constexpr Row rows[] = {
+      {"1200   ", true}, {"1200\0\0\0", false}, {"1200 \0\0", false}, {"1200  \0", false}, {"   1200", false}};
   for (const Row &row : rows) {
     SCHLUESSEL unpadded;
     std::memcpy(unpadded.bytes, row.bytes, 7);
@@ -129,7 +132,8 @@ TEST_P(Contract, WhatIsNotThereOrNotInUseFails) {
                    store->GetPrevExt(record, found, row.file, row.engine),
                    store->Used(key("1000"), found, row.file, row.engine),
                    store->UsedGet(record, key("1000"), found, row.file, row.engine)};
-    for (size_t i = 0; i < std::size(reads); ++i) EXPECT_EQ(reads[i] != 0, row.readable) << "read " << i;
+    for (size_t i = 0; i < std::size(reads); ++i)
+      EXPECT_EQ(reads[i] != 0, row.readable) << "read " << i;
     EXPECT_TRUE(row.readable || !found);
     DATENBANK fresh = account("9000");
     EXPECT_EQ(store->Insert(fresh, row.file, row.engine) != 0, row.writable);
@@ -242,12 +246,17 @@ TEST_P(Contract, RangeEndsAtItsUpperKey) {
   struct Row {
     const char *lower, *upper, *walk;
   };
-  static constexpr Row rows[] = {{"1000", "1400", "1000 1200 1400 "}, {"1001", "1399", "1200 "}, {"1200", "1200", "1200 "},
-                                 {"1201", "1399", ""},                {"1400", "1000", ""},      {"1400", "9999", "1400 1600 "},
+  static constexpr Row rows[] = {{"1000", "1400", "1000 1200 1400 "},
+                                 {"1001", "1399", "1200 "},
+                                 {"1200", "1200", "1200 "},
+                                 {"1201", "1399", ""},
+                                 {"1400", "1000", ""},
+                                 {"1400", "9999", "1400 1600 "},
                                  {"", "1200", "1000 1200 "}};
   for (const Row &row : rows) {
     std::string walk;
-    for (std::string at = answer(store->GetRangeExt(record, key(row.lower), key(row.upper), found, kSachkonto, kDefault));
+    for (std::string at =
+             answer(store->GetRangeExt(record, key(row.lower), key(row.upper), found, kSachkonto, kDefault));
          at != "none" && walk.size() < 40; at = next())
       walk += at + " ";
     EXPECT_EQ(walk, row.walk) << row.lower << " to " << row.upper;
@@ -299,10 +308,13 @@ TEST_P(Contract, ClientsAndFiscalYearsDoNotSeeEachOther) {
 
 TEST_P(Contract, InsertAssignsNumbers) {
   // The record's fields lie where they lie, aligned or not.
-  auto number = [&](int table) { return record.bytes + findTable(table)->fields[size_t(findTable(table)->assigned)].offset; };
+  auto number = [&](int table) {
+    return record.bytes + findTable(table)->fields[size_t(findTable(table)->assigned)].offset;
+  };
   auto inserted = [&](int table, int32_t wanted) {
     std::memcpy(number(table), &wanted, sizeof wanted);
-    if (!store->Insert(record, FileNumber(table), kDefault)) return std::memcmp(number(table), &wanted, sizeof wanted) ? -2 : -1;
+    if (!store->Insert(record, FileNumber(table), kDefault))
+      return std::memcmp(number(table), &wanted, sizeof wanted) ? -2 : -1;
     std::memcpy(&wanted, number(table), sizeof wanted);
     return wanted;
   };
@@ -318,7 +330,8 @@ TEST_P(Contract, InsertAssignsNumbers) {
   record = {};
   for (int32_t stapel : {1, 2}) {
     record.Batchbuchung.Stapel = stapel;
-    for (int32_t n : {1, 2, 3}) EXPECT_EQ(inserted(kBatchbuchung, 0), n) << "batch " << stapel;
+    for (int32_t n : {1, 2, 3})
+      EXPECT_EQ(inserted(kBatchbuchung, 0), n) << "batch " << stapel;
   }
 
   record = {};
@@ -365,16 +378,20 @@ TEST_P(Contract, AccountsAreLookedUpInTheirOrder) {
     insert(fresh, FileNumber(table));
   };
   add(kSachkonto, "1");
-  for (const char *number : {"1", "2"}) add(kKreditor, number);
-  for (const char *number : {"1", "2", "3"}) add(kDebitor, number);
-  for (const char *number : {"1", "2", "3", "4"}) add(kKost, number);
+  for (const char *number : {"1", "2"})
+    add(kKreditor, number);
+  for (const char *number : {"1", "2", "3"})
+    add(kDebitor, number);
+  for (const char *number : {"1", "2", "3", "4"})
+    add(kKost, number);
   add(kKost, "5", "R");
   struct Row {
     const char *number;
     uint8_t kind;
     int32_t table;
   };
-  static constexpr Row rows[] = {{"1", 1, kSachkonto}, {"2", 2, kKreditor}, {"3", 4, kDebitor}, {"4", 16, kKost}, {"5", 0, -1}, {"6", 0, -1}, {"", 0, -1}};
+  static constexpr Row rows[] = {{"1", 1, kSachkonto}, {"2", 2, kKreditor}, {"3", 4, kDebitor}, {"4", 16, kKost},
+                                 {"5", 0, -1},         {"6", 0, -1},        {"", 0, -1}};
   for (const Row &row : rows) {
     int32_t table = -1;
     EXPECT_TRUE(store->UsedAndGetKnr(row.number, found, record, table)) << row.number;

@@ -1,5 +1,5 @@
-// A database that is missing, is none, is damaged, write-protected or out of space: what the exports say, and that they go
-// on when it is good again.
+// A database that is missing, is none, is damaged, write-protected or out of space: what the exports say, and that they
+// go on when it is good again.
 #include <cstring>
 #include <fstream>
 
@@ -53,20 +53,36 @@ struct Call {
 
 const Call kCalls[] = {
     {"ZELK_InitHoleMandant", [] { return ZELK_InitHoleMandant(); }, 1},
-    {"ZELK_HoleMandantenInfo", [] { ZELK_MANDANTENINFO info; return ZELK_HoleMandantenInfo(1, &info, 0); }, 1},
+    {"ZELK_HoleMandantenInfo",
+     [] {
+       ZELK_MANDANTENINFO info;
+       return ZELK_HoleMandantenInfo(1, &info, 0);
+     },
+     1},
     {"ZELK_HoleMandantenInfoDirekt",
      [] {
        int32_t year;
-       return ZELK_HoleMandantenInfoDirekt(1, &year, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                           nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, 0);
-     }, 1},
+       return ZELK_HoleMandantenInfoDirekt(1, &year, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                           nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, 0);
+     },
+     1},
     {"ZELK_HoleMandantenVersion", [] { return ZELK_HoleMandantenVersion(1); }, 98},
     {"ZELK_HoleStartJahr", [] { return ZELK_HoleStartJahr(1); }, 2025},
     {"ZELK_ExistiertKonto", [] { return ZELK_ExistiertKonto(1, "1200", ZELK_SACHKONTO, 0, nullptr); }, 1},
     {"ZELK_InitHoleKonto", [] { return ZELK_InitHoleKonto(1, ZELK_SACHKONTO, 0, nullptr, 0); }, 1},
     {"ZELK_InitHoleStapel", [] { return ZELK_InitHoleStapel(1, 0); }, 1},
-    {"ZELK_BuchungEinfuegen", [] { ZELK_BUCHUNG made = posting("B-2"); return ZELK_BuchungEinfuegen(&made, 0); }, 1},
-    {"ZELK_SplitBuchungEinfuegen", [] { ZELK_SPLITBUCHUNG made = splitPosting(); return ZELK_SplitBuchungEinfuegen(&made, 0); }, 1},
+    {"ZELK_BuchungEinfuegen",
+     [] {
+       ZELK_BUCHUNG made = posting("B-2");
+       return ZELK_BuchungEinfuegen(&made, 0);
+     },
+     1},
+    {"ZELK_SplitBuchungEinfuegen",
+     [] {
+       ZELK_SPLITBUCHUNG made = splitPosting();
+       return ZELK_SplitBuchungEinfuegen(&made, 0);
+     },
+     1},
     {"ZELK_InitHoleBatch", [] { return ZELK_InitHoleBatch(1, 3, 0); }, 1},
 };
 
@@ -91,11 +107,13 @@ protected:
   }
 
   void expectFailures() {
-    for (const Call &call : kCalls) EXPECT_EQ(call.run(), ZELKERR_Datenbank) << call.name;
+    for (const Call &call : kCalls)
+      EXPECT_EQ(call.run(), ZELKERR_Datenbank) << call.name;
   }
   void expectGood() {
     EXPECT_EQ(documents(), "B-1 ");
-    for (const Call &call : kCalls) EXPECT_EQ(call.run(), call.good) << call.name;
+    for (const Call &call : kCalls)
+      EXPECT_EQ(call.run(), call.good) << call.name;
     EXPECT_EQ(documents(), "B-1 B-2 S-1 ");
   }
   void restore() {
@@ -123,14 +141,19 @@ TEST_F(Damage, InPlaceOfTheDatabase) {
       {"half of it, cut inside a page", [&] { write(database(), good.substr(0, good.size() / 2 + 77)); }},
       {"another program's database",
        [&] {
-         { auto foreign = vldb98::openSqlite(database().string(), {std::chrono::seconds(1), true, false}); ASSERT_TRUE(foreign); }
+         {
+           auto foreign = vldb98::openSqlite(database().string(), {std::chrono::seconds(1), true, false});
+           ASSERT_TRUE(foreign);
+         }
          std::string bytes = content(database());
          // The application id in the header of the file format.
          std::memset(bytes.data() + 68, 0, 4);
          write(database(), bytes);
        }},
       {"a database without tables",
-       [&] { ASSERT_TRUE(vldb98::openSqlite(database().string(), {std::chrono::seconds(1), true, false})); }},
+       [&] {
+         ASSERT_TRUE(vldb98::openSqlite(database().string(), {std::chrono::seconds(1), true, false}));
+       }},
   };
   for (const Row &row : rows) {
     SCOPED_TRACE(row.what);
@@ -178,7 +201,8 @@ TEST_F(Damage, GarbageInside) {
     ZELK_Detach();
     fs::remove_all(database());
     std::string bytes = good;
-    for (size_t i = at; i < std::min(at + 3 * 4096, bytes.size()); ++i) bytes[i] = char(i * 37 + i / 256);
+    for (size_t i = at; i < std::min(at + 3 * 4096, bytes.size()); ++i)
+      bytes[i] = char(i * 37 + i / 256);
     write(database(), bytes);
     for (const Call &call : kCalls) {
       ZelkResult result = call.run();
@@ -234,8 +258,10 @@ ChildRole fullDisk("full-disk", [](const std::string &) {
     if (!limitFileSize(room)) return kUnable;
     ZelkResult result = ZELK_BuchungEinfuegen(&made, 0);
     limitFileSize(0);
-    if (result == ZELK_OK) expected += std::string(made.Belegnummer) + " ";
-    else if (result != ZELKERR_Datenbank) return 1;
+    if (result == ZELK_OK)
+      expected += std::string(made.Belegnummer) + " ";
+    else if (result != ZELKERR_Datenbank)
+      return 1;
     failed += result != ZELK_OK;
     if (documents() != expected) return 2;
     // With room again, the same session writes.
@@ -273,7 +299,8 @@ ChildRole fullInside("full-inside-a-transaction", [](const std::string &) {
   };
   // More than the engine keeps in memory, so that it writes before the commit.
   int number = 0;
-  while (number < 100'000 && insert(number)) ++number;
+  while (number < 100'000 && insert(number))
+    ++number;
   if (number == 100'000) return 2;
   limitFileSize(0);
   if (insert(900'000)) return 3;
@@ -285,8 +312,9 @@ ChildRole fullInside("full-inside-a-transaction", [](const std::string &) {
 TEST_F(Damage, FullDiskInsideATransaction) {
   int code = runChild("full-inside-a-transaction");
   if (code == kUnable) GTEST_SKIP() << "this system has no limit of a process's files";
-  EXPECT_EQ(code, kPassed) << "2: the disk was never full, 3 to 5: what came after the failure was written by itself, 6: "
-                              "the session does not recover";
+  EXPECT_EQ(code, kPassed)
+      << "2: the disk was never full, 3 to 5: what came after the failure was written by itself, 6: "
+         "the session does not recover";
 }
 
 } // namespace

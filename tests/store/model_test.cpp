@@ -25,7 +25,8 @@ using Order = std::vector<Component>;
 
 Component textComponent(const char *bytes, size_t width, bool padded) {
   std::string text(bytes, ::strnlen(bytes, width));
-  while (padded && !text.empty() && text.back() == ' ') text.pop_back();
+  while (padded && !text.empty() && text.back() == ' ')
+    text.pop_back();
   Component component;
   for (char c : text) {
     // A single byte of Windows-1252 as UTF-8 has at most three bytes.
@@ -55,7 +56,8 @@ public:
   Order order(const Key &key, const std::string &record, bool total) const {
     Order components;
     for (int field : total ? key.totalOrder : key.fields)
-      components.push_back(componentOf(table_.fields[size_t(field)], record.data() + table_.fields[size_t(field)].offset));
+      components.push_back(
+          componentOf(table_.fields[size_t(field)], record.data() + table_.fields[size_t(field)].offset));
     return components;
   }
 
@@ -71,7 +73,8 @@ public:
 
   std::vector<std::string> sorted(const Key &key) const {
     std::vector<std::string> all = records;
-    std::sort(all.begin(), all.end(), [&](const std::string &a, const std::string &b) { return order(key, a, true) < order(key, b, true); });
+    std::sort(all.begin(), all.end(),
+              [&](const std::string &a, const std::string &b) { return order(key, a, true) < order(key, b, true); });
     return all;
   }
 
@@ -116,7 +119,8 @@ protected:
   std::string shortText(size_t width) {
     static const std::string alphabet = "AB\xC4\xE4\xDF\x80\x9C\xFF 1";
     std::string text;
-    for (size_t length = size_t(below(4)); text.size() < std::min(length, width);) text += alphabet[size_t(below(int(alphabet.size())))];
+    for (size_t length = size_t(below(4)); text.size() < std::min(length, width);)
+      text += alphabet[size_t(below(int(alphabet.size())))];
     return text;
   }
 
@@ -126,7 +130,8 @@ protected:
     for (const Field &field : table.fields) {
       char *at = record.data() + field.offset;
       bool inKey = std::any_of(table.keys.begin(), table.keys.end(), [&](const Key &key) {
-        return std::any_of(key.fields.begin(), key.fields.end(), [&](int f) { return &table.fields[size_t(f)] == &field; });
+        return std::any_of(key.fields.begin(), key.fields.end(),
+                           [&](int f) { return &table.fields[size_t(f)] == &field; });
       });
       std::string text;
       if (field.type == FieldType::KeyText) {
@@ -161,14 +166,17 @@ protected:
       for (bool forward : {true, false}) {
         DATENBANK record{};
         uint8_t found;
-        int done = forward ? store->GetFirstExt(record, found, file, kDefault, 0) : store->GetLastExt(record, found, file, kDefault, 0);
+        int done = forward ? store->GetFirstExt(record, found, file, kDefault, 0)
+                           : store->GetLastExt(record, found, file, kDefault, 0);
         size_t count = 0;
         for (; done && found && count < expected.size(); ++count) {
           const std::string &wanted = expected[forward ? count : expected.size() - 1 - count];
           ASSERT_EQ(std::string(record.bytes, table.recordSize), wanted) << "key " << key.index << " record " << count;
-          done = forward ? store->GetNextExt(record, found, file, kDefault) : store->GetPrevExt(record, found, file, kDefault);
+          done = forward ? store->GetNextExt(record, found, file, kDefault)
+                         : store->GetPrevExt(record, found, file, kDefault);
         }
-        ASSERT_TRUE(done && !found && count == expected.size()) << "key " << key.index << ": " << count << " of " << expected.size();
+        ASSERT_TRUE(done && !found && count == expected.size())
+            << "key " << key.index << ": " << count << " of " << expected.size();
       }
     }
   }
@@ -193,7 +201,9 @@ protected:
     bool ends = true; // a stepping read does not end a range
     std::string what;
     switch (below(15)) {
-    case 0: case 1: case 2: {
+    case 0:
+    case 1:
+    case 2: {
       what = "Insert";
       std::string fresh = randomRecord(table);
       std::memcpy(buffer.bytes, fresh.data(), fresh.size());
@@ -249,13 +259,15 @@ protected:
       SCHLUESSEL upper = keyOf(table, key, randomRecord(table));
       Order end = model.order(key, upper);
       done = store->GetRangeExt(buffer, values, upper, found, file, kDefault);
-      expected = model.pick(key, false, [&](const std::string &r) { return keyOfRecord(r) >= wanted && keyOfRecord(r) <= end; });
+      expected = model.pick(key, false,
+                            [&](const std::string &r) { return keyOfRecord(r) >= wanted && keyOfRecord(r) <= end; });
       model.rangeKey = &key;
       model.rangeUpper = end;
       ends = false;
       break;
     }
-    case 10: case 11: {
+    case 10:
+    case 11: {
       what = "GetNextExt";
       done = store->GetNextExt(buffer, found, file, kDefault);
       bool bounded = model.rangeKey == &key;
@@ -269,7 +281,8 @@ protected:
     case 12:
       what = "GetPrevExt";
       done = store->GetPrevExt(buffer, found, file, kDefault);
-      if (model.current) expected = model.pick(key, true, [&](const std::string &r) { return total(r) < total(*model.current); });
+      if (model.current)
+        expected = model.pick(key, true, [&](const std::string &r) { return total(r) < total(*model.current); });
       ends = false;
       break;
     case 13:
@@ -286,8 +299,10 @@ protected:
     if (ends) model.rangeKey = nullptr;
     ASSERT_TRUE(done) << what << " key " << key.index;
     ASSERT_EQ(found != 0, expected.has_value()) << what << " key " << key.index;
-    if (expected) ASSERT_EQ(std::string(buffer.bytes, table.recordSize), *expected) << what << " key " << key.index;
-    else ASSERT_EQ(std::memcmp(&buffer, &untouched, sizeof buffer), 0) << what << " wrote into the buffer";
+    if (expected)
+      ASSERT_EQ(std::string(buffer.bytes, table.recordSize), *expected) << what << " key " << key.index;
+    else
+      ASSERT_EQ(std::memcmp(&buffer, &untouched, sizeof buffer), 0) << what << " wrote into the buffer";
     if (expected) model.current = expected;
   }
 
@@ -316,8 +331,12 @@ private:
   int stamp_ = 0;
 };
 
-TEST_P(ModelTest, DebtorAccounts) { run(kDebitor, 4000); }
-TEST_P(ModelTest, CostCentres) { run(kKost, 4000); }
+TEST_P(ModelTest, DebtorAccounts) {
+  run(kDebitor, 4000);
+}
+TEST_P(ModelTest, CostCentres) {
+  run(kKost, 4000);
+}
 
 ZELK_ON_ALL_ENGINES(ModelTest);
 

@@ -23,16 +23,24 @@ bool isKey(const Table &table, const Field &field) {
 
 int64_t greatest(FieldType type) {
   switch (type) {
-  case FieldType::UInt8: return UINT8_MAX;
-  case FieldType::Int16: return INT16_MAX;
-  case FieldType::UInt16: return UINT16_MAX;
-  default: return INT32_MAX;
+  case FieldType::UInt8:
+    return UINT8_MAX;
+  case FieldType::Int16:
+    return INT16_MAX;
+  case FieldType::UInt16:
+    return UINT16_MAX;
+  default:
+    return INT32_MAX;
   }
 }
 
-int64_t least(FieldType type) { return type == FieldType::Int16 || type == FieldType::Int32 ? -greatest(type) - 1 : 0; }
+int64_t least(FieldType type) {
+  return type == FieldType::Int16 || type == FieldType::Int32 ? -greatest(type) - 1 : 0;
+}
 
-void putNumber(const Field &field, char *record, int64_t number) { std::memcpy(record + field.offset, &number, field.size); }
+void putNumber(const Field &field, char *record, int64_t number) {
+  std::memcpy(record + field.offset, &number, field.size);
+}
 
 void putText(const Field &field, char *record, std::string text) {
   if (field.type == FieldType::KeyText) text.resize(field.keyWidth(), ' ');
@@ -42,20 +50,26 @@ void putText(const Field &field, char *record, std::string text) {
 
 /// Values of a field by variant. Variant 0 is empty.
 std::string textOf(const Field &field, int variant) {
-  static constexpr const char *kMoney[] = {"", "999999999,99", "999999999-99", "000000000,00", "000000000-01", "000000001,10"};
+  static constexpr const char *kMoney[] = {
+      "", "999999999,99", "999999999-99", "000000000,00", "000000000-01", "000000001,10"};
   static constexpr const char *kRates[] = {"", "99,99", "99-99", "00,00", "00,01", "19,00"};
   static constexpr const char *kDates[] = {"", "000101", "991231", "480229", "200229", "461121"};
   static constexpr const char *kYears[] = {"", "00", "99", "46", "01", "50"};
   size_t choice = size_t(variant) % std::size(kMoney);
   switch (field.type) {
-  case FieldType::Money: return field.size == 6 ? kRates[choice] : kMoney[choice];
-  case FieldType::Date: return kDates[choice];
-  case FieldType::Year: return kYears[choice];
-  default: break;
+  case FieldType::Money:
+    return field.size == 6 ? kRates[choice] : kMoney[choice];
+  case FieldType::Date:
+    return kDates[choice];
+  case FieldType::Year:
+    return kYears[choice];
+  default:
+    break;
   }
   std::string text;
   if (variant > 0)
-    for (int i = 0; i < field.keyWidth(); ++i) text += char(0x20 + (i + field.offset + variant * 19) % 0xE0);
+    for (int i = 0; i < field.keyWidth(); ++i)
+      text += char(0x20 + (i + field.offset + variant * 19) % 0xE0);
   return text;
 }
 
@@ -92,7 +106,9 @@ SCHLUESSEL primaryKey(const Table &table, const std::string &record) {
   return key;
 }
 
-void into(DATENBANK &buffer, const std::string &record) { std::memcpy(buffer.bytes, record.data(), record.size()); }
+void into(DATENBANK &buffer, const std::string &record) {
+  std::memcpy(buffer.bytes, record.data(), record.size());
+}
 
 class Records : public StoreTest {
 protected:
@@ -130,7 +146,8 @@ TEST(Schema, FillsRecordsAndFitsBuffers) {
     EXPECT_TRUE(table.keys[0].index == 0 && table.keys[0].unique);
     for (const Key &key : table.keys) {
       size_t width = 0;
-      for (int field : key.fields) width += table.fields[size_t(field)].keyWidth();
+      for (int field : key.fields)
+        width += table.fields[size_t(field)].keyWidth();
       EXPECT_LE(width, kKeySize) << "key " << key.index;
       // A file number has 16 bits.
       EXPECT_EQ(keyIndexOf(fileNumber(table.number, key.index)), key.index);
@@ -166,9 +183,10 @@ TEST_P(Records, SurviveWritingReadingAndReopening) {
 }
 
 TEST_P(Records, NonsenseIsRefused) {
-  static constexpr const char *kNoMoney[] = {" ",            "0",            "100",          "1,0",  "12.00",       "abc",
-                                             "00000000x,00", "000000000,0x", "000000000,0-", ",00",  "-00000001,00"};
-  static constexpr const char *kNoDate[] = {" ", "4611", "460230", "450229", "461301", "460001", "460100", "46112x", "      "};
+  static constexpr const char *kNoMoney[] = {
+      " ", "0", "100", "1,0", "12.00", "abc", "00000000x,00", "000000000,0x", "000000000,0-", ",00", "-00000001,00"};
+  static constexpr const char *kNoDate[] = {" ",      "4611",   "460230", "450229", "461301",
+                                            "460001", "460100", "46112x", "      "};
   static constexpr const char *kNoYear[] = {" ", "4", "x6", "4x", "-1"};
   int refused = 0;
   for (const Table &table : allTables()) {
@@ -248,7 +266,9 @@ TEST_P(Records, ColumnsAreTyped) {
   for (const Row &row : rows) {
     auto statement = sql->prepare(std::string("SELECT ") + row.select);
     ASSERT_TRUE(statement && statement->step() == Step::Row) << row.select;
-    std::string value = statement->isNull(0) ? "NULL" : row.number ? std::to_string(statement->integer(0)) : std::string(statement->text(0));
+    std::string value = statement->isNull(0) ? "NULL"
+                        : row.number         ? std::to_string(statement->integer(0))
+                                             : std::string(statement->text(0));
     EXPECT_EQ(value, row.value) << row.select;
   }
 }
@@ -259,9 +279,15 @@ TEST_P(Records, RowsThatFitNoRecordAreNotRead) {
   std::string record = makeRecord(table, 0);
   ASSERT_TRUE(insert(table, record));
   static constexpr const char *rows[] = {
-      "\"Kreditlimit\"=100000000000",        "\"Mahnkennziffer\"=32768", "\"Mahnkennziffer\"=-32769",
-      "\"Gesperrt\"=256",                    "\"Gesperrt\"=-1",          "\"Zahlungsziel\"=2147483648",
-      "\"Land\"='1234'",                     "\"Sammelkonto\"='12345678'", "\"Ort\"='\xD0\x96'",
+      "\"Kreditlimit\"=100000000000",
+      "\"Mahnkennziffer\"=32768",
+      "\"Mahnkennziffer\"=-32769",
+      "\"Gesperrt\"=256",
+      "\"Gesperrt\"=-1",
+      "\"Zahlungsziel\"=2147483648",
+      "\"Land\"='1234'",
+      "\"Sammelkonto\"='12345678'",
+      "\"Ort\"='\xD0\x96'",
   };
   auto sql = connect();
   ASSERT_TRUE(sql);

@@ -59,10 +59,10 @@ TEST_P(Transactions, NestAndAreDecidedByTheOutermost) {
       {"bir", "111", ""},
       {"bibicic", "1111111", "ABC"},
       {"bibicir", "1111111", ""},
-      {"bibiric", "1111110", ""},    // the inner rollback dooms the outermost commit
+      {"bibiric", "1111110", ""}, // the inner rollback dooms the outermost commit
       {"bibirir", "1111111", ""},
-      {"bbribc", "111111", ""},      // still open at its end: the session's end undoes it
-      {"bbrcbic", "1110111", "A"},   // doom ends with its transaction
+      {"bbribc", "111111", ""},    // still open at its end: the session's end undoes it
+      {"bbrcbic", "1110111", "A"}, // doom ends with its transaction
       {"bbbirccbic", "1111110111", "B"},
       {"c", "0", ""},
       {"r", "0", ""},
@@ -75,7 +75,11 @@ TEST_P(Transactions, NestAndAreDecidedByTheOutermost) {
     std::string answers;
     char next = 'A';
     for (const char *step = row.script; *step; ++step) {
-      int done = *step == 'i' ? insert(std::string(1, next++)) : store->Transaktion(*step == 'b' ? kBegin : *step == 'c' ? kCommit : kRollback, 0, kDefault);
+      int done = *step == 'i' ? insert(std::string(1, next++))
+                              : store->Transaktion(*step == 'b'   ? kBegin
+                                                   : *step == 'c' ? kCommit
+                                                                  : kRollback,
+                                                   0, kDefault);
       answers += done ? '1' : '0';
     }
     EXPECT_EQ(answers, row.answers);
@@ -127,7 +131,8 @@ TEST_P(Transactions, ReleaseLocksAtTheirEnd) {
     int flag, end; // of Unlock; of the transaction, 0: none
     bool freeInside;
   };
-  static constexpr Row rows[] = {{0, kCommit, false}, {0, kRollback, false}, {1, kCommit, true}, {1, kRollback, true}, {0, 0, true}, {1, 0, true}};
+  static constexpr Row rows[] = {{0, kCommit, false},  {0, kRollback, false}, {1, kCommit, true},
+                                 {1, kRollback, true}, {0, 0, true},          {1, 0, true}};
   for (const Row &row : rows) {
     SCOPED_TRACE("flag " + std::to_string(row.flag) + ", end " + std::to_string(row.end));
     ASSERT_TRUE(!row.end || store->Transaktion(kBegin, 0, kDefault));
@@ -168,7 +173,8 @@ TEST_P(Transactions, MultiInsertIsAllOrNothing) {
     bool done;
     const char *left;
   };
-  static constexpr Row rows[] = {{"", true, ""}, {"ABC", true, "ABC"}, {"DAE", false, "ABC"}, {"DD", false, "ABC"}, {"D", true, "ABCD"}};
+  static constexpr Row rows[] = {
+      {"", true, ""}, {"ABC", true, "ABC"}, {"DAE", false, "ABC"}, {"DD", false, "ABC"}, {"D", true, "ABCD"}};
   for (const Row &row : rows) {
     SCOPED_TRACE(row.accounts);
     ASSERT_TRUE(store->InitMultiInsert(kSachkonto, kDefault));
@@ -208,7 +214,8 @@ TEST_P(Transactions, LeereRelationEmptiesItsScopeOnly) {
     DATENBANK record = account("lingers");
     EXPECT_TRUE(store->LeereRelation(kSachkonto, &record, row.client, row.year));
     EXPECT_EQ(record.bytes[0], 0);
-    EXPECT_EQ(accounts(1, "45") + "," + accounts(1, "46") + "," + accounts(2, "45") + "," + accounts(2, "46"), row.left);
+    EXPECT_EQ(accounts(1, "45") + "," + accounts(1, "46") + "," + accounts(2, "45") + "," + accounts(2, "46"),
+              row.left);
     // The session's own scope is as it was.
     ASSERT_TRUE(insert("Z"));
     EXPECT_EQ(accounts().back(), 'Z');

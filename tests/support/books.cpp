@@ -69,7 +69,8 @@ platform::Button Recorder::message(const std::string &caption, const std::string
 
 std::string Recorder::takeText() {
   std::string all;
-  for (const Shown &box : shown) all += (all.empty() ? "" : " | ") + box.text;
+  for (const Shown &box : shown)
+    all += (all.empty() ? "" : " | ") + box.text;
   shown.clear();
   return all;
 }
@@ -120,7 +121,9 @@ std::unique_ptr<Store> Environment::session(std::chrono::milliseconds lockWait) 
   return openSession(settings);
 }
 
-std::filesystem::path sourceFolder() { return ZELK_SOURCE_FOLDER; }
+std::filesystem::path sourceFolder() {
+  return ZELK_SOURCE_FOLDER;
+}
 
 std::string dump(Store &store, uint16_t client, std::initializer_list<int> tables) {
   std::ostringstream text;
@@ -139,9 +142,13 @@ std::string dump(Store &store, uint16_t client, std::initializer_list<int> table
   return text.str();
 }
 
-int runChild(const std::string &role, const std::string &argument) { return runSelf(role, argument); }
+int runChild(const std::string &role, const std::string &argument) {
+  return runSelf(role, argument);
+}
 
-ChildRole::ChildRole(std::string name, std::function<int(const std::string &)> work) { roles()[name] = std::move(work); }
+ChildRole::ChildRole(std::string name, std::function<int(const std::string &)> work) {
+  roles()[name] = std::move(work);
+}
 
 ZELK_BUCHUNG validPosting() {
   ZELK_BUCHUNG posting{};
@@ -191,8 +198,10 @@ std::vector<ZELK_SPLITBUCHUNG> postingsOf(int32_t client, int32_t batch) {
 bool nothingLocked(Store &other, uint16_t client) {
   uint8_t found = 0;
   bool all = other.SetzeFista(client, found) && found;
-  for (int table : kLockedTables) all = all && other.Lock(FileNumber(table), nullptr, 0, ZELK_ENG_DEFAULT);
-  for (int table : kLockedTables) other.Unlock(FileNumber(table), 1, ZELK_ENG_DEFAULT);
+  for (int table : kLockedTables)
+    all = all && other.Lock(FileNumber(table), nullptr, 0, ZELK_ENG_DEFAULT);
+  for (int table : kLockedTables)
+    other.Unlock(FileNumber(table), 1, ZELK_ENG_DEFAULT);
   return all;
 }
 
@@ -201,14 +210,18 @@ Faults::Faults() {
   setEngineDecorator([](std::unique_ptr<Engine> engine) { return std::make_unique<FaultyEngine>(std::move(engine)); });
 }
 
-Faults::~Faults() { setEngineDecorator({}); }
+Faults::~Faults() {
+  setEngineDecorator({});
+}
 
 void Faults::failAt(int n) {
   failing = n;
   counted = 0;
 }
 
-int Faults::operations() const { return counted; }
+int Faults::operations() const {
+  return counted;
+}
 
 } // namespace test
 

@@ -95,8 +95,8 @@ std::vector<ZELK_SPLITBUCHUNG> postingsOf(int32_t client, int32_t batch);
 
 /// The tables that an insertion locks.
 inline constexpr std::initializer_list<int> kLockedTables = {
-    vldb98::kKreditor,     vldb98::kDebitor, vldb98::kSachkonto, vldb98::kBatchbuchung,
-    vldb98::kSplit,        vldb98::kStapel,  vldb98::kKobu};
+    vldb98::kKreditor, vldb98::kDebitor, vldb98::kSachkonto, vldb98::kBatchbuchung,
+    vldb98::kSplit,    vldb98::kStapel,  vldb98::kKobu};
 
 /// Whether the session can lock all of them at once, so that nobody else holds one. It holds none afterwards.
 bool nothingLocked(vldb98::Store &other, uint16_t client);

@@ -32,7 +32,9 @@ const std::vector<EngineCase> &engines() {
   return list;
 }
 
-void PrintTo(const EngineCase &engine, std::ostream *stream) { *stream << engine.name; }
+void PrintTo(const EngineCase &engine, std::ostream *stream) {
+  *stream << engine.name;
+}
 
 void StoreTest::SetUp() {
   if (std::string reason = GetParam().missing(); !reason.empty()) GTEST_SKIP() << GetParam().name << ": " << reason;
@@ -72,7 +74,9 @@ std::unique_ptr<Store> openFirstClient(DatabaseSettings settings, std::chrono::m
 
 } // namespace
 
-std::unique_ptr<Store> StoreTest::open(std::chrono::milliseconds lockWait) { return openFirstClient(settings_, lockWait); }
+std::unique_ptr<Store> StoreTest::open(std::chrono::milliseconds lockWait) {
+  return openFirstClient(settings_, lockWait);
+}
 
 std::unique_ptr<Store> openBeside(const std::string &engine, const std::filesystem::path &folder,
                                   std::chrono::milliseconds lockWait) {

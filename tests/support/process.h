@@ -28,7 +28,8 @@ bool hasFunction(const std::string &library, const std::string &name);
 /// \return false where the system has no such limit
 bool limitFileSize(uint64_t bytes);
 
-/// Lets this process, for the rest of its life, be a user whom write protection stops. \return false where there is none
+/// Lets this process, for the rest of its life, be a user whom write protection stops. \return false where there is
+/// none
 bool becomeOrdinaryUser();
 
 void rememberProgram(const std::string &program);

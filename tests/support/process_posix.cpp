@@ -16,14 +16,20 @@ namespace {
 std::string program;
 }
 
-int processId() { return int(::getpid()); }
-
-void setEnvironment(const std::string &name, const std::string &value) {
-  if (value.empty()) ::unsetenv(name.c_str());
-  else ::setenv(name.c_str(), value.c_str(), 1);
+int processId() {
+  return int(::getpid());
 }
 
-void isolateSettings(const std::string &folder) { setEnvironment("ZELK_SETTINGS", folder + "/settings.ini"); }
+void setEnvironment(const std::string &name, const std::string &value) {
+  if (value.empty())
+    ::unsetenv(name.c_str());
+  else
+    ::setenv(name.c_str(), value.c_str(), 1);
+}
+
+void isolateSettings(const std::string &folder) {
+  setEnvironment("ZELK_SETTINGS", folder + "/settings.ini");
+}
 void dropSettings(const std::string &) {}
 
 bool limitFileSize(uint64_t bytes) {
@@ -39,14 +45,18 @@ bool becomeOrdinaryUser() {
   return ::geteuid() != 0 || (::setgid(kNobody) == 0 && ::setuid(kNobody) == 0);
 }
 
-void rememberProgram(const std::string &path) { program = path; }
+void rememberProgram(const std::string &path) {
+  program = path;
+}
 
 int runProgram(const std::string &path, const std::string &arguments, const std::string &output) {
   int status = std::system(("'" + path + "' " + arguments + " >'" + output + "' 2>&1 </dev/null").c_str());
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-bool shareSettings() { return true; }
+bool shareSettings() {
+  return true;
+}
 
 bool hasFunction(const std::string &library, const std::string &name) {
   void *handle = ::dlopen(library.c_str(), RTLD_NOW | RTLD_LOCAL);
@@ -56,7 +66,8 @@ bool hasFunction(const std::string &library, const std::string &name) {
 int runSelf(const std::string &role, const std::string &argument) {
   std::string roleEntry = "ZELK_TEST_CHILD=" + role, argumentEntry = "ZELK_TEST_ARGUMENT=" + argument;
   std::vector<char *> environment{roleEntry.data(), argumentEntry.data()};
-  for (char **entry = environ; *entry; ++entry) environment.push_back(*entry);
+  for (char **entry = environ; *entry; ++entry)
+    environment.push_back(*entry);
   environment.push_back(nullptr);
   char *arguments[] = {program.data(), nullptr};
   pid_t child;

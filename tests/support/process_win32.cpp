@@ -22,18 +22,32 @@ std::wstring keyOf(const std::string &folder) {
   return L"Software\\zelk98-test\\" + name;
 }
 
+int exitCode(const PROCESS_INFORMATION &process) {
+  WaitForSingleObject(process.hProcess, INFINITE);
+  DWORD code = 0;
+  GetExitCodeProcess(process.hProcess, &code);
+  CloseHandle(process.hThread);
+  CloseHandle(process.hProcess);
+  return int(code);
+}
+
 } // namespace
 
-int processId() { return int(GetCurrentProcessId()); }
+int processId() {
+  return int(GetCurrentProcessId());
+}
 
-void setEnvironment(const std::string &name, const std::string &value) { _putenv_s(name.c_str(), value.c_str()); }
+void setEnvironment(const std::string &name, const std::string &value) {
+  _putenv_s(name.c_str(), value.c_str());
+}
 
 void isolateSettings(const std::string &folder) {
   for (HKEY hive : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) {
     RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
     std::wstring path = keyOf(folder) + (hive == HKEY_LOCAL_MACHINE ? L"\\machine" : L"\\user");
     HKEY key;
-    if (RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr) != 0) continue;
+    if (RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr) != 0)
+      continue;
     RegOverridePredefKey(hive, key);
     RegCloseKey(key);
   }
@@ -45,30 +59,30 @@ void dropSettings(const std::string &folder) {
   RegDeleteTreeW(HKEY_CURRENT_USER, keyOf(folder).c_str());
 }
 
-bool limitFileSize(uint64_t) { return false; }
-bool becomeOrdinaryUser() { return false; }
+bool limitFileSize(uint64_t) {
+  return false;
+}
+bool becomeOrdinaryUser() {
+  return false;
+}
 
 void rememberProgram(const std::string &) {}
 
 int runProgram(const std::string &program, const std::string &arguments, const std::string &output) {
   SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
-  HANDLE file = CreateFileW(platform::toWide(output).c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherited,
-                            CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  HANDLE file = CreateFileW(platform::toWide(output).c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                            &inherited, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
   STARTUPINFOW startup{};
   startup.cb = sizeof startup;
   startup.dwFlags = STARTF_USESTDHANDLES;
   startup.hStdOutput = startup.hStdError = file;
   PROCESS_INFORMATION process{};
   std::wstring command = platform::toWide("\"" + program + "\" " + arguments);
-  BOOL started = CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process);
+  BOOL started =
+      CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process);
   CloseHandle(file);
   if (!started) return -1;
-  WaitForSingleObject(process.hProcess, INFINITE);
-  DWORD code = 0;
-  GetExitCodeProcess(process.hProcess, &code);
-  CloseHandle(process.hThread);
-  CloseHandle(process.hProcess);
-  return int(code);
+  return exitCode(process);
 }
 
 bool shareSettings() {
@@ -97,17 +111,13 @@ int runSelf(const std::string &role, const std::string &argument) {
     std::lock_guard guard(environmentInUse);
     SetEnvironmentVariableA("ZELK_TEST_CHILD", role.c_str());
     SetEnvironmentVariableA("ZELK_TEST_ARGUMENT", argument.c_str());
-    BOOL started = CreateProcessW(path, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process);
+    BOOL started =
+        CreateProcessW(path, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process);
     SetEnvironmentVariableA("ZELK_TEST_CHILD", nullptr);
     SetEnvironmentVariableA("ZELK_TEST_ARGUMENT", nullptr);
     if (!started) return -1;
   }
-  WaitForSingleObject(process.hProcess, INFINITE);
-  DWORD code = 0;
-  GetExitCodeProcess(process.hProcess, &code);
-  CloseHandle(process.hThread);
-  CloseHandle(process.hProcess);
-  return int(code);
+  return exitCode(process);
 }
 
 } // namespace test

@@ -21,37 +21,41 @@ struct Taking {
 };
 
 const Taking kTable{"table", 1, [](Store &s) { return s.Lock(kSachkonto, nullptr, 0, kDefault); }};
-const Taking kTableByOtherKey{"table through another key", 1, [](Store &s) { return s.Lock(fileNumber(kSachkonto, 1), nullptr, 0, kDefault); }};
+const Taking kTableByOtherKey{"table through another key", 1,
+                              [](Store &s) { return s.Lock(fileNumber(kSachkonto, 1), nullptr, 0, kDefault); }};
 const Taking kTableOfClient2{"table of client 2", 2, kTable.take};
 const Taking kOtherTable{"other table", 1, [](Store &s) { return s.Lock(kDebitor, nullptr, 0, kDefault); }};
 const Taking kArea{"area", 1, [](Store &s) { return s.Lock(kSachkonto, "Saldo", 0, kDefault); }};
 const Taking kText{"resource by text", 1, [](Store &s) { return s.LockRes(kSachkonto, 1, "7", 0, 0, kDefault); }};
 const Taking kNumber{"resource by number", 1, [](Store &s) { return s.LockRes(kSachkonto, 1, 7, 0, 0, kDefault); }};
 const Taking kOtherNumber{"other number", 1, [](Store &s) { return s.LockRes(kSachkonto, 1, 8, 0, 0, kDefault); }};
-const Taking kNumberOfClient2{"number of client 2", 2, [](Store &s) { return s.LockRes(kSachkonto, 2, 7, 0, 0, kDefault); }};
+const Taking kNumberOfClient2{"number of client 2", 2,
+                              [](Store &s) { return s.LockRes(kSachkonto, 2, 7, 0, 0, kDefault); }};
 const Taking kExtern{"resource from outside", 1, [](Store &s) { return s.LockResExtern("7", kSachkonto, kDefault); }};
 const Taking kExternByClient2{"the same by client 2", 2, kExtern.take};
 const Taking kPass{"passing through", 1, [](Store &s) { return s.Lock(kSachkonto, nullptr, 1, kDefault); }};
 const Taking kSelector{"reading with a selector", 1, [](Store &s) {
-  DATENBANK record{};
-  uint8_t found;
-  return s.GetFirstExt(record, found, kSachkonto, kDefault, 5);
-}};
+                         DATENBANK record{};
+                         uint8_t found;
+                         return s.GetFirstExt(record, found, kSachkonto, kDefault, 5);
+                       }};
 const Taking kPlainRead{"plain reading", 1, [](Store &s) {
-  DATENBANK record{};
-  uint8_t found;
-  return s.GetFirstExt(record, found, kSachkonto, kDefault, 0);
-}};
+                          DATENBANK record{};
+                          uint8_t found;
+                          return s.GetFirstExt(record, found, kSachkonto, kDefault, 0);
+                        }};
 
 class LockTest : public StoreTest {
 protected:
   /// What another thread's session answers, waiting only briefly.
   bool elsewhere(const Taking &taking) {
-    return std::async(std::launch::async, [&] {
-             auto session = open(kShort);
-             uint8_t found;
-             return session && session->SetzeFista(taking.client, found) && taking.take(*session);
-           }).get();
+    return std::async(std::launch::async,
+                      [&] {
+                        auto session = open(kShort);
+                        uint8_t found;
+                        return session && session->SetzeFista(taking.client, found) && taking.take(*session);
+                      })
+        .get();
   }
 };
 
@@ -60,12 +64,24 @@ TEST_P(LockTest, ExcludeOthersFromTheSameThingOnly) {
     const Taking &held, &wanted;
     bool had;
   };
-  const Row rows[] = {{kTable, kTable, false},       {kTable, kTableByOtherKey, false}, {kTable, kTableOfClient2, true},
-                      {kTable, kOtherTable, true},   {kTable, kNumber, true},           {kTable, kPass, false},
-                      {kTable, kSelector, false},    {kTable, kPlainRead, true},        {kArea, kArea, false},
-                      {kArea, kTable, true},         {kArea, kSelector, true},          {kText, kNumber, false},
-                      {kNumber, kOtherNumber, true}, {kNumber, kNumberOfClient2, true}, {kNumber, kExtern, true},
-                      {kNumber, kTable, true},       {kExtern, kExternByClient2, false}, {kPass, kTable, true},
+  const Row rows[] = {{kTable, kTable, false},
+                      {kTable, kTableByOtherKey, false},
+                      {kTable, kTableOfClient2, true},
+                      {kTable, kOtherTable, true},
+                      {kTable, kNumber, true},
+                      {kTable, kPass, false},
+                      {kTable, kSelector, false},
+                      {kTable, kPlainRead, true},
+                      {kArea, kArea, false},
+                      {kArea, kTable, true},
+                      {kArea, kSelector, true},
+                      {kText, kNumber, false},
+                      {kNumber, kOtherNumber, true},
+                      {kNumber, kNumberOfClient2, true},
+                      {kNumber, kExtern, true},
+                      {kNumber, kTable, true},
+                      {kExtern, kExternByClient2, false},
+                      {kPass, kTable, true},
                       {kSelector, kTable, true}};
   for (const Row &row : rows) {
     SCOPED_TRACE(std::string("held: ") + row.held.what + ", wanted: " + row.wanted.what);
@@ -113,7 +129,8 @@ TEST_P(LockTest, EndWithTheirSession) {
     auto second = open(kShort);
     EXPECT_FALSE(kTable.take(*second));
   }
-  for (const Taking *taking : {&kTable, &kNumber, &kExtern}) EXPECT_TRUE(elsewhere(*taking)) << taking->what;
+  for (const Taking *taking : {&kTable, &kNumber, &kExtern})
+    EXPECT_TRUE(elsewhere(*taking)) << taking->what;
 }
 
 struct ChildFolder : Environment {
@@ -163,8 +180,10 @@ TEST_P(LockTest, LetOneInAtATime) {
     }
   };
   std::vector<std::thread> threads;
-  for (int i = 0; i < kThreads; ++i) threads.emplace_back(work);
-  for (std::thread &thread : threads) thread.join();
+  for (int i = 0; i < kThreads; ++i)
+    threads.emplace_back(work);
+  for (std::thread &thread : threads)
+    thread.join();
   EXPECT_EQ(intrusions, 0);
   EXPECT_EQ(entered, kThreads * kRounds);
 }

@@ -41,13 +41,15 @@ TEST_F(PostingThreads, EveryPostingIsThereOnce) {
     writers.emplace_back([&, name] { accepted += postAs(name); });
   for (const char *name : {"P1", "P2"})
     writers.emplace_back([&, name] { children += runChild("post", name) == 0; });
-  for (std::thread &writer : writers) writer.join();
+  for (std::thread &writer : writers)
+    writer.join();
   EXPECT_EQ(accepted, 4 * kPerWriter);
   EXPECT_EQ(children, 2);
 
   std::set<std::string> expected, documents;
   for (const char *name : {"T1", "T2", "T3", "T4", "P1", "P2"})
-    for (int i = 1; i <= kPerWriter; ++i) expected.insert(std::string(name) + "-" + std::to_string(i));
+    for (int i = 1; i <= kPerWriter; ++i)
+      expected.insert(std::string(name) + "-" + std::to_string(i));
   auto store = session();
   ASSERT_TRUE(store);
   uint8_t found;
@@ -88,7 +90,8 @@ TEST_F(PostingThreads, EndedThreadsLeaveNothingOpen) {
       ZELK_SAKO account;
       EXPECT_EQ(ZELK_HoleSako(&account), ZELK_OK);
     });
-  for (std::thread &thread : threads) thread.join();
+  for (std::thread &thread : threads)
+    thread.join();
   // The write-ahead log is there as long as a session is.
   EXPECT_EQ(openFiles(), "");
   auto store = session(std::chrono::milliseconds(0));
@@ -106,7 +109,8 @@ TEST_F(PostingThreads, ClientListsDoNotDisturbEachOther) {
   std::barrier turn(2);
   auto walk = [&](int behind) {
     std::string codes;
-    for (int i = 0; i < behind; ++i) turn.arrive_and_wait();
+    for (int i = 0; i < behind; ++i)
+      turn.arrive_and_wait();
     for (int i = 0; i < kRounds; ++i) {
       codes += std::to_string(ZELK_InitHoleMandant());
       turn.arrive_and_wait();
@@ -118,11 +122,13 @@ TEST_F(PostingThreads, ClientListsDoNotDisturbEachOther) {
       }
       codes += ' ';
     }
-    for (int i = behind; i < 1; ++i) turn.arrive_and_wait();
+    for (int i = behind; i < 1; ++i)
+      turn.arrive_and_wait();
     return codes;
   };
   std::string expected, ahead, behind;
-  for (int i = 0; i < kRounds; ++i) expected += "11122 ";
+  for (int i = 0; i < kRounds; ++i)
+    expected += "11122 ";
   std::thread other([&] { behind = walk(1); });
   ahead = walk(0);
   other.join();

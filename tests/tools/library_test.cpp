@@ -14,22 +14,27 @@ namespace {
 
 std::set<std::string> matches(const std::string &text, const std::regex &pattern) {
   std::set<std::string> found;
-  for (std::sregex_iterator it(text.begin(), text.end(), pattern), end; it != end; ++it) found.insert((*it)[1]);
+  for (std::sregex_iterator it(text.begin(), text.end(), pattern), end; it != end; ++it)
+    found.insert((*it)[1]);
   return found;
 }
 
-std::string read(const std::filesystem::path &path) { return platform::readFile(path.string()).value_or(""); }
+std::string read(const std::filesystem::path &path) {
+  return platform::readFile(path.string()).value_or("");
+}
 
 TEST(Library, ExportsWhatTheHeaderDeclares) {
   auto declared = matches(read(sourceFolder() / "include/zelk98/zelk98.h"), std::regex(R"(ZELK_CALL\s+(\w+)\()"));
   auto listed = matches(read(sourceFolder() / "cmake/zelk98.def"), std::regex(R"(\n\s+(\w+)(?=\s*\n))"));
   EXPECT_GT(declared.size(), 20u);
   EXPECT_EQ(declared, listed);
-  for (const std::string &name : declared) EXPECT_TRUE(hasFunction(ZELK_LIBRARY, name)) << name;
+  for (const std::string &name : declared)
+    EXPECT_TRUE(hasFunction(ZELK_LIBRARY, name)) << name;
   EXPECT_FALSE(hasFunction(ZELK_LIBRARY, "ZELK_GibtEsNicht"));
   // For hosts that link the C++ names of a Microsoft compiler.
   if (std::string(ZELK_LIBRARY).find(".dll") == std::string::npos) return;
-  for (const char *name : {"?ZELK_Attach@@YGH_N@Z", "?ZELK_Detach@@YGHXZ", "?ZELK_InitDLLs@@YGXXZ", "?ZELK_FreeDLLs@@YGXXZ"})
+  for (const char *name :
+       {"?ZELK_Attach@@YGH_N@Z", "?ZELK_Detach@@YGHXZ", "?ZELK_InitDLLs@@YGXXZ", "?ZELK_FreeDLLs@@YGXXZ"})
     EXPECT_TRUE(hasFunction(ZELK_LIBRARY, name)) << name;
 }
 
@@ -53,19 +58,29 @@ TEST(Style, KeepsTheSystemAndTheEnginesInTheirFolders) {
   };
   const Rule rules[] = {
       {"Windows", R"(#include <(windows|objbase|commctrl|shellapi)\.h>)", {"platform/win32/"}},
-      {"POSIX", R"(#include <(unistd|fcntl|pthread|spawn|dlfcn|sys/\w+)\.h>)", {"platform/posix/", "bench/", "tests/support/process_posix", "tests/store/damage_test"}},
+      {"POSIX",
+       R"(#include <(unistd|fcntl|pthread|spawn|dlfcn|sys/\w+)\.h>)",
+       {"platform/posix/", "bench/", "tests/support/process_posix", "tests/store/damage_test"}},
       {"SQLite", R"(#include <sqlite3\.h>)", {"family/vldb98/sqlite/", "bench/"}},
-      {"conditional code for a system", R"(#\s*if.*(_WIN32|__linux__))", {"platform/", "include/zelk98/zelk98.h", "tests/"}},
+      {"conditional code for a system",
+       R"(#\s*if.*(_WIN32|__linux__))",
+       {"platform/", "include/zelk98/zelk98.h", "tests/"}},
       {"floating point", R"(\b(double|float)\b)", {"family/vlba98/", "bench/", "tests/"}},
       {"unbounded text functions", R"(\b(strcpy|strcat|sprintf|gets)\()", {"examples/", "tests/"}},
-      {"leftovers", "\\b(TO" "DO|FIX" "ME|XX" "X)\\b", {}},
+      {"leftovers",
+       "\\b(TO"
+       "DO|FIX"
+       "ME|XX"
+       "X)\\b",
+       {}},
       {"pasted SQL values", R"(VALUES \('|= ?'" ?\+)", {"tests/"}},
   };
   for (const auto &[path, text] : sources())
     for (const Rule &rule : rules) {
-      bool allowed = std::any_of(rule.allowed.begin(), rule.allowed.end(), [&, &file = path](const std::string &beginning) {
-        return file.generic_string().rfind(beginning, 0) == 0;
-      });
+      bool allowed =
+          std::any_of(rule.allowed.begin(), rule.allowed.end(), [&, &file = path](const std::string &beginning) {
+            return file.generic_string().rfind(beginning, 0) == 0;
+          });
       EXPECT_TRUE(allowed || !std::regex_search(text, std::regex(rule.pattern))) << path << ": " << rule.what;
     }
 }

@@ -62,7 +62,8 @@ TEST_F(Zelkctl, ProvisionsLoadsPostsAndShows) {
   EXPECT_OUTCOME("konten 1 --art kostenstellen", 0, "Dimension");
   EXPECT_OUTCOME("konten 3", 2, "-5 ZELKERR_uzl_Mandnr");
   EXPECT_OUTCOME("stapel 1 3", 0, "Der Stapel hat keine Buchungen.");
-  EXPECT_OUTCOME("buchen 1 3 " + sample("musterhandel-buchungen.csv"), 0, "300 Zeilen gelesen, 300 gebucht, 0 abgelehnt.");
+  EXPECT_OUTCOME("buchen 1 3 " + sample("musterhandel-buchungen.csv"), 0,
+                 "300 Zeilen gelesen, 300 gebucht, 0 abgelehnt.");
   EXPECT_OUTCOME("buchen 2 2 " + sample("alpenwerk-buchungen.csv"), 0, "40 Zeilen gelesen, 40 gebucht, 0 abgelehnt.");
   EXPECT_OUTCOME("stapel 1 3", 0, "300 Zeilen");
   EXPECT_OUTCOME("stapel 1", 0, "ja");
@@ -118,19 +119,29 @@ TEST_F(Zelkctl, RefusesFilesThatAreNoPostings) {
   EXPECT_OUTCOME("buchen 1 3 " + write("leer.csv", ""), 2, "Die Datei ist leer.");
   EXPECT_OUTCOME("buchen 1 3 " + write("kurz.csv", "Belegdatum;Belegnummer\n"), 2, "Die Spalte \"Sollkonto\" fehlt.");
   EXPECT_OUTCOME("buchen 1 3 " + write("fremd.csv", header + ";Farbe\n"), 2, "Die Spalte \"Farbe\" gibt es nicht.");
-  EXPECT_OUTCOME("buchen 9 3 " + write("gut.csv", header + "\n21.01.2026;B1;1200;1000;5,00\n"), 2, "Abgebrochen in Zeile 2");
+  EXPECT_OUTCOME("buchen 9 3 " + write("gut.csv", header + "\n21.01.2026;B1;1200;1000;5,00\n"), 2,
+                 "Abgebrochen in Zeile 2");
   EXPECT_OUTCOME("buchen 1 99 " + quoted(folder() / "gut.csv"), 2, "-6");
   // A date is a date as a whole, not where its beginning is one; a number is one of 32 bits.
-  EXPECT_OUTCOME("buchen 1 3 " + write("datum.csv", header + "\n2101269;B1;1200;1000;5,00\n1.1.26 Uhr;B2;1200;1000;5\n12345\xC3\xBC;B3;1200;1000;5\n"), 1, "3 abgelehnt");
-  EXPECT_OUTCOME("buchen 1 3 " + write("ziel.csv", header + ";Zahlungsziel\n21.01.2026;B1;1200;1000;5,00;4294967297\n"), 1, "keine ganze Zahl");
+  EXPECT_OUTCOME(
+      "buchen 1 3 " +
+          write("datum.csv",
+                header + "\n2101269;B1;1200;1000;5,00\n1.1.26 Uhr;B2;1200;1000;5\n12345\xC3\xBC;B3;1200;1000;5\n"),
+      1, "3 abgelehnt");
+  EXPECT_OUTCOME("buchen 1 3 " + write("ziel.csv", header + ";Zahlungsziel\n21.01.2026;B1;1200;1000;5,00;4294967297\n"),
+                 1, "keine ganze Zahl");
   // The kinds of the accounts are looked up when the file leaves them out.
-  EXPECT_OUTCOME("buchen 1 3 " + write("arten.csv", header + "\n21.01.2026;B1;1200;10000;5,00\n21.01.2026;B2;70000;1200;5\n"), 0,
-                 "2 gebucht");
-  EXPECT_OUTCOME("buchen 1 3 " + write("ansi.csv", header + ";Text\n21.01.2026;B1;1200;1000;5,00;Gr\xFC\xDF" "e\n"), 1, "kein UTF-8");
+  EXPECT_OUTCOME("buchen 1 3 " +
+                     write("arten.csv", header + "\n21.01.2026;B1;1200;10000;5,00\n21.01.2026;B2;70000;1200;5\n"),
+                 0, "2 gebucht");
+  EXPECT_OUTCOME("buchen 1 3 " + write("ansi.csv", header + ";Text\n21.01.2026;B1;1200;1000;5,00;Gr\xFC\xDF"
+                                                            "e\n"),
+                 1, "kein UTF-8");
 }
 
 TEST_F(Zelkctl, SaysWhatIsWrongWithTheCommand) {
-  for (const char *arguments : {"", "buchen", "buchen 1 drei x.csv", "konten 1 --art farben", "konten 1 --sortierung 3", "tanzen", "konten 1 2"}) {
+  for (const char *arguments : {"", "buchen", "buchen 1 drei x.csv", "konten 1 --art farben", "konten 1 --sortierung 3",
+                                "tanzen", "konten 1 2"}) {
     Outcome outcome = run(arguments);
     EXPECT_EQ(outcome.code, 2) << arguments;
     EXPECT_NE(outcome.text.find("Hilfe: zelkctl --hilfe"), std::string::npos) << outcome.text;
@@ -160,11 +171,13 @@ TEST_F(ClientFolder, IsLoadedWholeOrNotAtAll) {
   const Case cases[] = {
       {"firmenstamm.csv", "Nummer;Name\n", "genau einer Zeile"},
       {"firmenstamm.csv", "Nummer;Name;AktJahr\n0;x;2026\n", "Nummer"},
-      {"firmenstamm.csv", "Nummer;Name;AktJahr;Gejabeginn;Waehrung;Kontolaenge\n7;x;2026;1;EUR;8\n", "Kontolaenge muss"},
+      {"firmenstamm.csv", "Nummer;Name;AktJahr;Gejabeginn;Waehrung;Kontolaenge\n7;x;2026;1;EUR;8\n",
+       "Kontolaenge muss"},
       {"firmenstamm.csv", "Nummer;Name;AktJahr;Gejabeginn\n7;x;2026;1\n", "Waehrung fehlt."},
       {"geschaeftsjahr.csv", "Jahr;Beginn;Ende\n1970;01.01.2026;31.12.2026\n", "Jahr muss von 1980 bis 2079 gehen."},
       {"sachkonto.csv", "Nr;Name;Jahr\n1000;Kasse;x2026\n", "erwartet wird ein Jahr"},
-      {"firmenstamm.csv", "Nummer;Name;AktJahr\n70000;x;2026\n", "Zeile 2: Nummer = \"70000\": erwartet wird eine Zahl von 1 bis 65535"},
+      {"firmenstamm.csv", "Nummer;Name;AktJahr\n70000;x;2026\n",
+       "Zeile 2: Nummer = \"70000\": erwartet wird eine Zahl von 1 bis 65535"},
       {"firmenstamm.csv", "Nummer;Name;AktJahr\n7;x;2024\n", "AktJahr ist keines der Geschäftsjahre"},
       {"geschaeftsjahr.csv", "Jahr;Beginn;Ende\n2026;31.12.2026;01.01.2026\n", "vertauscht"},
       {"geschaeftsjahr.csv", "Jahr;Beginn;Ende\n2026;01.01.2026;31.02.2026\n", "erwartet wird ein Datum TT.MM.JJJJ"},
@@ -212,7 +225,8 @@ TEST_F(ClientFolder, LinksTheLinesOfAStructure) {
   };
   for (const Line &line : {Line{1, 2, 0}, {2, 9, 3}, {9, 0, 4}, {4, 0, 0}, {3, 0, 0}}) {
     vldb98::DATENBANK record{};
-    ASSERT_TRUE(store->UsedGet(record, vldb98::KeyBuilder().number(line.number), found, 7, vldb98::ZELK_ENG_DEFAULT) && found);
+    ASSERT_TRUE(store->UsedGet(record, vldb98::KeyBuilder().number(line.number), found, 7, vldb98::ZELK_ENG_DEFAULT) &&
+                found);
     EXPECT_EQ(record.Aufbau.Kind, line.child) << line.number;
     EXPECT_EQ(record.Aufbau.Naechste, line.next) << line.number;
   }
@@ -221,7 +235,9 @@ TEST_F(ClientFolder, LinksTheLinesOfAStructure) {
 TEST(ClientFolderDocumentation, NamesEveryField) {
   std::string text = platform::readFile((sourceFolder() / "docs" / "mandantenordner.md").string()).value_or("");
   for (const vldb98::Table &table : vldb98::allTables()) {
-    if (table.number == vldb98::kBatchbuchung || table.number == vldb98::kSplit || table.number == vldb98::kKobu || table.number == vldb98::kDmsId) continue;
+    if (table.number == vldb98::kBatchbuchung || table.number == vldb98::kSplit || table.number == vldb98::kKobu ||
+        table.number == vldb98::kDmsId)
+      continue;
     for (const vldb98::Field &field : table.fields)
       EXPECT_NE(text.find("`" + std::string(field.name) + "`"), std::string::npos) << table.name << "." << field.name;
   }
