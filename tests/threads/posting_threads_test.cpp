@@ -1,7 +1,8 @@
 // Several threads and processes at the exports at once.
 #include <atomic>
-#include <barrier>
+#include <condition_variable>
 #include <map>
+#include <mutex>
 #include <set>
 #include <thread>
 
@@ -103,27 +104,48 @@ TEST_F(PostingThreads, EndedThreadsLeaveNothingOpen) {
     EXPECT_TRUE(store->Lock(vldb98::FileNumber(table.number), nullptr, 0, vldb98::ZELK_ENG_DEFAULT)) << table.name;
 }
 
+// Lets two threads wait for each other. (The standard library's barrier of GCC 12 loses wake-ups on Windows.)
+class TurnOfTwo {
+public:
+  void arriveAndWait() {
+    std::unique_lock lock(mutex_);
+    int mine = turn_;
+    if (++arrived_ == 2) {
+      arrived_ = 0;
+      ++turn_;
+      both_.notify_all();
+      return;
+    }
+    both_.wait(lock, [&] { return turn_ != mine; });
+  }
+
+private:
+  std::mutex mutex_;
+  std::condition_variable both_;
+  int arrived_ = 0, turn_ = 0;
+};
+
 TEST_F(PostingThreads, ClientListsDoNotDisturbEachOther) {
   constexpr int kRounds = 20;
   // One step of each thread in turn, the second one a step behind.
-  std::barrier turn(2);
+  TurnOfTwo turn;
   auto walk = [&](int behind) {
     std::string codes;
     for (int i = 0; i < behind; ++i)
-      turn.arrive_and_wait();
+      turn.arriveAndWait();
     for (int i = 0; i < kRounds; ++i) {
       codes += std::to_string(ZELK_InitHoleMandant());
-      turn.arrive_and_wait();
+      turn.arriveAndWait();
       for (int client = 0; client < 2; ++client) {
         uint32_t number = 0;
         codes += std::to_string(ZELK_HoleMandant(&number, nullptr, nullptr));
         codes += std::to_string(number);
-        turn.arrive_and_wait();
+        turn.arriveAndWait();
       }
       codes += ' ';
     }
     for (int i = behind; i < 1; ++i)
-      turn.arrive_and_wait();
+      turn.arriveAndWait();
     return codes;
   };
   std::string expected, ahead, behind;
