@@ -1,5 +1,6 @@
 // Looking accounts up.
 #include "vlfn98/accounts.h"
+#include "accounts/account.h"
 #include "frame/call.h"
 #include "frame/fetch.h"
 #include "frame/messages.h"
@@ -31,17 +32,25 @@ ZelkResult ZELK_CALL ZELK_ExistiertKonto(int32_t Mandantennummer, const char *Ko
              });
 }
 
+ZelkResult ZELK_CALL ZELK_ExistiertKuerzel(int32_t Mandantennummer, const char *Kuerzel, int32_t Kontoart) {
+  static constexpr Export self{.name = "ZELK_ExistiertKuerzel"};
+  return run(self,
+             {number("Mandantennummer:", Mandantennummer), text("Kürzel:", Kuerzel), number("Kontoart:", Kontoart)},
+             [&](ThreadContext *context) -> ZelkResult {
+               if (!vlfn98::isAccountKind(Kontoart)) return ZELKERR_uzl_Kontoart;
+               Store *store = context->session();
+               if (!store) return ZELKERR_Datenbank;
+               if (int32_t opened = vlfn98::HoleMandantenDaten(*store, Mandantennummer); opened < 1) return opened;
+               uint8_t found;
+               if (!store->UsedKuerzel(Kuerzel ? Kuerzel : "", found, vlfn98::KzFromZELKArt(Kontoart)))
+                 return ZELKERR_Datenbank;
+               return found ? ZELK_OK : ZELK_keinKonto;
+             });
+}
+
 namespace {
 
 constexpr size_t kMaxFrom = 41;
-constexpr int kOrders = 3;
-
-// Key of each order, by table: number, short name, name.
-int keyIndex(int table, int32_t order) {
-  if (order < 2) return order;
-  return table == kSachkonto ? 5 : table == kKost ? 3 : 4;
-}
-
 void fill(ZELK_SAKO &out, const SACHKONTO &account) {
   out = {};
   vlba98::copyTrimmed(out.Kontonummer, account.Nr);
@@ -108,13 +117,13 @@ ZelkResult ZELK_CALL ZELK_InitHoleKonto(int32_t Mandantennummer, int32_t Kontoar
                context->fetch.end();
                if (!vlfn98::isAccountKind(Kontoart))
                  return refuse(*context, ZELKERR_uzl_Kontoart, resources::kKontoartUnzulaessig);
-               if (Sortierung < 0 || Sortierung >= kOrders)
+               if (Sortierung < 0 || Sortierung >= accounts::kOrders)
                  return refuse(*context, ZELKERR_uzl_Sortierung, resources::kSortierungUnzulaessig);
                Store *store = context->session();
                if (!store) return ZELKERR_Datenbank;
                if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
                int table = vlfn98::KzFromZELKArt(Kontoart);
-               FileNumber file = fileNumber(table, keyIndex(table, Sortierung));
+               FileNumber file = fileNumber(table, accounts::keyIndex(table, Sortierung));
                if (!Ab || !*Ab) return startFetch(*context, *store, file, nullptr, ZELK_keinKonto);
                KeyBuilder from;
                if (Sortierung == 0)

@@ -1,7 +1,9 @@
 // The client list and the master data of a client.
+#include <cstdlib>
 #include <cstring>
 
 #include "frame/call.h"
+#include "frame/selection.h"
 #include "vlba98/datum.h"
 #include "vlba98/text.h"
 #include "vlfn98/client.h"
@@ -101,7 +103,7 @@ ZelkResult ZELK_CALL ZELK_HoleMandantenInfoDirekt(int32_t Mandantennummer, int32
                                                   int32_t *Steuerfrei, int32_t *Euro, char *UStIdNr, char *Land,
                                                   char *Waehrung, char *Eurokurs, char *SvSako, char *SvKred,
                                                   char *SvDebi, char *Name, char *Zusatz, uint32_t Option) {
-  static constexpr Export self{.name = "ZELK_HoleMandantenInfoDirekt"};
+  static constexpr Export self{.name = "ZELK_HoleMandantenInfoDirekt", .dumpInOneLine = true};
   using Info = ZELK_MANDANTENINFO;
   struct Delivery {
     const char *label;
@@ -163,5 +165,30 @@ ZelkResult ZELK_CALL ZELK_HoleStartJahr(int32_t Mandantennummer) {
       const FIRMENSTAMM &client = store.HoleFista();
       return vlba98::yearOfCode(client.StartJahr[0] ? client.StartJahr : client.AktJahr);
     });
+  });
+}
+
+ZelkResult ZELK_CALL ZELK_HoleMandantenNr(void *HandleParent) {
+  static constexpr Export self{.name = "ZELK_HoleMandantenNr"};
+  return run(self, {out("Handle-Parent:", HandleParent)}, [&](ThreadContext *context) -> ZelkResult {
+    std::string chosen;
+    ZelkResult result = choose(
+        *context, resources::kMandantenauswahl,
+        [&](SelectionOrder order, const AddEntry &add) -> ZelkResult {
+          // Anew at every filling: while the dialog is open, the host's windows may call the library.
+          Store *store = context->session();
+          FileNumber file = fileNumber(kFirmenstamm, order == SelectionOrder::Name ? 1 : 0);
+          DATENBANK record{};
+          uint8_t found;
+          if (!store || !store->GetFirstExt(record, found, file, ZELK_ENG_DEFAULT, 0)) return ZELKERR_Datenbank;
+          if (!found) return ZELKERR_keine_Mandanten;
+          while (found) {
+            add(std::to_string(record.Firmenstamm.Nummer), record.Firmenstamm.Name);
+            if (!store->GetNextExt(record, found, file, ZELK_ENG_DEFAULT)) return ZELKERR_Datenbank;
+          }
+          return ZELK_OK;
+        },
+        HandleParent, chosen);
+    return result == ZELK_OK ? std::atoi(chosen.c_str()) : result;
   });
 }

@@ -6,6 +6,7 @@
 
 #include "frame/lifecycle.h"
 #include "frame/messages.h"
+#include "frame/protocol.h"
 #include "platform/files.h"
 #include "platform/ui.h"
 #include "vlba98/encoding.h"
@@ -70,39 +71,43 @@ private:
   platform::DirectoryName saved_;
 };
 
-void showOverflow(const Parameter &parameter) {
+void reportOverflow(const Parameter &parameter, bool show) {
   std::string text(resources::text(resources::kTextUeberlauf));
   auto *field = static_cast<const char *>(parameter.pointer);
   // The number first: the field's text may hold the mark.
   text.replace(text.find("%i"), 2, std::to_string(parameter.width - 1));
   text.replace(text.find("%s"), 2, vlba98::toUtf8(std::string_view(field, parameter.width)));
-  platform::ui().message(kMessageCaption, text, platform::BoxIcon::Exclamation, platform::BoxButtons::Ok);
+  protocolRefusal(text);
+  if (show) platform::ui().message(kMessageCaption, text, platform::BoxIcon::Exclamation, platform::BoxButtons::Ok);
 }
 
 // \return the first field whose text does not end within its width
 const Parameter *firstOverflow(std::span<const Parameter> parameters) {
   for (const Parameter &parameter : parameters)
-    if (parameter.kind == Parameter::Kind::Field && !std::memchr(parameter.pointer, 0, parameter.width))
+    if (parameter.kind == Parameter::Kind::Field && parameter.checked &&
+        !std::memchr(parameter.pointer, 0, parameter.width))
       return &parameter;
   return nullptr;
 }
 
-int32_t messagesFlag(std::span<const Parameter> parameters) {
+// \return null for a function that does not take the flag
+const Parameter *messagesFlag(std::span<const Parameter> parameters) {
   for (const Parameter &parameter : parameters)
-    if (parameter.kind == Parameter::Kind::Messages) return int32_t(parameter.number);
-  return 0;
+    if (parameter.kind == Parameter::Kind::Messages) return &parameter;
+  return nullptr;
 }
 
 ZelkResult runBody(const Export &self, std::span<const Parameter> parameters, detail::Body body, void *object) {
   if (self.needsStatus && initialisationStatus() != ZELK_OK) return initialisationStatus();
   ThreadContext *context = self.needsContext ? threadContext() : nullptr;
   if (self.needsContext && !context) return ZELKERR_Thread;
-  int32_t flag = messagesFlag(parameters);
+  const Parameter *flag = messagesFlag(parameters);
   if (const Parameter *overflow = firstOverflow(parameters)) {
-    if (flag) showOverflow(*overflow);
+    bool show = flag && flag->number;
+    if (show || protocolOpen()) reportOverflow(*overflow, show);
     return ZELKERR_Ueberlauf;
   }
-  if (context) context->fehlermeldungen = flag;
+  if (context && flag) context->fehlermeldungen = int32_t(flag->number);
   ZelkResult result = body(object, context);
   // Whatever the database came to, the next call begins with a connection of its own.
   if (result == ZELKERR_Datenbank && context) context->closeSession();
@@ -115,10 +120,17 @@ ZelkResult detail::run(const Export &self, std::span<const Parameter> parameters
   try {
     DirectoryGuard guard(self.connect);
     if (self.refusesWhenDetached && detached()) return ZELKERR_Datenbank;
-    return runBody(self, parameters, body, object);
+    ZelkResult result = 0;
+    Protokoll protocol(self, parameters, result);
+    try {
+      result = runBody(self, parameters, body, object);
+    } catch (...) {
+      // Wherever the call was torn off, a transaction or a lock may be left.
+      if (ThreadContext *context = threadContext()) context->closeSession();
+      result = ZELKERR_sonst;
+    }
+    return result;
   } catch (...) {
-    // Wherever the call was torn off, a transaction or a lock may be left.
-    if (ThreadContext *context = threadContext()) context->closeSession();
     return ZELKERR_sonst;
   }
 }

@@ -3,8 +3,13 @@
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "vldb98/store.h"
+
+namespace postings {
+struct Construction;
+}
 
 namespace frame {
 
@@ -27,13 +32,24 @@ struct SharedFetch {
   }
 };
 
+/// The posting that the batch reading delivered last.
+struct DeliveredPosting {
+  std::vector<vldb98::SPLIT> lines;
+  std::vector<vldb98::KOBU> costs;
+  size_t nextLine = 0, nextCost = 0;
+  bool any = false;
+};
+
 /// Created on first need, freed when the thread ends or the library is detached.
 struct ThreadContext {
-  int32_t fehlermeldungen = 0; ///< messages flag of the running call
+  int32_t fehlermeldungen = 0; ///< messages flag of the thread's last call that takes one
+  int32_t selectionOrder = 0;  ///< order chosen last in a selection dialog
   uint32_t clientOption = 0;   ///< option of the last read of client information
   uint32_t clientCursor = 0;   ///< number of the next client of the client list; 0: no such fetch
   SharedFetch fetch;
   vldb98::BATCHBUCHUNG batchPosting{}; ///< posting under the cursor of the batch reading
+  DeliveredPosting delivered;
+  std::shared_ptr<postings::Construction> construction; ///< split posting under construction; made on first need
 
   /// The thread's session, opened on first need; null when the database cannot be opened.
   vldb98::Store *session();

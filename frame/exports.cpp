@@ -27,7 +27,7 @@ ZelkResult ZELK_CALL ZELK_HoleFehlertext(int32_t code, char *Kurztext, char *Lan
 }
 
 ZelkResult ZELK_CALL ZELK_GetUsedEngine() {
-  static constexpr Export self{.name = "ZELK_GetUsedEngine", .needsContext = false};
+  static constexpr Export self{.name = "ZELK_GetUsedEngine", .needsContext = false, .engine = true};
   return run(self, {}, [](ThreadContext *) -> ZelkResult {
     vldb98::DBENGINE engine = vldb98::GetUsedEngine();
     return engine == vldb98::ZELK_ENG_MYSQL || engine == vldb98::ZELK_ENG_MSSQL ? engine : vldb98::ZELK_ENG_BTRIEVE;
@@ -39,8 +39,8 @@ ZelkResult ZELK_CALL ZELK_SQLInit(int32_t engine, int32_t dialog, const char *Ho
   static constexpr Export self{.name = "ZELK_SQLInit", .connect = false, .needsContext = false};
   return run(
       self,
-      {number("Enginetyp:", engine), number("Dialog:", dialog), text("Host:", Host), text("User:", User),
-       text("Passwort:", Passwort), number("Port:", port), text("Zusatz:", Zusatz), text("Datenbank:", Datenbank)},
+      {frame::engine("Enginetyp:", engine), number("Dialog:", dialog), text("Host:", Host), text("User:", User),
+       secret("Passwort:", Passwort), number("Port:", port), text("Zusatz:", Zusatz), text("Datenbank:", Datenbank)},
       [&](ThreadContext *) -> ZelkResult {
         auto chosen = engine >= 1 && engine <= 3 ? vldb98::DBENGINE(engine) : vldb98::ZELK_ENG_DEFAULT;
         // The limit is one too high, so that 65536 becomes 0; hosts may count on it.
@@ -60,7 +60,7 @@ ZelkResult ZELK_CALL ZELK_SQLInit(int32_t engine, int32_t dialog, const char *Ho
 }
 
 ZelkResult ZELK_CALL ZELK_SQLDeInit() {
-  static constexpr Export self{.name = "ZELK_SQLDeInit", .needsContext = false};
+  static constexpr Export self{.name = "ZELK_SQLDeInit", .needsContext = false, .remark = "(Dummy in der MERKA FIBU)"};
   return run(self, {}, [](ThreadContext *) -> ZelkResult {
     vldb98::DeinitializeDB();
     // The sessions of other threads close when those threads end.
@@ -73,7 +73,7 @@ ZelkResult ZELK_CALL ZELK_SQLDeInit() {
 ZelkResult ZELK_CALL ZELK_BeendeHolen() {
   static constexpr Export self{.name = "ZELK_BeendeHolen"};
   return run(self, {}, [](ThreadContext *context) -> ZelkResult {
-    if (context->fetch.kind == vldb98::kBatchbuchung) context->batchPosting = {};
+    context->delivered = {};
     context->fetch.end();
     return ZELK_OK;
   });

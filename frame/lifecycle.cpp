@@ -1,8 +1,12 @@
 #include "frame/lifecycle.h"
 
 #include <mutex>
+#include <utility>
 
 #include "frame/context.h"
+#include "frame/messages.h"
+#include "frame/notification.h"
+#include "frame/protocol.h"
 #include "frame/settings.h"
 #include "platform/files.h"
 #include "platform/system.h"
@@ -70,6 +74,8 @@ void attach(Lifecycle &state, bool connect) {
   if (!settings.reportDirectory.empty()) settings.reportDirectory = platform::withSeparator(settings.reportDirectory);
   settings.totalRecall = setting("MFIBU", "TotalRecall", 3) == "98";
   settings.noFiscalYearCheck = setting("MFIBU", "NoGejaCheck", 2) == "j";
+  settings.basicEdition = setting("MFIBU", "Edition", 10) == "Basis";
+  startProtocolBySetting(settings.programDirectory);
   state.status = ZELK_OK;
 }
 
@@ -95,6 +101,7 @@ using frame::lifecycle;
 int ZELK_CALL ZELK_Attach(bool connect) {
   auto &state = lifecycle();
   if (state.attached.load(std::memory_order_acquire)) return 1;
+  bool notifies = true;
   {
     std::lock_guard guard(state.mutex);
     if (state.attached) return 1;
@@ -104,21 +111,31 @@ int ZELK_CALL ZELK_Attach(bool connect) {
       state.status = ZELKERR_Ini;
     }
     state.notificationLoaded = state.status == ZELK_OK;
+    // Before any other thread can post something that would go unnoticed.
+    if (state.notificationLoaded) notifies = frame::startNotification();
     // A failed attach is not tried again either, until ZELK_Detach.
     state.attached.store(true, std::memory_order_release);
   }
   // Without the mutex: it may show a message box, under which the host can call again.
-  if (state.status == ZELK_OK) ZELK_InitDLLs();
+  if (!notifies) frame::showMessage(resources::kZelkoutStart);
   return 1;
 }
 
 int ZELK_CALL ZELK_Detach() {
   auto &state = lifecycle();
+  bool notifies;
+  {
+    std::lock_guard guard(state.mutex);
+    if (!state.attached) return 1;
+    frame::writeProtocolEnd();
+    frame::closeProtocol();
+    platform::releaseProcessInitialisation();
+    notifies = std::exchange(state.notificationLoaded, false);
+  }
+  // Without the mutex: this too may show a message box.
+  if (notifies) ZELK_FreeDLLs();
   std::lock_guard guard(state.mutex);
   if (!state.attached) return 1;
-  platform::releaseProcessInitialisation();
-  if (state.notificationLoaded) ZELK_FreeDLLs();
-  state.notificationLoaded = false;
   frame::freeThreadContext();
   frame::freeContextSlot();
   vldb98::VLDB_Detach();
@@ -128,6 +145,8 @@ int ZELK_CALL ZELK_Detach() {
 }
 
 ZelkResult ZELK_CALL ZELK_Status() {
-  ZelkResult status = frame::initialisationStatus();
-  return status < 0 ? status : ZELK_OK;
+  static constexpr frame::Export self{.name = "ZELK_Status"};
+  ZelkResult status = frame::initialisationStatus(), result = status < 0 ? status : ZELK_OK;
+  frame::Protokoll entry(self, {}, result);
+  return result;
 }

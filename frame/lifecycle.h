@@ -14,6 +14,7 @@ struct ProgramSettings {
   std::string reportDirectory; ///< empty when none is set
   bool totalRecall = false;    ///< the call protocol is never emptied
   bool noFiscalYearCheck = false;
+  bool basicEdition = false; ///< without foreign currencies and cost accounting
 };
 
 /// 0 before the first attach; 1 attached; -36 or -42 while or after an attach that failed.

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "frame/context.h"
+#include "frame/protocol.h"
 #include "platform/ui.h"
 #include "vlba98/encoding.h"
 
@@ -33,26 +34,36 @@ void replaceOnce(std::string &text, std::string_view mark, std::string_view valu
   if (size_t at = text.find(mark); at != std::string::npos) text.replace(at, mark.size(), value);
 }
 
-} // namespace
-
-int showMessage(int message, std::string_view fill, int partial) {
-  int group = (message - kFirstMessage) / kGroupSize;
-  bool known = message >= kFirstMessage && group < int(std::size(kStyles));
-  BoxStyle style = known ? kStyles[group] : BoxStyle{BoxIcon::Exclamation, BoxButtons::Ok};
+std::string messageText(int message, std::string_view fill, int partial) {
   std::string text(resources::text(message));
   if (text.empty()) {
     text = "Die Meldung Nr. %i kann nicht geladen werden!";
     replaceOnce(text, "%i", std::to_string(message));
   }
   replaceOnce(text, "%s", vlba98::toUtf8(fill));
-  if (partial >= 0) text = "Teilbuchung " + std::to_string(partial + 1) + ": " + text;
+  return partial < 0 ? text : "Teilbuchung " + std::to_string(partial + 1) + ": " + text;
+}
+
+int showText(int message, const std::string &text) {
+  int group = (message - kFirstMessage) / kGroupSize;
+  bool known = message >= kFirstMessage && group < int(std::size(kStyles));
+  BoxStyle style = known ? kStyles[group] : BoxStyle{BoxIcon::Exclamation, BoxButtons::Ok};
   Button pressed = platform::ui().message(kMessageCaption, text, style.icon, style.buttons);
   if (style.buttons == BoxButtons::YesNoCancel) return int(pressed);
   return pressed == Button::Ok || pressed == Button::Yes;
 }
 
+} // namespace
+
+int showMessage(int message, std::string_view fill, int partial) {
+  return showText(message, messageText(message, fill, partial));
+}
+
 ZelkResult refuse(const ThreadContext &context, ZelkResult code, int message, std::string_view fill, int partial) {
-  if (context.fehlermeldungen) showMessage(message, fill, partial);
+  if (!context.fehlermeldungen && !protocolOpen()) return code;
+  std::string text = messageText(message, fill, partial);
+  protocolRefusal(text);
+  if (context.fehlermeldungen) showText(message, text);
   return code;
 }
 

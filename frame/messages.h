@@ -19,7 +19,8 @@ inline constexpr char kMessageCaption[] = "Velta MERKA FIBU";
 /// \return the button pressed for a box with Yes, No and Cancel; else 1 for OK or Yes and 0 for Cancel or No
 int showMessage(int message, std::string_view fill = {}, int partial = -1);
 
-/// Refuses a call: shows the message when the call's messages flag is set, and returns the code.
+/// Refuses a call: notes the message in the call protocol, shows it when the call's messages flag is set, and returns
+/// the code.
 ZelkResult refuse(const ThreadContext &context, ZelkResult code, int message, std::string_view fill = {},
                   int partial = -1);
 

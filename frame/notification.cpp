@@ -1,21 +1,169 @@
-// Start and end of the notification of dependent applications.
+// Start, hand-over and end of the notification of dependent applications.
+#include "frame/notification.h"
+
+#include <algorithm>
 #include <atomic>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
 
+#include "frame/context.h"
+#include "frame/lifecycle.h"
 #include "frame/messages.h"
+#include "frame/notification_payload.h"
 #include "frame/settings.h"
+#include "platform/peer_process.h"
 #include "platform/registry.h"
+#include "platform/system.h"
 
+namespace frame {
 namespace {
 
 const char kRegistrationKey[] = "SOFTWARE\\Velta\\ZELK_Out";
+constexpr size_t kTimeoutSettingSize = 12;
+
+// One for the process. The flag is what a change costs while nobody is registered; the mutex makes one hand-over of the
+// wait for the ready event, the writing and the events, which a thread could otherwise break into, and keeps a
+// posting's changes together. No message shows under it: a host may call the library from there.
+struct Notification {
+  std::atomic<bool> enabled{false};
+  std::mutex mutex;
+  int16_t applications = 0;
+  int32_t factor = 3000; // milliseconds to wait for each application
+  std::unique_ptr<platform::PeerProcess> process;
+};
+
+Notification &notification() {
+  // Never destroyed: a host that ends without a detach may still post in another thread. The process notices its end.
+  static auto *instance = new Notification;
+  return *instance;
+}
+
+struct Wait {
+  int16_t applications;
+  int32_t factor;
+  uint64_t milliseconds() const { return uint64_t(applications) * uint64_t(factor); }
+};
+
+void readTimeout(Notification &state) {
+  // A text that is no number, 0 and a negative number leave the factor as it was.
+  long long given = std::strtoll(setting("ZELK", "ZelkOutTimeout", kTimeoutSettingSize).c_str(), nullptr, 10);
+  if (given > 0) state.factor = int32_t(std::min<long long>(given, INT32_MAX));
+}
+
+// \return false when the process was not ready in time; then none is asked again
+bool handOver(Notification &state, const ZELK_OUT_BLOCK &block) {
+  if (!state.process->waitReady(Wait{state.applications, state.factor}.milliseconds())) {
+    state.enabled = false;
+    return false;
+  }
+  std::memcpy(state.process->block(), &block, sizeof block);
+  state.process->resetReady();
+  state.process->setSubmit();
+  return true;
+}
+
+// Hands changes over as long as there is a next one, and tells the user when that failed.
+template <class NextBlock> void handOverAll(NextBlock &&nextBlock) {
+  Notification &state = notification();
+  {
+    std::lock_guard guard(state.mutex);
+    ZELK_OUT_BLOCK block;
+    do {
+      // Another thread may have found the process silent meanwhile.
+      if (!state.enabled || !nextBlock(block)) return;
+    } while (handOver(state, block));
+  }
+  showMessage(resources::kZelkoutUnvollstaendig);
+}
+
+// The end of a process that may still be at work on its last change.
+void end(platform::PeerProcess &process, bool enabled, Wait wait) {
+  if (enabled) {
+    if (!process.waitReady(wait.milliseconds())) showMessage(resources::kZelkoutUnvollstaendig);
+    // The command alone: a process that is late may still be reading its last change.
+    static_cast<ZELK_OUT_BLOCK *>(process.block())->Befehl = 0;
+    // Reset, so that it is the answer to this that is waited for.
+    process.resetReady();
+    process.setSubmit();
+    // One that does not answer is at work on something, and left to it.
+    if (!process.waitReady(wait.milliseconds())) return;
+  }
+  process.terminate();
+}
 
 } // namespace
 
+bool startNotification() noexcept try {
+  Notification &state = notification();
+  std::lock_guard guard(state.mutex);
+  if (state.process) return true;
+  readTimeout(state);
+  int registered = platform::registrySubkeyCount(platform::Hive::LocalMachine, kRegistrationKey);
+  state.applications = int16_t(std::min(registered, INT16_MAX));
+  if (state.applications < 1) return true;
+  if (programSettings().programDirectory.empty()) return false;
+  std::string program = programSettings().programDirectory + "zelkout" + platform::kProgramExtension;
+  state.process = platform::PeerProcess::start(program, sizeof(ZELK_OUT_BLOCK));
+  state.enabled = state.process != nullptr;
+  return state.enabled;
+} catch (...) {
+  return false;
+}
+
+void notifyPosting(vldb98::Store &store, const vldb98::BATCHBUCHUNG &posting) noexcept {
+  if (!notification().enabled.load(std::memory_order_acquire)) return;
+  try {
+    const size_t lines = store.lineCount();
+    size_t start = 0;
+    handOverAll([&](ZELK_OUT_BLOCK &block) {
+      if (start >= lines) return false;
+      block = changeBlock(kNew, kPostingChange, store.HoleFista().Nummer, &posting, &store, start);
+      start += kLinesPerChange;
+      return true;
+    });
+  } catch (...) {
+    // The posting is stored, whatever becomes of its notification.
+  }
+}
+
+} // namespace frame
+
+using frame::notification;
+
 void ZELK_CALL ZELK_InitDLLs() try {
-  // Whoever registered is told that this build hands no changes over, as when the process for it is missing.
-  if (platform::registrySubkeyCount(platform::Hive::LocalMachine, kRegistrationKey) > 0)
-    frame::showMessage(resources::kZelkoutStart);
+  ZELK_FreeDLLs();
+  if (!frame::startNotification()) frame::showMessage(resources::kZelkoutStart);
 } catch (...) {
 }
 
-void ZELK_CALL ZELK_FreeDLLs() {}
+void ZELK_CALL ZELK_FreeDLLs() try {
+  auto &state = notification();
+  std::unique_ptr<platform::PeerProcess> process;
+  bool enabled;
+  frame::Wait wait;
+  {
+    std::lock_guard guard(state.mutex);
+    process = std::move(state.process);
+    enabled = state.enabled.exchange(false);
+    wait = {state.applications, state.factor};
+  }
+  if (process) frame::end(*process, enabled, wait);
+} catch (...) {
+}
+
+void ZELK_CALL ZELK_Out(int32_t Aktion, int32_t Art, int32_t Wert, const void *Satz, int16_t Start) try {
+  if (!notification().enabled.load(std::memory_order_acquire)) return;
+  frame::ThreadContext *context = Art == frame::kPostingChange ? frame::threadContext() : nullptr;
+  vldb98::Store *store = context ? context->session() : nullptr;
+  bool more = true;
+  frame::handOverAll([&](ZELK_OUT_BLOCK &block) {
+    if (!std::exchange(more, false)) return false;
+    block = frame::changeBlock(Aktion, Art, Wert, Satz, store, size_t(std::max<int16_t>(Start, 0)));
+    return true;
+  });
+} catch (...) {
+}

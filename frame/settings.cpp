@@ -45,21 +45,6 @@ std::optional<std::string> read(const std::string &section, const std::string &k
   return platform::readRegistry(Hive::LocalMachine, path, key);
 }
 
-// What does not exist in the code page is shown as a question mark, as the system itself does.
-std::string toCodePage(const std::string &utf8) {
-  if (auto text = vlba98::toWindows1252(utf8)) return *text;
-  std::string text;
-  for (size_t i = 0; i < utf8.size();) {
-    size_t length = 1;
-    while (i + length < utf8.size() && (uint8_t(utf8[i + length]) & 0xC0) == 0x80)
-      ++length;
-    auto character = vlba98::toWindows1252(utf8.substr(i, length));
-    text += character ? *character : "?";
-    i += length;
-  }
-  return text;
-}
-
 std::string fromCodePage(const char *text) {
   return vlba98::toUtf8(text ? text : "");
 }
@@ -90,6 +75,20 @@ uint32_t deliverNames(const std::string &section, char *buffer, uint32_t size) {
 }
 
 } // namespace
+
+std::string toCodePage(const std::string &utf8) {
+  if (auto text = vlba98::toWindows1252(utf8)) return *text;
+  std::string text;
+  for (size_t i = 0; i < utf8.size();) {
+    size_t length = 1;
+    while (i + length < utf8.size() && (uint8_t(utf8[i + length]) & 0xC0) == 0x80)
+      ++length;
+    auto character = vlba98::toWindows1252(utf8.substr(i, length));
+    text += character ? *character : "?";
+    i += length;
+  }
+  return text;
+}
 
 std::string setting(const char *section, const char *key, size_t size) {
   auto value = read(section, key);

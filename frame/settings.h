@@ -11,4 +11,7 @@ std::string setting(const char *section, const char *key, size_t size);
 /// A setting that is a whole number above zero; otherwise what stands for a missing one.
 int positiveSetting(const char *section, const char *key, int missing);
 
+/// A text for a host. What does not exist in the code page becomes a question mark, as the system itself does it.
+std::string toCodePage(const std::string &utf8);
+
 } // namespace frame

@@ -2,6 +2,7 @@
 /// path $ZELK_SETTINGS, else ~/.config/velta/settings.ini, with one section for each hive and key. All texts are UTF-8.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -15,6 +16,10 @@ std::optional<std::string> readRegistry(Hive hive, const std::string &key, const
 
 /// Writes a text value and makes its key when missing. Writers exclude each other; readers never see half a write.
 bool writeRegistry(Hive hive, const std::string &key, const std::string &name, const std::string &value);
+
+/// The same for a value that is a number of 32 bits. Nothing when it is missing or no number.
+std::optional<uint32_t> readRegistryNumber(Hive hive, const std::string &key, const std::string &name);
+bool writeRegistryNumber(Hive hive, const std::string &key, const std::string &name, uint32_t value);
 
 /// The names of the values of a key.
 std::vector<std::string> registryValueNames(Hive hive, const std::string &key);

@@ -49,8 +49,21 @@ void sleepMicroseconds(uint32_t microseconds);
 /// Monotonic clock, in milliseconds.
 uint64_t steadyMilliseconds();
 
+/// The date and time of the clock on the wall.
+struct LocalTime {
+  int year, month, day, hour, minute, second;
+};
+LocalTime localTime();
+
+/// The system's numbers of the calling thread and of the process.
+uint32_t threadId();
+uint32_t processId();
+
 /// The arguments of the process as UTF-8, the program's name first; a console that shows UTF-8.
 std::vector<std::string> commandLine(int argc, char **argv);
+
+/// What the file names of programs end in: ".exe" on Windows.
+extern const char kProgramExtension[];
 
 /// True when standard error is a terminal.
 bool errorIsTerminal();

@@ -4,8 +4,8 @@
 #include "frame/call.h"
 #include "frame/fetch.h"
 #include "frame/messages.h"
+#include "frame/stored_posting.h"
 #include "vlba98/text.h"
-#include "vlfn98/accounts.h"
 #include "vlfn98/client.h"
 #include "vlfn98/documents.h"
 
@@ -14,37 +14,55 @@ using namespace vldb98;
 
 namespace {
 
-void fill(ZELK_TEILBUCHUNG &line, const SPLIT &stored) {
-  line.Sollart = vlfn98::KontoArtToZELKKontoArt(stored.Sollart);
-  line.Habenart = vlfn98::KontoArtToZELKKontoArt(stored.Habenart);
-  line.Kostenschablone = stored.Kostenschablone;
-  vlba98::copyTrimmed(line.Sollkonto, stored.Sollkonto);
-  vlba98::copyTrimmed(line.Habenkonto, stored.Habenkonto);
-  vlba98::strncpy2(line.Bruttobetrag, stored.Brutto);
-  vlba98::strncpy2(line.Steuersatz, stored.Steuersatz);
-  vlba98::strncpy2(line.Steuerbetrag, stored.Steuerbetrag);
-  vlba98::strncpy2(line.Text, stored.Text);
-  vlba98::strncpy2(line.Text2, stored.Text2);
+void fill(ZELK_BATCHZEILE &out, const SPLIT &stored) {
+  out = {};
+  fillLine(out.Teilbuchung, stored);
+  out.Steuerschluessel = stored.Steuerschluessel;
+  out.Steuerseite = stored.Steuerseite;
+  vlba98::strncpy2(out.Brutto, stored.Brutto);
+  vlba98::strncpy2(out.Netto, stored.Netto);
+  vlba98::strncpy2(out.Steuer, stored.Steuerbetrag);
+  vlba98::reversedToExternal6(out.Faelligkeit, stored.Faelligkeit);
+  out.Bewegungsart = stored.Bewegungsart;
+  out.DmsId = stored.DMSNr;
+}
+
+void fill(ZELK_BATCHKOBU &out, const KOBU &stored) {
+  out = {};
+  out.Teilbuchung = stored.Split;
+  vlba98::copyTrimmed(out.Kostenstelle1, stored.Kostenstelle1);
+  vlba98::copyTrimmed(out.Kostenstelle2, stored.Kostenstelle2);
+  vlba98::copyTrimmed(out.Kostenstelle3, stored.Kostenstelle3);
+  vlba98::copyTrimmed(out.Kostenstelle4, stored.Kostenstelle4);
+  vlba98::copyTrimmed(out.Kostenstelle5, stored.Kostenstelle5);
+  vlba98::copyTrimmed(out.Kostenstelle6, stored.Kostenstelle6);
+  out.Kostenkennung = stored.Kostenkennung;
+  vlba98::strncpy2(out.Betrag, stored.Betrag);
+  vlba98::strncpy2(out.BetragFW, stored.BetragFW);
+  vlba98::strncpy2(out.Prozent, stored.Prozent);
+  vlba98::strncpy2(out.Menge, stored.Menge);
+  vlba98::strncpy2(out.Einheit, stored.Einheit);
+  vlba98::strncpy2(out.Bemerkung, stored.Bemerkung);
+  vlba98::strncpy2(out.Bemerkung2, stored.Bemerkung2);
+}
+
+// Delivers the next one of a list in the posting that was delivered last.
+template <class Out, class Record>
+ZelkResult deliver(ThreadContext &context, Out *out, const std::vector<Record> &list, size_t &next) {
+  if (!out) return ZELKERR_nicht_moeglich;
+  if (!context.delivered.any) return ZELKERR_keinInit;
+  if (next == list.size()) return list.empty() ? ZELK_keinKonto : ZELKERR_keinDatensatz;
+  fill(*out, list[next++]);
+  return next == list.size() ? ZELK_letzterDatensatz : ZELK_OK;
 }
 
 int fill(ZELK_SPLITBUCHUNG &out, Store &store, const BATCHBUCHUNG &posting) {
   out = {};
   out.Mandantennummer = store.HoleFista().Nummer;
-  out.Stapelnummer = posting.Stapel;
   out.Teilbuchungsanzahl = posting.Anzahl;
-  out.UStDirekt = posting.USTDirekt;
-  out.Zahlungsziel = posting.Zahlungsziel;
-  out.Eroeffnungsbuchung = posting.Eroeffnung;
-  out.Abschlussbuchung = posting.Abschluss;
-  out.Umbuchung = posting.Umbuchung;
-  vlba98::reversedToExternal6(out.Belegdatum, posting.Belegdatum);
-  vlba98::reversedToExternal6(out.Valutadatum, posting.Valutadatum);
-  vlba98::strncpy2(out.Belegnummer, posting.Belegnummer);
-  vlba98::strncpy2(out.OPBelegnummer, posting.OPBelegnummer);
-  vlba98::strncpy2(out.Waehrung, posting.Waehrung);
-  vlba98::strncpy2(out.ESR, posting.ESR);
+  fillHead(out, posting);
   for (size_t i = 0; i < std::size(out.Teilbuchung); ++i)
-    if (const SPLIT *stored = store.PSplit(i)) fill(out.Teilbuchung[i], *stored);
+    if (const SPLIT *stored = store.PSplit(i)) fillLine(out.Teilbuchung[i], *stored);
   return vlfn98::DmsGetDmsID(store, posting.DMSNr, out.DMSID);
 }
 
@@ -57,6 +75,7 @@ ZelkResult ZELK_CALL ZELK_InitHoleBatch(int32_t Mandantennummer, int32_t Stapeln
       {number("Mandantennummer:", Mandantennummer), number("Stapelnummer:", Stapelnummer), messages(Fehlermeldungen)},
       [&](ThreadContext *context) -> ZelkResult {
         context->fetch.end();
+        context->delivered = {};
         Store *store = context->session();
         if (!store) return ZELKERR_Datenbank;
         if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
@@ -93,11 +112,32 @@ ZelkResult ZELK_CALL ZELK_HoleBatch(ZELK_SPLITBUCHUNG *Buchung) {
       return ZELKERR_keinDatensatz;
     }
     DATENBANK next{};
+    DeliveredPosting whole;
+    whole.any = true;
+    for (size_t i = 0; i < store->lineCount(); ++i)
+      whole.lines.push_back(*store->PSplit(i));
+    for (size_t i = 0; i < store->costCount(); ++i)
+      whole.costs.push_back(*store->costAt(i));
     if (!fill(delivered, *store, at) || !store->GetNextExt(next, found, kBatchbuchung, ZELK_ENG_DEFAULT))
       return ZELKERR_Datenbank;
     *Buchung = delivered;
+    context->delivered = std::move(whole);
     context->fetch.pending = found && next.Batchbuchung.Stapel == at.Stapel;
     if (context->fetch.pending) at = next.Batchbuchung;
     return context->fetch.pending ? ZELK_OK : ZELK_letzterDatensatz;
+  });
+}
+
+ZelkResult ZELK_CALL ZELK_HoleBatchZeile(ZELK_BATCHZEILE *Zeile) {
+  static constexpr Export self{.name = "ZELK_HoleBatchZeile", .fetch = true};
+  return run(self, {out("Zeile:", Zeile)}, [&](ThreadContext *context) {
+    return deliver(*context, Zeile, context->delivered.lines, context->delivered.nextLine);
+  });
+}
+
+ZelkResult ZELK_CALL ZELK_HoleBatchKobu(ZELK_BATCHKOBU *Kobu) {
+  static constexpr Export self{.name = "ZELK_HoleBatchKobu", .fetch = true};
+  return run(self, {out("Kobu:", Kobu)}, [&](ThreadContext *context) {
+    return deliver(*context, Kobu, context->delivered.costs, context->delivered.nextCost);
   });
 }

@@ -1,8 +1,13 @@
-// The list of a client's batches.
+// The list of a client's batches, and letting the user pick one of them.
+#include <cstdlib>
 #include <cstring>
+#include <string>
 
 #include "frame/call.h"
 #include "frame/fetch.h"
+#include "frame/lifecycle.h"
+#include "frame/selection.h"
+#include "frame/snapshot.h"
 
 using namespace frame;
 using namespace vldb98;
@@ -41,4 +46,52 @@ ZelkResult ZELK_CALL ZELK_HoleStapel(int32_t *Stapelnummer, char *Stapelname, in
                  put(Abstimm0, batch.Abstimm0);
                });
              });
+}
+
+namespace {
+
+ZelkResult fillBatches(Store &store, SelectionOrder order, const AddEntry &add) {
+  FileNumber file = fileNumber(kStapel, order == SelectionOrder::Name ? 1 : 0);
+  DATENBANK record{};
+  uint8_t found;
+  int done = store.GetFirstExt(record, found, file, ZELK_ENG_DEFAULT, 0);
+  if (done && !found) return ZELKERR_keine_Stapel;
+  while (done && found) {
+    add(std::to_string(record.Stapel.Nr), record.Stapel.Name);
+    done = store.GetNextExt(record, found, file, ZELK_ENG_DEFAULT);
+  }
+  return done ? ZELK_OK : ZELKERR_Datenbank;
+}
+
+} // namespace
+
+ZelkResult ZELK_CALL ZELK_HoleStapelNr(void *HandleParent, int32_t Mandantennummer, int32_t Fehlermeldungen) {
+  static constexpr Export self{.name = "ZELK_HoleStapelNr",
+                               .dialog = true,
+                               .companion = resources::kKeineStapel,
+                               .needsStatus = false,
+                               .needsContext = false};
+  return run(
+      self,
+      {out("Handle-Parent:", HandleParent), number("Mandantennummer:", Mandantennummer), messages(Fehlermeldungen)},
+      [&](ThreadContext *) -> ZelkResult {
+        ThreadContext *context = threadContext();
+        // Nothing can be listed before the library is initialised; what that came to says more than the want of a
+        // context.
+        if (!context) return initialisationStatus() < 0 ? initialisationStatus() : ZELKERR_Thread;
+        context->fehlermeldungen = Fehlermeldungen;
+        std::string chosen;
+        ZelkResult result = choose(
+            *context, resources::kStapelauswahl,
+            [&](SelectionOrder order, const AddEntry &add) -> ZelkResult {
+              // Anew at every filling: while the dialog is open, the host's windows may call the library.
+              Store *store = context->session();
+              if (!store) return ZELKERR_Datenbank;
+              if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
+              return inSnapshot(*store, [&] { return fillBatches(*store, order, add); });
+            },
+            HandleParent, chosen);
+        if (result == ZELKERR_Datenbank) context->closeSession();
+        return result == ZELK_OK ? std::atoi(chosen.c_str()) : result;
+      });
 }

@@ -1,19 +1,23 @@
 // The exports that insert a posting into a batch.
 #include <algorithm>
-#include <array>
 #include <cstring>
+#include <optional>
 
 #include "frame/call.h"
 #include "frame/fetch.h"
+#include "frame/messages.h"
+#include "frame/notification.h"
+#include "frame/protocol.h"
+#include "postings/construction.h"
+#include "postings/fields.h"
 #include "postings/insertion.h"
+#include "postings/rate_entry.h"
 #include "vlba98/text.h"
 
 using namespace frame;
 using namespace vldb98;
 
 namespace {
-
-constexpr int kMaxLines = 10;
 
 // Locked in this order before a posting is looked at, so that what was checked still holds when it is written.
 constexpr FileNumber kLockOrder[] = {kKreditor, kDebitor, kSachkonto, kBatchbuchung, kSplit, kStapel, kKobu};
@@ -46,110 +50,130 @@ private:
 
 ZelkResult insert(ThreadContext &context, const ZELK_SPLITBUCHUNG *posting) {
   if (!posting) return ZELKERR_nicht_moeglich;
-  Store *store = context.session();
-  if (!store) return ZELKERR_Datenbank;
-  ZelkResult opened = openClient(context, *store, posting->Mandantennummer);
-  if (opened <= 0) return opened;
-  PostingLocks locks(*store);
-  // Hosts rely on it that a posting whose tables cannot be had in time is skipped without an error.
-  return locks.held() ? postings::Insertion(context, *store, *posting).run() : opened;
+  postings::Construction &construction = postings::constructionOf(context);
+  // A posting that the host inserts from under a dialog is none that was built piece by piece.
+  const bool piecewise = construction.inserting && posting == &construction.posting;
+  if (!construction.inserting) construction.resetExtras();
+  postings::MissingRate missing{};
+  std::optional<vlfn98::Wechselkurs> entered;
+  for (;;) {
+    // Opened anew after a dialog, from under which the host may have called.
+    Store *store = context.session();
+    if (!store) return ZELKERR_Datenbank;
+    ZelkResult opened = openClient(context, *store, posting->Mandantennummer);
+    if (opened <= 0) return opened;
+    if (entered && !vlfn98::SpeichereKurs(*store, missing.currency, missing.day, *entered)) return ZELKERR_Datenbank;
+    postings::Insertion insertion(*store, *posting, piecewise ? &construction : nullptr);
+    ZelkResult result;
+    {
+      PostingLocks locks(*store);
+      // Hosts rely on it that a posting whose tables cannot be had in time is skipped without an error.
+      if (!locks.held()) {
+        protocolLine(
+            "Die Buchung wurde übersprungen: Die Tabellen des Mandanten sind gesperrt. Es wurde nichts gebucht.");
+        return opened;
+      }
+      result = insertion.run();
+    }
+    if (result == ZELK_OK) notifyPosting(*store, insertion.stored());
+    // A person reads and answers without the locks, so that others go on posting.
+    if (result != ZELKERR_kein_Kurs || entered) {
+      const postings::Refusal &refusal = insertion.refusal();
+      return refusal.message ? refuse(context, result, refusal.message, refusal.fill, refusal.line) : result;
+    }
+    missing = insertion.missingRate();
+    entered = postings::askForRate(missing, store->HoleFista().Waehrung);
+    if (!entered) return ZELKERR_kein_Kurs;
+  }
 }
 
 } // namespace
 
-ZelkResult ZELK_CALL ZELK_SplitBuchungEinfuegen(const ZELK_SPLITBUCHUNG *Buchung, int32_t Fehlermeldungen) {
+// The parameters of these exports are gathered in memory that may be wanting, before the frame is there to say so.
+
+ZelkResult ZELK_CALL ZELK_SplitBuchungEinfuegen(const ZELK_SPLITBUCHUNG *Buchung, int32_t Fehlermeldungen) try {
   static constexpr Export self{.name = "ZELK_SplitBuchungEinfuegen"};
-  constexpr size_t kHeader = 16, kLine = 10;
-  std::array<Parameter, kHeader + kLine * kMaxLines> parameters;
-  Parameter *next = parameters.data();
-  *next++ = messages(Fehlermeldungen);
+  std::vector<Parameter> parameters;
   if (Buchung) {
-    const ZELK_SPLITBUCHUNG &b = *Buchung;
-    for (const Parameter &p :
-         {number("Mandantennummer:", b.Mandantennummer), number("Stapelnummer:", b.Stapelnummer),
-          number("Teilbuchungsanzahl:", b.Teilbuchungsanzahl), number("USt-Direkt:", b.UStDirekt),
-          number("Zahlungsziel:", b.Zahlungsziel), number("Eröffnungsbuchung:", b.Eroeffnungsbuchung),
-          number("Abschlussbuchung:", b.Abschlussbuchung), number("Umbuchung:", b.Umbuchung),
-          field("Belegdatum:", b.Belegdatum), field("Belegnummer:", b.Belegnummer),
-          field("OP-Belegnummer:", b.OPBelegnummer), field("Valutadatum:", b.Valutadatum),
-          field("Währung:", b.Waehrung), field("ESR:", b.ESR), field("DMS-ID:", b.DMSID)})
-      *next++ = p;
-    for (int i = 0; i < std::min(b.Teilbuchungsanzahl, kMaxLines); ++i) {
-      const ZELK_TEILBUCHUNG &line = b.Teilbuchung[i];
-      for (const Parameter &p : {number("Sollart:", line.Sollart), number("Habenart:", line.Habenart),
-                                 number("Kostenschablone:", line.Kostenschablone), field("Sollkonto:", line.Sollkonto),
-                                 field("Habenkonto:", line.Habenkonto), field("Bruttobetrag:", line.Bruttobetrag),
-                                 field("Steuersatz:", line.Steuersatz), field("Steuerbetrag:", line.Steuerbetrag),
-                                 field("Text:", line.Text), field("Text 2:", line.Text2)})
-        *next++ = p;
-    }
+    std::span<const ZELK_TEILBUCHUNG> further;
+    // Lines that a record has no room for lie in the thread's construction.
+    if (ThreadContext *context = Buchung->Teilbuchungsanzahl > postings::kRecordLines ? threadContext() : nullptr)
+      further = postings::constructionOf(*context).overflow;
+    parameters = postings::parametersOf(*Buchung, further);
   }
-  return run(self, std::span(parameters.data(), next),
-             [&](ThreadContext *context) { return insert(*context, Buchung); });
+  parameters.push_back(messages(Fehlermeldungen));
+  return run(self, parameters, [&](ThreadContext *context) { return insert(*context, Buchung); });
+} catch (...) {
+  return ZELKERR_sonst;
 }
 
-ZelkResult ZELK_CALL ZELK_BuchungEinfuegen(const ZELK_BUCHUNG *Buchung, int32_t Fehlermeldungen) {
+ZelkResult ZELK_CALL ZELK_BuchungEinfuegen(const ZELK_BUCHUNG *Buchung, int32_t Fehlermeldungen) try {
   static constexpr Export self{.name = "ZELK_BuchungEinfuegen"};
-  if (!Buchung)
-    return run(self, {messages(Fehlermeldungen)}, [](ThreadContext *) -> ZelkResult { return ZELKERR_nicht_moeglich; });
-  const ZELK_BUCHUNG &b = *Buchung;
-  return run(self,
-             {number("Mandantennummer:", b.Mandantennummer),
-              number("Stapelnummer:", b.Stapelnummer),
-              number("Kostenschablone:", b.Kostenschablone),
-              number("Zahlungsziel:", b.Zahlungsziel),
-              number("Eröffnungsbuchung:", b.Eroeffnungsbuchung),
-              number("Abschlussbuchung:", b.Abschlussbuchung),
-              number("Sollart:", b.Sollart),
-              number("Habenart:", b.Habenart),
-              number("USt-Direkt:", b.UStDirekt),
-              number("Umbuchung:", b.Umbuchung),
-              field("Belegdatum:", b.Belegdatum),
-              field("Belegnummer:", b.Belegnummer),
-              field("Text:", b.Text),
-              field("Text 2:", b.Text2),
-              field("Sollkonto:", b.Sollkonto),
-              field("Habenkonto:", b.Habenkonto),
-              field("Bruttobetrag:", b.Bruttobetrag),
-              field("Steuersatz:", b.Steuersatz),
-              field("Steuerbetrag:", b.Steuerbetrag),
-              field("OP-Belegnummer:", b.OPBelegnummer),
-              field("Valutadatum:", b.Valutadatum),
-              field("Währung:", b.Waehrung),
-              field("ESR:", b.ESR),
-              messages(Fehlermeldungen)},
-             [&](ThreadContext *) {
-               ZELK_SPLITBUCHUNG split{};
-               split.Mandantennummer = b.Mandantennummer;
-               split.Stapelnummer = b.Stapelnummer;
-               split.Teilbuchungsanzahl = 1;
-               split.UStDirekt = b.UStDirekt;
-               split.Zahlungsziel = b.Zahlungsziel;
-               split.Eroeffnungsbuchung = b.Eroeffnungsbuchung;
-               split.Abschlussbuchung = b.Abschlussbuchung;
-               split.Umbuchung = b.Umbuchung;
-               auto copy = [](auto &target, const auto &source) {
-                 static_assert(sizeof target == sizeof source);
-                 std::memcpy(target, source, sizeof target);
-               };
-               copy(split.Belegdatum, b.Belegdatum);
-               copy(split.Belegnummer, b.Belegnummer);
-               copy(split.OPBelegnummer, b.OPBelegnummer);
-               copy(split.Valutadatum, b.Valutadatum);
-               copy(split.Waehrung, b.Waehrung);
-               copy(split.ESR, b.ESR);
-               copy(split.DMSID, b.DMSID);
-               ZELK_TEILBUCHUNG &line = split.Teilbuchung[0];
-               line.Sollart = b.Sollart;
-               line.Habenart = b.Habenart;
-               line.Kostenschablone = b.Kostenschablone;
-               copy(line.Sollkonto, b.Sollkonto);
-               copy(line.Habenkonto, b.Habenkonto);
-               copy(line.Bruttobetrag, b.Bruttobetrag);
-               copy(line.Steuersatz, b.Steuersatz);
-               copy(line.Steuerbetrag, b.Steuerbetrag);
-               copy(line.Text, b.Text);
-               copy(line.Text2, b.Text2);
-               return ZELK_SplitBuchungEinfuegen(&split, Fehlermeldungen);
-             });
+  std::vector<Parameter> parameters;
+  if (Buchung) parameters = postings::parametersOf(*Buchung);
+  parameters.push_back(messages(Fehlermeldungen));
+  return run(self, parameters, [&](ThreadContext *) -> ZelkResult {
+    if (!Buchung) return ZELKERR_nicht_moeglich;
+    ZELK_SPLITBUCHUNG split = postings::toSplit(*Buchung);
+    return ZELK_SplitBuchungEinfuegen(&split, Fehlermeldungen);
+  });
+} catch (...) {
+  return ZELKERR_sonst;
+}
+
+ZelkResult ZELK_CALL ZELK_BuchungEinfuegenDirekt(int32_t Fehlermeldungen, int32_t Mandantennummer, int32_t Stapelnummer,
+                                                 const char *Belegdatum, const char *Belegnummer, const char *Text,
+                                                 const char *Sollkonto, int32_t Sollart, const char *Habenkonto,
+                                                 int32_t Habenart, const char *Bruttobetrag, const char *Steuersatz,
+                                                 const char *Steuerbetrag, int32_t UStDirekt, int32_t Kostenschablone,
+                                                 int32_t Zahlungsziel, int32_t Eroeffnungsbuchung,
+                                                 int32_t Abschlussbuchung, const char *OPBelegnummer,
+                                                 const char *Valutadatum, const char *Waehrung, int32_t Umbuchung,
+                                                 const char *ESR, const char *Text2, const char *DMSID) try {
+  static constexpr Export self{.name = "ZELK_BuchungEinfuegenDirekt"};
+#define ARGUMENT(member, ...)                                                                                          \
+  { offsetof(ZELK_BUCHUNG, member), member __VA_OPT__(, ) __VA_ARGS__ }
+  const postings::FlatArgument arguments[] = {ARGUMENT(Mandantennummer),
+                                              ARGUMENT(Stapelnummer),
+                                              ARGUMENT(Belegdatum),
+                                              ARGUMENT(Belegnummer),
+                                              ARGUMENT(Text),
+                                              ARGUMENT(Sollkonto),
+                                              ARGUMENT(Sollart),
+                                              ARGUMENT(Habenkonto),
+                                              ARGUMENT(Habenart),
+                                              ARGUMENT(Bruttobetrag),
+                                              ARGUMENT(Steuersatz),
+                                              ARGUMENT(Steuerbetrag),
+                                              ARGUMENT(UStDirekt),
+                                              ARGUMENT(Kostenschablone),
+                                              ARGUMENT(Zahlungsziel, "Zahlungziel:"),
+                                              ARGUMENT(Eroeffnungsbuchung),
+                                              ARGUMENT(Abschlussbuchung),
+                                              ARGUMENT(OPBelegnummer),
+                                              ARGUMENT(Valutadatum),
+                                              ARGUMENT(Waehrung),
+                                              ARGUMENT(Umbuchung),
+                                              ARGUMENT(ESR),
+                                              ARGUMENT(Text2),
+                                              ARGUMENT(DMSID)};
+#undef ARGUMENT
+  std::vector<Parameter> parameters = postings::parametersOf(arguments);
+  parameters.insert(parameters.begin(), messages(Fehlermeldungen));
+  return run(self, parameters, [&](ThreadContext *context) -> ZelkResult {
+    Store *store = context->session();
+    if (!store) return ZELKERR_Datenbank;
+    if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
+    ZELK_BUCHUNG posting = postings::toRecord(arguments);
+    if (!postings::takeDate(posting.Belegdatum, Belegdatum))
+      return refuse(*context, ZELKERR_uzl_Belegdatum, resources::kBuchungsdatumUnzulaessig);
+    std::string_view value = vlba98::trimmed(Valutadatum ? Valutadatum : "");
+    std::memset(posting.Valutadatum, 0, sizeof posting.Valutadatum);
+    if (!value.empty() && !postings::takeDate(posting.Valutadatum, Valutadatum))
+      return refuse(*context, ZELKERR_uzl_Valutadatum, resources::kValutadatumUnzulaessig);
+    ZELK_SPLITBUCHUNG split = postings::toSplit(posting);
+    return ZELK_SplitBuchungEinfuegen(&split, Fehlermeldungen);
+  });
+} catch (...) {
+  return ZELKERR_sonst;
 }

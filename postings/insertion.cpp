@@ -1,21 +1,20 @@
 #include "postings/insertion.h"
 
 #include <algorithm>
-#include <cstring>
+#include <utility>
 
 #include "frame/lifecycle.h"
-#include "frame/messages.h"
-#include "vlba98/geld.h"
+#include "postings/sides.h"
 #include "vlba98/text.h"
 #include "vlfn98/accounts.h"
+#include "vlfn98/client.h"
 #include "vlfn98/documents.h"
+#include "vlfn98/terms.h"
 
 using namespace vldb98;
 
 namespace postings {
 namespace {
-
-constexpr int kMaxLines = 10;
 
 bool isEmpty(const char *text) {
   return vlba98::trimmed(text).empty();
@@ -24,53 +23,43 @@ bool isPersonal(int32_t kind) {
   return kind == ZELK_KREDITOR || kind == ZELK_DEBITOR;
 }
 
-// One side of a posting line, so that debit and credit need no code of their own.
-struct Side {
-  char (ZELK_TEILBUCHUNG::*account)[8];
-  size_t kindOffset;  // lines are packed: a pointer to the member would have to be aligned
-  int unknownMessage; // of the first look at the accounts
-  ZelkResult wrongCode;
-  int wrongMessage;
-
-  int32_t kind(const ZELK_TEILBUCHUNG &line) const {
-    int32_t value;
-    std::memcpy(&value, reinterpret_cast<const char *>(&line) + kindOffset, sizeof value);
-    return value;
-  }
-};
-
-constexpr Side kDebit{&ZELK_TEILBUCHUNG::Sollkonto, offsetof(ZELK_TEILBUCHUNG, Sollart),
-                      resources::kSollkontonummerUnzulaessig, ZELKERR_uzl_Sollkontonr, resources::kSollkontoFalsch};
-constexpr Side kCredit{&ZELK_TEILBUCHUNG::Habenkonto, offsetof(ZELK_TEILBUCHUNG, Habenart),
-                       resources::kHabenkontonummerUnzulaessig, ZELKERR_uzl_Habenkontonr, resources::kHabenkontoFalsch};
-constexpr const Side *kSides[] = {&kDebit, &kCredit};
-
-struct Amount {
-  char *text;
-  int width;
-  ZelkResult code;
-  const char *name;
-};
-
 } // namespace
 
-ZelkResult Insertion::refuse(ZelkResult code, int message, std::string_view fill, int line) const {
-  return frame::refuse(context_, code, message, fill, request_.Teilbuchungsanzahl > 1 ? line : -1);
+ZelkResult Insertion::refuse(ZelkResult code, int message, std::string_view fill, int line) {
+  refusal_ = {code, message, std::string(fill), lines_.size() > 1 ? line : -1};
+  return code;
 }
 
 ZelkResult Insertion::run() {
   using Check = ZelkResult (Insertion::*)();
   // The order is part of the interface: the first check that fails names the code.
-  static constexpr Check checks[] = {&Insertion::checkBatch,         &Insertion::checkDocumentDate,
-                                     &Insertion::checkLineCount,     &Insertion::replaceOpeningAccounts,
-                                     &Insertion::checkPaymentSlip,   &Insertion::registerDocument,
-                                     &Insertion::checkSplitShape,    &Insertion::checkPaymentTerm,
-                                     &Insertion::checkCurrency,      &Insertion::checkFirstAccounts,
-                                     &Insertion::takeDocumentNumber, &Insertion::checkValueDate,
-                                     &Insertion::checkLines,         &Insertion::write};
+  static constexpr Check checks[] = {&Insertion::checkBatch,
+                                     &Insertion::checkDocumentDate,
+                                     &Insertion::checkLineCount,
+                                     &Insertion::replaceOpeningAccounts,
+                                     &Insertion::checkPaymentSlip,
+                                     &Insertion::registerDocument,
+                                     &Insertion::checkSplitShape,
+                                     &Insertion::checkPaymentTerm,
+                                     &Insertion::checkCurrency,
+                                     &Insertion::checkFirstAccounts,
+                                     &Insertion::checkFirstCurrencies,
+                                     &Insertion::takeDocumentNumber,
+                                     &Insertion::checkValueDate,
+                                     &Insertion::checkLines,
+                                     &Insertion::write};
+  ZelkResult result = beginReading() ? ZELK_OK : ZELKERR_Datenbank;
   for (Check check : checks)
-    if (ZelkResult result = (this->*check)(); result != ZELK_OK) return result;
-  return ZELK_OK;
+    if (result == ZELK_OK) result = (this->*check)();
+  return endReading() ? result : ZELKERR_Datenbank;
+}
+
+bool Insertion::beginReading() {
+  return reading_ = store_.Transaktion(1, 1, ZELK_ENG_DEFAULT);
+}
+
+bool Insertion::endReading() {
+  return !std::exchange(reading_, false) || store_.Transaktion(2, 0, ZELK_ENG_DEFAULT);
 }
 
 ZelkResult Insertion::checkBatch() {
@@ -100,8 +89,14 @@ ZelkResult Insertion::checkDocumentDate() {
 }
 
 ZelkResult Insertion::checkLineCount() {
-  if (request_.Teilbuchungsanzahl < 1 || request_.Teilbuchungsanzahl > kMaxLines)
+  size_t count = size_t(std::max(request_.Teilbuchungsanzahl, 0));
+  size_t inRecord = std::min(count, size_t(kRecordLines)), further = count - inRecord;
+  if (count == 0 || further > (construction_ ? construction_->overflow.size() : 0))
     return refuse(ZELKERR_uzl_Teilbuchungsanzahl, resources::kTeilbuchungsanzahl);
+  lines_.reserve(count);
+  lines_.assign(request_.Teilbuchung, request_.Teilbuchung + inRecord);
+  if (further > 0)
+    lines_.insert(lines_.end(), construction_->overflow.begin(), construction_->overflow.begin() + ptrdiff_t(further));
   store_.SplitFree();
   return ZELK_OK;
 }
@@ -113,10 +108,10 @@ ZelkResult Insertion::replaceOpeningAccounts() {
   posting_.USTDirekt = request_.UStDirekt != 0;
   if (!posting_.Eroeffnung) return ZELK_OK;
   const FIRMENSTAMM &client = store_.HoleFista();
-  for (int i = 0; i < request_.Teilbuchungsanzahl; ++i) {
-    ZELK_TEILBUCHUNG &line = request_.Teilbuchung[i];
+  for (size_t i = 0; i < lines_.size(); ++i) {
+    ZELK_TEILBUCHUNG &line = lines_[i];
     bool debitEmpty = isEmpty(line.Sollkonto), creditEmpty = isEmpty(line.Habenkonto);
-    if (debitEmpty == creditEmpty) return refuse(ZELKERR_uzl_Kontonr, resources::kEroeffnungEinKonto, {}, i);
+    if (debitEmpty == creditEmpty) return refuse(ZELKERR_uzl_Kontonr, resources::kEroeffnungEinKonto, {}, int(i));
     const Side &replaced = debitEmpty ? kDebit : kCredit, &given = debitEmpty ? kCredit : kDebit;
     int32_t kind = given.kind(line);
     const char *balanceForward = kind == ZELK_KREDITOR  ? client.VortragKred
@@ -140,27 +135,28 @@ ZelkResult Insertion::checkPaymentSlip() {
 ZelkResult Insertion::registerDocument() {
   if (isEmpty(request_.DMSID)) return ZELK_OK;
   int32_t number;
-  if (!vlfn98::DmsInsertDmsID(store_, request_.DMSID, number)) return ZELKERR_Datenbank;
+  if (!endReading() || !vlfn98::DmsInsertDmsID(store_, request_.DMSID, number) || !beginReading())
+    return ZELKERR_Datenbank;
   posting_.DMSNr = number;
   return ZELK_OK;
 }
 
 ZelkResult Insertion::checkSplitShape() {
-  int count = request_.Teilbuchungsanzahl;
-  if (count == 1) return ZELK_OK;
-  const ZELK_TEILBUCHUNG *lines = request_.Teilbuchung;
-  if (isEmpty(lines[0].Sollkonto) || isEmpty(lines[0].Habenkonto))
+  if (lines_.size() == 1) return ZELK_OK;
+  const ZELK_TEILBUCHUNG &first = lines_.front();
+  if (isEmpty(first.Sollkonto) || isEmpty(first.Habenkonto))
     return refuse(ZELKERR_uzl_Split, resources::kSplitErsteBuchung);
   auto sameThroughout = [&](const Side &side) {
-    return std::all_of(lines + 1, lines + count, [&](const ZELK_TEILBUCHUNG &line) {
-      return vlba98::trimmed(line.*side.account) == vlba98::trimmed(lines[0].*side.account);
+    return std::all_of(lines_.begin() + 1, lines_.end(), [&](const ZELK_TEILBUCHUNG &line) {
+      return vlba98::trimmed(line.*side.account) == vlba98::trimmed(first.*side.account);
     });
   };
   bool sameDebit = sameThroughout(kDebit), sameCredit = sameThroughout(kCredit);
   if (!sameDebit && !sameCredit) return refuse(ZELKERR_uzl_Split, resources::kSplitEineSeite);
   // Where both sides stay the same, either counts as the split one.
   auto personalOn = [&](const Side &side) {
-    return std::any_of(lines, lines + count, [&](const ZELK_TEILBUCHUNG &line) { return isPersonal(side.kind(line)); });
+    return std::any_of(lines_.begin(), lines_.end(),
+                       [&](const ZELK_TEILBUCHUNG &line) { return isPersonal(side.kind(line)); });
   };
   bool admissible = (sameDebit && !personalOn(kCredit)) || (sameCredit && !personalOn(kDebit));
   return admissible ? ZELK_OK : refuse(ZELKERR_uzl_Split, resources::kSplitPersonenkonto);
@@ -176,39 +172,71 @@ ZelkResult Insertion::checkPaymentTerm() {
 
 ZelkResult Insertion::checkCurrency() {
   std::string_view currency = vlba98::trimmed(request_.Waehrung);
+  char upper[4] = "";
+  std::transform(currency.begin(), currency.end(), upper,
+                 [](char c) { return c >= 'a' && c <= 'z' ? char(c - 32) : c; });
+  const FIRMENSTAMM &client = store_.HoleFista();
+  foreign_ = *upper && upper != vlba98::trimmed(client.Waehrung);
+  if (foreign_ && frame::programSettings().basicEdition)
+    return refuse(ZELKERR_uzl_Waehrung, resources::kFremdwaehrungBasis);
   bool letters = std::all_of(currency.begin(), currency.end(),
                              [](char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); });
   if (!letters) return refuse(ZELKERR_uzl_Waehrung, resources::kWaehrungNurBuchstaben);
-  char upper[4] = "";
-  std::transform(currency.begin(), currency.end(), upper, [](char c) { return char(c & ~0x20); });
-  if (*upper && upper != vlba98::trimmed(store_.HoleFista().Waehrung))
-    return refuse(ZELKERR_uzl_Waehrung, resources::kFremdwaehrungBasis);
+  bool personal = std::any_of(lines_.begin(), lines_.end(), [](const ZELK_TEILBUCHUNG &line) {
+    return isPersonal(line.Sollart) || isPersonal(line.Habenart);
+  });
+  if (*upper && !personal && vlba98::trimmed(client.Land) != "CH")
+    return refuse(ZELKERR_uzl_Waehrung, resources::kWaehrungSachkonten);
+  vlba98::strncpy2(posting_.Waehrung, upper);
   return ZELK_OK;
 }
 
-ZelkResult Insertion::lookUpAccount(const char (&account)[8], int32_t kind, bool &valid) {
-  DATENBANK record{};
-  uint8_t found;
-  int32_t table;
-  if (!store_.UsedAndGetKnr(account, found, record, table)) return ZELKERR_Datenbank;
-  bool known = found == ZELK_SACHKONTO || found == ZELK_KREDITOR || found == ZELK_DEBITOR;
-  bool locked = known && (found == ZELK_SACHKONTO ? record.Sachkonto.Gesperrt : record.Personenkonto.Gesperrt);
-  valid = kind == 0 ? known : known && found == kind && !locked;
+ZelkResult Insertion::lookUp(const char (&number)[8], const Account *&account) {
+  auto known = accounts_.find(std::string_view(number));
+  if (known == accounts_.end()) {
+    DATENBANK record{};
+    uint8_t found;
+    int32_t table;
+    if (!store_.UsedAndGetKnr(number, found, record, table)) return ZELKERR_Datenbank;
+    Account read;
+    if (found == ZELK_SACHKONTO) {
+      read = {found, record.Sachkonto.Gesperrt != 0, record.Sachkonto.Waehrung, 0, record.Sachkonto};
+    } else if (isPersonal(found)) {
+      const PERSONENKONTO &personal = record.Personenkonto;
+      read = {found, personal.Gesperrt != 0, personal.Waehrung, personal.Zahlungsziel, {}};
+    }
+    known = accounts_.emplace(number, std::move(read)).first;
+  }
+  account = &known->second;
   return ZELK_OK;
 }
 
 ZelkResult Insertion::checkFirstAccounts() {
   int length = store_.HoleFista().Kontolaenge;
-  for (int i = 0; i < request_.Teilbuchungsanzahl; ++i)
+  for (ZELK_TEILBUCHUNG &line : lines_)
     for (const Side *side : kSides)
-      vlfn98::KonvertKonto(request_.Teilbuchung[i].*side->account, length);
+      vlfn98::KonvertKonto(line.*side->account, length);
   for (const Side *side : kSides) {
-    bool valid = false;
-    if (ZelkResult result = lookUpAccount(request_.Teilbuchung[0].*side->account, 0, valid); result != ZELK_OK)
-      return result;
-    if (!valid) return refuse(ZELKERR_uzl_Kontonr, side->unknownMessage);
+    const Account *account;
+    if (ZelkResult result = lookUp(lines_.front().*side->account, account); result != ZELK_OK) return result;
+    if (account->kind == 0) return refuse(ZELKERR_uzl_Kontonr, side->unknownMessage);
   }
   return ZELK_OK;
+}
+
+bool Insertion::currenciesAgree(const Account &debit, const Account &credit) const {
+  if (!*posting_.Waehrung) return true;
+  return (debit.currency.empty() || debit.currency == posting_.Waehrung) &&
+         (credit.currency.empty() || credit.currency == posting_.Waehrung);
+}
+
+ZelkResult Insertion::checkFirstCurrencies() {
+  const Account *debit, *credit;
+  lookUp(lines_.front().Sollkonto, debit);
+  lookUp(lines_.front().Habenkonto, credit);
+  return currenciesAgree(*debit, *credit)
+             ? ZELK_OK
+             : refuse(ZELKERR_nicht_eindeutige_Waehrung, resources::kWaehrungNichtEindeutig);
 }
 
 ZelkResult Insertion::takeDocumentNumber() {
@@ -226,52 +254,40 @@ ZelkResult Insertion::checkValueDate() {
 }
 
 ZelkResult Insertion::checkLines() {
-  for (int i = 0; i < request_.Teilbuchungsanzahl; ++i)
-    if (ZelkResult result = checkLine(i); result != ZELK_OK) return result;
+  using Check = ZelkResult (Insertion::*)(Line &);
+  static constexpr Check checks[] = {&Insertion::checkAccountsDiffer,
+                                     &Insertion::checkAccounts,
+                                     &Insertion::checkAmounts,
+                                     &Insertion::checkCostTemplate,
+                                     &Insertion::checkOwnAmounts,
+                                     &Insertion::checkOpeningWithoutTax,
+                                     &Insertion::chooseTax,
+                                     &Insertion::readTaxKey,
+                                     &Insertion::reckonAmounts,
+                                     &Insertion::convertAmounts,
+                                     &Insertion::reckonDueDate,
+                                     &Insertion::addCosts,
+                                     &Insertion::addLine};
+  for (size_t i = 0; i < lines_.size(); ++i) {
+    Line line(i, lines_[i]);
+    for (Check check : checks)
+      if (ZelkResult result = (this->*check)(line); result != ZELK_OK) return result;
+  }
   return ZELK_OK;
 }
 
-ZelkResult Insertion::checkLine(int index) {
-  ZELK_TEILBUCHUNG &line = request_.Teilbuchung[index];
-  if (std::strcmp(line.Sollkonto, line.Habenkonto) == 0)
-    return refuse(ZELKERR_uzl_Kontonr, resources::kKontonummernGleich, {}, index);
-  for (const Side *side : kSides) {
-    bool valid = false;
-    // Kind 0 stands for "not looked at" below, and is no kind of an account here.
-    int32_t kind = side->kind(line) ? side->kind(line) : -1;
-    if (ZelkResult result = lookUpAccount(line.*side->account, kind, valid); result != ZELK_OK) return result;
-    if (!valid) return refuse(side->wrongCode, side->wrongMessage, {}, index);
+const FISTA_EXT *Insertion::extension() {
+  if (!extension_) {
+    FISTA_EXT read{};
+    uint8_t found;
+    if (!store_.GetExtFista(read, found)) return nullptr;
+    extension_ = read;
   }
-  const Amount amounts[] = {{line.Bruttobetrag, int(vlba98::geldWidth), ZELKERR_uzl_Bruttobetrag, "Bruttobetrag"},
-                            {line.Steuersatz, int(vlba98::satzWidth), ZELKERR_uzl_Steuersatz, "Steuersatz"},
-                            {line.Steuerbetrag, int(vlba98::geldWidth), ZELKERR_uzl_Steuerbetrag, "Steuerbetrag"}};
-  for (const Amount &amount : amounts)
-    if (bool rate = amount.width == int(vlba98::satzWidth);
-        !vlba98::IsGeld(amount.text, amount.width, 1, !rate, amount.text))
-      return refuse(amount.code, resources::kIstUnzulaessig, amount.name, index);
-  if (line.Kostenschablone != 0) return refuse(ZELKERR_uzl_Koscha, resources::kKostenschabloneFehlt, {}, index);
-  bool rateGiven = !vlba98::IsNull(line.Steuersatz), taxGiven = !vlba98::IsNull(line.Steuerbetrag);
-  if (posting_.Eroeffnung && (rateGiven || taxGiven))
-    return refuse(ZELKERR_uzl_Steuerbetrag, resources::kEroeffnungSteuerfrei, {}, index);
-  // Postings are tax-free so far: the rate 0 clears the tax keys of the accounts, and any other rate has none to go by.
-  if (rateGiven || taxGiven)
-    return refuse(taxGiven ? ZELKERR_uzl_Steuerbetrag : ZELKERR_uzl_Steuersatz, resources::kKeineSteuer, {}, index);
-
-  SPLIT stored{};
-  stored.Sollart = vlfn98::ZELKKontoArtToKontoArt(line.Sollart);
-  stored.Habenart = vlfn98::ZELKKontoArtToKontoArt(line.Habenart);
-  vlba98::strncpy2(stored.Sollkonto, line.Sollkonto);
-  vlba98::strncpy2(stored.Habenkonto, line.Habenkonto);
-  vlba98::strncpy2(stored.Brutto, line.Bruttobetrag);
-  vlba98::strncpy2(stored.Steuersatz, line.Steuersatz);
-  vlba98::strncpy2(stored.Steuerbetrag, line.Steuerbetrag);
-  vlba98::strncpy2(stored.Text, line.Text);
-  vlba98::strncpy2(stored.Text2, line.Text2);
-  return store_.MemInsertSplit(stored) ? ZELK_OK : ZELKERR_Datenbank;
+  return &*extension_;
 }
 
 ZelkResult Insertion::write() {
-  return store_.InsertBat(posting_) ? ZELK_OK : ZELKERR_Datenbank;
+  return endReading() && store_.InsertBat(posting_) ? ZELK_OK : ZELKERR_Datenbank;
 }
 
 } // namespace postings

@@ -23,8 +23,8 @@ expect 'Mandant 2 angelegt' on_windows anlegen "$samples/alpenwerk"
 expect '300 gebucht, 0 abgelehnt' on_windows buchen 1 3 "$samples/musterhandel-buchungen.csv"
 expect '300 gebucht, 0 abgelehnt' "$native" buchen 1 3 "$samples/musterhandel-buchungen.csv"
 expect '40 gebucht, 0 abgelehnt' "$native" buchen 2 2 "$samples/alpenwerk-buchungen.csv"
-expect '600 Zeilen' "$native" stapel 1 3
-expect '600 Zeilen' on_windows stapel 1 3
+expect '600 Buchungen' "$native" stapel 1 3
+expect '600 Buchungen' on_windows stapel 1 3
 diff <("$native" stapel 1 3) <(on_windows stapel 1 3)
 diff <("$native" konten 1 --art debitoren --sortierung 2) <(on_windows konten 1 --art debitoren --sortierung 2)
 
@@ -34,4 +34,4 @@ on_windows buchen 1 8 "$samples/musterhandel-buchungen.csv" >"$work/windows.txt"
 wait $!
 expect '300 gebucht, 0 abgelehnt' cat "$work/windows.txt" 
 expect '300 gebucht, 0 abgelehnt' cat "$work/native.txt"
-expect '600 Zeilen' "$native" stapel 1 8
+expect '600 Buchungen' "$native" stapel 1 8

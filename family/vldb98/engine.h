@@ -62,6 +62,10 @@ public:
   /// Insert and Update write the buffer, Update and Delete act on the current record.
   virtual bool change(ChangeOp op, FileNumber file, DATENBANK *record) = 0;
 
+  /// Deletes every record whose key begins with the first fields of the key given, at least one of them, in one step
+  /// whatever their number; done also when there is none. The current record of the table stays where it was.
+  virtual bool deleteBeginning(FileNumber file, const SCHLUESSEL &key, int fields) = 0;
+
   /// Transactions nest: only the outermost one is the database's. An inner rollback makes the outermost commit fail,
   /// rolled back. \param snapshot begins without the intention to write
   virtual bool transaction(TransactionOp op, bool snapshot) = 0;

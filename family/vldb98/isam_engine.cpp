@@ -71,10 +71,10 @@ int IsamEngine::bindScope(SqlStatement &statement, const Table &table, int param
   return parameter;
 }
 
-int IsamEngine::bindKey(SqlStatement &statement, const Table &table, const Key &key, const SCHLUESSEL &values,
-                        int parameter) {
+int IsamEngine::bindKey(SqlStatement &statement, const Table &table, const std::vector<int> &fields,
+                        const SCHLUESSEL &values, int parameter) {
   const char *at = values.bytes;
-  for (int index : key.fields) {
+  for (int index : fields) {
     const Field &field = table.fields[size_t(index)];
     bindKeyField(statement, parameter++, field, at, scratch_);
     at += field.keyWidth();
@@ -110,11 +110,11 @@ bool IsamEngine::read(ReadOp op, FileNumber file, const SCHLUESSEL *key, const S
   if (!statement) return false;
   int parameter = bindScope(*statement, *table, 1);
   if (takesKey(op))
-    parameter = bindKey(*statement, *table, *order, *key, parameter);
+    parameter = bindKey(*statement, *table, order->fields, *key, parameter);
   else if (steps(op) && !bindFields(*statement, *table, order->totalOrder, state.current.data(), parameter))
     return false;
-  if (op == ReadOp::Range) bindKey(*statement, *table, *order, *upper, parameter);
-  if (bounded) bindKey(*statement, *table, *order, state.rangeUpper, parameter);
+  if (op == ReadOp::Range) bindKey(*statement, *table, order->fields, *upper, parameter);
+  if (bounded) bindKey(*statement, *table, order->fields, state.rangeUpper, parameter);
 
   Execution execution(*statement);
   Step step = statement->step();
@@ -204,7 +204,7 @@ bool IsamEngine::changeCurrent(ChangeOp op, const Table &table, DATENBANK *recor
   Statement &slot = update ? state.update : state.remove;
   SqlStatement *statement = prepared(slot, slot     ? std::string()
                                            : update ? updateStatement(table)
-                                                    : deleteStatement(table));
+                                                    : deleteStatement(table, table.keys.front().fields));
   if (!statement) return false;
   int parameter = 1;
   scratch_.clear();
@@ -216,6 +216,18 @@ bool IsamEngine::changeCurrent(ChangeOp op, const Table &table, DATENBANK *recor
   if (!execute(*statement) || connection_->changedRows() != 1) return false;
   if (update) state.current.assign(record->bytes, record->bytes + table.recordSize);
   return true;
+}
+
+bool IsamEngine::deleteBeginning(FileNumber file, const SCHLUESSEL &values, int fields) {
+  const Table *table = findTable(tableOf(file));
+  const Key *key = table ? table->key(keyIndexOf(file)) : nullptr;
+  if (!key || fields < 1 || size_t(fields) > key->fields.size() || lostTransaction()) return false;
+  std::vector<int> leading(key->fields.begin(), key->fields.begin() + fields);
+  Statement &slot = tables_[size_t(table->number)].deletions[{key->index, fields}];
+  SqlStatement *statement = prepared(slot, slot ? std::string() : deleteStatement(*table, leading));
+  if (!statement) return false;
+  bindKey(*statement, *table, leading, values, bindScope(*statement, *table, 1));
+  return execute(*statement);
 }
 
 bool IsamEngine::transaction(TransactionOp op, bool snapshot) {

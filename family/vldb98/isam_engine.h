@@ -25,6 +25,7 @@ public:
             bool &found) override;
   void setCurrent(int table, const DATENBANK &record) override;
   bool change(ChangeOp op, FileNumber file, DATENBANK *record) override;
+  bool deleteBeginning(FileNumber file, const SCHLUESSEL &key, int fields) override;
   bool transaction(TransactionOp op, bool snapshot) override;
   int transactionDepth() const override { return depth_; }
   bool table(TableOp op, int number) override;
@@ -40,15 +41,17 @@ private:
   struct TableState {
     std::map<int, std::array<Statement, kReadOps + 1>> reads; // by key index; the last: Next with a bound
     Statement insert, update, remove, greatest;
-    std::vector<char> current; // empty: no current record
-    int rangeKey = -1;         // key index of a running range
+    std::map<std::pair<int, int>, Statement> deletions; // of what begins with a key: by key index and count of fields
+    std::vector<char> current;                          // empty: no current record
+    int rangeKey = -1;                                  // key index of a running range
     SCHLUESSEL rangeUpper;
   };
 
   SqlStatement *prepared(Statement &statement, const std::string &text);
   SqlStatement *readStatement(const Table &table, const Key &key, ReadOp op, bool bounded);
   int bindScope(SqlStatement &statement, const Table &table, int parameter);
-  int bindKey(SqlStatement &statement, const Table &table, const Key &key, const SCHLUESSEL &values, int parameter);
+  int bindKey(SqlStatement &statement, const Table &table, const std::vector<int> &fields, const SCHLUESSEL &values,
+              int parameter);
   bool bindFields(SqlStatement &statement, const Table &table, const std::vector<int> &fields, const char *record,
                   int &parameter);
   bool bindRow(SqlStatement &statement, const Table &table, const char *record, int &parameter);

@@ -53,6 +53,10 @@ struct FISTA_EXT {
   char Steuernummer[21];
   uint8_t Schweiz; // books are kept under the rules of Switzerland
   uint8_t Kostenstellenpflicht;
+  int16_t Dimension3; // dimensions of the third to sixth cost centre of a cost posting; 0 = 2, 3, 4, 5
+  int16_t Dimension4;
+  int16_t Dimension5;
+  int16_t Dimension6;
 };
 
 // Fiscal year of a client.
@@ -136,6 +140,8 @@ struct BATCHBUCHUNG {
   char OPBelegnummer[17];
   char Valutadatum[7];
   char Waehrung[4]; // empty = the client's
+  char Kurs[13];    // rate and units of the conversion, as in KURSE; empty = in the client's currency
+  int32_t Einheiten;
   char ESR[50];
   int32_t DMSNr; // number of the document-management link, 0 = none
   int32_t Zahlungsziel;
@@ -155,14 +161,20 @@ struct SPLIT {
   int16_t Habenart;
   char Sollkonto[8]; // key text
   char Habenkonto[8];
-  char Brutto[13]; // money
+  char Brutto[13]; // money, as Netto and Steuerbetrag in the client's currency
+  char Netto[13];
   int16_t Steuerschluessel;
   int16_t Steuerseite;   // 0 none, 1 credit, 2 debit
   char Steuersatz[6];    // rate
   char Steuerbetrag[13]; // money
+  char BruttoFW[13];     // money in the posting's foreign currency; empty = in the client's
+  char SteuerFW[13];
+  char Faelligkeit[7]; // due date
   char Text[36];
   char Text2[36];
   int32_t Kostenschablone;
+  int32_t Bewegungsart; // kind of a fixed-asset movement, 0 = none
+  int32_t DMSNr;        // identifier of a document of this line, 0 = none
 };
 
 // Cost posting of a line of a batch posting.
@@ -177,8 +189,10 @@ struct KOBU {
   char Kostenstelle4[8];
   char Kostenstelle5[8];
   char Kostenstelle6[8];
-  int32_t Kostenkennung;
-  char Betrag[13]; // money
+  int32_t Kostenkennung; // 0 none, 1 fixed, 2 variable
+  char Betrag[13];       // money in the client's currency
+  char BetragFW[13];     // money in the posting's foreign currency; empty = in the client's
+  char Prozent[13];      // money: share of the line's net amount in percent
   char Menge[13];
   char Einheit[4];
   char Bemerkung[41];
@@ -206,7 +220,8 @@ struct STEUSA {
   char GueltigAb[7]; // date
   char Bezeichnung[41];
   char Satz[6];        // rate
-  int16_t Art;         // 0 tax-free, 1 output tax, 2 input tax, 3 intra-community acquisition
+  int16_t Art;         // 0 tax-free, 1 output tax, 2 input tax, 3 intra-community acquisition, 4 reverse charge
+  int16_t Anteil;      // percent of the tax that is deductible, 1 to 99; 0 = all of it
   char Steuerkonto[8]; // tax account (key text); blank = none
   char Gegenkonto[8];  // second tax account of an acquisition (input tax); blank = none
   int16_t Ustvakz;     // line of the VAT advance return, 0 = none
@@ -237,6 +252,29 @@ struct AUFBAU {
 struct DMS_ID {
   int32_t Nr; // assigned by Insert when 0
   char Id[51];
+  int32_t Kostenschablone; // cost template that document capture assigned, 0 = none
+};
+
+// Cost template: distributes an amount over cost centres.
+struct KOSCHA {
+  int32_t Nr;
+  char Name[41];
+};
+
+// One share of a cost template.
+struct KOSCHA_ZEILE {
+  int32_t Schablone;
+  int32_t Nr;            // 1 and up
+  char Kostenstelle1[8]; // key texts
+  char Kostenstelle2[8];
+  int32_t Kostenkennung; // as in KOBU
+  char Anteil[13];       // money: weight of the share; percent where the shares add up to 100
+};
+
+// Cost type and cost centre that go together. A cost type without such records goes with every cost centre.
+struct KOMBINATION {
+  char Kostenart[8];    // general-ledger account (key text)
+  char Kostenstelle[8]; // key text
 };
 
 #pragma pack(pop)
@@ -261,6 +299,9 @@ union DATENBANK {
   KURSE Kurse;
   AUFBAU Aufbau;
   DMS_ID DmsId;
+  KOSCHA Koscha;
+  KOSCHA_ZEILE KoschaZeile;
+  KOMBINATION Kombination;
   char bytes[1024];
 };
 

@@ -117,7 +117,8 @@ std::vector<Table> declareTables() {
     using R = FISTA_EXT;
     tables.push_back(table(kFistaExt, "FirmenstammExt", Scope::Global, sizeof(R),
                            {NUMBER(R, Nummer), TEXT(R, Strasse), TEXT(R, PLZ), TEXT(R, Ort), TEXT(R, Steuernummer),
-                            NUMBER(R, Schweiz), NUMBER(R, Kostenstellenpflicht)},
+                            NUMBER(R, Schweiz), NUMBER(R, Kostenstellenpflicht), NUMBER(R, Dimension3),
+                            NUMBER(R, Dimension4), NUMBER(R, Dimension5), NUMBER(R, Dimension6)},
                            {{0, true, {"Nummer"}}}));
   }
   {
@@ -157,31 +158,35 @@ std::vector<Table> declareTables() {
   }
   {
     using R = BATCHBUCHUNG;
-    tables.push_back(table(kBatchbuchung, "Batchbuchung", Scope::Client, sizeof(R),
-                           {NUMBER(R, Stapel), NUMBER(R, Nr), DATE(R, Belegdatum), TEXT(R, Belegnummer),
-                            TEXT(R, OPBelegnummer), DATE(R, Valutadatum), TEXT(R, Waehrung), TEXT(R, ESR),
-                            NUMBER(R, DMSNr), NUMBER(R, Zahlungsziel), NUMBER(R, USTDirekt), NUMBER(R, Eroeffnung),
-                            NUMBER(R, Abschluss), NUMBER(R, Umbuchung), NUMBER(R, Anzahl)},
-                           {{0, true, {"Stapel", "Nr"}}}, "Nr"));
+    tables.push_back(
+        table(kBatchbuchung, "Batchbuchung", Scope::Client, sizeof(R),
+              {NUMBER(R, Stapel), NUMBER(R, Nr), DATE(R, Belegdatum), TEXT(R, Belegnummer), TEXT(R, OPBelegnummer),
+               DATE(R, Valutadatum), TEXT(R, Waehrung), TEXT(R, Kurs), NUMBER(R, Einheiten), TEXT(R, ESR),
+               NUMBER(R, DMSNr), NUMBER(R, Zahlungsziel), NUMBER(R, USTDirekt), NUMBER(R, Eroeffnung),
+               NUMBER(R, Abschluss), NUMBER(R, Umbuchung), NUMBER(R, Anzahl)},
+              {{0, true, {"Stapel", "Nr"}}}, "Nr"));
   }
   {
     using R = SPLIT;
     tables.push_back(table(kSplit, "Split", Scope::Client, sizeof(R),
-                           {NUMBER(R, Stapel), NUMBER(R, Buchung), NUMBER(R, Nr), NUMBER(R, Sollart),
-                            NUMBER(R, Habenart), KEYTEXT(R, Sollkonto), KEYTEXT(R, Habenkonto), MONEY(R, Brutto),
-                            NUMBER(R, Steuerschluessel), NUMBER(R, Steuerseite), MONEY(R, Steuersatz),
-                            MONEY(R, Steuerbetrag), TEXT(R, Text), TEXT(R, Text2), NUMBER(R, Kostenschablone)},
+                           {NUMBER(R, Stapel),           NUMBER(R, Buchung),      NUMBER(R, Nr),
+                            NUMBER(R, Sollart),          NUMBER(R, Habenart),     KEYTEXT(R, Sollkonto),
+                            KEYTEXT(R, Habenkonto),      MONEY(R, Brutto),        MONEY(R, Netto),
+                            NUMBER(R, Steuerschluessel), NUMBER(R, Steuerseite),  MONEY(R, Steuersatz),
+                            MONEY(R, Steuerbetrag),      MONEY(R, BruttoFW),      MONEY(R, SteuerFW),
+                            DATE(R, Faelligkeit),        TEXT(R, Text),           TEXT(R, Text2),
+                            NUMBER(R, Kostenschablone),  NUMBER(R, Bewegungsart), NUMBER(R, DMSNr)},
                            {{0, true, {"Stapel", "Buchung", "Nr"}}}));
   }
   {
     using R = KOBU;
-    tables.push_back(
-        table(kKobu, "Kostenbuchung", Scope::Client, sizeof(R),
-              {NUMBER(R, Stapel), NUMBER(R, Buchung), NUMBER(R, Split), NUMBER(R, Nr), KEYTEXT(R, Kostenstelle1),
-               KEYTEXT(R, Kostenstelle2), KEYTEXT(R, Kostenstelle3), KEYTEXT(R, Kostenstelle4),
-               KEYTEXT(R, Kostenstelle5), KEYTEXT(R, Kostenstelle6), NUMBER(R, Kostenkennung), MONEY(R, Betrag),
-               MONEY(R, Menge), TEXT(R, Einheit), TEXT(R, Bemerkung), TEXT(R, Bemerkung2)},
-              {{0, true, {"Stapel", "Buchung", "Split", "Nr"}}}));
+    tables.push_back(table(kKobu, "Kostenbuchung", Scope::Client, sizeof(R),
+                           {NUMBER(R, Stapel), NUMBER(R, Buchung), NUMBER(R, Split), NUMBER(R, Nr),
+                            KEYTEXT(R, Kostenstelle1), KEYTEXT(R, Kostenstelle2), KEYTEXT(R, Kostenstelle3),
+                            KEYTEXT(R, Kostenstelle4), KEYTEXT(R, Kostenstelle5), KEYTEXT(R, Kostenstelle6),
+                            NUMBER(R, Kostenkennung), MONEY(R, Betrag), MONEY(R, BetragFW), MONEY(R, Prozent),
+                            MONEY(R, Menge), TEXT(R, Einheit), TEXT(R, Bemerkung), TEXT(R, Bemerkung2)},
+                           {{0, true, {"Stapel", "Buchung", "Split", "Nr"}}}));
   }
   {
     using R = ZAHLZIEL;
@@ -193,10 +198,11 @@ std::vector<Table> declareTables() {
   }
   {
     using R = STEUSA;
-    tables.push_back(table(kSteusa, "Steuerschluessel", Scope::Client, sizeof(R),
-                           {NUMBER(R, Schluessel), DATE(R, GueltigAb), TEXT(R, Bezeichnung), MONEY(R, Satz),
-                            NUMBER(R, Art), KEYTEXT(R, Steuerkonto), KEYTEXT(R, Gegenkonto), NUMBER(R, Ustvakz)},
-                           {{0, true, {"Schluessel", "GueltigAb"}}}));
+    tables.push_back(
+        table(kSteusa, "Steuerschluessel", Scope::Client, sizeof(R),
+              {NUMBER(R, Schluessel), DATE(R, GueltigAb), TEXT(R, Bezeichnung), MONEY(R, Satz), NUMBER(R, Art),
+               NUMBER(R, Anteil), KEYTEXT(R, Steuerkonto), KEYTEXT(R, Gegenkonto), NUMBER(R, Ustvakz)},
+              {{0, true, {"Schluessel", "GueltigAb"}}}));
   }
   {
     using R = KURSE;
@@ -206,8 +212,27 @@ std::vector<Table> declareTables() {
   }
   {
     using R = DMS_ID;
-    tables.push_back(table(kDmsId, "DmsId", Scope::Client, sizeof(R), {NUMBER(R, Nr), TEXT(R, Id)},
+    tables.push_back(table(kDmsId, "DmsId", Scope::Client, sizeof(R),
+                           {NUMBER(R, Nr), TEXT(R, Id), NUMBER(R, Kostenschablone)},
                            {{0, true, {"Nr"}}, {1, true, {"Id"}}}, "Nr"));
+  }
+  {
+    using R = KOSCHA;
+    tables.push_back(table(kKoscha, "Kostenschablone", Scope::Client, sizeof(R), {NUMBER(R, Nr), TEXT(R, Name)},
+                           {{0, true, {"Nr"}}}));
+  }
+  {
+    using R = KOSCHA_ZEILE;
+    tables.push_back(table(kKoschaZeile, "Kostenschablonenzeile", Scope::Client, sizeof(R),
+                           {NUMBER(R, Schablone), NUMBER(R, Nr), KEYTEXT(R, Kostenstelle1), KEYTEXT(R, Kostenstelle2),
+                            NUMBER(R, Kostenkennung), MONEY(R, Anteil)},
+                           {{0, true, {"Schablone", "Nr"}}}));
+  }
+  {
+    using R = KOMBINATION;
+    tables.push_back(table(kKombination, "Kombination", Scope::Client, sizeof(R),
+                           {KEYTEXT(R, Kostenart), KEYTEXT(R, Kostenstelle)},
+                           {{0, true, {"Kostenart", "Kostenstelle"}}}));
   }
   for (int structureClass = 0; structureClass < int(kStructureTables.size()); ++structureClass)
     tables.push_back(reportStructure(structureClass));

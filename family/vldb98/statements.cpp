@@ -53,9 +53,9 @@ void append(Names &to, const Names &more) {
   to.insert(to.end(), more.begin(), more.end());
 }
 
-Names rowConditions(const Table &table) {
+Names rowConditions(const Table &table, const std::vector<int> &fields) {
   Names conditions = equalities(scopeColumns(table));
-  append(conditions, equalities(columns(table, table.keys.front().fields)));
+  append(conditions, equalities(columns(table, fields)));
   return conditions;
 }
 
@@ -145,11 +145,11 @@ std::string insertStatement(const Table &table) {
 
 std::string updateStatement(const Table &table) {
   return "UPDATE " + quoted(table.name) + " SET " + joined(equalities(allColumns(table)), ",") +
-         where(rowConditions(table));
+         where(rowConditions(table, table.keys.front().fields));
 }
 
-std::string deleteStatement(const Table &table) {
-  return "DELETE FROM " + quoted(table.name) + where(rowConditions(table));
+std::string deleteStatement(const Table &table, const std::vector<int> &fields) {
+  return "DELETE FROM " + quoted(table.name) + where(rowConditions(table, fields));
 }
 
 std::string greatestStatement(const Table &table) {

@@ -27,8 +27,8 @@ std::string selectStatement(const Table &table, const Key &key, ReadOp op, bool 
 std::string insertStatement(const Table &table);
 /// Parameters: all fields, the scope, then the primary key's fields.
 std::string updateStatement(const Table &table);
-/// Parameters: the scope, then the primary key's fields.
-std::string deleteStatement(const Table &table);
+/// Of all records with certain values. Parameters: the scope, then the fields.
+std::string deleteStatement(const Table &table, const std::vector<int> &fields);
 /// The greatest value of the assigned field. Parameters: the scope, then the primary key's fields before it.
 std::string greatestStatement(const Table &table);
 

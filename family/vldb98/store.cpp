@@ -115,6 +115,10 @@ int Store::Delete(FileNumber file, DBENGINE engine) {
   return inUse(engine) && engine_->change(ChangeOp::Delete, file, nullptr);
 }
 
+int Store::DeleteBeginning(const SCHLUESSEL &key, int fields, FileNumber file, DBENGINE engine) {
+  return inUse(engine) && engine_->deleteBeginning(file, key, fields);
+}
+
 int Store::InitMultiInsert(FileNumber, DBENGINE engine) {
   multiInsertFailed_ = false;
   return Transaktion(1, 0, engine);

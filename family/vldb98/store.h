@@ -72,6 +72,9 @@ public:
   int Insert(DATENBANK &record, FileNumber file, DBENGINE engine);
   int Update(DATENBANK &record, FileNumber file, DBENGINE engine);
   int Delete(FileNumber file, DBENGINE engine);
+  /// Deletes all records whose key begins with the first fields of the key given (at least one), however many there
+  /// are, at the cost of one statement; done also when there is none. The current record stays where it was.
+  int DeleteBeginning(const SCHLUESSEL &key, int fields, FileNumber file, DBENGINE engine);
   /// Bulk insertion: all records between InitMultiInsert and EndMultiInsert, or none. After a failed MultiInsertNext,
   /// EndMultiInsert undoes the others and fails.
   int InitMultiInsert(FileNumber file, DBENGINE engine);
@@ -120,8 +123,11 @@ public:
   /// Reads the posting that the key (batch, number) names, or the first behind it in the same batch, with its lines and
   /// cost postings into memory.
   int ReadBat(BATCHBUCHUNG &posting, int32_t batch, int32_t number, uint8_t &found);
-  /// Deletes the posting that was read last by ReadBat or written by InsertBat, with its lines and cost postings.
+  /// Deletes the posting that was read last by ReadBat or written by InsertBat, with its lines and cost postings; with
+  /// the last posting the batch loses its mark.
   int DeleteBat();
+  /// Deletes all postings of a batch with their lines and cost postings, and the batch's mark, all or nothing.
+  int EmptyBat(int32_t batch);
 
   // --- Client and fiscal year ---
   /// Opens a client: reads its master record and takes its current fiscal year as the open one. The client that is open
@@ -164,9 +170,11 @@ private:
   bool inUse(DBENGINE engine) const { return engine == ZELK_ENG_DEFAULT || engine == engine_->kind(); }
   bool lockNamed(const LockName &name, int mode);
   bool writePosting(BATCHBUCHUNG &posting);
-  bool markBatch(int32_t batch);
+  bool markBatch(int32_t batch, bool holdsPostings);
   template <class Record> int readLines(FileNumber file, std::vector<Record> &lines, const BATCHBUCHUNG &posting);
-  int deleteLines(FileNumber file, const BATCHBUCHUNG &posting);
+  template <class Work> int inTransaction(Work &&work);
+  bool deletePosting(const BATCHBUCHUNG &posting);
+  bool deleteAllOf(int32_t batch);
   int openCalendarYear() const; // 0: none
   void applyScope();
 

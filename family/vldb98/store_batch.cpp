@@ -43,12 +43,16 @@ KOBU *Store::costAt(size_t index) {
   return index < costs_.size() ? &costs_[index] : nullptr;
 }
 
+template <class Work> int Store::inTransaction(Work &&work) {
+  if (!Transaktion(1, 0, ZELK_ENG_DEFAULT)) return 0;
+  bool done = work();
+  return Transaktion(done ? 2 : 4, 0, ZELK_ENG_DEFAULT) && done;
+}
+
 int Store::InsertBat(BATCHBUCHUNG &posting) {
   posting.Nr = 0;
   posting.Anzahl = int32_t(lines_.size());
-  if (!Transaktion(1, 0, ZELK_ENG_DEFAULT)) return 0;
-  bool written = writePosting(posting);
-  if (!Transaktion(written ? 2 : 4, 0, ZELK_ENG_DEFAULT)) written = false;
+  int written = inTransaction([&] { return writePosting(posting); });
   posting_ = written ? posting : BATCHBUCHUNG{};
   if (!written) posting.Nr = 0;
   return written;
@@ -77,15 +81,17 @@ bool Store::writePosting(BATCHBUCHUNG &posting) {
     record.Kobu = cost;
     if (!Insert(record, kKobu, ZELK_ENG_DEFAULT)) return false;
   }
-  return markBatch(posting.Stapel);
+  return markBatch(posting.Stapel, true);
 }
 
-bool Store::markBatch(int32_t batch) {
+bool Store::markBatch(int32_t batch, bool holdsPostings) {
   DATENBANK record{};
   uint8_t found;
-  if (!UsedGet(record, KeyBuilder().number(batch), found, kStapel, ZELK_ENG_DEFAULT) || !found) return false;
-  if (record.Stapel.Bebucht) return true;
-  record.Stapel.Bebucht = 1;
+  if (!UsedGet(record, KeyBuilder().number(batch), found, kStapel, ZELK_ENG_DEFAULT)) return false;
+  // Postings without their batch can be deleted, but none is added to them.
+  if (!found) return !holdsPostings;
+  if (record.Stapel.Bebucht == uint8_t(holdsPostings)) return true;
+  record.Stapel.Bebucht = holdsPostings;
   return Update(record, kStapel, ZELK_ENG_DEFAULT);
 }
 
@@ -114,28 +120,37 @@ int Store::ReadBat(BATCHBUCHUNG &posting, int32_t batch, int32_t number, uint8_t
   return 1;
 }
 
-int Store::deleteLines(FileNumber file, const BATCHBUCHUNG &posting) {
+bool Store::deletePosting(const BATCHBUCHUNG &posting) {
   DATENBANK record{};
   uint8_t found;
-  for (;;) {
-    if (!GetGeExt(record, linesFrom(posting), found, file, ZELK_ENG_DEFAULT, 0)) return 0;
-    // All tables of lines begin with the batch and the posting.
-    if (!found || record.Split.Stapel != posting.Stapel || record.Split.Buchung != posting.Nr) return 1;
-    if (!Delete(file, ZELK_ENG_DEFAULT)) return 0;
-  }
+  constexpr int ofPosting = 2;
+  if (!UsedGet(record, linesFrom(posting), found, kBatchbuchung, ZELK_ENG_DEFAULT) || !found ||
+      !DeleteBeginning(linesFrom(posting), ofPosting, kSplit, ZELK_ENG_DEFAULT) ||
+      !DeleteBeginning(linesFrom(posting), ofPosting, kKobu, ZELK_ENG_DEFAULT) ||
+      !Delete(kBatchbuchung, ZELK_ENG_DEFAULT) ||
+      !GetGeExt(record, KeyBuilder().number(posting.Stapel), found, kBatchbuchung, ZELK_ENG_DEFAULT, 0))
+    return false;
+  bool others = found && record.Batchbuchung.Stapel == posting.Stapel;
+  return others || markBatch(posting.Stapel, false);
 }
 
 int Store::DeleteBat() {
   if (posting_.Nr == 0) return 0;
-  DATENBANK record{};
-  uint8_t found;
-  if (!Transaktion(1, 0, ZELK_ENG_DEFAULT)) return 0;
-  bool done = UsedGet(record, KeyBuilder().number(posting_.Stapel).number(posting_.Nr), found, kBatchbuchung,
-                      ZELK_ENG_DEFAULT) &&
-              found && deleteLines(kSplit, posting_) && deleteLines(kKobu, posting_) &&
-              Delete(kBatchbuchung, ZELK_ENG_DEFAULT);
-  if (!Transaktion(done ? 2 : 4, 0, ZELK_ENG_DEFAULT)) done = false;
+  int done = inTransaction([&] { return deletePosting(posting_); });
   if (done) posting_ = {};
+  return done;
+}
+
+bool Store::deleteAllOf(int32_t batch) {
+  constexpr int ofBatch = 1;
+  for (FileNumber file : {kBatchbuchung, kSplit, kKobu})
+    if (!DeleteBeginning(KeyBuilder().number(batch), ofBatch, file, ZELK_ENG_DEFAULT)) return false;
+  return markBatch(batch, false);
+}
+
+int Store::EmptyBat(int32_t batch) {
+  int done = inTransaction([&] { return deleteAllOf(batch); });
+  if (done && posting_.Stapel == batch) posting_ = {};
   return done;
 }
 

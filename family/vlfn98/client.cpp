@@ -1,5 +1,7 @@
 #include "vlfn98/client.h"
 
+#include <cstring>
+
 #include "zelk98/zelk98.h"
 
 using namespace vldb98;
@@ -29,9 +31,9 @@ BookableYear IsBuchjahr(Store &store, const vlba98::Datum &day, bool closedToo) 
   auto end = vlba98::fromReversed(year.Ende);
   if (!end || day > *end || (year.Abgeschlossen && !closedToo)) return BookableYear::No;
   char code[3];
-  if (!vlba98::itotwo(year.Jahr - vlba98::firstYear, code) || !store.SetzeOpenJahr(code))
-    return BookableYear::StoreFailed;
-  return BookableYear::Yes;
+  if (!vlba98::itotwo(year.Jahr - vlba98::firstYear, code)) return BookableYear::StoreFailed;
+  bool open = std::strcmp(code, store.HoleOpenJahr()) == 0 || store.SetzeOpenJahr(code);
+  return open ? BookableYear::Yes : BookableYear::StoreFailed;
 }
 
 } // namespace vlfn98

@@ -6,10 +6,6 @@ using namespace vldb98;
 
 namespace vlfn98 {
 
-int IsZahlziel(Store &store, int32_t number, uint8_t &exists) {
-  return store.Used(KeyBuilder().number(number), exists, kZahlziel, ZELK_ENG_DEFAULT);
-}
-
 bool CheckEsr(std::string_view reference) {
   static constexpr int carries[10] = {0, 9, 4, 6, 8, 2, 7, 1, 3, 5};
   int carry = 0, check = 0, digits = 0;

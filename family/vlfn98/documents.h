@@ -5,11 +5,9 @@
 #include <string_view>
 
 #include "vldb98/store.h"
+#include "vlfn98/terms.h"
 
 namespace vlfn98 {
-
-/// Whether the open client has a payment term of the number. \return 0 when the store failed
-int IsZahlziel(vldb98::Store &store, int32_t number, uint8_t &exists);
 
 /// Whether a reference number of the Swiss payment slip is right: 16 or 27 digits, blanks between them not counted, the
 /// last one the check digit.

@@ -6,7 +6,8 @@
  *  1. Calling convention. On Windows __stdcall, exported under the undecorated name; elsewhere the platform's own.
  *  2. Result. A ZelkResult: 1 success, 2 last record of a fetch, 0 neutral (none, not in use, cancelled), negative values
  *     are errors. ZELK_HoleFehlertext tells the name and the German text of each. Whatever the code, a refused call has
- *     changed nothing and holds no lock; only a new document identifier (DMS-ID) stays registered.
+ *     changed nothing and holds no lock; only a new document identifier (DMS-ID) stays registered, and an exchange rate
+ *     that a person has entered stays stored.
  *  3. Texts are zero-terminated 8-bit strings in Windows-1252, in arrays of the stated width; the width includes the
  *     terminator. A text of a record that does not end within its width is refused with -37 ZELKERR_Ueberlauf.
  *  4. Amounts and rates are texts in German notation ("1234,50", "-12,00", "19,00"); dates are texts "TTMMJJ" with a
@@ -47,6 +48,8 @@ enum {
   ZELK_OK = 1,
   ZELK_keinKonto = 0,
   ZELKERR_keine_Mandanten = -1,
+  ZELKERR_keine_Stapel = -1,        /* by function, as for clients */
+  ZELKERR_keine_Zahlungsziele = -1,
   ZELKERR_sonst = -2,
   ZELKERR_Datenbank = -3,
   ZELKERR_uzl_Mandnr = -5,
@@ -139,10 +142,6 @@ enum {
 /* Account kinds (Kontoart). */
 enum { ZELK_SACHKONTO = 1, ZELK_KREDITOR = 2, ZELK_DEBITOR = 4, ZELK_KOSTENSTELLE = 8 };
 
-/* Fails to compile where a field does not lie where hosts in other languages expect it. */
-#define ZELK_ASSERT(name, condition) typedef char zelk_assert_##name[(condition) ? 1 : -1]
-#define ZELK_ASSERT_AT(record, field, offset) ZELK_ASSERT(record##_##field, offsetof(record, field) == (offset))
-
 #pragma pack(push, 1)
 
 /* Master data of a client. */
@@ -229,6 +228,38 @@ typedef struct ZELK_SPLITBUCHUNG {
   ZELK_TEILBUCHUNG Teilbuchung[10];
 } ZELK_SPLITBUCHUNG;
 
+/* One line of a stored posting, with what the library made of it. Amounts in internal form "000000000,00". */
+typedef struct ZELK_BATCHZEILE {
+  ZELK_TEILBUCHUNG Teilbuchung; /* as it was inserted */
+  int32_t Steuerschluessel;     /* tax key, 0 = none */
+  int32_t Steuerseite;          /* account that bears the tax: 0 none, 1 credit, 2 debit */
+  char Brutto[13];              /* in the client's currency */
+  char Netto[13];
+  char Steuer[13];
+  char Faelligkeit[7];          /* due date TTMMJJ, empty = none */
+  int32_t Bewegungsart;         /* as ZELK_SetAnbuBewegungsart set it, 0 = none */
+  int32_t DmsId;                /* as ZELK_SetDmsID set it, 0 = none */
+} ZELK_BATCHZEILE;
+
+/* One cost posting of a stored posting. */
+typedef struct ZELK_BATCHKOBU {
+  int32_t Teilbuchung;          /* line that it belongs to, from 0 */
+  char Kostenstelle1[8];
+  char Kostenstelle2[8];
+  char Kostenstelle3[8];
+  char Kostenstelle4[8];
+  char Kostenstelle5[8];
+  char Kostenstelle6[8];
+  int32_t Kostenkennung;
+  char Betrag[13];              /* in the client's currency, internal form */
+  char BetragFW[13];            /* in the posting's foreign currency, empty = none */
+  char Prozent[13];             /* share of the line's net amount in percent */
+  char Menge[13];
+  char Einheit[4];
+  char Bemerkung[41];
+  char Bemerkung2[41];
+} ZELK_BATCHKOBU;
+
 /* General-ledger account. */
 typedef struct ZELK_SAKO {
   char Kontonummer[8];
@@ -277,87 +308,76 @@ typedef struct ZELK_KOST {
   char LaufzeitBis[7];
 } ZELK_KOST;
 
+/* Payment term. */
+typedef struct ZELK_ZAHLUNGSZIEL {
+  int32_t Zahlzielnummer;
+  char Name[11];             /* short name */
+  int32_t Skontotage1;       /* first discount period in days; 0 = no discount */
+  char Skontosatz1[6];       /* first discount rate in percent, "03,00"; "00,00" or empty = none */
+  int32_t Skontotage2;       /* the same of the second discount, which is longer and smaller */
+  char Skontosatz2[6];
+  int32_t Zahltage;          /* net payment period in days */
+  int32_t TagInMonat;        /* day of the month on which payment is due, the last of a shorter month; 0 = any day */
+  int32_t MonatePlus;        /* following months */
+  char Bemerkung[41];        /* remark */
+  int32_t Zahlungsart;       /* payment method, 0 to 5 */
+  int32_t Naechstes;         /* number of the client's next payment term, 0 = this is the last */
+} ZELK_ZAHLUNGSZIEL;
+
+/* What a change notification hands over (docs/benachrichtigung.md). Wert: what the caller of ZELK_Out passed; the library
+ * itself passes the client's number. */
+
+/* General-ledger account: the payload of kind 1. */
+typedef struct ZELK_OUT_SACHKONTO {
+  int32_t Wert;
+  int32_t Kontoart;          /* kind in the store: 2 = general-ledger account */
+  int32_t Steuerschluessel;  /* tax key, 0 = none */
+  int32_t Kostenschablone;   /* default cost template, 0 = none */
+  char Kontonummer[8];
+  char Kuerzel[9];
+  char Name[41];
+} ZELK_OUT_SACHKONTO;
+
+/* Creditor or debtor: the payload of the kinds 2 and 4. */
+typedef struct ZELK_OUT_PERSONENKONTO {
+  int32_t Wert;
+  int32_t Zahlungsziel;      /* payment term, 0 = none */
+  int32_t Mahnkennziffer;    /* dunning group */
+  int32_t Gesperrt;          /* 1 = not to be posted to */
+  char Kontonummer[8];
+  char Kuerzel[9];
+  char Sammelkonto[8];       /* control account in the general ledger */
+  char Name[41];
+  char Zusatz[41];
+  char Vorname[31];
+  char Strasse[31];
+  char Land[4];
+  char PLZ[7];
+  char Ort[31];
+  char Telefon[21];
+  char EMail[61];
+  char IBAN[35];
+  char BIC[12];
+  char Waehrung[4];          /* empty = the client's */
+  char Kreditlimit[13];      /* amount in internal form, empty = none */
+  char UStIdNr[16];
+  char Steuersatz[6];        /* rate "00,00" = none; these accounts carry none */
+  char reserviert[1475];     /* zero */
+} ZELK_OUT_PERSONENKONTO;
+
+/* The shared block. Of the payload, what Art has no use for is zero. */
+typedef struct ZELK_OUT_BLOCK {
+  uint8_t Befehl;            /* 1 = a change follows, 0 = end of work */
+  int32_t Aktion;            /* 1 = new, 2 = changed, 3 = deleted */
+  int32_t Art;               /* kind of the payload */
+  union {
+    ZELK_OUT_SACHKONTO Sachkonto;         /* Art 1 */
+    ZELK_OUT_PERSONENKONTO Personenkonto; /* Art 2 and 4 */
+    ZELK_SPLITBUCHUNG Buchung;            /* Art 16 */
+  } Nutzlast;
+} ZELK_OUT_BLOCK;
+
 #pragma pack(pop)
-
-ZELK_ASSERT(SAKO, sizeof(ZELK_SAKO) == 82);
-ZELK_ASSERT(PEKO, sizeof(ZELK_PEKO) == 385);
-ZELK_ASSERT(KOST, sizeof(ZELK_KOST) == 84);
-
-ZELK_ASSERT(MANDANTENINFO, sizeof(ZELK_MANDANTENINFO) == 170);
-ZELK_ASSERT_AT(ZELK_MANDANTENINFO, AktuellesJahr, 0);
-ZELK_ASSERT_AT(ZELK_MANDANTENINFO, Gejabeginn, 4);
-ZELK_ASSERT_AT(ZELK_MANDANTENINFO, Kontenrahmen, 8);
-ZELK_ASSERT_AT(ZELK_MANDANTENINFO, Istversteuerer, 12);
-ZELK_ASSERT_AT(ZELK_MANDANTENINFO, EUeRechner, 16);
-ZELK_ASSERT_AT(ZELK_MANDANTENINFO, Steuerfrei, 20);
-ZELK_ASSERT_AT(ZELK_MANDANTENINFO, Euro, 24);
-ZELK_ASSERT_AT(ZELK_MANDANTENINFO, UStIdNr, 28);
-ZELK_ASSERT_AT(ZELK_MANDANTENINFO, Land, 44);
-ZELK_ASSERT_AT(ZELK_MANDANTENINFO, Waehrung, 48);
-ZELK_ASSERT_AT(ZELK_MANDANTENINFO, Eurokurs, 52);
-ZELK_ASSERT_AT(ZELK_MANDANTENINFO, SvSako, 64);
-ZELK_ASSERT_AT(ZELK_MANDANTENINFO, SvKred, 72);
-ZELK_ASSERT_AT(ZELK_MANDANTENINFO, SvDebi, 80);
-ZELK_ASSERT_AT(ZELK_MANDANTENINFO, Name, 88);
-ZELK_ASSERT_AT(ZELK_MANDANTENINFO, Zusatz, 129);
-
-ZELK_ASSERT(BUCHUNG, sizeof(ZELK_BUCHUNG) == 313);
-ZELK_ASSERT_AT(ZELK_BUCHUNG, Mandantennummer, 0);
-ZELK_ASSERT_AT(ZELK_BUCHUNG, Stapelnummer, 4);
-ZELK_ASSERT_AT(ZELK_BUCHUNG, Kostenschablone, 8);
-ZELK_ASSERT_AT(ZELK_BUCHUNG, Zahlungsziel, 12);
-ZELK_ASSERT_AT(ZELK_BUCHUNG, Eroeffnungsbuchung, 16);
-ZELK_ASSERT_AT(ZELK_BUCHUNG, Abschlussbuchung, 20);
-ZELK_ASSERT_AT(ZELK_BUCHUNG, Sollart, 24);
-ZELK_ASSERT_AT(ZELK_BUCHUNG, Habenart, 28);
-ZELK_ASSERT_AT(ZELK_BUCHUNG, UStDirekt, 32);
-ZELK_ASSERT_AT(ZELK_BUCHUNG, Umbuchung, 36);
-ZELK_ASSERT_AT(ZELK_BUCHUNG, Belegdatum, 40);
-ZELK_ASSERT_AT(ZELK_BUCHUNG, Belegnummer, 47);
-ZELK_ASSERT_AT(ZELK_BUCHUNG, Text, 64);
-ZELK_ASSERT_AT(ZELK_BUCHUNG, Sollkonto, 100);
-ZELK_ASSERT_AT(ZELK_BUCHUNG, Habenkonto, 108);
-ZELK_ASSERT_AT(ZELK_BUCHUNG, Bruttobetrag, 116);
-ZELK_ASSERT_AT(ZELK_BUCHUNG, Steuersatz, 129);
-ZELK_ASSERT_AT(ZELK_BUCHUNG, Steuerbetrag, 135);
-ZELK_ASSERT_AT(ZELK_BUCHUNG, OPBelegnummer, 148);
-ZELK_ASSERT_AT(ZELK_BUCHUNG, Valutadatum, 165);
-ZELK_ASSERT_AT(ZELK_BUCHUNG, Waehrung, 172);
-ZELK_ASSERT_AT(ZELK_BUCHUNG, ESR, 176);
-ZELK_ASSERT_AT(ZELK_BUCHUNG, Text2, 226);
-ZELK_ASSERT_AT(ZELK_BUCHUNG, DMSID, 262);
-
-ZELK_ASSERT(TEILBUCHUNG, sizeof(ZELK_TEILBUCHUNG) == 134);
-ZELK_ASSERT_AT(ZELK_TEILBUCHUNG, Sollart, 0);
-ZELK_ASSERT_AT(ZELK_TEILBUCHUNG, Habenart, 4);
-ZELK_ASSERT_AT(ZELK_TEILBUCHUNG, Kostenschablone, 8);
-ZELK_ASSERT_AT(ZELK_TEILBUCHUNG, Sollkonto, 12);
-ZELK_ASSERT_AT(ZELK_TEILBUCHUNG, Habenkonto, 20);
-ZELK_ASSERT_AT(ZELK_TEILBUCHUNG, Bruttobetrag, 28);
-ZELK_ASSERT_AT(ZELK_TEILBUCHUNG, reserviert1, 41);
-ZELK_ASSERT_AT(ZELK_TEILBUCHUNG, Steuersatz, 42);
-ZELK_ASSERT_AT(ZELK_TEILBUCHUNG, Steuerbetrag, 48);
-ZELK_ASSERT_AT(ZELK_TEILBUCHUNG, reserviert2, 61);
-ZELK_ASSERT_AT(ZELK_TEILBUCHUNG, Text, 62);
-ZELK_ASSERT_AT(ZELK_TEILBUCHUNG, Text2, 98);
-
-ZELK_ASSERT(SPLITBUCHUNG, sizeof(ZELK_SPLITBUCHUNG) == 1525);
-ZELK_ASSERT_AT(ZELK_SPLITBUCHUNG, Mandantennummer, 0);
-ZELK_ASSERT_AT(ZELK_SPLITBUCHUNG, Stapelnummer, 4);
-ZELK_ASSERT_AT(ZELK_SPLITBUCHUNG, Teilbuchungsanzahl, 8);
-ZELK_ASSERT_AT(ZELK_SPLITBUCHUNG, UStDirekt, 12);
-ZELK_ASSERT_AT(ZELK_SPLITBUCHUNG, Zahlungsziel, 16);
-ZELK_ASSERT_AT(ZELK_SPLITBUCHUNG, Eroeffnungsbuchung, 20);
-ZELK_ASSERT_AT(ZELK_SPLITBUCHUNG, Abschlussbuchung, 24);
-ZELK_ASSERT_AT(ZELK_SPLITBUCHUNG, Umbuchung, 28);
-ZELK_ASSERT_AT(ZELK_SPLITBUCHUNG, Belegdatum, 32);
-ZELK_ASSERT_AT(ZELK_SPLITBUCHUNG, Belegnummer, 39);
-ZELK_ASSERT_AT(ZELK_SPLITBUCHUNG, OPBelegnummer, 56);
-ZELK_ASSERT_AT(ZELK_SPLITBUCHUNG, Valutadatum, 73);
-ZELK_ASSERT_AT(ZELK_SPLITBUCHUNG, Waehrung, 80);
-ZELK_ASSERT_AT(ZELK_SPLITBUCHUNG, ESR, 84);
-ZELK_ASSERT_AT(ZELK_SPLITBUCHUNG, DMSID, 134);
-ZELK_ASSERT_AT(ZELK_SPLITBUCHUNG, Teilbuchung, 185);
 
 /* --- Results and status ------------------------------------------------------------------------------------------- */
 
@@ -379,9 +399,18 @@ ZELK_API int ZELK_CALL ZELK_Attach(bool connect);
  * ended, or their state is lost. Always 1. */
 ZELK_API int ZELK_CALL ZELK_Detach(void);
 
-/* Start and end the notification of dependent applications; called by attach and detach. */
+/* Start and end the notification of dependent applications; called by attach and detach. Where none is registered,
+ * nothing is started. A start ends the notification process of an earlier one first. */
 ZELK_API void ZELK_CALL ZELK_InitDLLs(void);
 ZELK_API void ZELK_CALL ZELK_FreeDLLs(void);
+
+/* Hands a change over to the notification process; for libraries of the product family, since the record lies in the
+ * record store's layout. The insertion of a posting does it by itself.
+ * Aktion: 1 new, 2 changed, 3 deleted. Art: 1 general-ledger account, 2 creditor, 4 debtor, 16 posting; for another one,
+ * and a null Satz, the change goes without a payload. Wert: head of the payload. Start: postings only, first line to be
+ * handed over, from 0; a change carries ten. The lines of a posting are those that the calling thread's session has in
+ * memory for it. A change that cannot be handed over in time is told to the user, and none is handed over after it. */
+ZELK_API void ZELK_CALL ZELK_Out(int32_t Aktion, int32_t Art, int32_t Wert, const void *Satz, int16_t Start);
 
 /* The engine in use: 1 embedded database, 2 MySQL, 3 MSSQL. */
 ZELK_API ZelkResult ZELK_CALL ZELK_GetUsedEngine(void);
@@ -393,8 +422,8 @@ ZELK_API ZelkResult ZELK_CALL ZELK_SQLInit(int32_t engine, int32_t dialog, const
                                            const char *Passwort, int32_t port, const char *Zusatz,
                                            const char *Datenbank);
 
-/* Ends the work with the database for the rest of the process (other threads' connections close with them): from then on -3 from every function but ZELK_HoleFehlertext and
- * ZELK_Status. */
+/* Ends the work with the database for the rest of the process (other threads' connections close with them): from then on -3 from every function but ZELK_HoleFehlertext,
+ * ZELK_Status and ZELK_ProtokollEnde. */
 ZELK_API ZelkResult ZELK_CALL ZELK_SQLDeInit(void);
 
 /* --- Settings store ------------------------------------------------------------------------------------------------ */
@@ -412,6 +441,26 @@ ZELK_API int32_t ZELK_CALL MFGetPrivateProfileInt(const char *Section, const cha
 /* Writes a setting; a null Value counts as empty. Non-zero when written. */
 ZELK_API int32_t ZELK_CALL MFWritePrivateProfileString(const char *Section, const char *Key, const char *Value,
                                                        const char *File);
+
+/* --- Call protocol -------------------------------------------------------------------------------------------------- */
+
+/* For support: while the protocol is open, every call of the process is written to a text file (Windows-1252) with its
+ * parameters, the texts of its refusals and its result; passwords are not. All processes share the file: the first one
+ * that starts the protocol empties it (unless the setting TotalRecall of MFIBU is 98), the others append. The setting
+ * Protokoll of ZELK, beginning with j, starts it with the first call, in ZELKPROT.TXT of the program directory. */
+
+/* Starts the protocol in that file when the setting asks for it or no file was ever chosen, else in the one chosen. 1;
+ * -58 when the file cannot be written; -59, and one more start header in the file, when it is started already. */
+ZELK_API ZelkResult ZELK_CALL ZELK_ProtokollStart(void);
+
+/* Ends the protocol of this process. Always 1, in every state of the library. */
+ZELK_API ZelkResult ZELK_CALL ZELK_ProtokollEnde(void);
+
+/* The file of the next start; the choice holds for all programs of the user.
+ * Aktion 1: lets the user choose it in a dialog before the window Fenster: 1, or 0 when the dialog was cancelled. 2: takes
+ * Dateiname, at most 259 characters, best a full path. 4: delivers the name into Dateiname, 260 bytes. -57 for any other
+ * Aktion; -58 when Dateiname is null, empty or too long, when the choice cannot be kept, or when there is no file yet. */
+ZELK_API ZelkResult ZELK_CALL ZELK_Protokoll(int32_t Fenster, int32_t Aktion, char *Dateiname);
 
 /* --- Clients ------------------------------------------------------------------------------------------------------ */
 
@@ -437,6 +486,11 @@ ZELK_API ZelkResult ZELK_CALL ZELK_HoleMandantenInfoDirekt(
 ZELK_API ZelkResult ZELK_CALL ZELK_HoleMandantenVersion(int32_t Mandantennummer);
 ZELK_API ZelkResult ZELK_CALL ZELK_HoleStartJahr(int32_t Mandantennummer);
 
+/* Lets the user pick a client in a dialog: its number, 0 when cancelled, -1 when there is no client. HandleParent: window
+ * handle (HWND) of the dialog's owner; null: the active window. Where there is no desktop, the dialog counts as
+ * cancelled. */
+ZELK_API ZelkResult ZELK_CALL ZELK_HoleMandantenNr(void *HandleParent);
+
 /* --- Fetches -------------------------------------------------------------------------------------------------------- */
 
 /* Ends the calling thread's fetch, of whatever kind, except that of clients. Always 1. */
@@ -448,6 +502,27 @@ ZELK_API ZelkResult ZELK_CALL ZELK_BeendeHolen(void);
  * null. */
 ZELK_API ZelkResult ZELK_CALL ZELK_ExistiertKonto(int32_t Mandantennummer, const char *Kontonummer, int32_t Kontoart,
                                                   int32_t Dimension, const char *Kostref);
+
+/* Whether some account of a kind has a short name already: 1 or 0; -7 for an unknown Kontoart. At most 8 characters of
+ * Kuerzel count. */
+ZELK_API ZelkResult ZELK_CALL ZELK_ExistiertKuerzel(int32_t Mandantennummer, const char *Kuerzel, int32_t Kontoart);
+
+/* Lets the user pick an account of a kind in a dialog: 1 picked, 0 cancelled; -7 for an unknown Kontoart.
+ * HandleParent: window handle (HWND) of the dialog's owner; null: the active window. Von, Bis: least and greatest account
+ * number of the list, at most 7 characters; null or empty: no bound. Kontonummer: 8 bytes, Name: 41 bytes, Kuerzel: 9
+ * bytes, each may be null; nothing is delivered unless an account was picked. Dimension, Kostref: cost centres only; the
+ * list holds those of the dimension, and with a Kostref those of that reference. Where there is no desktop, the dialog
+ * counts as cancelled. */
+ZELK_API ZelkResult ZELK_CALL ZELK_HoleKonto(void *HandleParent, int32_t Mandantennummer, int32_t Kontoart,
+                                             const char *Von, const char *Bis, char *Kontonummer, char *Name,
+                                             char *Kuerzel, int32_t Dimension, const char *Kostref);
+
+/* Proposes a free account number of a kind (1, 2 or 4; else -7) behind the greatest one in use. NummerVon, NummerBis:
+ * bounds of the range, at most 7 characters; null or empty: none. When the range is used up at its end, a gap within it is
+ * proposed, the bounds themselves excepted. NummerOut: 8 bytes. 1 proposed, -37 no free number, -38 NummerOut is null.
+ * Nothing is reserved. Shows its refusals when the thread's last call with Fehlermeldungen passed the flag set. */
+ZELK_API ZelkResult ZELK_CALL ZELK_HoleFreieKontonr(int32_t Mandantennummer, int32_t Kontoart, const char *NummerVon,
+                                                    const char *NummerBis, char *NummerOut);
 
 /* Positions on the first account of a kind in the client's current fiscal year: 1, or 0 when there is none. Sortierung: 0
  * by number, 1 by short name, 2 by name. Ab: first value of that order to be delivered, at most 41 characters; null or
@@ -472,11 +547,120 @@ ZELK_API ZelkResult ZELK_CALL ZELK_HoleStapel(int32_t *Stapelnummer, char *Stape
                                               int32_t *Transitorisch, int32_t *Sperre, int32_t *Bebucht,
                                               int32_t *Abstimm0);
 
+/* Creates a batch (Aktion 1) or changes one (2): 1, or the code of the first check that refused it. Stapelnummer: the
+ * batch to change; of a new batch a number that is not in use, or 0 for the next free one, which the list of batches tells
+ * by the name. Stapelname: at most 40 characters, not those of another batch of the client; white space around it does not
+ * count. Wiederkehr: recurrence in months, 0 = none, at most 99. Transitorisch, Abstimm0: flags. A change sets all of them.
+ * -57 Aktion; -81 Stapelname; -6 a standard batch, no such batch, a number in use; -91 the batch has a password;
+ * -90 Wiederkehr. */
+ZELK_API ZelkResult ZELK_CALL ZELK_Stapel(int32_t Aktion, int32_t Mandantennummer, int32_t Stapelnummer,
+                                          const char *Stapelname, int32_t Wiederkehr, int32_t Transitorisch,
+                                          int32_t Abstimm0, int32_t Fehlermeldungen);
+
+/* Deletes all postings of a batch and, where mitStapel is non-zero, the batch itself: 1; -6 there is no such batch, it was
+ * not created by ZELK_Stapel, it has been cleared, it has a password. All of it is deleted or nothing. */
+ZELK_API ZelkResult ZELK_CALL ZELK_LoescheStapel(int32_t Mandant, int32_t Stapel, int32_t mitStapel,
+                                                 int32_t Fehlermeldungen);
+
+/* Lets the user pick a batch of a client in a dialog: its number, 0 when cancelled, -1 when there is no batch.
+ * HandleParent: as for ZELK_HoleKonto. */
+ZELK_API ZelkResult ZELK_CALL ZELK_HoleStapelNr(void *HandleParent, int32_t Mandantennummer, int32_t Fehlermeldungen);
+
+/* --- Payment terms -------------------------------------------------------------------------------------------------- */
+
+/* Creates a payment term (Aktion 1) or changes one (2): its number, or the code of the first check that refused it.
+ * Zahlzielnummer: the term to change. Name: short name, not that of another term of the client; 10 characters count.
+ * Skontotage1, Skontotage2: discount periods, 0 to 999 days, the second longer than the first or 0 = no second discount.
+ * Skontosatz1, Skontosatz2: discount rates ("3,00"), 5 characters count; null or empty: none; the first greater than the
+ * second. Zahltage: net payment period, 0 to 999 days. TagInMonat: 0 to 31. MonatePlus: 0 to 99. Bemerkung: 40 characters
+ * count; may be null. Zahlungsart: 0 to 5. A change sets all of them.
+ * Payment is due Zahltage after the day that counts, then MonatePlus months later (on the last day of a month that is too
+ * short), then, where TagInMonat is not 0, on the first such day from there on.
+ * -2 Aktion; -19 no Name; -50, -32 the Name is in use (new, changed term); -27 no such term; -53 Skontotage; -51
+ * Skontosatz; -52 Zahltage; -54 TagInMonat; -55 MonatePlus; -93 Zahlungsart. */
+ZELK_API ZelkResult ZELK_CALL ZELK_Zahlungsziel(int32_t Mandantennummer, int32_t Aktion, int32_t Zahlzielnummer,
+                                                const char *Name, int32_t Skontotage1, const char *Skontosatz1,
+                                                int32_t Skontotage2, const char *Skontosatz2, int32_t Zahltage,
+                                                int32_t TagInMonat, int32_t MonatePlus, const char *Bemerkung,
+                                                int32_t Zahlungsart, int32_t Fehlermeldungen);
+
+/* Reads a payment term by its number: 1; -27 there is no such term, -1 the client has none at all, -38 Zahlungsziel is
+ * null. Zahlzielnummer 0 reads the client's first one; with the field Naechstes a host goes through all of them. */
+ZELK_API ZelkResult ZELK_CALL ZELK_HoleZahlungsziel(int32_t Mandantennummer, int32_t Zahlzielnummer,
+                                                    ZELK_ZAHLUNGSZIEL *Zahlungsziel, int32_t Fehlermeldungen);
+
+/* The number of the payment term that has a short name; 0 when none has. 10 characters of Name count. */
+ZELK_API ZelkResult ZELK_CALL ZELK_HoleZZnr(int32_t Mandantennummer, const char *Name);
+
 /* --- Postings ------------------------------------------------------------------------------------------------------- */
 
 /* Inserts a posting into a batch: 1, or the code of the first check that refused it. */
 ZELK_API ZelkResult ZELK_CALL ZELK_BuchungEinfuegen(const ZELK_BUCHUNG *Buchung, int32_t Fehlermeldungen);
 ZELK_API ZelkResult ZELK_CALL ZELK_SplitBuchungEinfuegen(const ZELK_SPLITBUCHUNG *Buchung, int32_t Fehlermeldungen);
+
+/* The same with the posting's fields as arguments; a null text counts as empty. Belegdatum and Valutadatum: also
+ * TT.MM.JJ and TT.MM.JJJJ. */
+ZELK_API ZelkResult ZELK_CALL ZELK_BuchungEinfuegenDirekt(
+    int32_t Fehlermeldungen, int32_t Mandantennummer, int32_t Stapelnummer, const char *Belegdatum,
+    const char *Belegnummer, const char *Text, const char *Sollkonto, int32_t Sollart, const char *Habenkonto,
+    int32_t Habenart, const char *Bruttobetrag, const char *Steuersatz, const char *Steuerbetrag, int32_t UStDirekt,
+    int32_t Kostenschablone, int32_t Zahlungsziel, int32_t Eroeffnungsbuchung, int32_t Abschlussbuchung,
+    const char *OPBelegnummer, const char *Valutadatum, const char *Waehrung, int32_t Umbuchung, const char *ESR,
+    const char *Text2, const char *DMSID);
+
+/* A split posting, built piece by piece in the calling thread; it may have more than ten lines, and cost postings.
+ * SplitStart begins (an earlier one is discarded), SplitEinfuegen adds a line, SplitKobuEinfuegen a cost posting of the
+ * line added last, SplitEnde inserts or discards. Each piece returns 1, or -40 without SplitStart; what is refused is not
+ * added, and the posting stays as it was. The content is checked at SplitEnde, which returns the code of the first check
+ * that failed; whatever it returns, the next posting begins with SplitStart.
+ *
+ * The arguments mean what the fields of ZELK_SPLITBUCHUNG, ZELK_TEILBUCHUNG and ZELK_BATCHKOBU do. A null text counts as
+ * empty; a longer one than its field is cut. Belegdatum and Valutadatum: also TT.MM.JJ and TT.MM.JJJJ. Opening and closing
+ * postings cannot be built this way.
+ *
+ * Other postings may be inserted in between, at the price of what was said of the lines so far by SplitEinfuegenEx (own
+ * amounts), SetAnbuBewegungsart and SetDmsID; lines and cost postings stay. */
+ZELK_API ZelkResult ZELK_CALL ZELK_SplitStart(int32_t Mandantennummer, int32_t Stapelnummer, const char *Belegdatum,
+                                              const char *Belegnummer, int32_t UStDirekt, int32_t Zahlungsziel,
+                                              const char *OPBelegnummer, const char *Valutadatum, const char *Waehrung,
+                                              int32_t Umbuchung, const char *ESR, const char *DMSID);
+ZELK_API ZelkResult ZELK_CALL ZELK_SplitEinfuegen(const char *Sollkonto, int16_t Sollart, const char *Habenkonto,
+                                                  int16_t Habenart, const char *Bruttobetrag, const char *Steuersatz,
+                                                  const char *Steuerbetrag, const char *Text, int16_t Kostenschablone,
+                                                  const char *Text2);
+
+/* A line with its amounts in the client's own currency too (...Eigen), for postings in a foreign one; both empty: they are
+ * converted. Only for books under the rules of Switzerland, else -70; -5 there is no such client. All lines of a posting
+ * are added this way, or none (-26 at the end). */
+ZELK_API ZelkResult ZELK_CALL ZELK_SplitEinfuegenEx(const char *Sollkonto, int16_t Sollart, const char *Habenkonto,
+                                                    int16_t Habenart, const char *Bruttobetrag,
+                                                    const char *BruttobetragEigen, const char *Steuersatz,
+                                                    const char *Steuerbetrag, const char *SteuerbetragEigen,
+                                                    const char *Text, int16_t Kostenschablone, const char *Text2);
+
+/* A cost posting of the line added last. Betrag in the currency of the posting; all of a line add up to its net amount.
+ * Kostenstelle1: cost centre, Kostenstelle2: cost unit, 3 to 6: in the dimensions that the client assigns; null: none.
+ * Kostenkennung: 0 none, 1 fixed, 2 variable costs. Menge: quantity, two decimals. -40 before the first line, too; -24 in
+ * the basic edition. */
+ZELK_API ZelkResult ZELK_CALL ZELK_SplitKobuEinfuegen(const char *Kostenstelle1, const char *Kostenstelle2,
+                                                      int32_t Kostenkennung, const char *Betrag, const char *Menge,
+                                                      const char *Einheit, const char *Bemerkung,
+                                                      const char *Bemerkung2);
+ZELK_API ZelkResult ZELK_CALL ZELK_SplitKobuEinfuegenEx(const char *Kostenstelle1, const char *Kostenstelle2,
+                                                        int32_t Kostenkennung, const char *Betrag, const char *Menge,
+                                                        const char *Einheit, const char *Bemerkung,
+                                                        const char *Bemerkung2, const char *Kostenstelle3,
+                                                        const char *Kostenstelle4, const char *Kostenstelle5,
+                                                        const char *Kostenstelle6);
+
+/* Values for the line added last: kind of the fixed-asset movement, number of the line's own document (that of the posting
+ * is the DMSID of SplitStart). A second call replaces the value; without a line it has no effect. */
+ZELK_API void ZELK_CALL ZELK_SetAnbuBewegungsart(int32_t Bewegungsart);
+ZELK_API void ZELK_CALL ZELK_SetDmsID(int32_t DmsId);
+
+/* Ends the split posting. Einfuegen: non-zero inserts it, and returns what ZELK_SplitBuchungEinfuegen does; zero discards
+ * it: 1, without SplitStart as well. -26 in either case when lines of both kinds were added. */
+ZELK_API ZelkResult ZELK_CALL ZELK_SplitEnde(int32_t Einfuegen, int32_t Fehlermeldungen);
 
 /* Reads the postings of a batch: Init positions on the first (1, or 0 when there is none; -6 for an unknown batch), each
  * fetch delivers one (1 more follow, 2 this was the last, -40 without Init, -39 after the last). Account numbers come
@@ -484,6 +668,11 @@ ZELK_API ZelkResult ZELK_CALL ZELK_SplitBuchungEinfuegen(const ZELK_SPLITBUCHUNG
  * delivered. */
 ZELK_API ZelkResult ZELK_CALL ZELK_InitHoleBatch(int32_t Mandantennummer, int32_t Stapelnummer, int32_t Fehlermeldungen);
 ZELK_API ZelkResult ZELK_CALL ZELK_HoleBatch(ZELK_SPLITBUCHUNG *Buchung);
+
+/* Deliver the lines and the cost postings of the posting that ZELK_HoleBatch delivered last, one by one: 1 more follow,
+ * 2 this was the last, 0 there is none, -39 after the last, -40 without ZELK_HoleBatch. */
+ZELK_API ZelkResult ZELK_CALL ZELK_HoleBatchZeile(ZELK_BATCHZEILE *Zeile);
+ZELK_API ZelkResult ZELK_CALL ZELK_HoleBatchKobu(ZELK_BATCHKOBU *Kobu);
 
 #ifdef __cplusplus
 }

@@ -1,12 +1,14 @@
 #include "platform/registry.h"
 
 #include "platform/files.h"
+#include "platform/posix/posix.h"
 
 // The packaged library has the code ready, but with it a Unicode library that nothing here needs.
 #define SI_IMPLEMENTATION
 #define SI_NO_CONVERSION
 #include <SimpleIni.h>
 
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -17,13 +19,19 @@
 #include <unistd.h>
 
 namespace platform {
-namespace {
 
 std::string settingsPath() {
   if (const char *path = std::getenv("ZELK_SETTINGS"); path && *path) return path;
   const char *home = std::getenv("HOME");
   return std::string(home ? home : "") + "/.config/velta/settings.ini";
 }
+
+bool makeFolderOf(const std::string &path) {
+  size_t slash = path.rfind('/');
+  return slash == std::string::npos || slash == 0 || makeDirectories(path.substr(0, slash));
+}
+
+namespace {
 
 std::string sectionName(Hive hive, const std::string &key) {
   return (hive == Hive::LocalMachine ? "HKEY_LOCAL_MACHINE\\" : "HKEY_CURRENT_USER\\") + key;
@@ -70,9 +78,7 @@ bool writeRegistry(Hive hive, const std::string &key, const std::string &name, c
       name.empty() || name.find('=') != std::string::npos || std::strchr(";#[", name.front()))
     return false;
   std::string path = settingsPath();
-  if (size_t slash = path.rfind('/');
-      slash != std::string::npos && slash > 0 && !makeDirectories(path.substr(0, slash)))
-    return false;
+  if (!makeFolderOf(path)) return false;
   WriterLock lock(path);
   if (!lock.held()) return false;
   CSimpleIniA ini;
@@ -80,6 +86,18 @@ bool writeRegistry(Hive hive, const std::string &key, const std::string &name, c
   if (ini.SetValue(sectionName(hive, key).c_str(), name.c_str(), value.c_str()) < 0) return false;
   std::string fresh = path + ".new";
   return ini.SaveFile(fresh.c_str(), false) >= 0 && std::rename(fresh.c_str(), path.c_str()) == 0;
+}
+
+std::optional<uint32_t> readRegistryNumber(Hive hive, const std::string &key, const std::string &name) {
+  auto text = readRegistry(hive, key, name);
+  uint32_t number = 0;
+  if (!text || std::from_chars(text->data(), text->data() + text->size(), number).ec != std::errc())
+    return std::nullopt;
+  return number;
+}
+
+bool writeRegistryNumber(Hive hive, const std::string &key, const std::string &name, uint32_t value) {
+  return writeRegistry(hive, key, name, std::to_string(value));
 }
 
 std::vector<std::string> registryValueNames(Hive hive, const std::string &key) {

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <ctime>
 #include <pthread.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace platform {
@@ -25,6 +26,11 @@ public:
       break;
     }
     return Button::No;
+  }
+  std::optional<std::string> input(const std::string &, const std::string &) override { return std::nullopt; }
+  void choose(Selection &, void *) override {}
+  std::optional<std::string> saveFile(uintptr_t, const std::string &, const std::string &) override {
+    return std::nullopt;
   }
 };
 
@@ -69,9 +75,25 @@ uint64_t steadyMilliseconds() {
   return uint64_t(now.tv_sec) * 1000 + uint64_t(now.tv_nsec) / 1000000;
 }
 
+LocalTime localTime() {
+  time_t now = ::time(nullptr);
+  tm local{};
+  ::localtime_r(&now, &local);
+  return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec};
+}
+
+uint32_t threadId() {
+  return uint32_t(::syscall(SYS_gettid));
+}
+uint32_t processId() {
+  return uint32_t(::getpid());
+}
+
 std::vector<std::string> commandLine(int argc, char **argv) {
   return {argv, argv + argc};
 }
+
+const char kProgramExtension[] = "";
 
 bool errorIsTerminal() {
   return ::isatty(STDERR_FILENO) != 0;

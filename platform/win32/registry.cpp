@@ -49,6 +49,22 @@ bool writeRegistry(Hive hive, const std::string &path, const std::string &name, 
                         DWORD((wide.size() + 1) * sizeof(wchar_t))) == ERROR_SUCCESS;
 }
 
+std::optional<uint32_t> readRegistryNumber(Hive hive, const std::string &path, const std::string &name) {
+  Key key(hive, path, KEY_READ);
+  DWORD value = 0, bytes = sizeof value;
+  if (!key || RegGetValueW(key.get(), nullptr, toWide(name).c_str(), RRF_RT_REG_DWORD, nullptr, &value, &bytes) !=
+                  ERROR_SUCCESS)
+    return std::nullopt;
+  return value;
+}
+
+bool writeRegistryNumber(Hive hive, const std::string &path, const std::string &name, uint32_t value) {
+  Key key(hive, path, KEY_WRITE, true);
+  DWORD number = value;
+  return key && RegSetValueExW(key.get(), toWide(name).c_str(), 0, REG_DWORD, reinterpret_cast<const BYTE *>(&number),
+                               sizeof number) == ERROR_SUCCESS;
+}
+
 std::vector<std::string> registryValueNames(Hive hive, const std::string &path) {
   std::vector<std::string> names;
   Key key(hive, path, KEY_READ);

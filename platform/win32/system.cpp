@@ -4,6 +4,7 @@
 #include "platform/win32/win32.h"
 
 #include <clocale>
+#include <commdlg.h>
 #include <shellapi.h>
 
 namespace platform {
@@ -45,6 +46,25 @@ public:
     int pressed = MessageBoxW(GetActiveWindow(), toWide(text).c_str(), toWide(caption).c_str(), style);
     SetCursor(before);
     return Button(pressed);
+  }
+  std::optional<std::string> input(const std::string &, const std::string &) override { return std::nullopt; }
+  void choose(Selection &, void *) override {}
+
+  std::optional<std::string> saveFile(uintptr_t owner, const std::string &what, const std::string &pattern) override {
+    // Texts and patterns, each with its terminator, and one more behind the last.
+    std::wstring filter = toWide(what) + L'\0' + toWide(pattern) + L'\0';
+    wchar_t path[1024] = L"";
+    HWND window = reinterpret_cast<HWND>(owner);
+    OPENFILENAMEW dialog{};
+    dialog.lStructSize = sizeof dialog;
+    dialog.hwndOwner = IsWindow(window) ? window : GetActiveWindow();
+    dialog.lpstrFilter = filter.c_str();
+    dialog.lpstrFile = path;
+    dialog.nMaxFile = DWORD(std::size(path));
+    dialog.lpstrDefExt = L"txt";
+    dialog.Flags = OFN_EXPLORER | OFN_HIDEREADONLY | OFN_NOCHANGEDIR | OFN_OVERWRITEPROMPT | OFN_PATHMUSTEXIST;
+    if (!GetSaveFileNameW(&dialog)) return std::nullopt;
+    return fromWide(path);
   }
 };
 
@@ -127,6 +147,19 @@ uint64_t steadyMilliseconds() {
   return GetTickCount64();
 }
 
+LocalTime localTime() {
+  SYSTEMTIME now;
+  GetLocalTime(&now);
+  return {now.wYear, now.wMonth, now.wDay, now.wHour, now.wMinute, now.wSecond};
+}
+
+uint32_t threadId() {
+  return GetCurrentThreadId();
+}
+uint32_t processId() {
+  return GetCurrentProcessId();
+}
+
 std::vector<std::string> commandLine(int, char **) {
   SetConsoleOutputCP(CP_UTF8);
   int count = 0;
@@ -137,6 +170,8 @@ std::vector<std::string> commandLine(int, char **) {
   LocalFree(wide);
   return arguments;
 }
+
+const char kProgramExtension[] = ".exe";
 
 bool errorIsTerminal() {
   DWORD mode;

@@ -3,18 +3,17 @@
 #include "vlba98/text.h"
 
 #include "longhand.h"
+#include "random.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <iostream>
 #include <limits>
-#include <random>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
 
 using namespace vlba98;
+using namespace test;
 
 namespace {
 
@@ -29,20 +28,6 @@ std::string internalForm(std::int64_t hundredths) {
 
 std::string shown(const std::optional<std::int64_t> &value) {
   return value ? std::to_string(*value) : "";
-}
-
-/// A generator with a new seed per run. The seed is printed; ZELK_TEST_SEED repeats a run.
-std::mt19937_64 generator() {
-  const char *fixed = std::getenv("ZELK_TEST_SEED");
-  const std::uint64_t seed = fixed ? std::strtoull(fixed, nullptr, 10) : std::random_device{}();
-  std::cout << "ZELK_TEST_SEED=" << seed << std::endl;
-  return std::mt19937_64(seed);
-}
-
-/// Values of every magnitude up to the limit, both signs.
-std::int64_t anyMagnitude(std::mt19937_64 &random, std::int64_t limit) {
-  const auto value = static_cast<std::int64_t>(random() >> (1 + random() % 63)) % limit;
-  return random() % 2 ? value : -value;
 }
 
 TEST(MulDiv, AgreesWithLonghand) {

@@ -8,17 +8,12 @@ namespace {
 
 using ClientsOfEmptyBooks = Environment;
 
-TEST_F(ClientsOfEmptyBooks, AreNone) {
+TEST_F(ClientsOfEmptyBooks, AreNoneThenOne) {
   provision();
-  EXPECT_EQ(ZELK_InitHoleMandant(), ZELKERR_keine_Mandanten);
-  EXPECT_EQ(ZELK_HoleMandant(nullptr, nullptr, nullptr), ZELKERR_keinInit);
-}
-
-TEST_F(ClientsOfEmptyBooks, OneIsFirstAndLast) {
-  provision();
-  load("musterhandel");
   uint32_t number = 0;
+  EXPECT_EQ(ZELK_InitHoleMandant(), ZELKERR_keine_Mandanten);
   EXPECT_EQ(ZELK_HoleMandant(&number, nullptr, nullptr), ZELKERR_keinInit);
+  load("musterhandel");
   EXPECT_EQ(ZELK_InitHoleMandant(), ZELK_OK);
   EXPECT_EQ(ZELK_HoleMandant(&number, nullptr, nullptr), ZELK_letzterDatensatz);
   EXPECT_EQ(number, 1u);
@@ -50,25 +45,18 @@ TEST_F(Clients, AreWalkedAndRestarted) {
   EXPECT_EQ(number, 2u);
 }
 
-TEST_F(Clients, DeletedMeanwhileEndsTheFetch) {
-  ASSERT_EQ(ZELK_InitHoleMandant(), ZELK_OK);
+TEST_F(Clients, DeletedMeanwhileEndTheFetch) {
   auto other = session();
-  vldb98::DATENBANK record{};
-  uint8_t found;
-  ASSERT_TRUE(other->UsedGet(record, vldb98::KeyBuilder().number(uint16_t(1)), found, vldb98::kFirmenstamm,
-                             vldb98::ZELK_ENG_DEFAULT));
-  ASSERT_TRUE(other->Delete(vldb98::kFirmenstamm, vldb98::ZELK_ENG_DEFAULT));
-  EXPECT_EQ(ZELK_HoleMandant(nullptr, nullptr, nullptr), ZELKERR_Datenbank);
-}
-
-TEST_F(Clients, ThatNoLongerExistFollowNone) {
+  // The one behind the cursor, which is the last one then; the one under it.
   ASSERT_EQ(ZELK_InitHoleMandant(), ZELK_OK);
-  auto other = session();
-  ASSERT_TRUE(changeMaster(*other, 2, [&](vldb98::FIRMENSTAMM &) {}));
-  ASSERT_TRUE(other->Delete(vldb98::kFirmenstamm, vldb98::ZELK_ENG_DEFAULT));
-  uint32_t number = 0;
-  EXPECT_EQ(ZELK_HoleMandant(&number, nullptr, nullptr), ZELK_letzterDatensatz);
-  EXPECT_EQ(number, 1u);
+  for (uint16_t client : {2, 1}) {
+    ASSERT_TRUE(changeMaster(*other, client, [](vldb98::FIRMENSTAMM &) {}));
+    ASSERT_TRUE(other->Delete(vldb98::kFirmenstamm, vldb98::ZELK_ENG_DEFAULT));
+    uint32_t number = 0;
+    EXPECT_EQ(ZELK_HoleMandant(&number, nullptr, nullptr), client == 2 ? ZELK_letzterDatensatz : ZELKERR_Datenbank);
+    EXPECT_EQ(number, client == 2 ? 1u : 0u);
+    ASSERT_EQ(ZELK_InitHoleMandant(), client == 2 ? ZELK_OK : ZELKERR_keine_Mandanten);
+  }
 }
 
 /// The flat variant's values as a record.
@@ -91,31 +79,17 @@ TEST_F(Clients, HaveMasterData) {
     std::memset(&info, 0x55, sizeof info);
     std::memset(&direct, 0x66, sizeof direct);
     ASSERT_EQ(ZELK_HoleMandantenInfo(row.client, &info, 0), ZELK_OK);
-    EXPECT_EQ(+info.AktuellesJahr, row.year);
-    EXPECT_EQ(+info.Gejabeginn, row.start);
-    EXPECT_EQ(+info.Kontenrahmen, row.chart);
-    EXPECT_EQ(+info.Istversteuerer, row.cash);
-    EXPECT_EQ(+info.EUeRechner, 0);
-    EXPECT_EQ(+info.Steuerfrei, 0);
-    EXPECT_EQ(+info.Euro, row.euro);
-    EXPECT_STREQ(info.UStIdNr, row.taxNumber);
-    EXPECT_STREQ(info.Land, row.country);
-    EXPECT_STREQ(info.Waehrung, row.currency);
-    EXPECT_STREQ(info.Eurokurs, row.rate);
-    EXPECT_STREQ(info.SvSako, row.ledger);
-    EXPECT_STREQ(info.SvKred, row.creditors);
-    EXPECT_STREQ(info.SvDebi, row.creditors);
-    EXPECT_STREQ(info.Name, row.name);
-    EXPECT_STREQ(info.Zusatz, row.addition);
     ASSERT_EQ(directInfo(row.client, direct), ZELK_OK);
-    // Behind their terminators the record's texts may hold what was there before.
-    std::vector<std::pair<const char *, const char *>> texts = {
-        {info.UStIdNr, direct.UStIdNr},   {info.Land, direct.Land},     {info.Waehrung, direct.Waehrung},
-        {info.Eurokurs, direct.Eurokurs}, {info.SvSako, direct.SvSako}, {info.SvKred, direct.SvKred},
-        {info.SvDebi, direct.SvDebi},     {info.Name, direct.Name},     {info.Zusatz, direct.Zusatz}};
-    EXPECT_EQ(std::memcmp(&info, &direct, offsetof(ZELK_MANDANTENINFO, UStIdNr)), 0);
-    for (auto [a, b] : texts)
-      EXPECT_STREQ(a, b);
+    for (const ZELK_MANDANTENINFO *i : {&info, &direct}) {
+      EXPECT_EQ(std::tuple(+i->AktuellesJahr, +i->Gejabeginn, +i->Kontenrahmen, +i->Istversteuerer, +i->EUeRechner,
+                           +i->Steuerfrei, +i->Euro),
+                std::tuple(row.year, row.start, row.chart, row.cash, 0, 0, row.euro));
+      const char *texts[][2] = {{i->UStIdNr, row.taxNumber}, {i->Land, row.country},  {i->Waehrung, row.currency},
+                                {i->Eurokurs, row.rate},     {i->SvSako, row.ledger}, {i->SvKred, row.creditors},
+                                {i->SvDebi, row.creditors},  {i->Name, row.name},     {i->Zusatz, row.addition}};
+      for (auto [delivered, expected] : texts)
+        EXPECT_STREQ(delivered, expected);
+    }
     EXPECT_EQ(ZELK_HoleMandantenVersion(row.client), 98);
     EXPECT_EQ(ZELK_HoleStartJahr(row.client), 2025);
   }
@@ -132,12 +106,9 @@ TEST_F(Clients, AreRefusedWithTheirCode) {
               {2, ZELKERR_neuerer_Mandant, 99},
               {0, ZELKERR_uzl_Mandnr, ZELKERR_uzl_Mandnr},
               {3, ZELKERR_uzl_Mandnr, ZELKERR_uzl_Mandnr},
-              {-1, ZELKERR_uzl_Mandnr, ZELKERR_uzl_Mandnr},
               {-65535, ZELKERR_uzl_Mandnr, ZELKERR_uzl_Mandnr},
               // Numbers are stored in 16 bits; none of these may come out as client 1.
-              {65536, ZELKERR_uzl_Mandnr, ZELKERR_uzl_Mandnr},
               {65537, ZELKERR_uzl_Mandnr, ZELKERR_uzl_Mandnr},
-              {INT32_MAX, ZELKERR_uzl_Mandnr, ZELKERR_uzl_Mandnr},
               {INT32_MIN, ZELKERR_uzl_Mandnr, ZELKERR_uzl_Mandnr}};
   for (const auto &row : rows) {
     ZELK_MANDANTENINFO info, untouched;

@@ -1,300 +1,177 @@
-// The checks that a posting goes through: what each of them refuses, what just passes, and their order.
+// The checks that any posting goes through: what each of them refuses, and what just passes.
 #include <cstring>
 
-#include "support/books.h"
-#include "vlba98/encoding.h"
+#include "support/drafts.h"
 
 namespace test {
 namespace {
 
 using namespace vldb98;
 
-constexpr std::initializer_list<int> kAll = {kStapel, kBatchbuchung, kSplit, kKobu, kDmsId, kSachkonto};
+const std::string kNoClient = "-5 Der Mandant existiert nicht!", kNoBatch = "-6 Der Stapel existiert nicht!",
+                  kDate = "-11 Das Buchungsdatum ist unzulässig!",
+                  kCount = "-25 Die Anzahl der Teilbuchungen ist nicht korrekt!",
+                  kTerm = "-27 Das angegebene Zahlungsziel ist unzulässig (Existenz?).",
+                  kNoDebit = "-10 Die angegebene Sollkontonummer ist unzulässig.",
+                  kNoCredit = "-10 Die angegebene Habenkontonummer ist unzulässig.",
+                  kDebit = "-8 Die Sollkontonummer ist unzulässig!",
+                  kCredit = "-9 Die Habenkontonummer ist unzulässig!",
+                  kEqual = "-10 Soll- und Habenkontonummern sind gleich!",
+                  kNoNumber = "-62 Bitte vergeben Sie eine Belegnummer!",
+                  kOpening = "-10 Bei einer Eröffnungsbuchung muss eines der Konten leer übergeben werden (wird "
+                             "ersetzt durch das entsprechende Saldovortragskonto)!",
+                  kOpeningTax = "-14 Eine Eröffnungsbuchung muss steuerfrei sein!",
+                  kGross = "-12 Der Bruttobetrag ist unzulässig!", kRate = "-13 Der Steuersatz ist unzulässig!",
+                  kTax = "-14 Der Steuerbetrag ist unzulässig!";
 
-class PostingChecks : public Books {
-protected:
-  /// Inserts without and with messages, and sees that a refusal changes nothing and leaves nothing locked.
-  void expect(const ZELK_SPLITBUCHUNG &posting, ZelkResult result, const std::string &message) {
-    uint16_t client = posting.Mandantennummer == 2 ? 2 : 1;
-    std::string before = dump(*other_, client, kAll);
-    EXPECT_EQ(ZELK_SplitBuchungEinfuegen(&posting, 0), result);
-    EXPECT_EQ(recorder.takeText(), "");
-    EXPECT_EQ(ZELK_SplitBuchungEinfuegen(&posting, -1), result);
-    EXPECT_EQ(recorder.takeText(), message);
-    EXPECT_EQ(dump(*other_, client, kAll) == before, result != ZELK_OK);
-    EXPECT_TRUE(nothingLocked(*other_, client));
-  }
+using Change = std::function<void(Draft &)>;
 
-  std::unique_ptr<Store> other_ = session(std::chrono::milliseconds(0));
-};
-
-using Change = std::function<void(ZELK_SPLITBUCHUNG &)>;
+void toSwiss(Draft &draft) {
+  draft.client = draft.batch = 2;
+  draft.lines[0].debit = "1020";
+}
+Change date(const char *day, bool swiss = false) {
+  return [=](Draft &d) {
+    if (swiss) toSwiss(d);
+    d.date = day;
+  };
+}
+Change line(DraftLine line) {
+  return [=](Draft &d) { d.lines = {line}; };
+}
+Change kinds(const char *debit, int32_t debitKind, const char *credit, int32_t creditKind) {
+  return line({debit, credit, "1", "", "", {}, 0, debitKind, creditKind});
+}
+Change opening(DraftLine line) {
+  return [=](Draft &d) {
+    d.lines = {line};
+    d.opening = 1;
+  };
+}
 
 struct Check {
-  const char *name;
-  Change change; // to a valid posting of one line
-  ZelkResult result;
-  const char *message;
+  Change change; // to 1200 to 1000, 100,00, 21.01.2026
+  std::string outcome;
 };
 
-ZELK_TEILBUCHUNG &line(ZELK_SPLITBUCHUNG &posting, int index = 0) {
-  return posting.Teilbuchung[index];
-}
-
-void toSwiss(ZELK_SPLITBUCHUNG &posting) {
-  posting.Mandantennummer = 2;
-  posting.Stapelnummer = 2;
-  put(line(posting).Sollkonto, "1020");
-}
-
-Change gross(const char *amount) {
-  return [amount](ZELK_SPLITBUCHUNG &p) { put(line(p).Bruttobetrag, amount); };
-}
-Change tax(const char *rate, const char *amount) {
-  return [rate, amount](ZELK_SPLITBUCHUNG &p) {
-    put(line(p).Steuersatz, rate);
-    put(line(p).Steuerbetrag, amount);
-  };
-}
-Change date(const char *day) {
-  return [day](ZELK_SPLITBUCHUNG &p) { put(p.Belegdatum, day); };
-}
-Change accounts(const char *debit, int32_t debitKind, const char *credit, int32_t creditKind) {
-  return [=](ZELK_SPLITBUCHUNG &p) {
-    put(line(p).Sollkonto, debit);
-    line(p).Sollart = debitKind;
-    put(line(p).Habenkonto, credit);
-    line(p).Habenart = creditKind;
-  };
-}
-Change opening(Change change) {
-  return [=](ZELK_SPLITBUCHUNG &p) {
-    p.Eroeffnungsbuchung = 1;
-    line(p).Habenkonto[0] = 0;
-    change(p);
-  };
-}
-
-const char kDate[] = "Das Buchungsdatum ist unzulässig!", kGross[] = "Der Bruttobetrag ist unzulässig!",
-           kRate[] = "Der Steuersatz ist unzulässig!", kTax[] = "Der Steuerbetrag ist unzulässig!",
-           kNoTax[] = "In dieser Buchung darf keine Steuer angegeben werden!",
-           kDebit[] = "Die Sollkontonummer ist unzulässig!", kCredit[] = "Die Habenkontonummer ist unzulässig!",
-           kNoDebit[] = "Die angegebene Sollkontonummer ist unzulässig.",
-           kNoCredit[] = "Die angegebene Habenkontonummer ist unzulässig.",
-           kLetters[] = "Das Währungskürzel darf nur (max. 3) Buchstaben enthalten!",
-           kForeign[] = "In der Basisversion kann nicht mit Fremdwährung gebucht werden. Bitte übergeben Sie Ihre "
-                        "Buchungen in der Mandantenwährung.",
-           kOpening[] =
-               "Bei einer Eröffnungsbuchung muss eines der Konten leer übergeben werden (wird ersetzt durch das "
-               "entsprechende Saldovortragskonto)!";
-
 const Check kChecks[] = {
-    {"valid", [](auto &) {}, 1, ""},
-    {"client 99", [](auto &p) { p.Mandantennummer = 99; }, -5, "Der Mandant existiert nicht!"},
-    {"client 65537", [](auto &p) { p.Mandantennummer = 65537; }, -5, "Der Mandant existiert nicht!"},
-    {"batch 11", [](auto &p) { p.Stapelnummer = 11; }, -6, "Der Stapel existiert nicht!"},
-    {"batch -1", [](auto &p) { p.Stapelnummer = -1; }, -6, "Der Stapel existiert nicht!"},
-    {"batch of the other client", [](auto &p) { toSwiss(p), p.Stapelnummer = 5; }, -6, "Der Stapel existiert nicht!"},
-    {"batch of cost accounting", [](auto &p) { p.Stapelnummer = 10; }, -6,
-     "Der angebene Stapel ist ein KORE-Stapel und daher unzulässig!"},
-    {"last batch of postings", [](auto &p) { p.Stapelnummer = 9; }, 1, ""},
+    {[](Draft &d) { d.client = 99; }, kNoClient},
+    {[](Draft &d) { d.client = 65537; }, kNoClient},
+    {[](Draft &d) { d.batch = 11; }, kNoBatch},
+    {[](Draft &d) { toSwiss(d), d.batch = 5; }, kNoBatch},
+    {[](Draft &d) { d.batch = 10; }, "-6 Der angebene Stapel ist ein KORE-Stapel und daher unzulässig!"},
+    {[](Draft &d) { d.batch = 9; }, "1"},
 
-    {"no date", date(""), -11, kDate},
-    {"no day", date("310426"), -11, kDate},
-    {"29.02.2025", date("290225"), -11, kDate},
-    {"letters", date("2101xx"), -11, kDate},
-    {"short", date("21012"), -11, kDate},
-    {"day before the first year", date("311224"), -11, kDate},
-    {"first day", date("010125"), 1, ""},
-    {"last day of the first year", date("311225"), 1, ""},
-    {"last day", date("311226"), 1, ""},
-    {"day after the last year", date("010127"), -11, kDate},
-    {"with dots", date("1.2.26"), 1, ""},
-    {"year from July on: before", [](auto &p) { toSwiss(p), put(p.Belegdatum, "300625"); }, -11, kDate},
-    {"year from July on: first day", [](auto &p) { toSwiss(p), put(p.Belegdatum, "010725"); }, 1, ""},
-    {"year from July on: last day", [](auto &p) { toSwiss(p), put(p.Belegdatum, "300627"); }, 1, ""},
-    {"year from July on: after", [](auto &p) { toSwiss(p), put(p.Belegdatum, "010727"); }, -11, kDate},
+    {date(""), kDate},
+    {date("310426"), kDate},
+    {date("290225"), kDate},
+    {date("21012"), kDate},
+    {date("311224"), kDate},
+    {date("010125"), "1"},
+    {date("311226"), "1"},
+    {date("010127"), kDate},
+    {date("1.2.26"), "1"},
+    {date("300625", true), kDate},
+    {date("010725", true), "1"},
+    {date("300627", true), "1"},
+    {date("010727", true), kDate},
 
-    {"no lines", [](auto &p) { p.Teilbuchungsanzahl = 0; }, -25, "Die Anzahl der Teilbuchungen ist nicht korrekt!"},
-    {"-1 lines", [](auto &p) { p.Teilbuchungsanzahl = -1; }, -25, "Die Anzahl der Teilbuchungen ist nicht korrekt!"},
-    {"11 lines", [](auto &p) { p.Teilbuchungsanzahl = 11; }, -25, "Die Anzahl der Teilbuchungen ist nicht korrekt!"},
-    {"endless lines", [](auto &p) { p.Teilbuchungsanzahl = INT32_MAX; }, -25,
-     "Die Anzahl der Teilbuchungen ist nicht korrekt!"},
+    {[](Draft &d) { d.lines.clear(); }, kCount},
+    {[](Draft &d) { d.lines.resize(11, d.lines[0]); }, kCount},
 
-    {"opening with both accounts", [](auto &p) { p.Eroeffnungsbuchung = 1; }, -10, kOpening},
-    {"opening without accounts", opening([](auto &p) { put(line(p).Sollkonto, "  "); }), -10, kOpening},
-    {"opening", opening([](auto &) {}), 1, ""},
-    {"opening with a blank account", opening([](auto &p) { put(line(p).Habenkonto, "   "); }), 1, ""},
-    {"opening with tax", opening(tax("", "19,00")), -14, "Eine Eröffnungsbuchung muss steuerfrei sein!"},
-    {"opening with a rate", opening(tax("19,00", "")), -14, "Eine Eröffnungsbuchung muss steuerfrei sein!"},
-    {"opening with tax 0", opening(tax("0,00", "0,00")), 1, ""},
-    {"opening of an unknown account", opening(accounts("4999", 1, "", 1)), -10, kNoDebit},
-    {"opening of the balance-forward account", opening(accounts("9000", 1, "", 1)), -10,
-     "Soll- und Habenkontonummern sind gleich!"},
+    {opening({"1200", "1000"}), kOpening},
+    {opening({"  ", ""}), kOpening},
+    {opening({"1200", ""}), "1"},
+    {opening({"   ", "1200"}), "1"},
+    {opening({"1200", "", "1", "", "19,00"}), kOpeningTax},
+    {opening({"8400", "", "1", "19,00"}), kOpeningTax},
+    {opening({"1200", "", "1", "0,00", "0,00"}), "1"},
+    {opening({"4999", ""}), kNoDebit},
+    {opening({"9000", ""}), kEqual},
 
-    {"payment slip outside Switzerland", [](auto &p) { put(p.ESR, "210000000003139471430009017"); }, -60,
-     "Die Angabe einer ESR-Nummer (210000000003139471430009017) ist nur bei schweizer Mandanten gestattet!"},
-    {"payment slip", [](auto &p) { toSwiss(p), put(p.ESR, "210000000003139471430009017"); }, 1, ""},
-    {"payment slip with a wrong digit", [](auto &p) { toSwiss(p), put(p.ESR, "210000000003139471430009018"); }, -60,
-     "Die angegeben ESR-Nummer '210000000003139471430009018' ist nicht korrekt!"},
-    {"blank payment slip", [](auto &p) { put(p.ESR, "   "); }, 1, ""},
+    {[](Draft &d) { d.slip = "210000000003139471430009017"; },
+     "-60 Die Angabe einer ESR-Nummer (210000000003139471430009017) ist nur bei schweizer Mandanten gestattet!"},
+    {[](Draft &d) { toSwiss(d), d.slip = "210000000003139471430009017"; }, "1"},
+    {[](Draft &d) { toSwiss(d), d.slip = "210000000003139471430009018"; },
+     "-60 Die angegeben ESR-Nummer '210000000003139471430009018' ist nicht korrekt!"},
+    {[](Draft &d) { d.slip = "   "; }, "1"},
 
-    {"payment term 5", [](auto &p) { p.Zahlungsziel = 5; }, 1, ""},
-    {"payment term 6", [](auto &p) { p.Zahlungsziel = 6; }, -27,
-     "Das angegebene Zahlungsziel ist unzulässig (Existenz?)."},
-    {"payment term -1", [](auto &p) { p.Zahlungsziel = -1; }, -27,
-     "Das angegebene Zahlungsziel ist unzulässig (Existenz?)."},
+    {[](Draft &d) { d.term = 5; }, "1"},
+    {[](Draft &d) { d.term = 6; }, kTerm},
+    {[](Draft &d) { d.term = -1; }, kTerm},
 
-    {"client's currency", [](auto &p) { put(p.Waehrung, "EUR"); }, 1, ""},
-    {"in small letters", [](auto &p) { put(p.Waehrung, "eur"); }, 1, ""},
-    {"foreign currency", [](auto &p) { put(p.Waehrung, "USD"); }, -83, kForeign},
-    {"client's currency of Switzerland", [](auto &p) { toSwiss(p), put(p.Waehrung, "CHF"); }, 1, ""},
-    {"foreign currency in Switzerland", [](auto &p) { toSwiss(p), put(p.Waehrung, "EUR"); }, -83, kForeign},
-    {"digit in the currency", [](auto &p) { put(p.Waehrung, "EU1"); }, -83, kLetters},
-    {"umlaut in the currency", [](auto &p) { put(p.Waehrung, "E\xDCR"); }, -83, kLetters},
-    {"bracket in the currency", [](auto &p) { put(p.Waehrung, "[UR"); }, -83, kLetters},
+    {line({"4999", "1000"}), kNoDebit},
+    {line({"", "1000"}), kNoDebit},
+    {line({"1200", "99999"}), kNoCredit},
+    {kinds("1200", 1, "100", 8), kNoCredit}, // a cost centre
+    {line({"27", "1000"}), "1"},
+    {kinds(" 1200 ", 1, " 1000", 1), "1"},
+    {line({"4964", "1200"}), "1"},
+    {[](Draft &d) {
+       d.lines = {{"4964", "1200"}}, d.date = "310125";
+     },
+     kNoDebit}, // an account of 2026
+    {line({"70010", "10010"}), "1"},
 
-    {"unknown debit account", accounts("4999", 1, "1000", 1), -10, kNoDebit},
-    {"no debit account", accounts("", 1, "1000", 1), -10, kNoDebit},
-    {"unknown credit account", accounts("1200", 1, "99999", 4), -10, kNoCredit},
-    {"cost centre as an account", accounts("1200", 1, "100", 8), -10, kNoCredit},
-    {"leading zeros left out", accounts("27", 1, "1000", 1), 1, ""},
-    {"blanks around", accounts(" 1200 ", 1, " 1000", 1), 1, ""},
-    {"account of 2026 only", accounts("4964", 1, "1200", 1), 1, ""},
-    {"account of 2026 only, in 2025", [](auto &p) { accounts("4964", 1, "1200", 1)(p), put(p.Belegdatum, "310125"); },
-     -10, kNoDebit},
-    {"creditor and debtor", accounts("70010", 2, "10010", 4), 1, ""},
+    {[](Draft &d) { d.number = ""; }, kNoNumber},
+    {[](Draft &d) { d.number = std::string(16, ' '); }, kNoNumber},
+    {[](Draft &d) { d.valueDate = "311299"; }, "1"},
+    {[](Draft &d) { d.valueDate = "    "; }, "1"},
+    {[](Draft &d) { d.valueDate = "320126"; }, "-61 Das Valutadatum ist unzulässig!"},
 
-    {"no document number", [](auto &p) { put(p.Belegnummer, ""); }, -62, "Bitte vergeben Sie eine Belegnummer!"},
-    {"blank document number", [](auto &p) { put(p.Belegnummer, "                "); }, -62,
-     "Bitte vergeben Sie eine Belegnummer!"},
-    {"longest document number", [](auto &p) { put(p.Belegnummer, "1234567890123456"); }, 1, ""},
-    {"value date", [](auto &p) { put(p.Valutadatum, "311299"); }, 1, ""},
-    {"no value date", [](auto &p) { put(p.Valutadatum, "    "); }, 1, ""},
-    {"wrong value date", [](auto &p) { put(p.Valutadatum, "320126"); }, -61, "Das Valutadatum ist unzulässig!"},
+    {line({"1200", "1200"}), kEqual},
+    {line({"0027", "27"}), kEqual},
+    {kinds("1200", 2, "1000", 1), kDebit},
+    {kinds("1200", 0, "1000", 1), kDebit},
+    {kinds("1200", 1, "1000", 4), kCredit},
+    {kinds("10010", 2, "1000", 1), kDebit},
+    {line({"1590", "1000"}), kDebit}, // locked accounts
+    {line({"1200", "10180"}), kCredit},
+    {line({"70140", "1200"}), kDebit},
 
-    {"equal accounts", accounts("1200", 1, "1200", 1), -10, "Soll- und Habenkontonummern sind gleich!"},
-    {"equal in two notations", accounts("0027", 1, " 27", 1), -10, "Soll- und Habenkontonummern sind gleich!"},
-    {"debit of another kind", accounts("1200", 2, "1000", 1), -8, kDebit},
-    {"debit without a kind", accounts("1200", 0, "1000", 1), -8, kDebit},
-    {"credit of another kind", accounts("1200", 1, "1000", 4), -9, kCredit},
-    {"credit of no kind", accounts("1200", 1, "1000", 3), -9, kCredit},
-    {"debtor as creditor", accounts("10010", 2, "1000", 1), -8, kDebit},
-    {"locked account", accounts("1590", 1, "1000", 1), -8, kDebit},
-    {"locked debtor", accounts("1200", 1, "10180", 4), -9, kCredit},
-    {"locked creditor", accounts("70140", 2, "1200", 1), -8, kDebit},
+    {line({"1200", "1000", "999999999-99"}), "1"},
+    {line({"1200", "1000", "1000000000"}), kGross},
+    {line({"1200", "1000", ""}), "1"},
+    {line({"1200", "1000", "1.234.567,89"}), "1"},
+    {line({"1200", "1000", "12,505"}), kGross},
+    {line({"1200", "1000", "1 234,00"}), kGross},
+    {line({"1200", "1000", "1", "19,0x"}), kRate},
+    {line({"1200", "1000", "1", "-1"}), kRate},
+    {line({"1200", "1000", "1", "100"}), kRate},
+    {line({"1200", "1000", "1", "", "1,2,3"}), kTax}};
 
-    {"greatest amount", gross("999999999,99"), 1, ""},
-    {"least amount", gross("-99999999,99"), 1, ""},
-    {"greatest credit", gross("999999999-99"), 1, ""},
-    {"too great", gross("1000000000"), -12, kGross},
-    {"no amount", gross(""), 1, ""},
-    {"amount 0", gross("0"), 1, ""},
-    {"whole", gross("12"), 1, ""},
-    {"one decimal", gross("12,5"), 1, ""},
-    {"grouped", gross("1.234.567,89"), 1, ""},
-    {"minus behind", gross("12,50-"), 1, ""},
-    {"plus", gross("+12,50"), 1, ""},
-    {"blanks", gross("  12,50  "), 1, ""},
-    {"three decimals", gross("12,505"), -12, kGross},
-    {"decimal point", gross("12.50"), -12, kGross},
-    {"wrong groups", gross("1.23,00"), -12, kGross},
-    {"two signs", gross("-12,50-"), -12, kGross},
-    {"no digits before", gross(",50"), -12, kGross},
-    {"letters in it", gross("12,5O"), -12, kGross},
-    {"blank inside", gross("1 234,00"), -12, kGross},
-    {"rate 0", tax("0", ""), 1, ""},
-    {"rate and tax 0", tax("00,00", "000000000,00"), 1, ""},
-    {"rate of a wrong form", tax("19,0x", ""), -13, kRate},
-    {"rate below zero", tax("-1", ""), -13, kRate},
-    {"rate of three digits", tax("100", ""), -13, kRate},
-    {"tax of a wrong form", tax("", "1,2,3"), -14, kTax},
-    {"cost template", [](auto &p) { line(p).Kostenschablone = 1; }, -82,
-     "Die angegebenen Kostenschablone existiert nicht."},
-    {"rate", tax("19,00", ""), -13, kNoTax},
-    {"tax", tax("", "19,00"), -14, kNoTax},
-    {"rate and tax", tax("19,00", "19,00"), -14, kNoTax},
-    {"tax of another sign", tax("", "-0,01"), -14, kNoTax}};
+using PostingChecks = PostingBooks;
 
 TEST_F(PostingChecks, RefuseAndPass) {
-  for (const Check &check : kChecks) {
-    SCOPED_TRACE(check.name);
-    ZELK_SPLITBUCHUNG posting = validSplit(1);
-    check.change(posting);
-    expect(posting, check.result, check.message);
+  for (const Check &check : kChecks)
+    for (Way way : {Way::Whole, Way::Pieces}) {
+      Draft draft{1, 3, {{"1200", "1000"}}};
+      check.change(draft);
+      // Only a record can be an opening posting, and only pieces have room for more than ten lines.
+      if (way == Way::Pieces && (draft.opening || draft.lines.size() > 10)) continue;
+      SCOPED_TRACE(testing::Message() << "row " << &check - kChecks << (way == Way::Pieces ? ", in pieces" : ""));
+      EXPECT_EQ(insert(draft, way), check.outcome);
+    }
+  ZELK_SPLITBUCHUNG posting = validSplit(1);
+  for (int32_t count : {-1, INT32_MAX}) {
+    posting.Teilbuchungsanzahl = count;
+    EXPECT_EQ(ZELK_SplitBuchungEinfuegen(&posting, 0), ZELKERR_uzl_Teilbuchungsanzahl) << count;
   }
+  EXPECT_EQ(recorder.takeText(), "") << "without the flag";
 }
 
 TEST_F(PostingChecks, OfClosedYears) {
-  uint8_t found;
-  ASSERT_TRUE(other_->SetzeFista(1, found) && found);
-  DATENBANK year{};
-  ASSERT_TRUE(other_->UsedGet(year, KeyBuilder().number(int16_t(2025)), found, kGeschaeftsjahr, ZELK_ENG_DEFAULT) &&
-              found);
-  year.Geschaeftsjahr.Abgeschlossen = 1;
-  ASSERT_TRUE(other_->Update(year, kGeschaeftsjahr, ZELK_ENG_DEFAULT));
+  change(1, kGeschaeftsjahr, KeyBuilder().number(int16_t(2025)), [](auto &r) { r.Geschaeftsjahr.Abgeschlossen = 1; });
   static const struct {
     const char *setting, *day;
-    ZelkResult result;
-  } rows[] = {{"", "311225", -11}, {"", "010126", 1},    {"n", "311225", -11}, {"J", "311225", -11},
-              {"j", "311225", 1},  {"j", "311224", -11}, {"j", "010127", -11}};
+    std::string outcome;
+  } rows[] = {{"", "311225", kDate}, {"", "010126", "1"},    {"J", "311225", kDate},
+              {"j", "311225", "1"},  {"j", "311224", kDate}, {"j", "010127", kDate}};
   for (const auto &row : rows) {
-    SCOPED_TRACE(std::string(row.setting) + ' ' + row.day);
-    ASSERT_TRUE(MFWritePrivateProfileString("MFIBU", "NoGejaCheck", row.setting, nullptr));
-    ZELK_Detach();
-    ZELK_SPLITBUCHUNG posting = validSplit(1);
-    put(posting.Belegdatum, row.day);
-    expect(posting, row.result, row.result == 1 ? "" : kDate);
+    setting("MFIBU", "NoGejaCheck", row.setting);
+    EXPECT_EQ(insert({1, 3, {{"1200", "1000"}}, "", row.day}, Way::Whole), row.outcome)
+        << row.setting << ' ' << row.day;
   }
-}
-
-// In the order of the checks, each to a posting of two lines; none undoes another, when the later one is made first.
-const Check kOrder[] = {
-    {"client", [](auto &p) { p.Mandantennummer = 99; }, -5, "Der Mandant existiert nicht!"},
-    {"batch", [](auto &p) { p.Stapelnummer = 99; }, -6, "Der Stapel existiert nicht!"},
-    {"date", date("310426"), -11, kDate},
-    {"line count", [](auto &p) { p.Teilbuchungsanzahl = 11; }, -25, "Die Anzahl der Teilbuchungen ist nicht korrekt!"},
-    {"opening", [](auto &p) { p.Eroeffnungsbuchung = 1; }, -10, "Teilbuchung 1: "},
-    {"payment slip", [](auto &p) { put(p.ESR, "1"); }, -60,
-     "Die Angabe einer ESR-Nummer (1) ist nur bei schweizer Mandanten gestattet!"},
-    {"shape", [](auto &p) { put(line(p, 1).Sollkonto, "1360"); }, -26,
-     "Bei einer Splitbuchung muss entweder das Soll- oder das Habenkonto jeder Teilbuchung gleich sein!"},
-    {"payment term", [](auto &p) { p.Zahlungsziel = 99; }, -27,
-     "Das angegebene Zahlungsziel ist unzulässig (Existenz?)."},
-    {"currency letters", [](auto &p) { put(p.Waehrung, "12"); }, -83, kLetters},
-    {"debit account", [](auto &p) { put(line(p).Sollkonto, "4999"), put(line(p, 1).Sollkonto, "4999"); }, -10,
-     kNoDebit},
-    {"credit account", [](auto &p) { put(line(p).Habenkonto, "4998"); }, -10, kNoCredit},
-    {"document number", [](auto &p) { p.Belegnummer[0] = 0; }, -62, "Bitte vergeben Sie eine Belegnummer!"},
-    {"value date", [](auto &p) { put(p.Valutadatum, "x"); }, -61, "Das Valutadatum ist unzulässig!"},
-    {"first line", [](auto &p) { line(p).Kostenschablone = 1; }, -82,
-     "Teilbuchung 1: Die angegebenen Kostenschablone existiert nicht."},
-    {"equal accounts", [](auto &p) { put(line(p, 1).Habenkonto, "1200"); }, -10,
-     "Teilbuchung 2: Soll- und Habenkontonummern sind gleich!"},
-    {"debit kind", [](auto &p) { line(p, 1).Sollart = 4; }, -8, "Teilbuchung 2: Die Sollkontonummer ist unzulässig!"},
-    {"credit kind", [](auto &p) { line(p, 1).Habenart = 0; }, -9,
-     "Teilbuchung 2: Die Habenkontonummer ist unzulässig!"},
-    {"gross", [](auto &p) { put(line(p, 1).Bruttobetrag, "x"); }, -12,
-     "Teilbuchung 2: Der Bruttobetrag ist unzulässig!"},
-    {"rate", [](auto &p) { put(line(p, 1).Steuersatz, "x"); }, -13, "Teilbuchung 2: Der Steuersatz ist unzulässig!"},
-    {"tax", [](auto &p) { put(line(p, 1).Steuerbetrag, "x"); }, -14, "Teilbuchung 2: Der Steuerbetrag ist unzulässig!"},
-    {"cost template", [](auto &p) { line(p, 1).Kostenschablone = 1; }, -82,
-     "Teilbuchung 2: Die angegebenen Kostenschablone existiert nicht."},
-    {"no tax", [](auto &p) { put(line(p, 1).Steuerbetrag, "1,00"); }, -14,
-     "Teilbuchung 2: In dieser Buchung darf keine Steuer angegeben werden!"}};
-
-TEST_F(PostingChecks, ComeInTheirOrder) {
-  std::string before = dump(*other_, 1, kAll);
-  for (const Check *first = std::begin(kOrder); first != std::end(kOrder); ++first)
-    for (const Check *second = first; second != std::end(kOrder); ++second) {
-      ZELK_SPLITBUCHUNG posting = validSplit(2);
-      second->change(posting);
-      first->change(posting);
-      EXPECT_EQ(ZELK_SplitBuchungEinfuegen(&posting, 1), first->result) << first->name << ", " << second->name;
-      EXPECT_EQ(recorder.takeText().rfind(first->message, 0), 0u) << first->name << ", " << second->name;
-    }
-  EXPECT_EQ(dump(*other_, 1, kAll), before);
-  EXPECT_TRUE(nothingLocked(*other_, 1));
 }
 
 struct TextField {

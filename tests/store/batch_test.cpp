@@ -119,6 +119,110 @@ TEST_P(BatchPostings, AreWrittenReadAndDeletedWhole) {
   EXPECT_EQ(dump(*open(), 1, {kKobu}), "") << "cost postings were left";
 }
 
+TEST_P(BatchPostings, TellTheirBatch) {
+  DATENBANK second{};
+  ASSERT_TRUE(store->Insert(second, kStapel, kDefault));
+  auto insert = [&](int32_t batch) {
+    BATCHBUCHUNG made = posting("B", batch);
+    ASSERT_TRUE(insertSplit(*store, made));
+  };
+  auto remove = [&](int32_t batch) {
+    BATCHBUCHUNG read{};
+    ASSERT_TRUE(store->ReadBat(read, batch, 0, found) && found);
+    ASSERT_TRUE(store->DeleteBat());
+  };
+  insert(1), insert(1), insert(2);
+  remove(1);
+  EXPECT_TRUE(bebucht(1)) << "one is left";
+  remove(1);
+  EXPECT_FALSE(bebucht(1)) << "the posting of the next batch is not one of its own";
+  remove(2);
+  EXPECT_FALSE(bebucht(2)) << "the last of all";
+  insert(1), insert(1), insert(2);
+  BATCHBUCHUNG read{};
+  ASSERT_TRUE(store->ReadBat(read, 1, 0, found) && found);
+  ASSERT_TRUE(store->EmptyBat(1));
+  EXPECT_FALSE(store->DeleteBat()) << "the posting read is gone";
+  EXPECT_FALSE(bebucht(1));
+  EXPECT_TRUE(bebucht(2));
+  ASSERT_TRUE(store->EmptyBat(2));
+  EXPECT_EQ(dump(*store, 1, {kBatchbuchung, kSplit, kKobu}), "");
+  EXPECT_TRUE(store->EmptyBat(2)) << "nothing to do";
+  EXPECT_TRUE(store->EmptyBat(9)) << "no such batch, no postings";
+  // A batch that was deleted in another way leaves postings that can still be deleted.
+  insert(2);
+  ASSERT_TRUE(store->UsedGet(second, KeyBuilder().number(2), found, kStapel, kDefault) && found);
+  ASSERT_TRUE(store->Delete(kStapel, kDefault));
+  remove(2);
+  EXPECT_EQ(dump(*store, 1, {kBatchbuchung, kSplit, kKobu}), "");
+}
+
+TEST_P(BatchPostings, AreDeletedByTheBeginningOfTheirKey) {
+  DATENBANK batch{}, record{};
+  ASSERT_TRUE(store->Insert(batch, kStapel, kDefault));
+  auto lines = [&](Store &from) {
+    std::string all;
+    int done = from.StepFirstExt(record, found, kKobu, kDefault);
+    for (; done && found; done = from.StepNextExt(record, found, kKobu, kDefault))
+      all += std::to_string(record.Kobu.Stapel) + std::to_string(record.Kobu.Buchung) +
+             std::to_string(record.Kobu.Split) + std::to_string(record.Kobu.Nr) + " ";
+    return all;
+  };
+  auto other = open();
+  ASSERT_TRUE(other->SetzeFista(2, found) && found);
+  BATCHBUCHUNG made = posting("B-1");
+  ASSERT_TRUE(insertSplit(*other, made));
+  for (int32_t number : {1, 1, 2}) {
+    made = posting("B", number);
+    ASSERT_TRUE(insertSplit(*store, made));
+  }
+  const std::string all = "1100 1101 1110 1200 1201 1210 2100 2101 2110 ";
+  ASSERT_EQ(lines(*store), all);
+  struct Row {
+    KeyBuilder key;
+    int fields;
+    bool done;
+    const char *left;
+  };
+  const Row rows[] = {
+      {KeyBuilder().number(1).number(2), 2, true, "1100 1101 1110 2100 2101 2110 "},
+      {KeyBuilder().number(1).number(1).number(0), 3, true, "1110 1200 1201 1210 2100 2101 2110 "},
+      {KeyBuilder().number(1).number(1).number(0).number(1), 4, true, "1100 1110 1200 1201 1210 2100 2101 2110 "},
+      {KeyBuilder().number(1).number(7), 1, true, "2100 2101 2110 "}, // what stands behind does not count
+      {KeyBuilder().number(3), 1, true, all.c_str()},
+      {KeyBuilder().number(1), 0, false, all.c_str()},
+      {KeyBuilder().number(1), 5, false, all.c_str()},
+  };
+  for (const Row &row : rows) {
+    SCOPED_TRACE(std::to_string(&row - rows));
+    ASSERT_TRUE(store->Transaktion(1, 0, kDefault));
+    EXPECT_EQ(store->DeleteBeginning(row.key, row.fields, kKobu, kDefault) != 0, row.done);
+    EXPECT_EQ(lines(*store), row.left);
+    ASSERT_TRUE(store->Transaktion(4, 0, kDefault));
+    EXPECT_EQ(lines(*store), all);
+  }
+  EXPECT_FALSE(store->DeleteBeginning(KeyBuilder().number(1), 1, kKobu, GetParam().other));
+  EXPECT_FALSE(store->DeleteBeginning(KeyBuilder().number(1), 1, fileNumber(kKobu, 1), kDefault)) << "no such key";
+  // A walk goes on behind what was deleted under it.
+  ASSERT_TRUE(store->GetGeExt(record, KeyBuilder().number(1).number(2), found, kKobu, kDefault, 0) && found);
+  ASSERT_TRUE(store->DeleteBeginning(KeyBuilder().number(1), 1, kKobu, kDefault));
+  EXPECT_FALSE(store->Delete(kKobu, kDefault)) << "it is no longer there";
+  ASSERT_TRUE(store->GetNextExt(record, found, kKobu, kDefault) && found);
+  EXPECT_EQ(+record.Kobu.Stapel, 2);
+  EXPECT_EQ(lines(*other), "1100 1101 1110 ") << "another client's";
+  // By a second key: all records with that name.
+  put(batch.Stapel.Name, "doppelt");
+  for (int i = 0; i < 3; ++i) {
+    batch.Stapel.Nr = 0;
+    put(batch.Stapel.Name, i == 1 ? "doppelte" : "doppelt");
+    ASSERT_TRUE(store->Insert(batch, kStapel, kDefault));
+  }
+  ASSERT_TRUE(store->DeleteBeginning(KeyBuilder().text("doppelt", 40), 1, fileNumber(kStapel, 1), kDefault));
+  ASSERT_TRUE(store->GetLastExt(record, found, kStapel, kDefault, 0) && found);
+  EXPECT_STREQ(record.Stapel.Name, "doppelte");
+  EXPECT_EQ(+record.Stapel.Nr, 4);
+}
+
 TEST_P(BatchPostings, RefusedOnesLeaveNothing) {
   std::string before = dump(*store, 1, kPostingTables);
   BATCHBUCHUNG made = posting("B-1", 7);
@@ -175,6 +279,9 @@ TEST_P(BatchPostings, FailingOperationLeavesTheTables) {
   sweep(
       "DeleteBat", [&] { ASSERT_TRUE(faulty->ReadBat(made, 1, 1, found) && found); },
       [&] { return faulty->DeleteBat() != 0; });
+  ASSERT_TRUE(insertSplit(*store, made));
+  sweep(
+      "EmptyBat", [] {}, [&] { return faulty->EmptyBat(1) != 0; });
   DATENBANK batch{};
   sweep(
       "multi insert", [&] { batch = {}; },

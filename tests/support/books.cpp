@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstdlib>
 #include <map>
+#include <random>
 #include <sstream>
 
 #include "sqlite/sqlite_connection.h"
@@ -37,6 +38,9 @@ public:
   bool change(ChangeOp op, FileNumber file, DATENBANK *record) override {
     return !fails() && inner_->change(op, file, record);
   }
+  bool deleteBeginning(FileNumber file, const SCHLUESSEL &key, int fields) override {
+    return !fails() && inner_->deleteBeginning(file, key, fields);
+  }
   bool transaction(TransactionOp op, bool snapshot) override {
     // A rollback cannot be refused; a commit that fails has rolled back.
     if (op == TransactionOp::Rollback || !fails()) return inner_->transaction(op, snapshot);
@@ -61,10 +65,56 @@ private:
 platform::Button Recorder::message(const std::string &caption, const std::string &text, platform::BoxIcon icon,
                                    platform::BoxButtons buttons) {
   shown.push_back({caption, text, icon, buttons});
+  if (whileShown) whileShown();
   if (answers.empty()) return platform::Button::Ok;
   platform::Button answer = answers.front();
   answers.erase(answers.begin());
   return answer;
+}
+
+std::optional<std::string> Recorder::input(const std::string &caption, const std::string &text) {
+  shown.push_back({caption, text, platform::BoxIcon::Question, platform::BoxButtons::OkCancel});
+  if (whileShown) whileShown();
+  if (inputs.empty()) return std::nullopt;
+  std::string answer = inputs.front();
+  inputs.erase(inputs.begin());
+  return answer;
+}
+
+void Recorder::choose(platform::Selection &selection, void *parent) {
+  auto open = [&](const DialogEvent &event) {
+    switch (event.kind) {
+    case DialogEvent::Order:
+      return selection.switchOrder(event.value);
+    case DialogEvent::Type:
+      selection.search(event.text);
+      return true;
+    case DialogEvent::Select:
+      selection.select(size_t(event.value));
+      return true;
+    case DialogEvent::DoubleClick:
+      selection.select(size_t(event.value));
+      return !selection.confirm();
+    case DialogEvent::Ok:
+      return !selection.confirm();
+    case DialogEvent::Cancel:
+      break;
+    }
+    return false;
+  };
+  ShownDialog shownNow{selection.title(), parent, 0, {}, "", 0};
+  while (shownNow.played < script.size() && open(script[shownNow.played++]))
+    ;
+  shownNow.order = selection.order();
+  for (size_t i = 0; i < selection.lineCount(); ++i)
+    shownNow.lines.push_back(selection.line(i));
+  if (selection.selected()) shownNow.selected = shownNow.lines.at(*selection.selected());
+  dialogs.push_back(shownNow);
+}
+
+std::optional<std::string> Recorder::saveFile(uintptr_t, const std::string &what, const std::string &pattern) {
+  savePatterns.push_back(what + "|" + pattern);
+  return saveChoice;
 }
 
 std::string Recorder::takeText() {
@@ -79,10 +129,12 @@ Environment::Environment() {
   if (const char *given = std::getenv("ZELK_TEST_FOLDER")) {
     folder_ = given;
   } else {
-    static int count = 0;
-    folder_ = std::filesystem::temp_directory_path() /
-              ("zelk98-test-" + std::to_string(processId()) + "-" + std::to_string(++count));
-    std::filesystem::create_directories(folder_);
+    // A process id alone comes back: a killed test leaves its folder, and another test would find books in its own.
+    std::random_device random;
+    do
+      folder_ = std::filesystem::temp_directory_path() /
+                ("zelk98-test-" + std::to_string(processId()) + "-" + std::to_string(random()));
+    while (!std::filesystem::create_directory(folder_));
     setEnvironment("ZELK_TEST_FOLDER", folder_.string());
   }
   isolateSettings(folder_.string());
@@ -198,10 +250,10 @@ std::vector<ZELK_SPLITBUCHUNG> postingsOf(int32_t client, int32_t batch) {
 bool nothingLocked(Store &other, uint16_t client) {
   uint8_t found = 0;
   bool all = other.SetzeFista(client, found) && found;
-  for (int table : kLockedTables)
-    all = all && other.Lock(FileNumber(table), nullptr, 0, ZELK_ENG_DEFAULT);
-  for (int table : kLockedTables)
-    other.Unlock(FileNumber(table), 1, ZELK_ENG_DEFAULT);
+  for (const Table &table : allTables())
+    all = all && other.Lock(FileNumber(table.number), nullptr, 0, ZELK_ENG_DEFAULT);
+  for (const Table &table : allTables())
+    other.Unlock(FileNumber(table.number), 1, ZELK_ENG_DEFAULT);
   return all;
 }
 

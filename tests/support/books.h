@@ -23,6 +23,23 @@ struct Shown {
   platform::BoxButtons buttons;
 };
 
+/// What the person does in a selection dialog.
+struct DialogEvent {
+  enum Kind { Order, Type, Select, Ok, DoubleClick, Cancel } kind;
+  int value = 0;         ///< Order: its index; Select, DoubleClick: the line's
+  std::string text = ""; ///< Type: what the search field holds then
+};
+
+/// A selection dialog as it was when it ended.
+struct ShownDialog {
+  std::string title;
+  void *parent;
+  int order;
+  std::vector<std::string> lines;
+  std::string selected; ///< "" for none
+  size_t played;        ///< events of the script until it ended
+};
+
 /// Records message boxes and answers them from a script, with OK when it has ended.
 class Recorder : public platform::Ui {
 public:
@@ -30,11 +47,20 @@ public:
   ~Recorder() override { platform::setUi(nullptr); }
   platform::Button message(const std::string &caption, const std::string &text, platform::BoxIcon icon,
                            platform::BoxButtons buttons) override;
+  std::optional<std::string> input(const std::string &caption, const std::string &text) override;
+  void choose(platform::Selection &selection, void *parent) override;
+  std::optional<std::string> saveFile(uintptr_t owner, const std::string &what, const std::string &pattern) override;
 
   /// The text of the only message since the last call; "" for none, all of them joined by " | " for several.
   std::string takeText();
   std::vector<Shown> shown;
   std::vector<platform::Button> answers;
+  std::vector<std::string> inputs; ///< answers to requests for a line of text; then they are cancelled
+  std::vector<DialogEvent> script; ///< of every dialog; cancelled when it has ended
+  std::vector<ShownDialog> dialogs;
+  std::vector<std::string> savePatterns; ///< what the save-file dialogs offered
+  std::optional<std::string> saveChoice; ///< what is chosen in them
+  std::function<void()> whileShown; ///< what happens meanwhile
 };
 
 /// A temporary folder and settings of the test's own (on Windows a registry of its own); no database yet.
@@ -98,7 +124,8 @@ inline constexpr std::initializer_list<int> kLockedTables = {
     vldb98::kKreditor, vldb98::kDebitor, vldb98::kSachkonto, vldb98::kBatchbuchung,
     vldb98::kSplit,    vldb98::kStapel,  vldb98::kKobu};
 
-/// Whether the session can lock all of them at once, so that nobody else holds one. It holds none afterwards.
+/// Whether the session can lock all tables of a client at once, so that nobody else holds one. It holds none
+/// afterwards.
 bool nothingLocked(vldb98::Store &other, uint16_t client);
 
 /// Puts a text into a field of a record; one that is too long fills the field without its end.

@@ -32,6 +32,16 @@ bool limitFileSize(uint64_t bytes);
 /// none
 bool becomeOrdinaryUser();
 
+/// The most memory that this process has had so far, in bytes; 0 where that cannot be told or means nothing.
+int64_t peakMemory();
+
+/// Whether a process of that id runs; ends one, and does not wait for that.
+bool processRuns(int id);
+void endProcess(int id);
+
+/// Whether a child of this process has ended that nobody has collected.
+bool hasZombie();
+
 void rememberProgram(const std::string &program);
 /// Starts this program again with ZELK_TEST_CHILD and ZELK_TEST_ARGUMENT set, waits for it and returns its exit code.
 int runSelf(const std::string &role, const std::string &argument);

@@ -3,6 +3,8 @@
 #include <csignal>
 #include <cstdlib>
 #include <dlfcn.h>
+#include <fstream>
+#include <iterator>
 #include <spawn.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -43,6 +45,32 @@ bool limitFileSize(uint64_t bytes) {
 bool becomeOrdinaryUser() {
   constexpr uid_t kNobody = 65534;
   return ::geteuid() != 0 || (::setgid(kNobody) == 0 && ::setuid(kNobody) == 0);
+}
+
+int64_t peakMemory() {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  return 0;
+#else
+  rusage usage{};
+  return ::getrusage(RUSAGE_SELF, &usage) == 0 ? int64_t(usage.ru_maxrss) * 1024 : 0;
+#endif
+}
+
+bool processRuns(int id) {
+  // Where nobody collects the orphans of a machine, one that has ended can still be signalled.
+  std::ifstream file("/proc/" + std::to_string(id) + "/stat");
+  std::string text{std::istreambuf_iterator<char>(file), {}};
+  size_t name = text.rfind(')');
+  return name != std::string::npos && text.find('Z', name) == std::string::npos;
+}
+
+void endProcess(int id) {
+  ::kill(pid_t(id), SIGKILL);
+}
+
+bool hasZombie() {
+  siginfo_t info{};
+  return ::waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) == 0 && info.si_pid != 0;
 }
 
 void rememberProgram(const std::string &path) {

@@ -66,6 +66,28 @@ bool becomeOrdinaryUser() {
   return false;
 }
 
+int64_t peakMemory() {
+  return 0;
+}
+
+bool processRuns(int id) {
+  HANDLE process = OpenProcess(SYNCHRONIZE, FALSE, DWORD(id));
+  if (!process) return false;
+  DWORD state = WaitForSingleObject(process, 0);
+  CloseHandle(process);
+  return state == WAIT_TIMEOUT;
+}
+
+void endProcess(int id) {
+  HANDLE process = OpenProcess(PROCESS_TERMINATE, FALSE, DWORD(id));
+  TerminateProcess(process, 1);
+  CloseHandle(process);
+}
+
+bool hasZombie() {
+  return false;
+}
+
 void rememberProgram(const std::string &) {}
 
 int runProgram(const std::string &program, const std::string &arguments, const std::string &output) {

@@ -3,23 +3,32 @@
 #include <condition_variable>
 #include <map>
 #include <mutex>
-#include <set>
 #include <thread>
 
-#include "support/books.h"
+#include "support/drafts.h"
 
 namespace test {
 namespace {
 
 constexpr int kPerWriter = 20;
 
+/// The i-th posting of a writer: in turn a single one, and pieces with tax, cost postings and a cost template.
+Draft postingOf(const std::string &writer, int i) {
+  Draft draft{1, 3, {{"1200", "1000", std::to_string(i)}}};
+  if (i % 2)
+    draft.lines = {
+        {"4920", "70010", "119", "19", "", {{{"200"}, std::to_string(i)}, {{"300"}, std::to_string(100 - i)}}},
+        {"4600", "70010", "1,19", "19"}};
+  draft.number = writer + '-' + std::to_string(i);
+  return draft;
+}
+
 /// Posts under document numbers of the writer's own. \return how many were accepted
 int postAs(const std::string &writer) {
   int accepted = 0;
   for (int i = 1; i <= kPerWriter; ++i) {
-    ZELK_BUCHUNG posting = validPosting();
-    put(posting.Belegnummer, writer + "-" + std::to_string(i));
-    accepted += ZELK_BuchungEinfuegen(&posting, 0) == ZELK_OK;
+    Draft draft = postingOf(writer, i);
+    accepted += (i % 2 ? insertInPieces(draft, 0) : insertWhole(draft, 0)) == ZELK_OK;
   }
   return accepted;
 }
@@ -47,29 +56,32 @@ TEST_F(PostingThreads, EveryPostingIsThereOnce) {
   EXPECT_EQ(accepted, 4 * kPerWriter);
   EXPECT_EQ(children, 2);
 
-  std::set<std::string> expected, documents;
-  for (const char *name : {"T1", "T2", "T3", "T4", "P1", "P2"})
-    for (int i = 1; i <= kPerWriter; ++i)
-      expected.insert(std::string(name) + "-" + std::to_string(i));
   auto store = session();
   ASSERT_TRUE(store);
-  uint8_t found;
-  ASSERT_TRUE(store->SetzeFista(1, found) && found);
-  vldb98::BATCHBUCHUNG posting{};
+  std::map<std::string, int> lastOfWriter;
   int32_t number = 0;
-  std::map<std::string, int32_t> lastOfWriter;
-  for (;;) {
-    ASSERT_TRUE(store->ReadBat(posting, 3, number + 1, found));
-    if (!found) break;
-    ASSERT_EQ(+posting.Nr, ++number) << "a gap";
-    EXPECT_TRUE(documents.insert(posting.Belegnummer).second) << posting.Belegnummer << " is there twice";
-    EXPECT_EQ(store->lineCount(), 1u) << posting.Belegnummer;
-    // Each writer's postings keep their order.
-    std::string writer = std::string(posting.Belegnummer).substr(0, 2);
-    int32_t own = std::stoi(std::string(posting.Belegnummer).substr(3));
-    EXPECT_EQ(own, ++lastOfWriter[writer]) << posting.Belegnummer;
+  for (const StoredPosting &stored : storedPostings(*store, 1, 3)) {
+    EXPECT_EQ(+stored.posting.Nr, ++number) << "a gap";
+    // Each writer's postings are there in their order, whole, and with nobody else's lines.
+    std::string writer = std::string(stored.posting.Belegnummer).substr(0, 2);
+    const int i = ++lastOfWriter[writer];
+    const Draft expected = postingOf(writer, i);
+    EXPECT_EQ(stored.posting.Belegnummer, expected.number);
+    ASSERT_EQ(stored.lines.size(), expected.lines.size());
+    std::string tax, costs = costsOf(stored);
+    for (const vldb98::SPLIT &line : stored.lines)
+      tax += taxOf(line) + ' ';
+    if (i % 2 == 0) {
+      EXPECT_EQ(tax + costs, std::to_string(i) + ",00+0,00 0,00% 0/0 ");
+      continue;
+    }
+    std::string own = std::to_string(i) + ",00", rest = std::to_string(100 - i) + ",00";
+    EXPECT_EQ(tax, "100,00+19,00 19,00% 5/2 1,00+0,19 19,00% 5/2 ");
+    EXPECT_EQ(costs, "200:" + own + '/' + own + "% 300:" + rest + '/' + rest + '%');
+    EXPECT_EQ(costsOf(stored, 1), "410.5001:0,40/40,00% 420.5001:0,33/33,00% 420.5002:0,27/27,00%");
   }
-  EXPECT_EQ(documents, expected);
+  EXPECT_EQ(number, 6 * kPerWriter);
+  EXPECT_EQ(lastOfWriter.size(), 6u);
 }
 
 TEST_F(PostingThreads, EndedThreadsLeaveNothingOpen) {

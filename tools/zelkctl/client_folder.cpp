@@ -13,6 +13,7 @@
 #include "vlba98/text.h"
 #include "zelkctl/console.h"
 #include "zelkctl/csv.h"
+#include "zelkctl/folder_rules.h"
 #include "zelkctl/provision.h"
 #include "zelkctl/values.h"
 #include "zelkctl/verbs.h"
@@ -81,20 +82,6 @@ std::string storeValue(const Field &field, const std::string &value, char *recor
   if (field.type == FieldType::KeyText) vlba98::FillWithSpaces(at, width);
   return "";
 }
-
-// What a field names must be a key of another table; empty and 0 name nothing.
-struct Reference {
-  int table;
-  const char *field;
-  int target;
-};
-constexpr Reference kReferences[] = {
-    {kFirmenstamm, "VortragSako", kSachkonto}, {kFirmenstamm, "VortragKred", kSachkonto},
-    {kFirmenstamm, "VortragDebi", kSachkonto}, {kSachkonto, "Steuerschluessel", kSteusa},
-    {kKreditor, "Sammelkonto", kSachkonto},    {kDebitor, "Sammelkonto", kSachkonto},
-    {kKreditor, "Zahlungsziel", kZahlziel},    {kDebitor, "Zahlungsziel", kZahlziel},
-    {kSteusa, "Steuerkonto", kSachkonto},      {kSteusa, "Gegenkonto", kSachkonto},
-};
 
 // Keys as texts, so that references of any type compare.
 std::string keyText(const Field &field, const char *record) {
@@ -207,16 +194,10 @@ private:
     FIRMENSTAMM &client = master->rows.front().record.Firmenstamm;
     client.Version = kDataVersion;
     client_ = client.Nummer;
-    checkMaster(master->file, master->rows.front().line, client);
+    checkRows();
     if (extension) extension->rows.front().record.FistaExt.Nummer = client_;
-    for (const LoadedRow &row : years->rows) {
-      const GESCHAEFTSJAHR &year = row.record.Geschaeftsjahr;
-      if (year.Jahr < vlba98::firstYear || year.Jahr > vlba98::lastYear)
-        problem(years->file, row.line, "Jahr muss von 1980 bis 2079 gehen.");
-      years_.insert(year.Jahr);
-      if (!*year.Beginn || std::strcmp(year.Beginn, year.Ende) > 0)
-        problem(years->file, row.line, "Beginn und Ende des Geschäftsjahres fehlen oder sind vertauscht.");
-    }
+    for (const LoadedRow &row : years->rows)
+      years_.insert(row.record.Geschaeftsjahr.Jahr);
     int current = vlba98::twotoi(client.AktJahr);
     if (current < 0 || !years_.count(vlba98::firstYear + current))
       problem(master->file, 2, "AktJahr ist keines der Geschäftsjahre.");
@@ -228,20 +209,11 @@ private:
     linkStructures();
   }
 
-  void checkMaster(const std::string &file, int line, const FIRMENSTAMM &client) {
-    struct Rule {
-      bool kept;
-      const char *text;
-    };
-    for (const Rule &rule :
-         {Rule{client.Nummer > 0, "Die Nummer des Mandanten fehlt."},
-          {*client.Name != 0, "Name fehlt."},
-          {*client.Waehrung != 0, "Waehrung fehlt."},
-          {client.Gejabeginn >= 1 && client.Gejabeginn <= 12, "Gejabeginn muss von 1 bis 12 gehen."},
-          {client.Kontenrahmen >= 0 && client.Kontenrahmen <= 6, "Kontenrahmen muss von 0 bis 6 gehen."},
-          {client.Kontolaenge == 0 || (client.Kontolaenge >= 4 && client.Kontolaenge <= 7),
-           "Kontolaenge muss von 4 bis 7 gehen."}})
-      if (!rule.kept) problem(file, line, rule.text);
+  void checkRows() {
+    for (const auto &[number, table] : tables_)
+      for (const LoadedRow &row : table.rows)
+        for (const std::string &broken : brokenRules(number, row.record))
+          problem(table.file, row.line, broken);
   }
 
   void checkYears() {
@@ -267,19 +239,22 @@ private:
   }
 
   void checkReferences() {
-    for (const Reference &reference : kReferences) {
+    for (const Reference &reference : references()) {
       LoadedTable *from = loaded(reference.table), *to = loaded(reference.target);
       if (!from) continue;
       const Field &field = from->table->fields[size_t(from->table->fieldIndex(reference.field))];
       std::set<std::string> keys;
       if (to)
         for (const LoadedRow &row : to->rows)
-          keys.insert(keyText(to->table->fields.front(), row.record.bytes));
+          if (reference.dimension < 0 || row.record.Kost.Dimension == reference.dimension)
+            keys.insert(keyText(to->table->fields.front(), row.record.bytes));
       for (const LoadedRow &row : from->rows)
         if (std::string key = keyText(field, row.record.bytes); !key.empty() && !keys.count(key))
-          problem(from->file, row.line,
-                  std::string(reference.field) + " " + key + " gibt es nicht in der Tabelle " +
-                      findTable(reference.target)->name + ".");
+          problem(
+              from->file, row.line,
+              std::string(reference.field) + " " + key + " gibt es nicht in der Tabelle " +
+                  findTable(reference.target)->name +
+                  (reference.dimension < 0 ? "." : " in der Dimension " + std::to_string(reference.dimension) + "."));
     }
   }
 
@@ -358,9 +333,7 @@ private:
       if (year != kEveryYear && !(vlba98::itotwo(year - vlba98::firstYear, code) && store.SetzeOpenJahr(code)))
         return false;
       if (!store.Insert(row.record, FileNumber(table.table->number), ZELK_ENG_DEFAULT)) {
-        // The insertion tells a duplicate and a failing database apart no more than the store does; a read does.
-        uint8_t found;
-        if (store.SetzeFista(client_, found))
+        if (keyInUse(store, *table.table, row.record).value_or(false))
           problem(table.file, row.line, "Den Schlüssel des Datensatzes gibt es schon.");
         return false;
       }

@@ -11,17 +11,31 @@ namespace zelkctl {
 namespace {
 
 constexpr size_t kWorthShowing = 1000;
+constexpr size_t kLeastCutWidth = 12;
+constexpr size_t kColumnGap = 2;
+
+bool beginsCharacter(char utf8) {
+  return (uint8_t(utf8) & 0xC0) != 0x80;
+}
 
 size_t width(const std::string &utf8) {
-  return size_t(std::count_if(utf8.begin(), utf8.end(), [](char c) { return (uint8_t(c) & 0xC0) != 0x80; }));
+  return size_t(std::count_if(utf8.begin(), utf8.end(), beginsCharacter));
+}
+
+std::string cut(const std::string &utf8, size_t characters) {
+  if (width(utf8) <= characters) return utf8;
+  size_t end = 0;
+  for (size_t seen = 0; seen < characters; ++end)
+    if (beginsCharacter(utf8[end])) ++seen;
+  return utf8.substr(0, end - 1) + "…";
 }
 
 void printRow(const std::vector<std::string> &cells, const std::vector<TextTable::Column> &columns,
               const std::vector<size_t> &widths) {
   std::string line;
   for (size_t i = 0; i < cells.size(); ++i) {
-    std::string padding(widths[i] - width(cells[i]), ' ');
-    line += (i ? "  " : "") + (columns[i].right ? padding + cells[i] : cells[i] + padding);
+    std::string cell = cut(cells[i], widths[i]), padding(widths[i] - width(cell), ' ');
+    line += std::string(i ? kColumnGap : 0, ' ') + (columns[i].right ? padding + cell : cell + padding);
   }
   line.erase(line.find_last_not_of(' ') + 1);
   std::puts(line.c_str());
@@ -37,9 +51,15 @@ void TextTable::print() const {
     for (const auto &row : rows_)
       widest = std::max(widest, width(row[i]));
     titles.push_back(columns_[i].title);
-    rules.emplace_back(widest, '-');
     widths.push_back(widest);
   }
+  size_t before = (columns_.size() - 1) * kColumnGap;
+  for (size_t i = 0; i + 1 < widths.size(); ++i)
+    before += widths[i];
+  if (lineWidth_ > 0)
+    widths.back() = std::min(widths.back(), std::max(kLeastCutWidth, lineWidth_ - std::min(lineWidth_, before)));
+  for (size_t each : widths)
+    rules.emplace_back(each, '-');
   printRow(titles, columns_, widths);
   printRow(rules, columns_, widths);
   for (const auto &row : rows_)

@@ -13,7 +13,10 @@ public:
     std::string title;
     bool right = false; ///< numbers stand at the right
   };
-  explicit TextTable(std::vector<Column> columns) : columns_(std::move(columns)) {}
+  /// \param lineWidth the last column is cut so that a line has no more characters, if that leaves it readable; 0:
+  /// never
+  explicit TextTable(std::vector<Column> columns, size_t lineWidth = 0)
+      : columns_(std::move(columns)), lineWidth_(lineWidth) {}
 
   void add(std::vector<std::string> cells) { rows_.push_back(std::move(cells)); }
   size_t rows() const { return rows_.size(); }
@@ -21,6 +24,7 @@ public:
 
 private:
   std::vector<Column> columns_;
+  size_t lineWidth_;
   std::vector<std::vector<std::string>> rows_;
 };
 

@@ -1,5 +1,6 @@
 // Verbs that show what is in the books.
 #include <cstdio>
+#include <cstring>
 
 #include "vlba98/datum.h"
 #include "vlba98/encoding.h"
@@ -30,6 +31,12 @@ constexpr AccountList kAccountLists[] = {{"sachkonten", ZELK_SACHKONTO},
                                          {"debitoren", ZELK_DEBITOR},
                                          {"kostenstellen", ZELK_KOSTENSTELLE}};
 
+int32_t kindOf(const std::string &listName) {
+  for (const AccountList &list : kAccountLists)
+    if (listName == list.name) return list.kind;
+  return 0;
+}
+
 const char *yesOrEmpty(int32_t flag) {
   return flag ? "ja" : "";
 }
@@ -56,6 +63,93 @@ ZelkResult nextAccount(int32_t kind, std::vector<std::string> &row) {
   return result;
 }
 
+constexpr size_t kLineWidth = 120;
+
+/// What a posting has besides its head.
+struct PostingDetails {
+  std::vector<ZELK_BATCHZEILE> lines;
+  std::vector<ZELK_BATCHKOBU> costs; ///< in the order of their lines
+};
+
+template <class Record> ZelkResult readAll(ZelkResult(ZELK_CALL *next)(Record *), std::vector<Record> &records) {
+  ZelkResult result;
+  do {
+    Record record;
+    result = next(&record);
+    if (result > 0) records.push_back(record);
+  } while (result == ZELK_OK);
+  return result;
+}
+
+ZelkResult readDetails(PostingDetails &details) {
+  ZelkResult result = readAll(&ZELK_HoleBatchZeile, details.lines);
+  return result < 0 ? result : readAll(&ZELK_HoleBatchKobu, details.costs);
+}
+
+std::string counted(size_t count, const std::string &what, const char *plural) {
+  return std::to_string(count) + " " + what + (count == 1 ? "" : plural);
+}
+
+std::string shortDate(const char *external) {
+  std::string text = date(external);
+  return text.empty() ? text : text.erase(6, 2); // the century
+}
+
+// A rate as people say it: "19", "8,1".
+std::string shortRate(const char *rate) {
+  std::string text = shown(rate);
+  if (vlba98::parseGeld(rate).value_or(0) == 0) return "";
+  text.erase(0, text.front() == '0' ? 1 : 0);
+  text.erase(text.find_last_not_of('0') + 1);
+  if (text.back() == ',') text.pop_back();
+  return text;
+}
+
+std::string amountUnlessZero(const char *internalForm) {
+  return vlba98::parseGeld(internalForm).value_or(0) ? amount(internalForm) : "";
+}
+
+std::string describe(const ZELK_BATCHKOBU &cost) {
+  struct Centre {
+    const char *label, *number;
+  };
+  const Centre centres[] = {{"KSt ", cost.Kostenstelle1},  {"KTr ", cost.Kostenstelle2},
+                            {"KSt3 ", cost.Kostenstelle3}, {"KSt4 ", cost.Kostenstelle4},
+                            {"KSt5 ", cost.Kostenstelle5}, {"KSt6 ", cost.Kostenstelle6}};
+  std::string text;
+  for (const Centre &centre : centres)
+    if (*centre.number) text += centre.label + shown(centre.number) + " ";
+  if (std::string share = amount(cost.Prozent); share != "100,00") text += share + " % ";
+  if (cost.Kostenkennung) text += cost.Kostenkennung == 1 ? "fix " : "var. ";
+  if (*cost.Menge) text += amount(cost.Menge) + " " + shown(cost.Einheit) + " ";
+  if (*cost.Bemerkung) text += shown(cost.Bemerkung);
+  return text;
+}
+
+// Its lines, each with the amounts of a foreign currency and with its cost postings below it. A cost posting's amount
+// stands below the net amount, of which it is a part.
+void addPosting(TextTable &table, const ZELK_SPLITBUCHUNG &posting, const PostingDetails &details) {
+  auto cost = details.costs.begin();
+  for (size_t i = 0; i < details.lines.size(); ++i) {
+    const ZELK_BATCHZEILE &stored = details.lines[i];
+    const ZELK_TEILBUCHUNG &line = stored.Teilbuchung;
+    bool converted = std::strcmp(line.Bruttobetrag, stored.Brutto) != 0;
+    table.add({i ? "" : shortDate(posting.Belegdatum), i ? "" : shown(posting.Belegnummer), shown(line.Sollkonto),
+               shown(line.Habenkonto), amount(stored.Brutto), converted ? "" : shown(posting.Waehrung),
+               shortRate(line.Steuersatz), amountUnlessZero(stored.Steuer), amount(stored.Netto),
+               shortDate(stored.Faelligkeit), shown(line.Text)});
+    if (converted) {
+      char net[vlba98::geldWidth + 1] = "";
+      vlba98::formatGeld(
+          vlba98::parseGeld(line.Bruttobetrag).value_or(0) - vlba98::parseGeld(line.Steuerbetrag).value_or(0), net);
+      table.add({"", "", "", "", amount(line.Bruttobetrag), shown(posting.Waehrung), "",
+                 amountUnlessZero(line.Steuerbetrag), amount(net), "", ""});
+    }
+    for (; cost != details.costs.end() && size_t(cost->Teilbuchung) == i; ++cost)
+      table.add({"", "", "", "", "", "", "", "", amount(cost->Betrag), "", describe(*cost)});
+  }
+}
+
 std::vector<TextTable::Column> accountColumns(int32_t kind) {
   if (kind == ZELK_SACHKONTO) return {{"Konto"}, {"Kürzel"}, {"Name"}, {"Art"}, {"Steuerschlüssel", true}};
   if (kind == ZELK_KOSTENSTELLE) return {{"Nr"}, {"Kürzel"}, {"Name"}, {"Dimension", true}, {"von"}, {"bis"}};
@@ -63,6 +157,11 @@ std::vector<TextTable::Column> accountColumns(int32_t kind) {
 }
 
 } // namespace
+
+int complainOfCharacters(const char *option, const std::string &value) {
+  complain(std::string(option) + " " + value + ": enthält Zeichen, die es in den Büchern nicht gibt.");
+  return kFailed;
+}
 
 int complainOf(const std::string &tried, int32_t result) {
   char name[50] = "", text[250] = "";
@@ -103,11 +202,10 @@ int listClients() {
 }
 
 int listAccounts(int32_t client, const std::string &kind, int32_t order, const std::string &from) {
-  int32_t number = 0;
-  for (const AccountList &list : kAccountLists)
-    if (kind == list.name) number = list.kind;
-  std::string start = vlba98::toWindows1252(from).value_or("");
-  ZelkResult result = ZELK_InitHoleKonto(client, number, order, start.c_str(), 0);
+  int32_t number = kindOf(kind);
+  auto start = vlba98::toWindows1252(from);
+  if (!start) return complainOfCharacters("--ab", from);
+  ZelkResult result = ZELK_InitHoleKonto(client, number, order, start->c_str(), 0);
   if (result == ZELK_keinKonto) {
     std::puts("Es gibt keine Konten.");
     return kDone;
@@ -123,20 +221,32 @@ int listAccounts(int32_t client, const std::string &kind, int32_t order, const s
   return kDone;
 }
 
+int showFreeNumber(int32_t client, const std::string &kind, const std::string &from, const std::string &to) {
+  auto least = vlba98::toWindows1252(from), greatest = vlba98::toWindows1252(to);
+  if (!least) return complainOfCharacters("--von", from);
+  if (!greatest) return complainOfCharacters("--bis", to);
+  char proposal[8];
+  ZelkResult result = ZELK_HoleFreieKontonr(client, kindOf(kind), least->c_str(), greatest->c_str(), proposal);
+  if (result != ZELK_OK) return complainOf("frei", result);
+  std::puts(shown(proposal).c_str());
+  return kDone;
+}
+
 int listBatches(int32_t client) {
   ZelkResult result = ZELK_InitHoleStapel(client, 0);
   if (result == ZELKERR_keine_Mandanten) {
     std::puts("Der Mandant hat keine Stapel.");
     return kDone;
   }
-  TextTable table({{"Nr", true}, {"Name"}, {"Wiederkehr", true}, {"transitorisch"}, {"gesperrt"}, {"bebucht"}});
+  TextTable table(
+      {{"Nr", true}, {"Name"}, {"Wiederkehr", true}, {"transitorisch"}, {"gesperrt"}, {"bebucht"}, {"Abstimm0"}});
   while (result == ZELK_OK) {
-    int32_t number, recurrence, transitory, locked, posted;
+    int32_t number, recurrence, transitory, locked, posted, reconciliation;
     char name[41];
-    result = ZELK_HoleStapel(&number, name, &recurrence, &transitory, &locked, &posted, nullptr);
+    result = ZELK_HoleStapel(&number, name, &recurrence, &transitory, &locked, &posted, &reconciliation);
     if (result > 0)
       table.add({std::to_string(number), shown(name), recurrence ? std::to_string(recurrence) : "",
-                 yesOrEmpty(transitory), yesOrEmpty(locked), yesOrEmpty(posted)});
+                 yesOrEmpty(transitory), yesOrEmpty(locked), yesOrEmpty(posted), yesOrEmpty(reconciliation)});
   }
   if (result < 0) return complainOf("stapel", result);
   table.print();
@@ -144,25 +254,42 @@ int listBatches(int32_t client) {
 }
 
 int showBatch(int32_t client, int32_t batch) {
-  TextTable table({{"Datum"}, {"Beleg"}, {"Soll"}, {"Haben"}, {"Betrag", true}, {"Text"}});
   ZelkResult result = ZELK_InitHoleBatch(client, batch, 0);
   if (result == ZELK_keinKonto) {
     std::puts("Der Stapel hat keine Buchungen.");
     return kDone;
   }
+  TextTable table({{"Datum"},
+                   {"Beleg"},
+                   {"Soll"},
+                   {"Haben"},
+                   {"Brutto", true},
+                   {"Wä."},
+                   {"%", true},
+                   {"Steuer", true},
+                   {"Netto", true},
+                   {"Fällig"},
+                   {"Text"}},
+                  kLineWidth);
+  size_t postings = 0, lines = 0, costs = 0;
   while (result == ZELK_OK) {
     ZELK_SPLITBUCHUNG posting;
     result = ZELK_HoleBatch(&posting);
     if (result < 0) break;
-    for (int i = 0; i < posting.Teilbuchungsanzahl && i < 10; ++i) {
-      const ZELK_TEILBUCHUNG &line = posting.Teilbuchung[i];
-      table.add({i ? "" : date(posting.Belegdatum), i ? "" : shown(posting.Belegnummer), shown(line.Sollkonto),
-                 shown(line.Habenkonto), amount(line.Bruttobetrag), shown(line.Text)});
+    PostingDetails details;
+    if (ZelkResult read = readDetails(details); read < 0) {
+      result = read;
+      break;
     }
+    addPosting(table, posting, details);
+    ++postings;
+    lines += details.lines.size();
+    costs += details.costs.size();
   }
   if (result < 0) return complainOf("stapel", result);
   table.print();
-  std::printf("\n%zu Zeilen\n", table.rows());
+  std::printf("\n%s, %s, %s\n", counted(postings, "Buchung", "en").c_str(), counted(lines, "Zeile", "n").c_str(),
+              counted(costs, "Kostenbuchung", "en").c_str());
   return kDone;
 }
 

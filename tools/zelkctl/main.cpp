@@ -62,13 +62,13 @@ int main(int argc, char **argv) {
   app.require_subcommand(1);
 
   std::function<int()> chosen;
-  std::string path, kind = "sachkonten", from;
+  std::string path, kind = "sachkonten", from, to;
   int32_t client = 0, batch = 0, code = 0, order = 0;
   auto verb = [&](CLI::App &parent, const char *name, const char *what, std::function<int()> work) {
     CLI::App *sub = parent.add_subcommand(name, what);
     sub->group("Befehle");
     sub->get_help_ptr()->group(kOptions);
-    sub->callback([&chosen, work] { chosen = work; });
+    if (work) sub->callback([&chosen, work] { chosen = work; });
     return sub;
   };
   auto clientOf = [&](CLI::App *sub) { sub->add_option("MANDANT", client, "Mandantennummer")->required(); };
@@ -93,10 +93,94 @@ int main(int argc, char **argv) {
       ->check(CLI::Range(0, 2).description(""));
   accounts->add_option("--ab", from, "Erst ab diesem Wert der Sortierung");
 
-  CLI::App *batches = verb(app, "stapel", "Die Stapel eines Mandanten auflisten, oder die Buchungen eines Stapels",
-                           [&] { return batch ? showBatch(client, batch) : listBatches(client); });
-  clientOf(batches);
+  CLI::App *freeNumber = verb(app, "frei", "Die nächste freie Kontonummer eines Mandanten vorschlagen",
+                              [&] { return showFreeNumber(client, kind, from, to); });
+  clientOf(freeNumber);
+  freeNumber->add_option("ART", kind, "sachkonten, kreditoren oder debitoren")
+      ->required()
+      ->check(CLI::IsMember({"sachkonten", "kreditoren", "debitoren"}).description(""));
+  freeNumber->option_defaults()->group(kOptions);
+  freeNumber->add_option("--von", from, "Kleinste Kontonummer des Bereichs");
+  freeNumber->add_option("--bis", to, "Größte Kontonummer des Bereichs");
+
+  BatchValues batchValues;
+  CLI::App *batches = verb(
+      app, "stapel",
+      "Die Stapel eines Mandanten zeigen (auch kurz: stapel MANDANT [STAPEL]), anlegen, ändern, leeren, löschen", {});
+  auto showBatches = [&] { return batch ? showBatch(client, batch) : listBatches(client); };
+  auto batchOf = [&](CLI::App *sub) {
+    clientOf(sub);
+    sub->add_option("STAPEL", batch, "Stapelnummer")->required();
+  };
+  CLI::Option *clientOfBatches = batches->add_option("MANDANT", client, "Mandantennummer");
   batches->add_option("STAPEL", batch, "Stapelnummer: dessen Buchungen zeigen");
+  batches->callback([&, batches, clientOfBatches, showBatches] {
+    if (!batches->get_subcommands().empty()) return;
+    if (clientOfBatches->empty()) throw CLI::RequiredError("MANDANT");
+    chosen = showBatches;
+  });
+  CLI::App *batchesShown =
+      verb(*batches, "zeigen", "Die Stapel auflisten, oder die Buchungen eines Stapels", showBatches);
+  clientOf(batchesShown);
+  batchesShown->add_option("STAPEL", batch, "Stapelnummer: dessen Buchungen zeigen");
+  auto batchOptions = [&](CLI::App *sub) {
+    sub->option_defaults()->group(kOptions);
+    sub->add_option("--wiederkehr", batchValues.recurrence, "Wiederkehr in Monaten, 0 bis 99");
+    auto yesNo = [&](const char *name, std::optional<bool> &value, const char *what) {
+      sub->add_option_function<std::string>(
+             name, [&value](const std::string &answer) { value = answer == "ja"; }, what)
+          ->check(CLI::IsMember({"ja", "nein"}).description(""));
+    };
+    yesNo("--transitorisch", batchValues.transitory, "ja oder nein");
+    yesNo("--abstimm0", batchValues.reconciliation, "ja oder nein: Abstimmung");
+  };
+  CLI::App *newBatch =
+      verb(*batches, "anlegen", "Einen Stapel anlegen", [&] { return createBatch(client, batch, batchValues); });
+  clientOf(newBatch);
+  newBatch->add_option("NAME", batchValues.name, "Sein Name, höchstens 40 Zeichen")->required();
+  batchOptions(newBatch);
+  newBatch->add_option("--nummer", batch, "Seine Nummer; Vorgabe: die nächste freie");
+  CLI::App *changedBatch = verb(*batches, "aendern", "Angaben eines Stapels ändern; was nicht genannt wird, bleibt",
+                                [&] { return changeBatch(client, batch, batchValues); });
+  batchOf(changedBatch);
+  batchOptions(changedBatch);
+  changedBatch->add_option("--name", batchValues.name, "Sein Name, höchstens 40 Zeichen");
+  batchOf(verb(*batches, "leeren", "Alle Buchungen eines Stapels löschen",
+               [&] { return deleteBatch(client, batch, false); }));
+  batchOf(verb(*batches, "loeschen", "Einen Stapel mit seinen Buchungen löschen",
+               [&] { return deleteBatch(client, batch, true); }));
+
+  TermValues term;
+  std::string whichTerm;
+  CLI::App *terms = verb(app, "zahlungsziel", "Die Zahlungsziele eines Mandanten anlegen, ändern und zeigen", {});
+  terms->require_subcommand(1);
+  auto termOf = [&](CLI::App *sub) {
+    clientOf(sub);
+    sub->add_option("ZAHLUNGSZIEL", whichTerm, "Nummer oder Kürzel")->required();
+  };
+  auto termOptions = [&](CLI::App *sub) {
+    sub->option_defaults()->group(kOptions);
+    sub->add_option("--skontotage1", term.days1, "Erste Skontofrist in Tagen");
+    sub->add_option("--skontosatz1", term.rate1, "Erster Skontosatz in Prozent, z. B. 3,00");
+    sub->add_option("--skontotage2", term.days2, "Zweite, längere Skontofrist in Tagen");
+    sub->add_option("--skontosatz2", term.rate2, "Zweiter, kleinerer Skontosatz in Prozent");
+    sub->add_option("--zahltage", term.days, "Zahlungsfrist ohne Abzug in Tagen");
+    sub->add_option("--tag-im-monat", term.dayOfMonth, "Tag, an dem zu zahlen ist, 1 bis 31; 0: jeder");
+    sub->add_option("--monate-plus", term.months, "Folgemonate, 0 bis 99");
+    sub->add_option("--zahlungsart", term.method, "Zahlungsart, 0 bis 5");
+    sub->add_option("--bemerkung", term.remark, "Bemerkung, höchstens 40 Zeichen");
+  };
+  CLI::App *newTerm = verb(*terms, "anlegen", "Ein Zahlungsziel anlegen", [&] { return createTerm(client, term); });
+  clientOf(newTerm);
+  newTerm->add_option("KUERZEL", term.shortName, "Sein Kürzel, höchstens 10 Zeichen")->required();
+  termOptions(newTerm);
+  CLI::App *changedTerm = verb(*terms, "aendern", "Angaben eines Zahlungsziels ändern; was nicht genannt wird, bleibt",
+                               [&] { return changeTerm(client, whichTerm, term); });
+  termOf(changedTerm);
+  termOptions(changedTerm);
+  changedTerm->add_option("--kuerzel", term.shortName, "Sein Kürzel, höchstens 10 Zeichen");
+  termOf(verb(*terms, "zeigen", "Ein Zahlungsziel zeigen", [&] { return showTerm(client, whichTerm); }));
+  clientOf(verb(*terms, "liste", "Die Zahlungsziele auflisten", [&] { return listTerms(client); }));
 
   CLI::App *postings = verb(app, "buchen", "Buchungen aus einer CSV-Datei in einen Stapel einfügen",
                             [&] { return importPostings(client, batch, path); });
@@ -107,6 +191,20 @@ int main(int argc, char **argv) {
   verb(app, "fehlertext", "Name und Text eines Ergebniscodes zeigen", [&] { return showResultText(code); })
       ->add_option("CODE", code, "Der Code, -103 bis 2")
       ->required();
+
+  CLI::App *protocol = verb(app, "protokoll", "Das Protokoll der Aufrufe ein- und ausschalten und zeigen", {});
+  protocol->require_subcommand(1);
+  verb(*protocol, "an", "Jedes Programm, das ab jetzt startet, protokolliert seine Aufrufe",
+       [] { return switchProtocol(true); });
+  verb(*protocol, "aus", "Programme, die ab jetzt starten, protokollieren nicht mehr",
+       [] { return switchProtocol(false); });
+  verb(*protocol, "datei", "Die Datei für Programme wählen, die das Protokoll selbst starten",
+       [&] { return chooseProtocolFile(path); })
+      ->add_option("DATEI", path, "Die Textdatei")
+      ->required();
+  verb(*protocol, "zeigen", "Das Protokoll zeigen", [&] {
+    return showProtocol(path);
+  })->add_option("DATEI", path, "Eine andere Protokolldatei als die, in die jetzt geschrieben wird");
 
   std::vector<std::string> arguments = platform::commandLine(argc, argv);
   std::vector<const char *> pointers;

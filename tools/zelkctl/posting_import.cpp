@@ -1,76 +1,15 @@
 // buchen: postings from a CSV file into a batch, one by one.
 #include <algorithm>
-#include <cstddef>
 #include <cstdio>
 #include <cstring>
 
-#include "vlba98/datum.h"
-#include "vlba98/encoding.h"
-#include "vlba98/text.h"
 #include "zelk98/zelk98.h"
 #include "zelkctl/console.h"
-#include "zelkctl/csv.h"
-#include "zelkctl/values.h"
+#include "zelkctl/posting_file.h"
 #include "zelkctl/verbs.h"
 
 namespace zelkctl {
 namespace {
-
-enum class Form { Number, Text, Date };
-
-struct Column {
-  const char *name;
-  Form form;
-  bool required;
-  size_t offset, size;
-  ZelkResult code; // that refuses the column's value, 0: none of its own
-};
-
-#define COLUMN(name, form, required, member, code)                                                                     \
-  { name, form, required, offsetof(ZELK_BUCHUNG, member), sizeof(ZELK_BUCHUNG::member), code }
-constexpr Column kColumns[] = {
-    COLUMN("Belegdatum", Form::Date, true, Belegdatum, ZELKERR_uzl_Belegdatum),
-    COLUMN("Belegnummer", Form::Text, true, Belegnummer, ZELKERR_uzl_Belegnr),
-    COLUMN("Text", Form::Text, false, Text, 0),
-    COLUMN("Text 2", Form::Text, false, Text2, 0),
-    COLUMN("Sollkonto", Form::Text, true, Sollkonto, ZELKERR_uzl_Sollkontonr),
-    COLUMN("Sollart", Form::Number, false, Sollart, 0),
-    COLUMN("Habenkonto", Form::Text, true, Habenkonto, ZELKERR_uzl_Habenkontonr),
-    COLUMN("Habenart", Form::Number, false, Habenart, 0),
-    COLUMN("Bruttobetrag", Form::Text, true, Bruttobetrag, ZELKERR_uzl_Bruttobetrag),
-    COLUMN("Steuersatz", Form::Text, false, Steuersatz, ZELKERR_uzl_Steuersatz),
-    COLUMN("Steuerbetrag", Form::Text, false, Steuerbetrag, ZELKERR_uzl_Steuerbetrag),
-    COLUMN("OP-Belegnummer", Form::Text, false, OPBelegnummer, 0),
-    COLUMN("Valutadatum", Form::Date, false, Valutadatum, ZELKERR_uzl_Valutadatum),
-    COLUMN("Währung", Form::Text, false, Waehrung, ZELKERR_uzl_Waehrung),
-    COLUMN("ESR", Form::Text, false, ESR, ZELKERR_uzl_Data),
-    COLUMN("DMS-ID", Form::Text, false, DMSID, 0),
-    COLUMN("Zahlungsziel", Form::Number, false, Zahlungsziel, ZELKERR_uzl_Zahlungsziel),
-    COLUMN("Kostenschablone", Form::Number, false, Kostenschablone, ZELKERR_uzl_Koscha),
-    COLUMN("Eröffnungsbuchung", Form::Number, false, Eroeffnungsbuchung, 0),
-    COLUMN("Abschlussbuchung", Form::Number, false, Abschlussbuchung, 0),
-    COLUMN("USt-Direkt", Form::Number, false, UStDirekt, 0),
-    COLUMN("Umbuchung", Form::Number, false, Umbuchung, 0),
-};
-#undef COLUMN
-
-const Column *findColumn(const std::string &name) {
-  auto it = std::find_if(std::begin(kColumns), std::end(kColumns), [&](const Column &c) { return name == c.name; });
-  return it == std::end(kColumns) ? nullptr : it;
-}
-
-// A text that is too long goes over as it is, without its end, so that the library refuses it.
-void putText(char *at, size_t size, const std::string &text) {
-  std::memset(at, 0, size);
-  std::memcpy(at, text.data(), std::min(size, text.size()));
-}
-
-// What is no date goes over as a text that is none either, never as a part of it that happens to be one.
-std::string boundaryDate(const std::string &value) {
-  std::string_view text = vlba98::trimmed(value);
-  if (auto date = vlba98::parseDatum(text)) return vlba98::toExternal6(*date).data();
-  return text.empty() ? "" : "?";
-}
 
 // How many postings the batch holds; -1 when that cannot be told.
 long countPostings(int32_t client, int32_t batch) {
@@ -84,32 +23,68 @@ long countPostings(int32_t client, int32_t batch) {
   return result < 0 ? -1 : count;
 }
 
-// Refusals that the other rows would meet as well.
-constexpr ZelkResult kConcernAllRows[] = {ZELKERR_Datenbank,   ZELKERR_Ini,           ZELKERR_Thread,
-                                          ZELKERR_uzl_Mandnr,  ZELKERR_alter_Mandant, ZELKERR_neuerer_Mandant,
-                                          ZELKERR_uzl_Stapelnr};
+// Refusals that the other postings would meet as well.
+constexpr ZelkResult kConcernAll[] = {ZELKERR_Datenbank,   ZELKERR_Ini,           ZELKERR_Thread,
+                                      ZELKERR_uzl_Mandnr,  ZELKERR_alter_Mandant, ZELKERR_neuerer_Mandant,
+                                      ZELKERR_uzl_Stapelnr};
+
+// Where a code has several meanings, the one that is meant here.
+std::string meaning(ZelkResult result, const ZELK_BUCHUNG &posting, const char *text) {
+  if (result == ZELKERR_uzl_Kontonr && std::strcmp(posting.Sollkonto, posting.Habenkonto) == 0)
+    return "Soll- und Habenkontonummern sind gleich.";
+  if (result == ZELKERR_kein_Kurs) return "Zum Belegdatum ist für die Währung kein Kurs gespeichert.";
+  if (result == ZELKERR_uzl_Kostenrechnung)
+    return "Die Kostenrechnung lässt dies nicht zu: Kostenart und Kostenstelle passen nicht zusammen, oder es fehlt eine "
+           "Kostenstelle.";
+  std::string all = shown(text);
+  return all.substr(0, all.find('\n'));
+}
+
+ZelkResult addRow(const PostingRow &row) {
+  const ZELK_BUCHUNG &line = row.posting;
+  const CostPosting &cost = row.cost;
+  ZelkResult result = ZELK_OK;
+  if (row.hasLine) {
+    // These numbers have 16 bits here.
+    struct Number {
+      int32_t value;
+      ZelkResult code;
+    };
+    for (const Number &number : {Number{line.Sollart, ZELKERR_uzl_Sollkontonr},
+                                 {line.Habenart, ZELKERR_uzl_Habenkontonr},
+                                 {line.Kostenschablone, ZELKERR_uzl_Koscha}})
+      if (int16_t(number.value) != number.value) return number.code;
+    result = ZELK_SplitEinfuegen(line.Sollkonto, int16_t(line.Sollart), line.Habenkonto, int16_t(line.Habenart),
+                                 line.Bruttobetrag, line.Steuersatz, line.Steuerbetrag, line.Text,
+                                 int16_t(line.Kostenschablone), line.Text2);
+  }
+  if (result == ZELK_OK && row.hasCost)
+    result = ZELK_SplitKobuEinfuegenEx(cost.Kostenstelle[0], cost.Kostenstelle[1], cost.Kostenkennung, cost.Betrag,
+                                       cost.Menge, cost.Einheit, cost.Bemerkung, cost.Bemerkung2, cost.Kostenstelle[2],
+                                       cost.Kostenstelle[3], cost.Kostenstelle[4], cost.Kostenstelle[5]);
+  return result;
+}
 
 class Import {
 public:
   Import(int32_t client, int32_t batch) : client_(client), batch_(batch) {}
 
   int run(const std::string &path) {
-    CsvFile csv = readCsv(path);
-    if (csv.problem.empty()) csv.problem = checkColumns(csv);
-    if (!csv.problem.empty()) {
-      complain(path + ": " + csv.problem);
+    PostingFile file = readPostings(path);
+    if (!file.problem.empty()) {
+      complain(path + ": " + file.problem);
       return kFailed;
     }
-    Progress progress("Buchen", csv.rows.size());
+    Progress progress("Buchen", file.postings.size());
     long before = countPostings(client_, batch_);
     int stopped = 0;
-    for (const CsvRow &row : csv.rows) {
+    for (FilePosting &posting : file.postings) {
       progress.advance();
-      if (insertRow(csv, row)) continue;
-      stopped = row.line;
+      if (insert(posting)) continue;
+      stopped = posting.lastLine;
       break;
     }
-    int code = report(csv, stopped);
+    int code = report(file, stopped);
     // The library reports success also for a posting that it skips because its tables stayed locked by others.
     if (long after = countPostings(client_, batch_); after - before < long(inserted_)) {
       complain("Achtung: der Stapel hat nur " + std::to_string(after - before) +
@@ -120,85 +95,61 @@ public:
   }
 
 private:
-  static std::string checkColumns(const CsvFile &csv) {
-    for (const std::string &name : csv.columns)
-      if (!findColumn(name)) return "Die Spalte \"" + name + "\" gibt es nicht.";
-    for (const Column &column : kColumns)
-      if (column.required && csv.column(column.name) < 0)
-        return std::string("Die Spalte \"") + column.name + "\" fehlt.";
-    return "";
-  }
-
   // \return false when going on makes no sense
-  bool insertRow(const CsvFile &csv, const CsvRow &row) {
-    if (!row.problem.empty()) return refuse(row, "", "", row.problem, "");
-    ZELK_BUCHUNG posting{};
-    posting.Mandantennummer = client_;
-    posting.Stapelnummer = batch_;
-    for (size_t i = 0; i < csv.columns.size(); ++i) {
-      const Column &column = *findColumn(csv.columns[i]);
-      char *at = reinterpret_cast<char *>(&posting) + column.offset;
-      const std::string &value = row.values[i];
-      if (column.form == Form::Number) {
-        auto number = value.empty() ? 0 : wholeNumber<int32_t>(value);
-        if (!number) return refuse(row, "", "", "\"" + value + "\" ist keine ganze Zahl.", column.name);
-        std::memcpy(at, &*number, sizeof *number);
-      } else {
-        putText(at, column.size, *vlba98::toWindows1252(column.form == Form::Date ? boundaryDate(value) : value));
-      }
+  bool insert(FilePosting &posting) {
+    if (!posting.problem.empty()) return refuse(posting, posting.problemCode, posting.problemField, posting.problem);
+    for (PostingRow &row : posting.rows) {
+      if (row.hasLine && row.posting.Sollart == 0) row.posting.Sollart = kindOf(row.posting.Sollkonto);
+      if (row.hasLine && row.posting.Habenart == 0) row.posting.Habenart = kindOf(row.posting.Habenkonto);
     }
-    if (posting.Sollart == 0) posting.Sollart = kindOf(posting.Sollkonto);
-    if (posting.Habenart == 0) posting.Habenart = kindOf(posting.Habenkonto);
-    ZelkResult result = ZELK_BuchungEinfuegen(&posting, 0);
+    ZELK_BUCHUNG &head = posting.rows.front().posting;
+    head.Mandantennummer = client_;
+    head.Stapelnummer = batch_;
+    ZelkResult result = posting.inPieces ? insertInPieces(posting) : ZELK_BuchungEinfuegen(&head, 0);
     if (result == ZELK_OK) {
       ++inserted_;
       return true;
     }
-    char name[50] = "", text[250] = "";
+    char name[50], text[250] = "";
     ZELK_HoleFehlertext(result, name, text);
-    refuse(row, std::to_string(result), shown(name), meaning(result, posting, text), fieldOf(result, posting));
-    return std::find(std::begin(kConcernAllRows), std::end(kConcernAllRows), result) == std::end(kConcernAllRows);
+    refuse(posting, result, columnOf(result), meaning(result, head, text));
+    return std::find(std::begin(kConcernAll), std::end(kConcernAll), result) == std::end(kConcernAll);
   }
 
-  // Where a code has several meanings, the one that is meant here.
-  static std::string meaning(ZelkResult result, const ZELK_BUCHUNG &posting, const char *text) {
-    if (result == ZELKERR_Ueberlauf) return "Der Text ist zu lang für sein Feld.";
-    if (result == ZELKERR_uzl_Kontonr && std::strcmp(posting.Sollkonto, posting.Habenkonto) == 0)
-      return "Soll- und Habenkontonummern sind gleich.";
-    std::string all = shown(text);
-    return all.substr(0, all.find('\n'));
-  }
-
-  static std::string fieldOf(ZelkResult result, const ZELK_BUCHUNG &posting) {
-    const char *bytes = reinterpret_cast<const char *>(&posting);
-    for (const Column &column : kColumns) {
-      bool overflow = column.form != Form::Number && !std::memchr(bytes + column.offset, 0, column.size);
-      if (result == ZELKERR_Ueberlauf ? overflow : column.code == result) return column.name;
-    }
-    if (result == ZELKERR_uzl_Kontonr) return "Sollkonto, Habenkonto";
-    return result == ZELKERR_uzl_Stapelnr ? "Stapel" : "";
+  static ZelkResult insertInPieces(const FilePosting &posting) {
+    const ZELK_BUCHUNG &head = posting.rows.front().posting;
+    ZelkResult result = ZELK_SplitStart(head.Mandantennummer, head.Stapelnummer, head.Belegdatum, head.Belegnummer,
+                                        head.UStDirekt, head.Zahlungsziel, head.OPBelegnummer, head.Valutadatum,
+                                        head.Waehrung, head.Umbuchung, head.ESR, head.DMSID);
+    for (const PostingRow &row : posting.rows)
+      if (result == ZELK_OK) result = addRow(row);
+    ZelkResult ended = ZELK_SplitEnde(result == ZELK_OK, 0);
+    return result == ZELK_OK ? ended : result;
   }
 
   // The file may leave the kinds out; an account that is none goes over as a general-ledger account and is refused.
-  int32_t kindOf(const char (&account)[8]) const {
-    if (!std::memchr(account, 0, sizeof account)) return ZELK_SACHKONTO;
+  int32_t kindOf(const char *account) const {
     for (int32_t kind : {ZELK_SACHKONTO, ZELK_KREDITOR, ZELK_DEBITOR})
       if (ZELK_ExistiertKonto(client_, account, kind, 0, nullptr) == ZELK_OK) return kind;
     return ZELK_SACHKONTO;
   }
 
-  bool refuse(const CsvRow &row, std::string code, std::string name, std::string text, std::string field) {
-    refused_.add({std::to_string(row.line), std::move(code), std::move(name), std::move(field), std::move(text)});
+  bool refuse(const FilePosting &posting, ZelkResult code, const std::string &field, const std::string &text) {
+    char name[50] = "";
+    if (code != 0) ZELK_HoleFehlertext(code, name, nullptr);
+    std::string lines = std::to_string(posting.firstLine);
+    if (posting.lastLine != posting.firstLine) lines += "-" + std::to_string(posting.lastLine);
+    refused_.add({lines, code ? std::to_string(code) : "", shown(name), field, text});
     return true;
   }
 
-  int report(const CsvFile &csv, int stopped) const {
+  int report(const PostingFile &file, int stopped) const {
     if (refused_.rows() > 0) {
       refused_.print();
       std::puts("");
     }
-    std::printf("Stapel %d: %zu Zeilen gelesen, %zu gebucht, %zu abgelehnt.\n", int(batch_), csv.rows.size(), inserted_,
-                refused_.rows());
+    std::printf("Stapel %d: %zu Zeilen gelesen, %zu Buchungen: %zu gebucht, %zu abgelehnt.\n", int(batch_), file.rows,
+                file.postings.size(), inserted_, refused_.rows());
     if (stopped > 0) {
       complain("Abgebrochen in Zeile " + std::to_string(stopped) + ": die Zeilen dahinter wurden nicht gebucht.");
       return kFailed;

@@ -16,18 +16,10 @@ namespace {
 // Attach reads no more of the program path.
 constexpr size_t kLongestPath = 249;
 
-std::string readSetting(const char *section, const char *key) {
-  char value[260];
-  MFGetPrivateProfileString(section, key, "", value, sizeof value, "");
-  return shown(value);
-}
-
 std::string dataDirectory() {
   if (std::string path = readSetting("ZELK", "DatenPfad"); !path.empty()) return path;
-  for (auto [section, key] : {std::pair{"MFIBU", "ProgPfad98"}, {"MFIBU", "ProgPfad"}, {"ZELK", "ProgPfad"}})
-    if (std::string path = readSetting(section, key); !path.empty())
-      return platform::withSeparator(path) + vldb98::kDataFolder;
-  return "";
+  std::string root = programDirectory();
+  return root.empty() ? "" : root + vldb98::kDataFolder;
 }
 
 std::unique_ptr<vldb98::Store> openStore(const std::string &directory, bool create) {
@@ -40,6 +32,18 @@ std::unique_ptr<vldb98::Store> openStore(const std::string &directory, bool crea
 }
 
 } // namespace
+
+std::string readSetting(const char *section, const char *key) {
+  char value[260];
+  MFGetPrivateProfileString(section, key, "", value, sizeof value, "");
+  return shown(value);
+}
+
+std::string programDirectory() {
+  for (auto [section, key] : {std::pair{"MFIBU", "ProgPfad98"}, {"MFIBU", "ProgPfad"}, {"ZELK", "ProgPfad"}})
+    if (std::string path = readSetting(section, key); !path.empty()) return platform::withSeparator(path);
+  return "";
+}
 
 std::unique_ptr<vldb98::Store> openBooks() {
   std::string directory = dataDirectory();

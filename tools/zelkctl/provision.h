@@ -2,10 +2,17 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include "vldb98/store.h"
 
 namespace zelkctl {
+
+/// A setting as UTF-8; empty when it is missing.
+std::string readSetting(const char *section, const char *key);
+
+/// The program directory of the settings, with a separator at its end; empty when there is none.
+std::string programDirectory();
 
 /// A session in the database that the settings lead to; null, and complained of, when there is none.
 std::unique_ptr<vldb98::Store> openBooks();

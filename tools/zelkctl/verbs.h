@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace zelkctl {
@@ -14,16 +15,45 @@ constexpr int kFailed = 2;  ///< nothing could be done, or not to its end
 int provision(const std::string &directory);
 int createClient(const std::string &folder);
 
+// Beside the exports, since calls of the library would change what is shown.
+int switchProtocol(bool on);
+int chooseProtocolFile(const std::string &file);
+int showProtocol(const std::string &file); ///< empty: the one that programs write to now
+
 // Everything else calls the exported functions and nothing else.
 int importPostings(int32_t client, int32_t batch, const std::string &file);
 int listClients();
 int listBatches(int32_t client);
 int showBatch(int32_t client, int32_t batch);
 int listAccounts(int32_t client, const std::string &kind, int32_t order, const std::string &from);
+/// \param from,to bounds of the range; empty: none
+int showFreeNumber(int32_t client, const std::string &kind, const std::string &from, const std::string &to);
 int showResultText(int32_t code);
+
+/// What is not given stays as it is, or is that of a new one.
+struct BatchValues {
+  std::optional<std::string> name;
+  std::optional<int32_t> recurrence;
+  std::optional<bool> transitory, reconciliation;
+};
+int createBatch(int32_t client, int32_t number, const BatchValues &values); ///< number 0: the next free one
+int changeBatch(int32_t client, int32_t number, const BatchValues &values);
+int deleteBatch(int32_t client, int32_t number, bool withBatch);
+
+struct TermValues {
+  std::optional<std::string> shortName, rate1, rate2, remark;
+  std::optional<int32_t> days1, days2, days, dayOfMonth, months, method;
+};
+int createTerm(int32_t client, const TermValues &values);
+/// \param which number or short name
+int changeTerm(int32_t client, const std::string &which, const TermValues &values);
+int showTerm(int32_t client, const std::string &which);
+int listTerms(int32_t client);
 
 /// Complains of a result of the library by its number, name and text, behind a text that says what was tried.
 /// \return kFailed
 int complainOf(const std::string &tried, int32_t result);
+/// Complains of characters that Windows-1252 has not. \return kFailed
+int complainOfCharacters(const char *option, const std::string &value);
 
 } // namespace zelkctl

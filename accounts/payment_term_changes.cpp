@@ -1,0 +1,174 @@
+// Creating and changing payment terms.
+#include <cstring>
+#include <string_view>
+
+#include "frame/call.h"
+#include "frame/fetch.h"
+#include "frame/locked_tables.h"
+#include "vlba98/geld.h"
+#include "vlba98/text.h"
+
+using namespace frame;
+using namespace vldb98;
+
+namespace {
+
+enum Action { kCreate = 1, kChange = 2 };
+
+constexpr FileNumber kByShortName = fileNumber(kZahlziel, 1);
+constexpr FileNumber kTermTable[] = {kZahlziel};
+constexpr size_t kShortNameWidth = sizeof(ZAHLZIEL::Kuerzel) - 1;
+
+// What a host asks for; texts that it left out are empty.
+struct Request {
+  int32_t action, number;
+  const char *shortName;
+  int32_t discountDays1;
+  const char *discountRate1;
+  int32_t discountDays2;
+  const char *discountRate2;
+  int32_t days, dayOfMonth, months;
+  const char *remark;
+  int32_t method;
+};
+
+// A number that goes from 0 to a greatest value.
+struct Range {
+  int32_t value, greatest;
+  ZelkResult code;
+  int message;
+  const char *fill;
+
+  bool holds() const { return value >= 0 && value <= greatest; }
+  Outcome refusal() const { return {code, message, fill}; }
+};
+
+bool read(Store &store, const SCHLUESSEL &key, FileNumber file, DATENBANK &record, bool &exists) {
+  uint8_t found;
+  if (!store.UsedGet(record, key, found, file, ZELK_ENG_DEFAULT)) return false;
+  exists = found;
+  return true;
+}
+
+// Whether a term can have the number and the short name. For a change, the stored term is the current record then.
+Outcome checkIdentity(Store &store, const Request &request) {
+  const Outcome failed{ZELKERR_Datenbank}, missing{ZELKERR_uzl_Zahlungsziel, resources::kZahlzielFehlt};
+  SCHLUESSEL number = KeyBuilder().number(request.number);
+  SCHLUESSEL shortName = KeyBuilder().text(request.shortName, kShortNameWidth);
+  DATENBANK record{};
+  bool exists;
+  if (request.action == kCreate) {
+    if (!read(store, shortName, kByShortName, record, exists)) return failed;
+    if (exists) return {ZELKERR_ZZ_existiert, resources::kExistiertBereits, "Zahlungsziel"};
+    return {};
+  }
+  if (!read(store, number, kZahlziel, record, exists)) return failed;
+  if (!exists) return missing;
+  if (!read(store, shortName, kByShortName, record, exists)) return failed;
+  if (exists && record.Zahlziel.Nr != request.number)
+    return {ZELKERR_Kuerzel_existiert, resources::kExistiertBereits, "K\xFCrzel"};
+  if (!read(store, number, kZahlziel, record, exists)) return failed;
+  return exists ? Outcome{} : missing;
+}
+
+// Takes a rate in internal form, "00,00" where none is given. \return false when the text is no rate
+bool takeRate(char (&rate)[6], const char *text) {
+  vlba98::strncpy2(rate, *text ? text : vlba98::satzZero);
+  return vlba98::IsGeld(rate, int(vlba98::satzWidth), 0, 0, rate);
+}
+
+Outcome checkDiscounts(const Request &request, ZAHLZIEL &term) {
+  const Range periods[] = {
+      {request.discountDays1, 999, ZELKERR_uzl_Skontotage, resources::kUnzulaessig, "Die Skontofrist 1 ist"},
+      {request.discountDays2, 999, ZELKERR_uzl_Skontotage, resources::kUnzulaessig, "Die Skontofrist 2 ist"}};
+  for (const Range &period : periods)
+    if (!period.holds()) return period.refusal();
+  if (request.discountDays1 >= request.discountDays2 && request.discountDays2 != 0)
+    return {ZELKERR_uzl_Skontotage, resources::kSkontoReihenfolge};
+  if (!takeRate(term.Skontosatz1, request.discountRate1))
+    return {ZELKERR_uzl_Skontoprozent, resources::kIstUnzulaessig, "Skontosatz"};
+  if (!takeRate(term.Skontosatz2, request.discountRate2))
+    return {ZELKERR_uzl_Skontoprozent, resources::kIstUnzulaessig, "Skontosatz 2"};
+  // In internal form rates compare as texts.
+  std::string_view rate1 = term.Skontosatz1, rate2 = term.Skontosatz2, none = vlba98::satzZero;
+  if (request.discountDays2 != 0 && rate1 <= rate2) return {ZELKERR_uzl_Skontoprozent, resources::kSkontoReihenfolge};
+  if ((rate1 == none && request.discountDays1 > 0) || (rate2 == none && request.discountDays2 > 0) ||
+      (rate1 == rate2 && rate1 != none))
+    return {ZELKERR_uzl_Skontoprozent, resources::kSkontoLeer};
+  if (rate2 == none && request.discountDays2 == 0) term.Skontosatz2[0] = 0;
+  term.Skontotage1 = int16_t(request.discountDays1);
+  term.Skontotage2 = int16_t(request.discountDays2);
+  return {};
+}
+
+Outcome checkDueDate(const Request &request, ZAHLZIEL &term) {
+  const Range ranges[] = {{request.days, 999, ZELKERR_uzl_Zahltage, resources::kUnzulaessig, "Die Zahlungsfrist ist"},
+                          {request.dayOfMonth, 31, ZELKERR_uzl_TagInMonat, resources::kIstUnzulaessig, "Tag im Monat"},
+                          {request.months, 99, ZELKERR_uzl_MonatePlus, resources::kUnzulaessig, "Die Folgemonatszahl"},
+                          {request.method, 5, ZELKERR_uzl_Zahlungsart, resources::kUnzulaessig, "Die Zahlungsart"}};
+  for (const Range &range : ranges)
+    if (!range.holds()) return range.refusal();
+  term.Zahltage = int16_t(request.days);
+  term.TagInMonat = int16_t(request.dayOfMonth);
+  term.MonatePlus = int16_t(request.months);
+  term.Zahlungsart = int16_t(request.method);
+  return {};
+}
+
+// With the table locked. The result is the number of the term.
+Outcome save(Store &store, const Request &request) {
+  if (!*request.shortName) return {ZELKERR_uzl_Kuerzel, resources::kKuerzelFehlt};
+  if (Outcome identity = checkIdentity(store, request); identity.result != ZELK_OK) return identity;
+  DATENBANK record{};
+  ZAHLZIEL &term = record.Zahlziel;
+  if (request.action == kChange) term.Nr = request.number;
+  vlba98::strncpy2(term.Kuerzel, request.shortName);
+  for (auto check : {checkDiscounts, checkDueDate})
+    if (Outcome checked = check(request, term); checked.result != ZELK_OK) return checked;
+  vlba98::strncpy2(term.Bemerkung, request.remark);
+  int written = request.action == kChange ? store.Update(record, kZahlziel, ZELK_ENG_DEFAULT)
+                                          : store.Insert(record, kZahlziel, ZELK_ENG_DEFAULT);
+  return {written ? ZelkResult(term.Nr) : ZELKERR_Datenbank};
+}
+
+const char *orEmpty(const char *text) {
+  return text ? text : "";
+}
+
+} // namespace
+
+ZelkResult ZELK_CALL ZELK_Zahlungsziel(int32_t Mandantennummer, int32_t Aktion, int32_t Zahlzielnummer,
+                                       const char *Name, int32_t Skontotage1, const char *Skontosatz1,
+                                       int32_t Skontotage2, const char *Skontosatz2, int32_t Zahltage,
+                                       int32_t TagInMonat, int32_t MonatePlus, const char *Bemerkung,
+                                       int32_t Zahlungsart, int32_t Fehlermeldungen) {
+  static constexpr Export self{.name = "ZELK_Zahlungsziel"};
+  Parameter method = number("Zahlungsart:", Zahlungsart);
+  method.printed = false;
+  return run(self,
+             {number("Mandantennummer:", Mandantennummer), number("Aktion:", Aktion),
+              number("Zahlzielnummer:", Zahlzielnummer), text("Name:", Name), number("Skontotage1:", Skontotage1),
+              text("Skontosatz1:", Skontosatz1), number("Skontotage2:", Skontotage2), text("Skontosatz2:", Skontosatz2),
+              number("Zahltage:", Zahltage), number("TagInMonat:", TagInMonat), number("MonatePlus:", MonatePlus),
+              text("Bemerkung:", Bemerkung), method, messages(Fehlermeldungen)},
+             [&](ThreadContext *context) -> ZelkResult {
+               Store *store = context->session();
+               if (!store) return ZELKERR_Datenbank;
+               if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
+               if (Aktion != kCreate && Aktion != kChange)
+                 return refuse(*context, ZELKERR_sonst, resources::kUnzulaessigeAktion);
+               Request request{Aktion,
+                               Zahlzielnummer,
+                               orEmpty(Name),
+                               Skontotage1,
+                               orEmpty(Skontosatz1),
+                               Skontotage2,
+                               orEmpty(Skontosatz2),
+                               Zahltage,
+                               TagInMonat,
+                               MonatePlus,
+                               orEmpty(Bemerkung),
+                               Zahlungsart};
+               return changeLocked(*context, *store, kTermTable, [&] { return save(*store, request); });
+             });
+}

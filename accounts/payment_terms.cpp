@@ -1,0 +1,81 @@
+// Looking payment terms up.
+#include "frame/call.h"
+#include "frame/fetch.h"
+#include "frame/messages.h"
+#include "frame/snapshot.h"
+#include "vlba98/text.h"
+#include "vlfn98/client.h"
+
+using namespace frame;
+using namespace vldb98;
+
+namespace {
+
+void fill(ZELK_ZAHLUNGSZIEL &out, const ZAHLZIEL &term) {
+  out = {};
+  out.Zahlzielnummer = term.Nr;
+  vlba98::strncpy2(out.Name, term.Kuerzel);
+  out.Skontotage1 = term.Skontotage1;
+  vlba98::strncpy2(out.Skontosatz1, term.Skontosatz1);
+  out.Skontotage2 = term.Skontotage2;
+  vlba98::strncpy2(out.Skontosatz2, term.Skontosatz2);
+  out.Zahltage = term.Zahltage;
+  out.TagInMonat = term.TagInMonat;
+  out.MonatePlus = term.MonatePlus;
+  vlba98::strncpy2(out.Bemerkung, term.Bemerkung);
+  out.Zahlungsart = term.Zahlungsart;
+}
+
+// \param number 0: the first. \return 1, -27, -1 when there is none at all, -3
+ZelkResult readTerm(Store &store, int32_t number, ZELK_ZAHLUNGSZIEL &out) {
+  DATENBANK record{};
+  uint8_t found = 0;
+  bool done = number == 0 ? store.GetFirstExt(record, found, kZahlziel, ZELK_ENG_DEFAULT, 0)
+                          : store.UsedGet(record, KeyBuilder().number(number), found, kZahlziel, ZELK_ENG_DEFAULT);
+  if (done && found) {
+    fill(out, record.Zahlziel);
+    if (!store.GetNextExt(record, found, kZahlziel, ZELK_ENG_DEFAULT)) return ZELKERR_Datenbank;
+    out.Naechstes = found ? record.Zahlziel.Nr : 0;
+    return ZELK_OK;
+  }
+  if (done && number != 0) done = store.GetFirstExt(record, found, kZahlziel, ZELK_ENG_DEFAULT, 0);
+  if (!done) return ZELKERR_Datenbank;
+  return found ? ZELKERR_uzl_Zahlungsziel : ZELKERR_keine_Zahlungsziele;
+}
+
+} // namespace
+
+ZelkResult ZELK_CALL ZELK_HoleZahlungsziel(int32_t Mandantennummer, int32_t Zahlzielnummer,
+                                           ZELK_ZAHLUNGSZIEL *Zahlungsziel, int32_t Fehlermeldungen) {
+  static constexpr Export self{.name = "ZELK_HoleZahlungsziel", .companion = resources::kKeineZahlungsziele};
+  return run(self,
+             {number("Mandantennummer:", Mandantennummer), number("Zahlzielnummer:", Zahlzielnummer),
+              out("Zahlungsziel:", Zahlungsziel), messages(Fehlermeldungen)},
+             [&](ThreadContext *context) -> ZelkResult {
+               if (!Zahlungsziel) return ZELKERR_nicht_moeglich;
+               Store *store = context->session();
+               if (!store) return ZELKERR_Datenbank;
+               if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
+               ZELK_ZAHLUNGSZIEL term;
+               ZelkResult result = inSnapshot(*store, [&] { return readTerm(*store, Zahlzielnummer, term); });
+               if (result == ZELKERR_uzl_Zahlungsziel) return refuse(*context, result, resources::kZahlzielFehlt);
+               if (result == ZELK_OK) *Zahlungsziel = term;
+               return result;
+             });
+}
+
+ZelkResult ZELK_CALL ZELK_HoleZZnr(int32_t Mandantennummer, const char *Name) {
+  static constexpr Export self{.name = "ZELK_HoleZZnr"};
+  return run(self, {number("Mandantennummer:", Mandantennummer), text("Name:", Name)},
+             [&](ThreadContext *context) -> ZelkResult {
+               Store *store = context->session();
+               if (!store) return ZELKERR_Datenbank;
+               if (int32_t opened = vlfn98::HoleMandantenDaten(*store, Mandantennummer); opened < 1) return opened;
+               DATENBANK record{};
+               uint8_t found;
+               SCHLUESSEL key = KeyBuilder().text(Name ? Name : "", sizeof(ZAHLZIEL::Kuerzel) - 1);
+               if (!store->UsedGet(record, key, found, fileNumber(kZahlziel, 1), ZELK_ENG_DEFAULT))
+                 return ZELKERR_Datenbank;
+               return found ? ZelkResult(record.Zahlziel.Nr) : ZELK_keinKonto;
+             });
+}

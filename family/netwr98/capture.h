@@ -1,0 +1,17 @@
+/// Document capture: cost assignments that came with a captured document.
+#pragma once
+
+#include <cstdint>
+
+#include "vldb98/store.h"
+
+namespace netwr98 {
+
+/// Whether document capture assigned costs to a document of the open client. \param document number of its
+/// document-management link; 0: no document \return 0 when the store failed
+int OCR_IsBelegkontierungAktiv(vldb98::Store &store, int32_t document, uint8_t &active);
+
+/// The cost template that document capture assigned to a document; 0: none. \return 0 when the store failed
+int OCR_GetBucDlg(vldb98::Store &store, int32_t document, int32_t &costTemplate);
+
+} // namespace netwr98

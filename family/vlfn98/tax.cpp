@@ -1,0 +1,105 @@
+#include "vlfn98/tax.h"
+
+#include <array>
+#include <cstdlib>
+
+#include "vlba98/geld.h"
+
+using namespace vldb98;
+
+namespace vlfn98 {
+namespace {
+
+constexpr int16_t kNichtGerechnet = 8; // a key of this number takes no tax out of the gross amount
+
+constexpr int32_t kKreditorArt = 2, kDebitorArt = 4, kKostenstelleArt = 8;
+
+bool withinRange(int64_t amount) {
+  return amount >= -vlba98::maxGeld && amount <= vlba98::maxGeld;
+}
+
+// An empty rate is zero.
+int64_t rateOf(const STEUSA &key) {
+  return vlba98::parseGeld(key.Satz).value_or(0);
+}
+
+bool excludesTax(const STEUSA &key) {
+  return (SteuerFlags(key) & kSteuerAusgeschlossen) != 0;
+}
+
+} // namespace
+
+Steuerwahl chooseTaxKey(int16_t debitKey, int16_t creditKey, int32_t debitKind, int32_t creditKind, bool swissRules) {
+  auto mayTake = [&](int32_t against, int32_t own) {
+    return against != kKostenstelleArt && (own != kDebitorArt || swissRules);
+  };
+  const bool creditHasKey = (creditKey & ~kOhneSteuerschluessel) != 0;
+  if ((debitKey & ~kOhneSteuerschluessel) == 0)
+    return creditHasKey && mayTake(debitKind, creditKind) ? Steuerwahl{creditKey, Steuerseite::Haben} : Steuerwahl{};
+  return !creditHasKey && mayTake(creditKind, debitKind) ? Steuerwahl{debitKey, Steuerseite::Soll} : Steuerwahl{};
+}
+
+int32_t SteuerFlags(const STEUSA &key) {
+  static constexpr std::array<int32_t, 5> flagsOfKind{0x1000, 0x0001, 0x0002, 0x0400, 0x0200};
+  return key.Art >= 0 && size_t(key.Art) < flagsOfKind.size() ? flagsOfKind[size_t(key.Art)] : 0;
+}
+
+int GetSteusa(Store &store, int16_t key, const char *reversedDate, int64_t rate, STEUSA &record, uint8_t &found) {
+  DATENBANK read{};
+  found = 0;
+  uint8_t there = 0;
+  if (!store.GetLeExt(read, KeyBuilder().number(key).text(reversedDate, sizeof(STEUSA::GueltigAb) - 1), there, kSteusa,
+                      ZELK_ENG_DEFAULT, 0))
+    return 0;
+  while (there && read.Steusa.Schluessel == key) {
+    if (rate < 0 || rateOf(read.Steusa) == rate) {
+      record = read.Steusa;
+      found = 1;
+      return 1;
+    }
+    if (!store.GetPrevExt(read, there, kSteusa, ZELK_ENG_DEFAULT)) return 0;
+  }
+  return 1;
+}
+
+int64_t CalcSteuerAnteil(int64_t tax, const STEUSA &key) {
+  if (key.Anteil <= 0 || key.Anteil >= 100) return tax;
+  return vlba98::percentOf(tax, key.Anteil * int64_t{100}).value_or(tax);
+}
+
+std::optional<Steuerrechnung> rechneSteuer(int64_t gross, int64_t rate, std::optional<int64_t> given, const STEUSA *key,
+                                           bool roundToFive) {
+  if (!withinRange(gross) || !withinRange(given.value_or(0))) return std::nullopt;
+  auto rounded = [&](int64_t amount) { return roundToFive ? vlba98::roundToFive(amount) : amount; };
+  if (rate == 0) key = nullptr;
+  Steuerrechnung result{gross, 0, rate, key != nullptr};
+  if (key && excludesTax(*key)) {
+    result.rate = 0;
+  } else if (given) {
+    result.tax = rounded(*given);
+  } else if (key && key->Schluessel != kNichtGerechnet) {
+    auto net = vlba98::netOfGross(gross, rate);
+    if (!net) return std::nullopt;
+    result.tax = rounded(CalcSteuerAnteil(gross - rounded(*net), *key));
+  }
+  result.net = gross - result.tax;
+  bool signsDiffer = (gross <= 0 && result.net > 0) || (gross >= 0 && result.net < 0);
+  if (signsDiffer || !withinRange(result.tax) || !withinRange(result.net)) return std::nullopt;
+  return result;
+}
+
+bool passtZumSteuersatz(int64_t gross, int64_t rate, int64_t given, const STEUSA &key) {
+  constexpr int64_t tolerance = 5;
+  if (rate == 0) return given == 0;
+  auto isNear = [&](int64_t tax) {
+    return std::abs(given - tax) <= tolerance || std::abs(given - CalcSteuerAnteil(tax, key)) <= tolerance;
+  };
+  auto net = vlba98::netOfGross(gross, rate);
+  if (net && isNear(gross - *net)) return true;
+  // Where the gross amount holds no tax, an invoice states the tax that comes on top of it.
+  if (!excludesTax(key)) return false;
+  auto onTop = vlba98::percentOf(gross, rate);
+  return onTop && isNear(*onTop);
+}
+
+} // namespace vlfn98

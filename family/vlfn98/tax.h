@@ -1,0 +1,67 @@
+/// VAT: tax keys, rates, and the split of a gross amount into net amount and tax. Amounts and rates in hundredths.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "vldb98/store.h"
+
+namespace vlfn98 {
+
+/// Which account of a posting bears the tax.
+enum class Steuerseite : int16_t { Keine = 0, Haben = 1, Soll = 2 };
+
+struct Steuerwahl {
+  int16_t key = 0; ///< 0: none
+  Steuerseite side = Steuerseite::Keine;
+};
+
+/// An account that is marked as having no tax key.
+constexpr int16_t kOhneSteuerschluessel = 32;
+
+/// The tax key of a posting and the side that bears the tax.
+/// \param debitKey,creditKey   tax keys of the accounts; 0 or 32: none
+/// \param debitKind,creditKind account kinds at the boundary (1, 2, 4, 8)
+/// \param swissRules           the client's books are kept under the rules of Switzerland
+Steuerwahl chooseTaxKey(int16_t debitKey, int16_t creditKey, int32_t debitKind, int32_t creditKind, bool swissRules);
+
+/// Any of these flags of a tax key: the gross amount holds no tax.
+constexpr int32_t kSteuerAusgeschlossen = 0x3600;
+
+/// The flags of a tax key, from its kind: tax-free 0x1000, acquisition 0x0400, reverse charge 0x0200 (all of which
+/// exclude tax from the gross amount), output tax 1, input tax 2.
+int32_t SteuerFlags(const vldb98::STEUSA &key);
+
+/// The record of a tax key of the open client that is valid on a day.
+/// \param reversedDate the document date, reversed
+/// \param rate         when the record of that day has another rate: the latest record of the key, from an earlier day
+///                     on, that has this one (a delivery before a change of the rate); below 0: whatever its rate
+/// \param found        false when the key has no such record
+/// \return 0 when the store failed
+int GetSteusa(vldb98::Store &store, int16_t key, const char *reversedDate, int64_t rate, vldb98::STEUSA &record,
+              uint8_t &found);
+
+/// The deductible share of a tax amount.
+int64_t CalcSteuerAnteil(int64_t tax, const vldb98::STEUSA &key);
+
+/// A gross amount taken apart: gross = net + tax, always.
+struct Steuerrechnung {
+  int64_t net;
+  int64_t tax;
+  int64_t rate; ///< 0 where the key excludes tax
+  bool keyKept; ///< false: a rate of zero has cleared the tax key
+};
+
+/// Takes a gross amount apart.
+/// \param given       tax amount that came with the posting; nothing: it is computed
+/// \param key         record of the posting's tax key; null: none
+/// \param roundToFive round tax and net amount to five hundredths
+/// \return nothing when the net amount would have another sign than the gross amount, or an amount its range left
+std::optional<Steuerrechnung> rechneSteuer(int64_t gross, int64_t rate, std::optional<int64_t> given,
+                                           const vldb98::STEUSA *key, bool roundToFive);
+
+/// Whether a tax amount that came with a posting fits its gross amount and rate: within five hundredths of the tax or
+/// of its deductible share, which invoices that round line by line keep to.
+bool passtZumSteuersatz(int64_t gross, int64_t rate, int64_t given, const vldb98::STEUSA &key);
+
+} // namespace vlfn98

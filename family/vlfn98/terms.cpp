@@ -1,0 +1,37 @@
+#include "vlfn98/terms.h"
+
+#include <algorithm>
+#include <cstring>
+
+using namespace vldb98;
+
+namespace vlfn98 {
+
+int IsZahlziel(Store &store, int32_t number, uint8_t &exists) {
+  return store.Used(KeyBuilder().number(number), exists, kZahlziel, ZELK_ENG_DEFAULT);
+}
+
+std::optional<vlba98::Datum> faelligkeit(const ZAHLZIEL &term, const vlba98::Datum &from) {
+  auto due = vlba98::addDays(from, term.Zahltage);
+  if (due) due = vlba98::addMonths(*due, term.MonatePlus);
+  if (!due || term.TagInMonat <= 0) return due;
+  auto dayIn = [&](const vlba98::Datum &month) {
+    return std::min<int>(term.TagInMonat, vlba98::daysInMonth(month.year, month.month));
+  };
+  if (term.MonatePlus <= 0 && due->day > dayIn(*due)) due = vlba98::addMonths(*due, 1);
+  if (due) due->day = dayIn(*due);
+  return due;
+}
+
+int ErmittleZahlungsziel(Store &store, int32_t number, const vlba98::Datum &from, char (&due)[7]) {
+  due[0] = 0;
+  if (number == 0) return 1;
+  DATENBANK record{};
+  uint8_t found = 0;
+  if (!store.UsedGet(record, KeyBuilder().number(number), found, kZahlziel, ZELK_ENG_DEFAULT)) return 0;
+  if (!found) return 1;
+  if (auto day = faelligkeit(record.Zahlziel, from)) std::memcpy(due, vlba98::toReversed(*day).data(), sizeof due);
+  return 1;
+}
+
+} // namespace vlfn98

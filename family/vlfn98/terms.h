@@ -1,0 +1,26 @@
+/// Payment terms and due dates.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "vlba98/datum.h"
+#include "vldb98/store.h"
+
+namespace vlfn98 {
+
+/// Whether the open client has a payment term of the number. \return 0 when the store failed
+int IsZahlziel(vldb98::Store &store, int32_t number, uint8_t &exists);
+
+/// The day on which payment is due: the net payment period after the day given; then so many months on as the term
+/// names following months; then, where it names a day of the month, that day of the month reached (the last of a
+/// shorter one). Without following months a day that has passed is that of the next month. \return nothing when it lies
+/// behind 2079
+std::optional<vlba98::Datum> faelligkeit(const vldb98::ZAHLZIEL &term, const vlba98::Datum &from);
+
+/// The due date of a payment term of the open client.
+/// \param due receives the reversed date; empty where there is no such term or no such day
+/// \return 0 when the store failed
+int ErmittleZahlungsziel(vldb98::Store &store, int32_t number, const vlba98::Datum &from, char (&due)[7]);
+
+} // namespace vlfn98

@@ -1,0 +1,60 @@
+/// Changes of tables that nobody else may touch meanwhile.
+#pragma once
+
+#include <algorithm>
+#include <span>
+#include <string>
+
+#include "frame/messages.h"
+#include "vldb98/store.h"
+
+namespace frame {
+
+/// What a change came to; with a message where the caller is told more than the code.
+struct Outcome {
+  ZelkResult result = ZELK_OK;
+  int message = 0;
+  std::string fill = {}; ///< Windows-1252
+};
+
+/// Holds tables of the open client, locked one after the other. Who changes several of them takes them in the order in
+/// which a posting does, or two callers wait for each other.
+class LockedTables {
+public:
+  LockedTables(vldb98::Store &store, std::span<const vldb98::FileNumber> tables) : store_(store), tables_(tables) {
+    held_ = std::all_of(tables.begin(), tables.end(), [&](vldb98::FileNumber table) {
+      return store.Lock(table, nullptr, 0, vldb98::ZELK_ENG_DEFAULT);
+    });
+  }
+  ~LockedTables() {
+    constexpr int atOnce = 1;
+    for (vldb98::FileNumber table : tables_)
+      store_.Unlock(table, atOnce, vldb98::ZELK_ENG_DEFAULT);
+  }
+  LockedTables(const LockedTables &) = delete;
+  LockedTables &operator=(const LockedTables &) = delete;
+  bool held() const { return held_; }
+
+private:
+  vldb98::Store &store_;
+  std::span<const vldb98::FileNumber> tables_;
+  bool held_;
+};
+
+/// Runs a change while the tables are locked, and shows its refusal when they are free again: a person who looks at a
+/// message box must not keep others from working.
+/// \param change returns an Outcome
+/// \return its result; -3 when a table cannot be had in time
+template <class Change>
+ZelkResult changeLocked(const ThreadContext &context, vldb98::Store &store, std::span<const vldb98::FileNumber> tables,
+                        Change &&change) {
+  Outcome outcome;
+  {
+    LockedTables locked(store, tables);
+    if (!locked.held()) return ZELKERR_Datenbank;
+    outcome = change();
+  }
+  return outcome.message ? refuse(context, outcome.result, outcome.message, outcome.fill) : outcome.result;
+}
+
+} // namespace frame

@@ -1,0 +1,19 @@
+/// Notification of dependent applications: what changed is handed to one process, which passes it on.
+#pragma once
+
+#include <cstdint>
+
+#include "vldb98/store.h"
+
+namespace frame {
+
+/// Starts the notification process when applications are registered and it does not run yet. \return false when that
+/// failed, which the user is still to be told
+bool startNotification() noexcept;
+
+/// Hands a posting over that the session has just stored and whose lines are still in its memory, ten lines at a time.
+/// To be called without locks: it may wait for the notification process, and show a message. Without registered
+/// applications it costs a look at a flag.
+void notifyPosting(vldb98::Store &store, const vldb98::BATCHBUCHUNG &posting) noexcept;
+
+} // namespace frame

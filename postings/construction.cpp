@@ -1,0 +1,25 @@
+#include "postings/construction.h"
+
+namespace postings {
+
+void Construction::resetExtras() {
+  plainAdditions = exAdditions = 0;
+  ownAmounts.clear();
+  movementKinds.clear();
+  documents.clear();
+}
+
+void Construction::clear() {
+  resetExtras();
+  posting = {};
+  std::vector<ZELK_TEILBUCHUNG>().swap(overflow);
+  std::vector<CostEntry>().swap(costs);
+  started = swissRules = false;
+}
+
+Construction &constructionOf(frame::ThreadContext &context) {
+  if (!context.construction) context.construction = std::make_shared<Construction>();
+  return *context.construction;
+}
+
+} // namespace postings

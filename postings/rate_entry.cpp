@@ -1,0 +1,26 @@
+#include "postings/rate_entry.h"
+
+#include <string>
+
+#include "frame/messages.h"
+#include "platform/ui.h"
+#include "vlba98/datum.h"
+#include "vlba98/text.h"
+
+namespace postings {
+
+std::optional<vlfn98::Wechselkurs> askForRate(const MissingRate &missing, std::string_view ownCurrency) {
+  const auto day = vlba98::toDisplay(*vlba98::fromReversed(missing.day));
+  std::string prompt(resources::text(resources::kKursEingabe));
+  for (std::string_view value : {std::string_view(missing.currency), std::string_view(day.data()),
+                                 vlba98::trimmed(ownCurrency), std::string_view(missing.currency)})
+    prompt.replace(prompt.find("%s"), 2, value);
+  for (;;) {
+    auto entered = platform::ui().input(frame::kMessageCaption, prompt);
+    if (!entered) return std::nullopt;
+    if (auto millionths = vlfn98::parseKurs(vlba98::trimmed(*entered))) return vlfn98::Wechselkurs{*millionths, 1};
+    frame::showMessage(resources::kKursUnzulaessig);
+  }
+}
+
+} // namespace postings

@@ -1,0 +1,42 @@
+/* A notification process that does not do as it should. ZELK_TEST_PEER says how:
+ *   stumm      is never ready
+ *   einmal     is ready once, and then does nothing more
+ *   taub       answers every change, but not the end of work
+ *   abschrift  answers everything, and writes each block as it is behind ZELK_OUT_DATEI; does not end by itself
+ * Then it writes its process id to ZELK_OUT_DATEI with ".id" behind. */
+#define main reference_main
+#include "examples/zelkout.c"
+#undef main
+
+#if defined(_WIN32)
+static int own_id(void) { return (int)GetCurrentProcessId(); }
+#else
+static int own_id(void) { return (int)getpid(); }
+#endif
+
+int main(int argc, char **argv) {
+  const char *kind = getenv("ZELK_TEST_PEER"), *path = getenv("ZELK_OUT_DATEI");
+  char id_path[1024];
+  PEER peer;
+  FILE *out;
+  if (!kind || !path || !take_arguments(&peer, argc, argv)) return reference_main(argc, argv);
+  if (strcmp(kind, "stumm") != 0) signal_ready(&peer);
+  snprintf(id_path, sizeof id_path, "%s.id", path);
+  out = fopen(id_path, "wb");
+  if (!out) return 1;
+  fprintf(out, "%d", own_id());
+  fclose(out);
+  while (wait_for_change(&peer) == SUBMITTED) {
+    int end = peer.block->Befehl == 0;
+    if (strcmp(kind, "abschrift") == 0) {
+      out = fopen(path, "ab");
+      if (!out) return 1;
+      fwrite(peer.block, sizeof *peer.block, 1, out);
+      fclose(out);
+      signal_ready(&peer);
+    } else if (strcmp(kind, "taub") == 0 && !end) {
+      signal_ready(&peer);
+    }
+  }
+  return 0;
+}
