@@ -2,46 +2,15 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cstddef>
 #include <stdexcept>
-#include <type_traits>
+
+#include "vldb98/schema_fields.h"
 
 namespace vldb98 {
-namespace {
-
-template <class Member> constexpr FieldType numberType() {
-  if constexpr (std::is_same_v<Member, uint8_t>)
-    return FieldType::UInt8;
-  else if constexpr (std::is_same_v<Member, int16_t>)
-    return FieldType::Int16;
-  else if constexpr (std::is_same_v<Member, uint16_t>)
-    return FieldType::UInt16;
-  else {
-    static_assert(std::is_same_v<Member, int32_t>);
-    return FieldType::Int32;
-  }
-}
-
-#define FIELD(record, member, type)                                                                                    \
-  Field {                                                                                                              \
-#member, type, offsetof(record, member), sizeof(record::member)                                                    \
-  }
-#define NUMBER(record, member) FIELD(record, member, numberType<decltype(record::member)>())
-#define TEXT(record, member) FIELD(record, member, FieldType::Text)
-#define KEYTEXT(record, member) FIELD(record, member, FieldType::KeyText)
-#define MONEY(record, member) FIELD(record, member, FieldType::Money)
-#define YEAR(record, member) FIELD(record, member, FieldType::Year)
-#define DATE(record, member) FIELD(record, member, FieldType::Date)
-
-struct KeyDeclaration {
-  int index;
-  bool unique;
-  std::vector<const char *> fields;
-};
 
 Table table(int number, std::string name, Scope scope, size_t recordSize, std::vector<Field> fields,
-            std::vector<KeyDeclaration> keys, const char *assigned = nullptr) {
-  Table t{number, std::move(name), scope, uint16_t(recordSize), std::move(fields), {}, -1};
+            std::vector<KeyDeclaration> keys, const char *assigned) {
+  Table t{number, std::move(name), scope, uint16_t(recordSize), std::move(fields), {}};
   auto indexOf = [&t](const char *field) {
     int i = t.fieldIndex(field);
     if (i < 0) throw std::logic_error(t.name + ": " + field);
@@ -64,29 +33,36 @@ Table table(int number, std::string name, Scope scope, size_t recordSize, std::v
   return t;
 }
 
+namespace {
+
 Table personalAccounts(int number, const char *name) {
   using R = PERSONENKONTO;
   return table(number, name, Scope::FiscalYear, sizeof(R),
-               {KEYTEXT(R, Nr),
-                TEXT(R, Kuerzel),
-                TEXT(R, Name),
-                TEXT(R, Zusatz),
-                TEXT(R, Vorname),
-                TEXT(R, Strasse),
-                TEXT(R, Land),
-                TEXT(R, PLZ),
-                TEXT(R, Ort),
-                TEXT(R, Telefon),
-                TEXT(R, EMail),
-                TEXT(R, UStIdNr),
-                TEXT(R, IBAN),
-                TEXT(R, BIC),
-                TEXT(R, Waehrung),
-                NUMBER(R, Zahlungsziel),
-                KEYTEXT(R, Sammelkonto),
-                MONEY(R, Kreditlimit),
-                NUMBER(R, Mahnkennziffer),
-                NUMBER(R, Gesperrt)},
+               joined({{KEYTEXT(R, Nr),
+                        TEXT(R, Kuerzel),
+                        TEXT(R, Name),
+                        TEXT(R, Zusatz),
+                        TEXT(R, Vorname),
+                        TEXT(R, Strasse),
+                        TEXT(R, Land),
+                        TEXT(R, PLZ),
+                        TEXT(R, Ort),
+                        TEXT(R, Telefon),
+                        TEXT(R, EMail),
+                        TEXT(R, UStIdNr),
+                        TEXT(R, IBAN),
+                        TEXT(R, BIC),
+                        TEXT(R, Waehrung),
+                        NUMBER(R, Zahlungsziel),
+                        KEYTEXT(R, Sammelkonto),
+                        MONEY(R, Kreditlimit),
+                        NUMBER(R, Mahnkennziffer),
+                        NUMBER(R, Gesperrt),
+                        TEXT(R, Bonitaet),
+                        NUMBER(R, SWinEuro)},
+                       budgetValues("SW", offsetof(R, Sollwerte)),
+                       accountValues("", offsetof(R, Werte)),
+                       accountValues("Euro", offsetof(R, EuroWerte))}),
                {{0, true, {"Nr"}}, {1, false, {"Kuerzel"}}, {4, false, {"Name"}}});
 }
 
@@ -129,19 +105,26 @@ std::vector<Table> declareTables() {
   }
   {
     using R = SACHKONTO;
-    tables.push_back(
-        table(kSachkonto, "Sachkonto", Scope::FiscalYear, sizeof(R),
-              {KEYTEXT(R, Nr), TEXT(R, Kuerzel), TEXT(R, Name), NUMBER(R, GuV), NUMBER(R, Steuerschluessel),
-               NUMBER(R, Kostenart), NUMBER(R, Kostenschablone), TEXT(R, Waehrung), NUMBER(R, Gesperrt)},
-              {{0, true, {"Nr"}}, {1, false, {"Kuerzel"}}, {5, false, {"Name"}}}));
+    tables.push_back(table(kSachkonto, "Sachkonto", Scope::FiscalYear, sizeof(R),
+                           joined({{KEYTEXT(R, Nr), TEXT(R, Kuerzel), TEXT(R, Name), NUMBER(R, GuV),
+                                    NUMBER(R, Steuerschluessel), NUMBER(R, Kostenart), NUMBER(R, Kostenschablone),
+                                    TEXT(R, Waehrung), NUMBER(R, Gesperrt), NUMBER(R, SWinEuro)},
+                                   budgetValues("SW", offsetof(R, Sollwerte)),
+                                   accountValues("", offsetof(R, Werte)),
+                                   accountValues("Euro", offsetof(R, EuroWerte))}),
+                           {{0, true, {"Nr"}}, {1, false, {"Kuerzel"}}, {5, false, {"Name"}}}));
   }
   tables.push_back(personalAccounts(kKreditor, "Kreditor"));
   tables.push_back(personalAccounts(kDebitor, "Debitor"));
   {
     using R = KOST;
     tables.push_back(table(kKost, "Kostenstelle", Scope::FiscalYear, sizeof(R),
-                           {KEYTEXT(R, Nr), NUMBER(R, Dimension), KEYTEXT(R, Kostref), TEXT(R, Kuerzel), TEXT(R, Name),
-                            DATE(R, LaufzeitVon), DATE(R, LaufzeitBis)},
+                           joined({{KEYTEXT(R, Nr), NUMBER(R, Dimension), KEYTEXT(R, Kostref), TEXT(R, Kuerzel),
+                                    TEXT(R, Name), DATE(R, LaufzeitVon), DATE(R, LaufzeitBis), NUMBER(R, SWinEuro)},
+                                   budgetValues("SW", offsetof(R, Sollwerte)),
+                                   budgetValues("WeitererSW", offsetof(R, Sollwerte2)),
+                                   monthlyValues("Kosten", offsetof(R, Kosten), Origin::Ledger),
+                                   monthlyValues("EuroKosten", offsetof(R, EuroKosten), Origin::Ledger)}),
                            {{0, true, {"Nr", "Dimension", "Kostref"}},
                             {1, false, {"Kuerzel"}},
                             {3, false, {"Name"}},
@@ -234,8 +217,17 @@ std::vector<Table> declareTables() {
                            {KEYTEXT(R, Kostenart), KEYTEXT(R, Kostenstelle)},
                            {{0, true, {"Kostenart", "Kostenstelle"}}}));
   }
+  {
+    using R = BENUTZER;
+    tables.push_back(
+        table(kBenutzer, "Benutzer", Scope::Client, sizeof(R), {NUMBER(R, Nr), TEXT(R, Name)}, {{0, true, {"Nr"}}}));
+  }
+  for (Table &ledger : ledgerTables())
+    tables.push_back(std::move(ledger));
   for (int structureClass = 0; structureClass < int(kStructureTables.size()); ++structureClass)
     tables.push_back(reportStructure(structureClass));
+  for (Table &t : tables)
+    if (t.number == kBatchbuchung || t.number == kSplit || t.number == kKobu) t.origin = Origin::Postings;
   return tables;
 }
 

@@ -31,23 +31,31 @@ constexpr int keyIndexOf(FileNumber file) {
 // Table numbers. The report structures lie in 33 tables of one layout (kStructureTables).
 enum TableNumber : int {
   kSachkonto = 0,
+  kBuchungsbeleg = 1,
   kKreditor = 2,
   kDebitor = 3,
   kStapel = 4,
   kKost = 16,
+  kKostenbuchung = 17,
+  kHistOPDebitor = 24,
+  kHistOPKreditor = 25,
   kFirmenstamm = 50,
   kFistaExt = 51,
   kGeschaeftsjahr = 52,
+  kBenutzer = 53,
   kSteusa = 60,
   kBatchbuchung = 62,
   kKoscha = 64,
-  kKoschaZeile = 65,
-  kKombination = 66,
+  kOPKreditor = 65,
+  kOPDebitor = 66,
+  kKoschaZeile = 67,
+  kKombination = 68,
   kSplit = 72,
   kZahlziel = 75,
   kKurse = 77,
   kDmsId = 80,
   kKobu = 81,
+  kKontoprotokoll = 82,
 };
 
 // Table of each class of report structure, by class.
@@ -63,11 +71,19 @@ enum class Scope : uint8_t {
   FiscalYear // rows of the open client in the open fiscal year
 };
 
+// Who brings a table's rows, or a field's values, into the books.
+enum class Origin : uint8_t {
+  MasterData, // whoever sets up the client
+  Postings,   // the library
+  Ledger      // the posting of batches to the ledger
+};
+
 struct Field {
   const char *name;
   FieldType type;
   uint16_t offset; // in the record
   uint16_t size;   // bytes in the record, the terminator included
+  Origin origin = Origin::MasterData;
 
   // Bytes in a key buffer: texts stand there without their terminator.
   uint16_t keyWidth() const { return type >= FieldType::Text ? uint16_t(size - 1) : size; }
@@ -88,6 +104,7 @@ struct Table {
   std::vector<Field> fields;
   std::vector<Key> keys; // the primary key first
   int assigned = -1;     // field that Insert numbers when it is 0, counting within the key fields before it
+  Origin origin = Origin::MasterData;
 
   const Key *key(int index) const;
   int fieldIndex(std::string_view fieldName) const; // -1: none

@@ -119,7 +119,7 @@ TEST_P(Contract, WhatIsNotThereOrNotInUseFails) {
                       {"the engine by its number", kSachkonto, GetParam().kind, true, true},
                       {"another engine", kSachkonto, other, false, false},
                       {"a key index that is not declared", fileNumber(kSachkonto, 2), kDefault, false, true},
-                      {"an unknown table", 1, kDefault, false, false},
+                      {"an unknown table", 5, kDefault, false, false},
                       {"the table number 126", 126, kDefault, false, false}};
   for (const Row &row : rows) {
     SCOPED_TRACE(row.what);

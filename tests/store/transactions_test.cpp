@@ -221,7 +221,7 @@ TEST_P(Transactions, LeereRelationEmptiesItsScopeOnly) {
     EXPECT_EQ(accounts().back(), 'Z');
     ASSERT_TRUE(store->DropTable(kSachkonto) && store->CreateSako());
   }
-  EXPECT_FALSE(store->LeereRelation(1, nullptr, nullptr, nullptr));
+  EXPECT_FALSE(store->LeereRelation(5, nullptr, nullptr, nullptr));
 }
 
 TEST_P(Transactions, TablesAreMadeAndDropped) {
@@ -232,13 +232,13 @@ TEST_P(Transactions, TablesAreMadeAndDropped) {
   EXPECT_TRUE(store->TableExists(kSachkonto, exists) && exists);
   EXPECT_TRUE(store->DropTable(kSachkonto));
   EXPECT_TRUE(store->TableExists(kSachkonto, exists) && !exists);
-  EXPECT_TRUE(store->TableExists(1, exists) && !exists);
+  EXPECT_TRUE(store->TableExists(5, exists) && !exists);
   DATENBANK record{};
   uint8_t found;
   EXPECT_FALSE(store->GetFirstExt(record, found, kSachkonto, kDefault, 0));
   EXPECT_FALSE(insert("B"));
-  EXPECT_FALSE(store->CreateTable(1));
-  EXPECT_FALSE(store->DropTable(1));
+  EXPECT_FALSE(store->CreateTable(5));
+  EXPECT_FALSE(store->DropTable(5));
   EXPECT_TRUE(store->CreateSako());
   EXPECT_TRUE(insert("B"));
   EXPECT_EQ(accounts(), "B");

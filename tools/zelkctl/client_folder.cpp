@@ -127,7 +127,7 @@ private:
     std::sort(names.begin(), names.end());
     for (const std::string &name : names) {
       const Table *table = findTable(name.substr(0, name.size() - 4));
-      bool loadable = table && table->number != kBatchbuchung && table->number != kSplit && table->number != kKobu;
+      bool loadable = table && table->origin == Origin::MasterData;
       if (!loadable)
         problem(name, 0, "Zu diesem Namen gibt es keine Tabelle.");
       else
@@ -141,8 +141,9 @@ private:
     std::vector<int> fieldOf;
     int yearColumn = -1;
     for (size_t i = 0; i < csv.columns.size(); ++i) {
-      fieldOf.push_back(table.fieldIndex(csv.columns[i]));
-      if (fieldOf.back() >= 0) continue;
+      int field = table.fieldIndex(csv.columns[i]);
+      fieldOf.push_back(field);
+      if (field >= 0 && table.fields[size_t(field)].origin == Origin::MasterData) continue;
       if (table.scope == Scope::FiscalYear && csv.columns[i] == kYearColumn)
         yearColumn = int(i);
       else
