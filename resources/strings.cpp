@@ -113,6 +113,12 @@ constexpr Entry kEntries[] = {
     {kSkontoReihenfolge, "Fehler bei der Skontoangabe!\nDer erste gewährte Skonto muss den kleineren\nZeitraum und den "
                          "grösseren Skontosatz haben."},
     {kSkontoLeer, "Bitte geben Sie einen Skontosatz grösser als 0,00 %\nund eine Skontofrist grösser als 0 Tage ein!"},
+    {kKontonummerUnzulaessig, "Die Kontonummer ist unzulässig!"},
+    {kDatumUnzulaessig, "Das Datum ist unzulässig!"},
+    {kKlasseUnzulaessig, "Es wurde ein unzulässige Klasse für das Holen der Aufbauten angegeben."},
+    {kKostenstelleOderKostenart,
+     "Es muss mindestens eine Kostenstelle/ein Kostenträger oder eine Kostenart angegeben werden."},
+    {kBetragZuGross, "Der ermittelte Betrag ist größer als 999.999.999,99 und kann nicht übergeben werden!"},
     {kZelkoutStart, "Der ZELKOUT-Prozess kann nicht gestartet werden. Veränderungen im Datenbestand können nicht an "
                     "die abhängigen Anwendungen mitgeteilt werden."},
     {kZelkoutUnvollstaendig,
