@@ -285,7 +285,10 @@ int showDunningLevel(int32_t client, const std::string &account, bool csv) {
   if (read <= 0) return complainOf("mahnstufe", read);
   TextTable table({{"Konto"}, {"Name"}, {"Mahnstufe", true}});
   table.add({shown(debtor.Kontonummer), shown(debtor.Name), std::to_string(level)});
-  csv ? table.printCsv() : table.print();
+  if (csv)
+    table.printCsv();
+  else
+    table.print();
   return kDone;
 }
 

@@ -23,6 +23,7 @@ public:
     label("Subcommands", "Befehle");
     label("SUBCOMMAND", "BEFEHL");
     label("REQUIRED", "(Pflicht)");
+    label("Needs", "(nur mit)");
     label("TEXT", "");
     label("INT", "");
     column_width(30);
