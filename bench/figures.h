@@ -25,5 +25,6 @@ Figures postingFigures();
 Figures splitFigures();
 Figures processFigures();
 Figures batchFigures();
+Figures openItemFigures();
 
 } // namespace bench

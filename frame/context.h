@@ -30,8 +30,8 @@ struct SharedFetch {
   int32_t dimension = 0;
   char reference[8] = ""; ///< blank-padded; empty: whatever theirs is
 
-  /// Stands on a record that was read in the store's open client and year.
-  void begin(const vldb98::Store &store, int32_t dataKind, vldb98::FileNumber walked, const vldb98::DATENBANK &first);
+  /// Stands on a record that was read in the store's open client and year; nothing of an earlier fetch is left.
+  void begin(const vldb98::Store &store, vldb98::FileNumber walked, const vldb98::DATENBANK &first);
   void end() {
     kind = kNoFetch;
     pending = false;

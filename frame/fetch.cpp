@@ -28,8 +28,9 @@ ZelkResult openClient(ThreadContext &context, Store &store, int32_t client) {
   return refuse(context, opened, resources::kGibtEsNicht, "Mandant");
 }
 
-void SharedFetch::begin(const Store &store, int32_t dataKind, FileNumber walked, const DATENBANK &first) {
-  kind = dataKind;
+void SharedFetch::begin(const Store &store, FileNumber walked, const DATENBANK &first) {
+  *this = SharedFetch();
+  kind = tableOf(walked);
   pending = true;
   file = walked;
   record = first;
@@ -45,7 +46,7 @@ ZelkResult startFetch(ThreadContext &context, Store &store, FileNumber file, con
                   : store.GetFirstExt(first, found, file, ZELK_ENG_DEFAULT, kWalkSelector);
   if (!done) return ZELKERR_Datenbank;
   if (!found) return none;
-  context.fetch.begin(store, tableOf(file), file, first);
+  context.fetch.begin(store, file, first);
   return ZELK_OK;
 }
 

@@ -14,12 +14,8 @@ using openitems::Outputs;
 
 namespace {
 
-// The historical items lie in the files of the years, whatever their table.
-constexpr int32_t kYearFile = 117;
-
-bool isHistoricalFetch(const SharedFetch &fetch) {
-  const int table = tableOf(fetch.file);
-  return fetch.kind == kYearFile && (table == kHistOPDebitor || table == kHistOPKreditor);
+constexpr bool isHistoricalTable(int32_t table) {
+  return table == kHistOPDebitor || table == kHistOPKreditor;
 }
 
 // Opens a year. \return 1, 0 when the client has no such year, -3
@@ -71,11 +67,11 @@ ZelkResult select(ThreadContext &context, const Request &request, ItemSelection 
 // Delivers the pending item and moves on, into later years too; the fetch stays where it is when the store fails.
 ZelkResult deliverHistoricalItem(ThreadContext &context, Outputs &outputs) {
   SharedFetch &fetch = context.fetch;
-  if (!isHistoricalFetch(fetch)) return ZELKERR_keinInit;
+  if (!isHistoricalTable(fetch.kind)) return ZELKERR_keinInit;
   if (outputs.formMissing()) return ZELKERR_uzl_Format;
   if (!fetch.pending) return ZELKERR_keinDatensatz;
   const ItemSelection &selection = context.itemSelection;
-  const int table = tableOf(fetch.file);
+  const int table = fetch.kind;
   Store *store = resumeFetch(context);
   DATENBANK next{};
   if (!store || !outputs.lookUp(*store, fetch.record)) return ZELKERR_Datenbank;
@@ -85,7 +81,7 @@ ZelkResult deliverHistoricalItem(ThreadContext &context, Outputs &outputs) {
   if (result < 0) return result;
   outputs.write(fetch.record, table, store->HoleFista());
   if (result == ZELK_OK) {
-    context.fetch.begin(*store, kYearFile, fetch.file, next);
+    fetch.begin(*store, fetch.file, next);
     return ZELK_OK;
   }
   fetch.end();
@@ -122,7 +118,7 @@ ZelkResult ZELK_CALL ZELK_InitHoleHistOP(int32_t Mandantennummer, const char *Ko
                result = findFromYear(*store, selection, table, first, item);
                if (result != ZELK_OK) return result;
                context->itemSelection = selection;
-               context->fetch.begin(*store, kYearFile, openitems::fileOf(table, selection), item);
+               context->fetch.begin(*store, openitems::fileOf(table, selection), item);
                return ZELK_OK;
              });
 }

@@ -69,7 +69,7 @@ ZelkResult ZELK_CALL ZELK_InitHoleOP(int32_t Mandantennummer, const char *Konton
                ZelkResult result = openitems::findFirst(*store, selection, table, first);
                if (result != ZELK_OK) return result;
                context->itemSelection = selection;
-               context->fetch.begin(*store, table, openitems::fileOf(table, selection), first);
+               context->fetch.begin(*store, openitems::fileOf(table, selection), first);
                return ZELK_OK;
              });
 }

@@ -40,7 +40,6 @@ constexpr Entry kEntries[] = {
     {kIstUnzulaessig, "Der %s ist unzulässig!"},
     {kKontoartUnzulaessig, "Die Kontoart ist unzulässig!"},
     {kUnzulaessigeAktion, "Unzulässige Aktion!"},
-    {kKontonummerUnzulaessig, "Die Kontonummer ist unzulässig!"},
     {kKuerzelFehlt, "Fehlendes Kürzel!"},
     {kExistiertBereits, "Das %s existiert bereits!"},
     {kUnzulaessig, "%s unzulässig!"},

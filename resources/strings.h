@@ -59,7 +59,6 @@ enum Message {
   kIstUnzulaessig = 1410,
   kKontoartUnzulaessig = 1413,
   kUnzulaessigeAktion = 1414,
-  kKontonummerUnzulaessig = 1415,
   kKuerzelFehlt = 1416,
   kExistiertBereits = 1417,
   kUnzulaessig = 1419,

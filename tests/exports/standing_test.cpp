@@ -255,7 +255,7 @@ TEST_F(RatingNotification, HandsTheChangedAccountOver) {
             ZELKERR_uzl_Kontonr);
   ZELK_Detach();
   ASSERT_EQ(lines().size(), 2u) << outputText();
-  EXPECT_EQ(lines()[0].substr(0, 33), "geändert Debitor 1 10010 [AHORN] ") << outputText();
+  EXPECT_EQ(lines()[0].substr(0, 33), "geändert Debitor 1 10010 [AHORN]") << outputText();
 }
 
 } // namespace

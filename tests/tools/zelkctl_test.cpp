@@ -3,7 +3,7 @@
 #include <sstream>
 
 #include "platform/files.h"
-#include "support/books.h"
+#include "support/items.h"
 #include "support/process.h"
 #include "vldb98/schema.h"
 
@@ -117,6 +117,59 @@ TEST_F(Zelkctl, KeepsBatchesAndPaymentTerms) {
     SCOPED_TRACE(step.arguments);
     EXPECT_OUTCOME(step.arguments, step.code, step.text);
   }
+}
+
+TEST_F(Zelkctl, ShowsItemsAndDunningLevels) {
+  provisionByProgram();
+  ASSERT_EQ(run("anlegen " + sample("musterhandel")).code, 0);
+  auto store = session();
+  uint8_t found = 0;
+  ASSERT_TRUE(store->SetzeFista(1, found) && found);
+  auto insert = [&](int table, int32_t number, const char *account, const char *gross, const char *left) {
+    vldb98::DATENBANK record{};
+    vldb98::OPBELEG &item = record.Opbeleg;
+    item = itemOf(number, account, "R-" + std::to_string(number));
+    put(item.Kuerzel, account);
+    put(item.Brutto, gross);
+    put(item.Ausstand, left);
+    put(item.Text, "mit;\"Zeichen\"");
+    item.Mahnstufe = int16_t(number);
+    if (table == vldb98::kHistOPDebitor) {
+      record.Ophistorie.Zeile = 1;
+      put(record.Ophistorie.Zahlung, gross);
+    }
+    ASSERT_TRUE(store->Insert(record, vldb98::FileNumber(table), vldb98::ZELK_ENG_DEFAULT));
+  };
+  insert(vldb98::kOPDebitor, 1, "10010", "000001234,50", "000001000,00");
+  insert(vldb98::kOPDebitor, 2, "10020", "999999999,99", "999999999,99");
+  insert(vldb98::kOPDebitor, 3, "10010", "000000012-50", "000000000-05");
+  insert(vldb98::kOPKreditor, 4, "70010", "000000001,00", "000000001,00");
+  insert(vldb98::kHistOPDebitor, 5, "10010", "000000070,00", "000000000,00");
+  insert(vldb98::kHistOPDebitor, 6, "10020", "000000007,00", "000000000,00");
+  EXPECT_OUTCOME(
+      "op 1", 0,
+      "Konto  Kürzel  Beleg  OP  Datum     Fällig          Brutto          Ausstand  FW offen  Wä.  Mahnst.  "
+      "Text\n");
+  EXPECT_OUTCOME("op 1", 0, "\n10010  10010   R-1        21.01.26                1.234,50          1.000,00");
+  EXPECT_OUTCOME("op 1", 0, "\nSumme                                                       1.000.000.999,94\n");
+  EXPECT_OUTCOME("op 1 10010", 0, "\nSumme                                                   999,95\n");
+  EXPECT_OUTCOME("op 1 70010", 0, "70010   R-4");
+  EXPECT_OUTCOME("op 1 70010 --art debi", 2, "-10 ZELKERR_uzl_Kontonr");
+  EXPECT_OUTCOME("op 1 10030", 0, "Es gibt keine offenen Posten.");
+  EXPECT_OUTCOME("op 1 10010 --csv", 0, ";\"mit;\"\"Zeichen\"\"\";;-12,50;-0,05;EUR;");
+  EXPECT_OUTCOME("op 1 --historisch", 0,
+                 "\nSumme                                                       77,00    0,00\n");
+  EXPECT_OUTCOME("op 1 10020 --historisch --ab 01.01.2026", 0,
+                 "\nSumme                                                        7,00    0,00\n");
+  EXPECT_OUTCOME("op 1 10020 --historisch --beleg R-5", 0, "Es gibt keine solchen historischen Posten.");
+  EXPECT_OUTCOME("op 1 --historisch --op R-6 --csv", 0, ";Zahlbelegnummer;");
+  EXPECT_OUTCOME("op 1 --historisch --ab gestern", 2, "-64 ZELKERR_uzl_Datum");
+  EXPECT_OUTCOME("op 1 --beleg R-5", 2, "--beleg nur mit --historisch");
+  EXPECT_OUTCOME("op 1 漢", 2, "KONTO 漢");
+  EXPECT_OUTCOME("op --hilfe", 0, "Kontonummer; ohne sie die Posten aller Konten");
+  EXPECT_OUTCOME("mahnstufe 1 10010", 0, "10010  Ahornblatt Verlagskontor GmbH          3\n");
+  EXPECT_OUTCOME("mahnstufe 1 10010 --csv", 0, "Konto;Name;Mahnstufe\n10010;Ahornblatt Verlagskontor GmbH;3\n");
+  EXPECT_OUTCOME("mahnstufe 1 70010", 2, "-10 ZELKERR_uzl_Kontonr");
 }
 
 TEST_F(Zelkctl, MakesBooksForAHostInC) {

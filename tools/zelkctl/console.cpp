@@ -66,6 +66,25 @@ void TextTable::print() const {
     printRow(row, columns_, widths);
 }
 
+void TextTable::printCsv() const {
+  auto printValues = [](size_t count, auto &&valueOf) {
+    std::string line;
+    for (size_t i = 0; i < count; ++i) {
+      std::string value = valueOf(i);
+      if (value.find_first_of(";\"\r\n") != std::string::npos) {
+        for (size_t at = 0; (at = value.find('"', at)) != std::string::npos; at += 2)
+          value.insert(at, 1, '"');
+        value = '"' + value + '"';
+      }
+      line += (i ? ";" : "") + value;
+    }
+    std::puts(line.c_str());
+  };
+  printValues(columns_.size(), [&](size_t i) { return columns_[i].title; });
+  for (const auto &row : rows_)
+    printValues(row.size(), [&](size_t i) { return row[i]; });
+}
+
 Progress::Progress(std::string what, size_t total)
     : what_(std::move(what)), total_(total), visible_(total >= kWorthShowing && platform::errorIsTerminal()) {}
 

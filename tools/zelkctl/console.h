@@ -21,6 +21,8 @@ public:
   void add(std::vector<std::string> cells) { rows_.push_back(std::move(cells)); }
   size_t rows() const { return rows_.size(); }
   void print() const;
+  /// As a CSV file: separator ";", the titles as its header, nothing cut.
+  void printCsv() const;
 
 private:
   std::vector<Column> columns_;

@@ -23,6 +23,7 @@ public:
     label("Subcommands", "Befehle");
     label("SUBCOMMAND", "BEFEHL");
     label("REQUIRED", "(Pflicht)");
+    label("Needs", "(nur mit)");
     label("TEXT", "");
     label("INT", "");
     column_width(30);
@@ -45,6 +46,7 @@ std::string germanError(const CLI::App *app, const CLI::Error &error) {
   for (std::string_view english : {" is required", "The following argument was not expected: ",
                                    "The following arguments were not expected: ", "Could not convert: "})
     if (size_t at = what.find(english); at != std::string::npos) what.erase(at, english.size());
+  if (size_t at = what.find(" requires "); at != std::string::npos) what.replace(at, 10, " nur mit ");
   if (size_t at = what.find(" not in "); at != std::string::npos) what.replace(at, 8, "; zulässig: ");
   return text + ": " + what + "\nHilfe: " + app->get_name() + " --hilfe\n";
 }
@@ -187,6 +189,28 @@ int main(int argc, char **argv) {
   clientOf(postings);
   postings->add_option("STAPEL", batch, "Stapelnummer")->required();
   postings->add_option("DATEI", path, "Die CSV-Datei")->required();
+
+  ItemQuery items;
+  CLI::App *openItems =
+      verb(app, "op", "Die offenen Posten eines Mandanten oder eines Kontos zeigen, oder die historischen",
+           [&] { return listItems(client, items); });
+  clientOf(openItems);
+  openItems->add_option("KONTO", items.account, "Kontonummer; ohne sie die Posten aller Konten");
+  openItems->option_defaults()->group(kOptions);
+  openItems->add_option("--art", items.kind, "debi oder kred; Vorgabe: die des Kontos, ohne Konto debi")
+      ->check(CLI::IsMember({"debi", "kred"}).description(""));
+  CLI::Option *historical = openItems->add_flag("--historisch", items.historical,
+                                                "Die Posten, wie sie nach jeder Zahlung waren, aller Geschäftsjahre");
+  openItems->add_option("--ab", items.from, "Nur historische ab diesem Belegdatum")->needs(historical);
+  openItems->add_option("--beleg", items.document, "Nur historische mit dieser Belegnummer")->needs(historical);
+  openItems->add_option("--op", items.openItem, "Nur historische mit dieser OP-Belegnummer")->needs(historical);
+  openItems->add_flag("--csv", items.csv, "Alle Angaben als CSV-Datei ausgeben");
+
+  CLI::App *dunning = verb(app, "mahnstufe", "Die Mahnstufe eines Debitors zeigen: die höchste seiner offenen Posten",
+                           [&] { return showDunningLevel(client, items.account, items.csv); });
+  clientOf(dunning);
+  dunning->add_option("KONTO", items.account, "Kontonummer")->required();
+  dunning->add_flag("--csv", items.csv, "Als CSV-Datei ausgeben")->group(kOptions);
 
   verb(app, "fehlertext", "Name und Text eines Ergebniscodes zeigen", [&] { return showResultText(code); })
       ->add_option("CODE", code, "Der Code, -103 bis 2")

@@ -50,6 +50,16 @@ int changeTerm(int32_t client, const std::string &which, const TermValues &value
 int showTerm(int32_t client, const std::string &which);
 int listTerms(int32_t client);
 
+/// Which items are shown; what is not given is empty.
+struct ItemQuery {
+  std::string account, kind; ///< kind: "debi" or "kred"
+  bool historical = false;
+  std::string from, document, openItem; ///< of historical ones: first document date, numbers
+  bool csv = false;
+};
+int listItems(int32_t client, const ItemQuery &query);
+int showDunningLevel(int32_t client, const std::string &account, bool csv);
+
 /// Complains of a result of the library by its number, name and text, behind a text that says what was tried.
 /// \return kFailed
 int complainOf(const std::string &tried, int32_t result);
