@@ -18,7 +18,7 @@ int main(int argc, char **argv) {
   ::getloadavg(before, 1);
   Figures figures = storeFigures(argc, argv);
   std::puts("");
-  for (auto part : {postingFigures, splitFigures, batchFigures, openItemFigures, processFigures})
+  for (auto part : {postingFigures, splitFigures, batchFigures, openItemFigures, evaluationFigures, processFigures})
     for (Figure &figure : part())
       figures.push_back(std::move(figure));
   ::getloadavg(after, 1);

@@ -26,5 +26,6 @@ Figures splitFigures();
 Figures processFigures();
 Figures batchFigures();
 Figures openItemFigures();
+Figures evaluationFigures();
 
 } // namespace bench

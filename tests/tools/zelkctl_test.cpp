@@ -119,6 +119,60 @@ TEST_F(Zelkctl, KeepsBatchesAndPaymentTerms) {
   }
 }
 
+TEST_F(Zelkctl, ShowsFiguresAndStructures) {
+  provisionByProgram();
+  ASSERT_EQ(run("anlegen " + sample("musterhandel")).code, 0);
+  auto store = session();
+  uint8_t found = 0;
+  ASSERT_TRUE(store->SetzeFista(1, found) && found);
+  vldb98::DATENBANK record{};
+  const auto key = vldb98::KeyBuilder().account("1000");
+  ASSERT_TRUE(store->UsedGet(record, key, found, vldb98::kSachkonto, vldb98::ZELK_ENG_DEFAULT) && found);
+  put(record.Sachkonto.Werte.Eroeffnung.Soll, "000001000,00");
+  put(record.Sachkonto.Werte.Monat[4].Haben, "000012345,67");
+  put(record.Sachkonto.EuroWerte.Monat[4].Haben, "000000500,00");
+  put(record.Sachkonto.Sollwerte.Monat[11], "000001200,00");
+  put(record.Sachkonto.Sollwerte.Gesamt, "000001200,00");
+  ASSERT_TRUE(store->Update(record, vldb98::kSachkonto, vldb98::ZELK_ENG_DEFAULT));
+  const struct {
+    const char *arguments;
+    int code;
+    const char *text;
+  } steps[] = {
+      {"saldo 1 1000", 0, "1000   KASSE   Hauptkasse  -11.345,67     -500,00\n"},
+      {"saldo 1 1000 --csv", 0, "Konto;Kürzel;Name;Saldo;Euro-Saldo\n1000;KASSE;Hauptkasse;-11345,67;-500,00\n"},
+      {"saldo 1", 0, "\nSumme                                                      -11.345,67     -500,00\n"},
+      {"saldo 1 --datum 30.04.2026", 0, "\nSumme                                                      1.000,00"},
+      {"saldo 1 --datum 30.04.2024", 0, "Es gibt keine Konten."},
+      {"saldo 1 1000 --datum 31.02.2026", 2, "-64 ZELKERR_uzl_Datum"},
+      {"saldo 1 --art kost", 0, "5001      1"},
+      {"saldo 1 5001 --dimension 1", 0, "Papier und Schreibwaren"},
+      {"saldo 1 5001", 2, "-10 ZELKERR_uzl_Kontonr"},
+      {"saldo 1 漢", 2, "KONTO 漢"},
+      {"saldo 9", 2, "-5 ZELKERR_uzl_Mandnr"},
+      {"saldo 1 --art bank", 2, "zulässig"},
+      {"umsatz 1 1000", 0, "5 Mai            0,00  12.345,67  -12.345,67"},
+      {"umsatz 1 1000", 0, "2. Quartal       0,00  12.345,67  -12.345,67"},
+      {"umsatz 1 1000 --csv", 0, "\nJahr;1000,00;12345,67;-11345,67;0,00;500,00;-500,00\n"},
+      {"umsatz 1 100", 0, "Zeitraum     Kosten  Euro-Kosten"},
+      {"umsatz 1 1000 --jahr 2030", 2, "-44 ZELKERR_uzl_Zeitraum"},
+      {"sollwerte 1", 0, "1000   KASSE   1.200,00  EUR           0,00       0,00"},
+      {"sollwerte 1 --csv", 0, "\n1000;KASSE;Hauptkasse;1200,00;EUR;0,00;0,00;"},
+      {"sollwerte 1 --jahr 2025", 0, "Es gibt keine Sollwerte."},
+      {"sollwerte 1 --art debi --alle", 0, "10010"},
+      {"sollwerte 1 --jahr 2030", 2, "-44 ZELKERR_uzl_Zeitraum"},
+      {"aufbau 1 0", 0, "\n    Immaterielle Vermögensgegenstände                 A.A.I\n      0027  EDV-Software\n"},
+      {"aufbau 1 0 --alle", 0, "1592  Verrechnung Wareneingang  (verborgen)"},
+      {"aufbau 1 0 --csv", 0, "Ebene;Art;Name;Kennung;Bezeichnung\n1;0;Aktiva;AKTIVA;\n"},
+      {"aufbau 1 5", 0, "Der Aufbau hat keine Zeilen."},
+      {"aufbau 1 33", 2, "-67 ZELKERR_uzl_Klasse"},
+  };
+  for (const auto &step : steps) {
+    SCOPED_TRACE(step.arguments);
+    EXPECT_OUTCOME(step.arguments, step.code, step.text);
+  }
+}
+
 TEST_F(Zelkctl, ShowsItemsAndDunningLevels) {
   provisionByProgram();
   ASSERT_EQ(run("anlegen " + sample("musterhandel")).code, 0);

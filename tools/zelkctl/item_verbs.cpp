@@ -4,8 +4,8 @@
 
 #include "vlba98/datum.h"
 #include "vlba98/encoding.h"
-#include "vlba98/geld.h"
 #include "zelk98/zelk98.h"
+#include "zelkctl/amounts.h"
 #include "zelkctl/console.h"
 #include "zelkctl/verbs.h"
 
@@ -46,22 +46,6 @@ ZelkResult fetch(bool historical, Item &item) {
                          i.foreignLeft, i.foreignGross, &i.dunningBlocked, i.payment, i.paymentDate, i.user, i.discount,
                          i.paymentDocument, i.paymentText, &i.paymentMethod, i.text2, i.paymentText2, i.dmsId,
                          &i.collected, &i.file, &i.claim, &i.claimCosts);
-}
-
-int64_t hundredths(const char *plain) {
-  char internal[vlba98::geldWidth + 1];
-  bool amount = vlba98::IsGeld(plain, int(vlba98::geldWidth), 1, 1, internal);
-  return amount ? vlba98::parseGeld(internal).value_or(0) : 0;
-}
-
-// A sum may be greater than an amount of the books can.
-std::string grouped(int64_t value) {
-  std::string digits = std::to_string(value < 0 ? -value : value);
-  if (digits.size() < 3) digits.insert(0, 3 - digits.size(), '0');
-  digits.insert(digits.size() - 2, ",");
-  for (size_t at = digits.size() - 3; at > 3; at -= 3)
-    digits.insert(at - 3, ".");
-  return (value < 0 ? "-" : "") + digits;
 }
 
 std::string amount(const char *plain) {

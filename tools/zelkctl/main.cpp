@@ -212,6 +212,60 @@ int main(int argc, char **argv) {
   dunning->add_option("KONTO", items.account, "Kontonummer")->required();
   dunning->add_flag("--csv", items.csv, "Als CSV-Datei ausgeben")->group(kOptions);
 
+  FigureQuery figures;
+  auto kindOption = [&](CLI::App *sub, const char *what) {
+    sub->add_option("--art", figures.kind, what)
+        ->check(CLI::IsMember({"sako", "kred", "debi", "kost"}).description(""))
+        ->group(kOptions);
+  };
+  auto costCentreOptions = [&](CLI::App *sub) {
+    sub->add_option("--dimension", figures.dimension, "Dimension der Kostenstelle; Vorgabe: 0")->group(kOptions);
+    sub->add_option("--kostref", figures.reference, "Referenz der Kostenstelle")->group(kOptions);
+  };
+  auto csvOption = [&](CLI::App *sub) {
+    sub->add_flag("--csv", figures.csv, "Als CSV-Datei ausgeben")->group(kOptions);
+  };
+  const char *const kindOfAccount = "sako, kred, debi oder kost; Vorgabe: die des Kontos, ohne Konto sako";
+  CLI::App *balances = verb(app, "saldo", "Den Saldo eines Kontos oder die Salden aller Konten einer Art zeigen",
+                            [&] { return showBalances(client, figures); });
+  clientOf(balances);
+  balances->add_option("KONTO", figures.account, "Kontonummer; ohne sie alle Konten der Art");
+  kindOption(balances, kindOfAccount);
+  balances->add_option("--datum", figures.date, "Saldo am Ende dieses Tages; Vorgabe: der des laufenden Geschäftsjahrs")
+      ->group(kOptions);
+  costCentreOptions(balances);
+  csvOption(balances);
+
+  CLI::App *turnover = verb(app, "umsatz", "Die Umsätze eines Kontos nach Monaten, Quartalen und im Jahr zeigen",
+                            [&] { return showTurnover(client, figures); });
+  clientOf(turnover);
+  turnover->add_option("KONTO", figures.account, "Kontonummer")->required();
+  kindOption(turnover, "sako, kred, debi oder kost; Vorgabe: die des Kontos");
+  turnover->add_option("--jahr", figures.year, "Geschäftsjahr; Vorgabe: das laufende")->group(kOptions);
+  costCentreOptions(turnover);
+  csvOption(turnover);
+
+  CLI::App *budgets = verb(app, "sollwerte", "Die Sollwerte (Planwerte) der Konten einer Art zeigen",
+                           [&] { return showBudgets(client, figures); });
+  clientOf(budgets);
+  kindOption(budgets, "sako (Vorgabe), kred, debi oder kost");
+  budgets->add_option("--jahr", figures.year, "Geschäftsjahr; Vorgabe: das laufende")->group(kOptions);
+  budgets->add_option("--sortierung", figures.order, "0 nach Nummer (Vorgabe), 1 nach Kürzel, 2 nach Name")
+      ->check(CLI::Range(0, 2).description(""))
+      ->group(kOptions);
+  budgets->add_option("--ab", figures.from, "Erst ab diesem Wert der Sortierung")->group(kOptions);
+  costCentreOptions(budgets);
+  budgets->add_flag("--alle", figures.all, "Auch Konten ohne Sollwerte")->group(kOptions);
+  csvOption(budgets);
+
+  int32_t structure = 0;
+  CLI::App *structures = verb(app, "aufbau", "Den Aufbau einer Auswertung als Gliederung zeigen",
+                              [&] { return showStructure(client, structure, figures); });
+  clientOf(structures);
+  structures->add_option("KLASSE", structure, "Klasse des Aufbaus, 0 bis 32")->required();
+  structures->add_flag("--alle", figures.all, "Auch verborgene Zeilen")->group(kOptions);
+  csvOption(structures);
+
   verb(app, "fehlertext", "Name und Text eines Ergebniscodes zeigen", [&] { return showResultText(code); })
       ->add_option("CODE", code, "Der Code, -103 bis 2")
       ->required();

@@ -60,6 +60,24 @@ struct ItemQuery {
 int listItems(int32_t client, const ItemQuery &query);
 int showDunningLevel(int32_t client, const std::string &account, bool csv);
 
+/// Which account or accounts are meant, and how they are shown.
+struct FigureQuery {
+  std::string account; ///< empty: all of the kind
+  std::string kind;    ///< "sako", "kred", "debi" or "kost"; empty: that of the account, without one sako
+  std::string date;    ///< of a balance; empty: the current fiscal year
+  std::optional<int32_t> year;
+  int32_t dimension = 0; ///< of cost centres
+  std::string reference;
+  int32_t order = 0; ///< of budget values
+  std::string from;
+  bool all = false; ///< also what has no budget values; also hidden lines
+  bool csv = false;
+};
+int showBalances(int32_t client, const FigureQuery &query);
+int showTurnover(int32_t client, const FigureQuery &query);
+int showBudgets(int32_t client, const FigureQuery &query);
+int showStructure(int32_t client, int32_t structure, const FigureQuery &query);
+
 /// Complains of a result of the library by its number, name and text, behind a text that says what was tried.
 /// \return kFailed
 int complainOf(const std::string &tried, int32_t result);
