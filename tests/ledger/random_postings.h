@@ -94,7 +94,9 @@ private:
   std::string anyDay() {
     const int month = cast_.firstMonth - 1 + below(24);
     auto two = [](int value) { return std::to_string(100 + value).substr(1); };
-    return two(1 + below(28)) + '.' + two(month % 12 + 1) + '.' + std::to_string(cast_.firstYear + month / 12);
+    // The first day has no rates of exchange.
+    const int first = month == cast_.firstMonth - 1 ? 2 : 1;
+    return two(first + below(28)) + '.' + two(month % 12 + 1) + '.' + std::to_string(cast_.firstYear + month / 12);
   }
 
   static bool isCreditor(const std::string &account) { return account[0] == '7'; }
