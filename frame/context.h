@@ -26,10 +26,20 @@ struct SharedFetch {
   int32_t client = 0;
   char year[3] = ""; ///< open fiscal year of the walk
 
+  /// Stands on a record that was read in the store's open client and year.
+  void begin(const vldb98::Store &store, int32_t dataKind, vldb98::FileNumber walked, const vldb98::DATENBANK &first);
   void end() {
     kind = kNoFetch;
     pending = false;
   }
+};
+
+/// What a fetch of open or historical items is limited to, beside the shared fetch.
+struct ItemSelection {
+  enum class By : uint8_t { Nothing, Account, Document, OpenItem, Date };
+  By by = By::Nothing;
+  char value[17] = ""; ///< as the field is stored: an account blank-padded, a date reversed
+  int lastYear = 0;    ///< historical items: the client's current year, with four digits
 };
 
 /// The posting that the batch reading delivered last.
@@ -47,6 +57,7 @@ struct ThreadContext {
   uint32_t clientOption = 0;   ///< option of the last read of client information
   uint32_t clientCursor = 0;   ///< number of the next client of the client list; 0: no such fetch
   SharedFetch fetch;
+  ItemSelection itemSelection;
   vldb98::BATCHBUCHUNG batchPosting{}; ///< posting under the cursor of the batch reading
   DeliveredPosting delivered;
   std::shared_ptr<postings::Construction> construction; ///< split posting under construction; made on first need

@@ -28,35 +28,47 @@ ZelkResult openClient(ThreadContext &context, Store &store, int32_t client) {
   return refuse(context, opened, resources::kGibtEsNicht, "Mandant");
 }
 
+void SharedFetch::begin(const Store &store, int32_t dataKind, FileNumber walked, const DATENBANK &first) {
+  kind = dataKind;
+  pending = true;
+  file = walked;
+  record = first;
+  client = store.HoleFista().Nummer;
+  vlba98::strncpy2(year, store.HoleOpenJahr());
+}
+
 ZelkResult startFetch(ThreadContext &context, Store &store, FileNumber file, const SCHLUESSEL *from, ZelkResult none) {
   context.fetch.end();
-  SharedFetch started;
-  started.kind = tableOf(file);
-  started.file = file;
-  started.client = store.HoleFista().Nummer;
-  vlba98::strncpy2(started.year, store.HoleOpenJahr());
+  DATENBANK first{};
   uint8_t found;
-  int done = from ? store.GetGeExt(started.record, *from, found, file, ZELK_ENG_DEFAULT, kWalkSelector)
-                  : store.GetFirstExt(started.record, found, file, ZELK_ENG_DEFAULT, kWalkSelector);
+  int done = from ? store.GetGeExt(first, *from, found, file, ZELK_ENG_DEFAULT, kWalkSelector)
+                  : store.GetFirstExt(first, found, file, ZELK_ENG_DEFAULT, kWalkSelector);
   if (!done) return ZELKERR_Datenbank;
   if (!found) return none;
-  started.pending = true;
-  context.fetch = started;
+  context.fetch.begin(store, tableOf(file), file, first);
   return ZELK_OK;
+}
+
+Store *resumeFetch(ThreadContext &context) {
+  Store *store = context.session();
+  return store && reopen(*store, context.fetch) ? store : nullptr;
+}
+
+ZelkResult readBehind(const SharedFetch &fetch, Store &store, DATENBANK &next) {
+  store.setCurrent(fetch.record, fetch.file);
+  uint8_t found;
+  if (!store.GetNextExt(next, found, fetch.file, ZELK_ENG_DEFAULT)) return ZELKERR_Datenbank;
+  return found ? ZELK_OK : ZELK_letzterDatensatz;
 }
 
 ZelkResult detail::readAhead(ThreadContext &context, int32_t kind, DATENBANK &next) {
   SharedFetch &fetch = context.fetch;
   if (fetch.kind != kind) return ZELKERR_keinInit;
   if (!fetch.pending) return ZELKERR_keinDatensatz;
-  Store *store = context.session();
-  uint8_t found = 0;
-  if (store && reopen(*store, fetch)) {
-    store->setCurrent(fetch.record, fetch.file);
-    if (store->GetNextExt(next, found, fetch.file, ZELK_ENG_DEFAULT)) return found ? ZELK_OK : ZELK_letzterDatensatz;
-  }
-  context.fetch.end();
-  return ZELKERR_Datenbank;
+  Store *store = resumeFetch(context);
+  ZelkResult result = store ? readBehind(fetch, *store, next) : ZELKERR_Datenbank;
+  if (result < 0) fetch.end();
+  return result;
 }
 
 } // namespace frame

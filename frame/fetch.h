@@ -21,6 +21,14 @@ ZelkResult startFetch(ThreadContext &context, vldb98::Store &store, vldb98::File
 /// \param deliver called with the record, after the read ahead succeeded
 template <class Deliver> ZelkResult deliverNext(ThreadContext &context, int32_t kind, Deliver &&deliver);
 
+/// For fetches that need more than that: the session with the client and year of the running fetch open. \return null
+/// when the store failed
+vldb98::Store *resumeFetch(ThreadContext &context);
+
+/// Reads the record behind the pending one, in the session resumed. The fetch stays where it is.
+/// \return 1, 2 when there is none, -3
+ZelkResult readBehind(const SharedFetch &fetch, vldb98::Store &store, vldb98::DATENBANK &next);
+
 namespace detail {
 ZelkResult readAhead(ThreadContext &context, int32_t kind, vldb98::DATENBANK &next);
 }

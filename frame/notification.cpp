@@ -130,6 +130,20 @@ void notifyPosting(vldb98::Store &store, const vldb98::BATCHBUCHUNG &posting) no
   }
 }
 
+void notifyAccount(const vldb98::Store &store, int32_t kind, const vldb98::PERSONENKONTO &account) noexcept {
+  if (!notification().enabled.load(std::memory_order_acquire)) return;
+  try {
+    bool more = true;
+    handOverAll([&](ZELK_OUT_BLOCK &block) {
+      if (!std::exchange(more, false)) return false;
+      block = changeBlock(kChanged, kind, store.HoleFista().Nummer, &account, nullptr, 0);
+      return true;
+    });
+  } catch (...) {
+    // Nor does what was changed depend on it.
+  }
+}
+
 } // namespace frame
 
 using frame::notification;

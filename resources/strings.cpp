@@ -40,6 +40,7 @@ constexpr Entry kEntries[] = {
     {kIstUnzulaessig, "Der %s ist unzulässig!"},
     {kKontoartUnzulaessig, "Die Kontoart ist unzulässig!"},
     {kUnzulaessigeAktion, "Unzulässige Aktion!"},
+    {kKontonummerUnzulaessig, "Die Kontonummer ist unzulässig!"},
     {kKuerzelFehlt, "Fehlendes Kürzel!"},
     {kExistiertBereits, "Das %s existiert bereits!"},
     {kUnzulaessig, "%s unzulässig!"},
@@ -113,6 +114,8 @@ constexpr Entry kEntries[] = {
     {kSkontoReihenfolge, "Fehler bei der Skontoangabe!\nDer erste gewährte Skonto muss den kleineren\nZeitraum und den "
                          "grösseren Skontosatz haben."},
     {kSkontoLeer, "Bitte geben Sie einen Skontosatz grösser als 0,00 %\nund eine Skontofrist grösser als 0 Tage ein!"},
+    {kHistorischeOPs, "Die historischen OPs lassen sich nur in der Plus-Version holen."},
+    {kDatumUnzulaessig, "Das Datum ist unzulässig!"},
     {kZelkoutStart, "Der ZELKOUT-Prozess kann nicht gestartet werden. Veränderungen im Datenbestand können nicht an "
                     "die abhängigen Anwendungen mitgeteilt werden."},
     {kZelkoutUnvollstaendig,

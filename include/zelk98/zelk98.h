@@ -592,6 +592,72 @@ ZELK_API ZelkResult ZELK_CALL ZELK_HoleZahlungsziel(int32_t Mandantennummer, int
 /* The number of the payment term that has a short name; 0 when none has. 10 characters of Name count. */
 ZELK_API ZelkResult ZELK_CALL ZELK_HoleZZnr(int32_t Mandantennummer, const char *Name);
 
+/* --- Open items ----------------------------------------------------------------------------------------------------- */
+
+/* Reads the items of the creditors (Kontoart 2) or debtors (4) that are open now, in the order of their numbers: of one
+ * account, or of all where Kontonummer is null or empty. Init positions on the first (1, or 0 when there is none; -7
+ * Kontoart, -10 there is no such account in the client's current year), each fetch delivers one (1 more follow, 2 this was
+ * the last, -40 without Init, -39 after the last). Every out pointer may be null. Should the database fail (-3), the next
+ * fetch delivers the same item.
+ * Buffers: account numbers (without blanks) 8 bytes, Kuerzel 9, Name 41, document numbers 17, dates ("TT.MM.JJJJ", empty
+ * when there is none) 11, rates ("03,00", empty when there is none) 6, Text and Text2 36, amounts 16, Waehrung 4, Bemerkung
+ * 41, DMSID 51.
+ * Ausgabeart: form of the amounts, 1 to 3 (-20 for another one where Bruttobetrag or Ausstand is wanted; taken for 3 in the
+ * others): 1 "+000001234,50" (led by "-" below zero, by "0" for zero), 2 "1234,50", 3 "1.234,50". Amounts are in the
+ * client's currency, above zero what a debtor owes or is owed to a creditor; Ausstand2 (zero when the item is in the client's
+ * currency) and GWBetrag (empty then) are what is left and the gross amount in the foreign one.
+ * Mahnstufe: dunning level, 65535 when dunning is blocked (then Mahnsperre is 1); of a creditor's item it is not written.
+ * Zahlungssperre, Mahnsperre, Inkasso: 0 or 1. Zahlziel: number of the payment term. InkassoForderung, InkassoMahnkosten: 0
+ * unless Inkasso is 1. */
+ZELK_API ZelkResult ZELK_CALL ZELK_InitHoleOP(int32_t Mandantennummer, const char *Kontonummer, int32_t Kontoart,
+                                              int32_t Fehlermeldungen);
+ZELK_API ZelkResult ZELK_CALL ZELK_HoleOP(
+    char *Kontonummer, char *Kuerzel, char *Name, char *Belegnummer, char *OPBelegnummer, char *Belegdatum,
+    char *Valutadatum, char *Skontodatum1, char *Skontosatz1, char *Skontodatum2, char *Skontosatz2,
+    char *Faelligkeitsdatum, char *Text, int32_t Ausgabeart, char *Bruttobetrag, char *Ausstand, char *Waehrung,
+    int32_t *Mahnstufe, char *Mahndatum, char *Bemerkung, char *Gegenkonto, int32_t *Zahlziel, int32_t *Zahlungssperre,
+    char *Skontokonto1, char *Skontokonto2, char *Steuersatz1, char *Steuersatz2, char *Ausstand2, char *GWBetrag,
+    int32_t *Mahnsperre, char *Text2, char *DMSID, int32_t *Inkasso, int32_t *InkassoAkte, int32_t *InkassoForderung,
+    int32_t *InkassoMahnkosten);
+
+/* Reads the items as they were after each payment, with that payment: from the client's first fiscal year to its current
+ * one, within a year in the order of what is selected. The first of these that is given (neither null nor empty) selects:
+ * Buchungsdatum - document dates from that day on in every year (TTMMJJ, TT.MM.JJ, TT.MM.JJJJ; -64 for no date); Belegnr,
+ * OPBelegnr - items of that number, 16 characters count; Kontonummer - items of that account. Without any all are read, in
+ * the order of their numbers. Results as for ZELK_InitHoleOP and ZELK_HoleOP, but -40 after the last; -96 in the basic edition.
+ * Beside the buffers named there: Benutzer (name of the user who entered the payment, empty when there is none) 41 bytes,
+ * Zahlbelegnr 17, Zahltext and Zahltext2 36. Zahlungsart: 0 to 5, as for payment terms. */
+ZELK_API ZelkResult ZELK_CALL ZELK_InitHoleHistOP(int32_t Mandantennummer, const char *Kontonummer, int32_t Kontoart,
+                                                  const char *Buchungsdatum, const char *Belegnr,
+                                                  const char *OPBelegnr, int32_t Fehlermeldungen);
+ZELK_API ZelkResult ZELK_CALL ZELK_HoleHistOP(
+    char *Kontonummer, char *Kuerzel, char *Name, char *Belegnummer, char *OPBelegnummer, char *Belegdatum,
+    char *Valutadatum, char *Skontodatum1, char *Skontosatz1, char *Skontodatum2, char *Skontosatz2,
+    char *Faelligkeitsdatum, char *Text, int32_t Ausgabeart, char *Bruttobetrag, char *Ausstand, char *Waehrung,
+    int32_t *Mahnstufe, char *Mahndatum, char *Bemerkung, char *Gegenkonto, int32_t *Zahlziel, int32_t *Zahlungssperre,
+    char *Skontokonto1, char *Skontokonto2, char *Steuersatz1, char *Steuersatz2, char *Ausstand2, char *GWBetrag,
+    int32_t *Mahnsperre, char *Zahlung, char *Zahldatum, char *Benutzer, char *Skontobetrag, char *Zahlbelegnr,
+    char *Zahltext, int32_t *Zahlungsart, char *Text2, char *Zahltext2, char *DMSID, int32_t *Inkasso,
+    int32_t *InkassoAkte, int32_t *InkassoForderung, int32_t *InkassoMahnkosten);
+
+/* The dunning level of a debtor, as the result itself: the greatest one of its open items, 0 where there is none or dunning is
+ * blocked for all. -10 there is no such account in the client's current year. */
+ZELK_API ZelkResult ZELK_CALL ZELK_HoleAktMahnstufe(int32_t Mandantennummer, const char *DebiKonto);
+
+/* Asks the source of credit ratings. HandleParent: as for ZELK_HoleKonto.
+ * Of an account (Kontoart 2 or 4 with Kontonr): its rating is stored in the account, or cleared where the source has none,
+ * and the change is entered in the account-change protocol, both or nothing: 1. -7 another Kontoart, -10 there is no such
+ * account in the client's current year; 0 for a Kontoart without Kontonr. What follows Kontonr is not looked at.
+ * Of a party that has no account (Kontoart 0, no Kontonr): 1 the source has a rating, which it shows; 0 it has none. Nothing is
+ * stored. Suchtyp: 0 to 3, as the source understands it (-102). Datum: TT.MM.JJJJ, of any year (-64); null or empty: not
+ * known. Of Name and Zusatz 40 characters count, Strasse, Ort and Vorname 30, PLZ 6, Registernummer 20; each may be null.
+ * This library brings no source along: none is found then. */
+ZELK_API ZelkResult ZELK_CALL ZELK_ErmittleBonitaet(void *HandleParent, int32_t Mandantennummer, int32_t Kontoart,
+                                                    const char *Kontonr, int32_t Suchtyp, const char *Name,
+                                                    const char *Zusatz, const char *Strasse, const char *PLZ,
+                                                    const char *Ort, const char *Vorname, const char *Datum,
+                                                    const char *Registernummer);
+
 /* --- Postings ------------------------------------------------------------------------------------------------------- */
 
 /* Inserts a posting into a batch: 1, or the code of the first check that refused it. */

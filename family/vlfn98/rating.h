@@ -1,0 +1,58 @@
+/// Credit ratings: the request, the source that answers it, the record of the answer.
+#pragma once
+
+#include <cstdint>
+
+#include "vldb98/store.h"
+
+namespace vlfn98 {
+
+/// Bit of RatingRequest::options: the source shows its answer to the person at the parent window.
+constexpr int32_t kShowRating = 2;
+
+/// Who is to be rated: an account, or a party that has none.
+struct RatingRequest {
+  void *parent = nullptr;        ///< window to which the source's dialogs belong; null: none
+  int32_t client = 0;            ///< client number
+  int32_t kind = 0;              ///< kind of the account at the boundary (2, 4); 0: a party without one
+  vldb98::PERSONENKONTO party{}; ///< the account; else name, addition, street, postal code, town and first name only
+  int32_t searchType = 0;        ///< 0 to 3, as the source understands it; of a party without account, as what follows
+  char date[11] = "";            ///< TT.MM.JJJJ: of the party's birth or foundation; empty: not known
+  char registerNumber[21] = "";  ///< in the commercial register
+  int32_t options = kShowRating;
+};
+
+/// The answer of a source.
+struct Rating {
+  int32_t ratingClass = 0; ///< 1 to 3; any other: no rating
+  char text[8] = "";       ///< as it is stored in the account
+};
+
+constexpr bool isRating(int32_t ratingClass) {
+  return ratingClass >= 1 && ratingClass <= 3;
+}
+
+/// Where ratings come from: an agency, a file, a person.
+class RatingSource {
+public:
+  virtual ~RatingSource() = default;
+  /// Called without locks and transactions, on the thread of the request; it may take its time and show dialogs.
+  virtual Rating rate(const RatingRequest &request) = 0;
+};
+
+/// Installs the source of the process, which must outlive it; null: the one that finds no rating.
+void setRatingSource(RatingSource *source);
+
+/// Asks the source. \return the rating class
+int32_t PruefeBonitaet(const RatingRequest &request, char (&text)[8]);
+
+/// Actions of the account-change protocol.
+constexpr int16_t kBonitaetGeaendert = 10;
+
+/// Writes a change of an account, now, into the account-change protocol. \return 0 when the store failed
+/// \param table    the account's: 2, 3
+/// \param yearCode fiscal year of the account
+int PekoProtokoll(vldb98::Store &store, int table, const char *account, int16_t action, const char *yearCode,
+                  const char *before, const char *after);
+
+} // namespace vlfn98

@@ -1,0 +1,30 @@
+#include "frame/money_output.h"
+
+#include <cstring>
+
+#include "vlba98/geld.h"
+#include "vlba98/text.h"
+
+namespace frame {
+
+void formatAmount(int32_t form, char *buffer, const char *internal) {
+  if (!buffer) return;
+  // What the store delivers is a money text or empty.
+  const int64_t value = vlba98::parseGeld(vlba98::trimmed(internal ? internal : "")).value_or(0);
+  char digits[vlba98::geldWidth + 1] = "";
+  vlba98::formatGeld(value, digits);
+  if (form != kFixedForm && form != kPlainForm) {
+    vlba98::MakeGeld(buffer, digits, 1);
+    return;
+  }
+  digits[vlba98::geldWidth - 3] = vlba98::HoleDezimalTrenner();
+  if (form == kFixedForm)
+    *buffer++ = value < 0 ? '-' : value > 0 ? '+' : '0';
+  else {
+    vlba98::KillNull(digits);
+    if (value < 0) *buffer++ = '-';
+  }
+  std::memcpy(buffer, digits, std::strlen(digits) + 1);
+}
+
+} // namespace frame

@@ -1,0 +1,189 @@
+// Items as they were after each payment, over all fiscal years of a client.
+#include "frame/fetch.h"
+#include "frame/lifecycle.h"
+#include "frame/messages.h"
+#include "openitems/outputs.h"
+#include "openitems/selection.h"
+#include "vlba98/datum.h"
+#include "vlba98/text.h"
+
+using namespace frame;
+using namespace vldb98;
+using openitems::ItemSelection;
+using openitems::Outputs;
+
+namespace {
+
+// The historical items lie in the files of the years, whatever their table.
+constexpr int32_t kYearFile = 117;
+
+bool isHistoricalFetch(const SharedFetch &fetch) {
+  const int table = tableOf(fetch.file);
+  return fetch.kind == kYearFile && (table == kHistOPDebitor || table == kHistOPKreditor);
+}
+
+// Opens a year. \return 1, 0 when the client has no such year, -3
+ZelkResult openYear(Store &store, int year) {
+  char code[3];
+  uint8_t exists;
+  if (!vlba98::itotwo(year - vlba98::firstYear, code)) return ZELK_keinKonto;
+  if (!store.ExistiertJahr(code, exists)) return ZELKERR_Datenbank;
+  if (!exists) return ZELK_keinKonto;
+  return store.SetzeOpenJahr(code) ? ZELK_OK : ZELKERR_Datenbank;
+}
+
+// Finds the first item of a selection from a year on; that year is then the open one. \return 1, 0, -3
+ZelkResult findFromYear(Store &store, const ItemSelection &selection, int table, int year, DATENBANK &item) {
+  ZelkResult result = ZELK_keinKonto;
+  for (; result == ZELK_keinKonto && year <= selection.lastYear; ++year) {
+    result = openYear(store, year);
+    if (result == ZELK_OK) result = openitems::findFirst(store, selection, table, item);
+  }
+  return result;
+}
+
+// What a host asks for. The first that is given counts.
+struct Request {
+  const char *date, *document, *openItem, *account;
+};
+
+// \return 1, -64, -10
+ZelkResult select(ThreadContext &context, const Request &request, ItemSelection &selection) {
+  using By = ItemSelection::By;
+  if (auto text = openitems::given(request.date); !text.empty()) {
+    auto date = vlba98::parseDatum(text);
+    if (!date) return refuse(context, ZELKERR_uzl_Datum, resources::kDatumUnzulaessig);
+    selection = openitems::selectBy(By::Date, vlba98::toReversed(*date).data());
+  } else if (auto document = openitems::given(request.document); !document.empty()) {
+    selection = openitems::selectBy(By::Document, document);
+  } else if (auto openItem = openitems::given(request.openItem); !openItem.empty()) {
+    selection = openitems::selectBy(By::OpenItem, openItem);
+  } else if (auto account = openitems::given(request.account); !account.empty()) {
+    if (account.size() > openitems::kAccountWidth)
+      return refuse(context, ZELKERR_uzl_Kontonr, resources::kKontonummerUnzulaessig);
+    selection = openitems::selectBy(By::Account, account);
+  } else {
+    selection = openitems::selectBy(By::Nothing, "");
+  }
+  return ZELK_OK;
+}
+
+// Delivers the pending item and moves on, into later years too; the fetch stays where it is when the store fails.
+ZelkResult deliverHistoricalItem(ThreadContext &context, Outputs &outputs) {
+  SharedFetch &fetch = context.fetch;
+  if (!isHistoricalFetch(fetch)) return ZELKERR_keinInit;
+  if (outputs.formMissing()) return ZELKERR_uzl_Format;
+  if (!fetch.pending) return ZELKERR_keinDatensatz;
+  const ItemSelection &selection = context.itemSelection;
+  const int table = tableOf(fetch.file);
+  Store *store = resumeFetch(context);
+  DATENBANK next{};
+  if (!store || !outputs.lookUp(*store, fetch.record)) return ZELKERR_Datenbank;
+  ZelkResult result = readBehind(fetch, *store, next);
+  if (result == ZELK_letzterDatensatz || (result == ZELK_OK && !openitems::holds(selection, next)))
+    result = findFromYear(*store, selection, table, vlba98::yearOfCode(fetch.year) + 1, next);
+  if (result < 0) return result;
+  outputs.write(fetch.record, table, store->HoleFista());
+  if (result == ZELK_OK) {
+    context.fetch.begin(*store, kYearFile, fetch.file, next);
+    return ZELK_OK;
+  }
+  fetch.end();
+  return ZELK_letzterDatensatz;
+}
+
+} // namespace
+
+ZelkResult ZELK_CALL ZELK_InitHoleHistOP(int32_t Mandantennummer, const char *Kontonummer, int32_t Kontoart,
+                                         const char *Buchungsdatum, const char *Belegnr, const char *OPBelegnr,
+                                         int32_t Fehlermeldungen) {
+  static constexpr Export self{.name = "ZELK_InitHoleHistOP"};
+  return run(self,
+             {number("Mandantennummer:", Mandantennummer), text("Kontonummer:", Kontonummer),
+              number("Kontoart:", Kontoart), text("Buchungsdatum:", Buchungsdatum), text("Belegnr:", Belegnr),
+              text("OP-Belegnr:", OPBelegnr), messages(Fehlermeldungen)},
+             [&](ThreadContext *context) -> ZelkResult {
+               context->fetch.end();
+               if (programSettings().basicEdition)
+                 return refuse(*context, ZELKERR_nur_PlusVersion, resources::kHistorischeOPs);
+               if (Kontoart != ZELK_KREDITOR && Kontoart != ZELK_DEBITOR)
+                 return refuse(*context, ZELKERR_uzl_Kontoart, resources::kKontoartUnzulaessig);
+               Store *store = context->session();
+               if (!store) return ZELKERR_Datenbank;
+               if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
+               ItemSelection selection;
+               ZelkResult result = select(*context, {Buchungsdatum, Belegnr, OPBelegnr, Kontonummer}, selection);
+               if (result != ZELK_OK) return result;
+               const FIRMENSTAMM &client = store->HoleFista();
+               selection.lastYear = vlba98::yearOfCode(client.AktJahr);
+               const int first = client.StartJahr[0] ? vlba98::yearOfCode(client.StartJahr) : selection.lastYear;
+               const int table = Kontoart == ZELK_KREDITOR ? kHistOPKreditor : kHistOPDebitor;
+               DATENBANK item{};
+               result = findFromYear(*store, selection, table, first, item);
+               if (result != ZELK_OK) return result;
+               context->itemSelection = selection;
+               context->fetch.begin(*store, kYearFile, openitems::fileOf(table, selection), item);
+               return ZELK_OK;
+             });
+}
+
+ZelkResult ZELK_CALL ZELK_HoleHistOP(char *Kontonummer, char *Kuerzel, char *Name, char *Belegnummer,
+                                     char *OPBelegnummer, char *Belegdatum, char *Valutadatum, char *Skontodatum1,
+                                     char *Skontosatz1, char *Skontodatum2, char *Skontosatz2, char *Faelligkeitsdatum,
+                                     char *Text, int32_t Ausgabeart, char *Bruttobetrag, char *Ausstand, char *Waehrung,
+                                     int32_t *Mahnstufe, char *Mahndatum, char *Bemerkung, char *Gegenkonto,
+                                     int32_t *Zahlziel, int32_t *Zahlungssperre, char *Skontokonto1, char *Skontokonto2,
+                                     char *Steuersatz1, char *Steuersatz2, char *Ausstand2, char *GWBetrag,
+                                     int32_t *Mahnsperre, char *Zahlung, char *Zahldatum, char *Benutzer,
+                                     char *Skontobetrag, char *Zahlbelegnr, char *Zahltext, int32_t *Zahlungsart,
+                                     char *Text2, char *Zahltext2, char *DMSID, int32_t *Inkasso, int32_t *InkassoAkte,
+                                     int32_t *InkassoForderung, int32_t *InkassoMahnkosten) {
+  static constexpr Export self{.name = "ZELK_HoleHistOP", .fetch = true};
+  void *const pointers[Outputs::kHistorical] = {Kontonummer,
+                                                Kuerzel,
+                                                Name,
+                                                Belegnummer,
+                                                OPBelegnummer,
+                                                Belegdatum,
+                                                Valutadatum,
+                                                Skontodatum1,
+                                                Skontosatz1,
+                                                Skontodatum2,
+                                                Skontosatz2,
+                                                Faelligkeitsdatum,
+                                                Text,
+                                                nullptr,
+                                                Bruttobetrag,
+                                                Ausstand,
+                                                Waehrung,
+                                                Mahnstufe,
+                                                Mahndatum,
+                                                Bemerkung,
+                                                Gegenkonto,
+                                                Zahlziel,
+                                                Zahlungssperre,
+                                                Skontokonto1,
+                                                Skontokonto2,
+                                                Steuersatz1,
+                                                Steuersatz2,
+                                                Ausstand2,
+                                                GWBetrag,
+                                                Mahnsperre,
+                                                Zahlung,
+                                                Zahldatum,
+                                                Benutzer,
+                                                Skontobetrag,
+                                                Zahlbelegnr,
+                                                Zahltext,
+                                                Zahlungsart,
+                                                Text2,
+                                                Zahltext2,
+                                                DMSID,
+                                                Inkasso,
+                                                InkassoAkte,
+                                                InkassoForderung,
+                                                InkassoMahnkosten};
+  Outputs outputs(Ausgabeart, pointers);
+  return run(self, outputs.parameters(),
+             [&](ThreadContext *context) { return deliverHistoricalItem(*context, outputs); });
+}

@@ -1,0 +1,121 @@
+// Credit ratings of accounts and of parties that have none.
+#include "vlfn98/rating.h"
+
+#include "frame/call.h"
+#include "frame/fetch.h"
+#include "frame/locked_tables.h"
+#include "frame/notification.h"
+#include "openitems/selection.h"
+#include "vlfn98/accounts.h"
+#include "vlfn98/dates.h"
+
+using namespace frame;
+using namespace vldb98;
+using vlfn98::RatingRequest;
+
+namespace {
+
+constexpr int32_t kLastSearchType = 3;
+
+// Reads an account of the open year. \return 1, -10, -3
+Outcome readAccount(Store &store, int table, std::string_view number, DATENBANK &account) {
+  uint8_t found = 0;
+  if (number.size() <= openitems::kAccountWidth &&
+      !store.UsedGet(account, KeyBuilder().account(number), found, FileNumber(table), ZELK_ENG_DEFAULT))
+    return {ZELKERR_Datenbank};
+  if (!found) return {ZELKERR_uzl_Kontonr, resources::kKontonummerUnzulaessig};
+  return {};
+}
+
+// Stores a rating in the account as it is now, and in the account-change protocol, both or nothing. With the table
+// locked.
+Outcome writeRating(Store &store, int table, std::string_view number, const char *rating, PERSONENKONTO &changed) {
+  if (!store.Transaktion(1, 0, ZELK_ENG_DEFAULT)) return {ZELKERR_Datenbank};
+  DATENBANK record{};
+  Outcome outcome = readAccount(store, table, number, record);
+  if (outcome.result == ZELK_OK) {
+    PERSONENKONTO &account = record.Personenkonto;
+    const PERSONENKONTO before = account;
+    vlba98::strncpy2(account.Bonitaet, rating);
+    if (!vlfn98::PekoProtokoll(store, table, account.Nr, vlfn98::kBonitaetGeaendert, store.HoleOpenJahr(),
+                               before.Bonitaet, account.Bonitaet) ||
+        !store.Update(record, FileNumber(table), ZELK_ENG_DEFAULT))
+      outcome = {ZELKERR_Datenbank};
+    changed = account;
+  }
+  const int end = outcome.result == ZELK_OK ? 2 : 4;
+  return store.Transaktion(end, 0, ZELK_ENG_DEFAULT) ? outcome : Outcome{ZELKERR_Datenbank};
+}
+
+// The source is asked before anything is locked: it may take long, or wait for a person, and nobody else is to wait.
+ZelkResult rateAccount(ThreadContext &context, Store &store, RatingRequest &request, std::string_view number) {
+  if (request.kind != ZELK_KREDITOR && request.kind != ZELK_DEBITOR)
+    return refuse(context, ZELKERR_uzl_Kontoart, resources::kKontoartUnzulaessig);
+  const int table = vlfn98::KzFromZELKArt(request.kind);
+  DATENBANK record{};
+  if (Outcome read = readAccount(store, table, number, record); read.result != ZELK_OK)
+    return read.message ? refuse(context, read.result, read.message) : read.result;
+  request.party = record.Personenkonto;
+  char rating[sizeof(PERSONENKONTO::Bonitaet)];
+  vlfn98::PruefeBonitaet(request, rating);
+
+  // The source may have called the library, which then stands in another client or year, or in another session.
+  Store *now = context.session();
+  if (!now) return ZELKERR_Datenbank;
+  if (ZelkResult opened = openClient(context, *now, request.client); opened <= 0) return opened;
+  const FileNumber tables[] = {FileNumber(table)};
+  PERSONENKONTO changed;
+  ZelkResult result =
+      changeLocked(context, *now, tables, [&] { return writeRating(*now, table, number, rating, changed); });
+  if (result == ZELK_OK) notifyAccount(*now, request.kind, changed);
+  return result;
+}
+
+// \return 1 for a rating, 0 for none
+ZelkResult rateParty(ThreadContext &context, const RatingRequest &request) {
+  if (request.searchType < 0 || request.searchType > kLastSearchType)
+    return refuse(context, ZELKERR_uzl_BonitaetSuchTyp, resources::kUnzulaessig, "Der Suchtyp ist");
+  if (*request.date && !vlfn98::IsDatumLong(request.date))
+    return refuse(context, ZELKERR_uzl_Datum, resources::kDatumUnzulaessig);
+  char rating[sizeof(PERSONENKONTO::Bonitaet)];
+  return vlfn98::isRating(vlfn98::PruefeBonitaet(request, rating)) ? ZELK_OK : ZELK_keinKonto;
+}
+
+} // namespace
+
+ZelkResult ZELK_CALL ZELK_ErmittleBonitaet(void *HandleParent, int32_t Mandantennummer, int32_t Kontoart,
+                                           const char *Kontonr, int32_t Suchtyp, const char *Name, const char *Zusatz,
+                                           const char *Strasse, const char *PLZ, const char *Ort, const char *Vorname,
+                                           const char *Datum, const char *Registernummer) {
+  static constexpr Export self{.name = "ZELK_ErmittleBonitaet"};
+  return run(self,
+             {out("Handle-Parnet:", HandleParent), number("Mandantenummer:", Mandantennummer),
+              number("Kontoart:", Kontoart), text("Kontonr:", Kontonr), number("Suchtyp:", Suchtyp),
+              text("Name:", Name), text("Zusatz:", Zusatz), text("Strasse:", Strasse), text("PLZ:", PLZ),
+              text("Ort:", Ort), text("Vorname:", Vorname), text("Datum:", Datum),
+              text("Registernummer:", Registernummer)},
+             [&](ThreadContext *context) -> ZelkResult {
+               if (Mandantennummer == 0) return ZELKERR_uzl_Mandnr;
+               Store *store = context->session();
+               if (!store) return ZELKERR_Datenbank;
+               if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
+               RatingRequest request;
+               request.parent = HandleParent;
+               request.client = Mandantennummer;
+               request.kind = Kontoart;
+               std::string_view account = openitems::given(Kontonr);
+               if (!account.empty()) return rateAccount(*context, *store, request, account);
+               if (Kontoart != 0) return ZELK_keinKonto;
+               auto copy = [](auto &field, const char *given) { vlba98::strncpy2(field, given ? given : ""); };
+               request.searchType = Suchtyp;
+               copy(request.party.Name, Name);
+               copy(request.party.Zusatz, Zusatz);
+               copy(request.party.Strasse, Strasse);
+               copy(request.party.PLZ, PLZ);
+               copy(request.party.Ort, Ort);
+               copy(request.party.Vorname, Vorname);
+               copy(request.date, Datum);
+               copy(request.registerNumber, Registernummer);
+               return rateParty(*context, request);
+             });
+}

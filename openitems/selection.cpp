@@ -1,0 +1,66 @@
+#include "openitems/selection.h"
+
+#include <cstring>
+
+#include "vlba98/text.h"
+
+using namespace vldb98;
+
+namespace openitems {
+namespace {
+
+using By = ItemSelection::By;
+
+struct Rule {
+  By by;
+  int keyIndex;
+  uint16_t offset, size; // of the key's field
+  bool sameValue;        // the field of an item equals the value
+};
+
+constexpr Rule kRules[] = {{By::Nothing, 0, 0, 0, false},
+                           {By::Account, 1, offsetof(OPBELEG, Konto), sizeof(OPBELEG::Konto), true},
+                           {By::Document, 4, offsetof(OPBELEG, Belegnummer), sizeof(OPBELEG::Belegnummer), true},
+                           {By::OpenItem, 9, offsetof(OPBELEG, OPBelegnummer), sizeof(OPBELEG::OPBelegnummer), true},
+                           {By::Date, 12, offsetof(OPBELEG, Belegdatum), sizeof(OPBELEG::Belegdatum), false}};
+
+const Rule &ruleOf(By by) {
+  return kRules[size_t(by)];
+}
+
+} // namespace
+
+std::string_view given(const char *text) {
+  return vlba98::trimmed(text ? text : "");
+}
+
+ItemSelection selectBy(By by, std::string_view value) {
+  ItemSelection selection;
+  selection.by = by;
+  vlba98::strncpy2(selection.value, value, ruleOf(by).size);
+  if (by == By::Account) vlba98::FillWithSpaces(selection.value, kAccountWidth);
+  return selection;
+}
+
+FileNumber fileOf(int table, const ItemSelection &selection) {
+  return fileNumber(table, ruleOf(selection.by).keyIndex);
+}
+
+bool holds(const ItemSelection &selection, const DATENBANK &item) {
+  const Rule &rule = ruleOf(selection.by);
+  return !rule.sameValue || std::strcmp(item.bytes + rule.offset, selection.value) == 0;
+}
+
+ZelkResult findFirst(Store &store, const ItemSelection &selection, int table, DATENBANK &item) {
+  constexpr int32_t kBehindWriter = 1;
+  const Rule &rule = ruleOf(selection.by);
+  const FileNumber file = fileOf(table, selection);
+  uint8_t found;
+  int done = rule.size == 0 ? store.GetFirstExt(item, found, file, ZELK_ENG_DEFAULT, kBehindWriter)
+                            : store.GetGeExt(item, KeyBuilder().text(selection.value, size_t(rule.size) - 1), found,
+                                             file, ZELK_ENG_DEFAULT, kBehindWriter);
+  if (!done) return ZELKERR_Datenbank;
+  return found && holds(selection, item) ? ZELK_OK : ZELK_keinKonto;
+}
+
+} // namespace openitems
