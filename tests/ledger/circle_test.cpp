@@ -1,11 +1,14 @@
 // The whole circle: postings by chance as a file, through the exports into a batch, to the ledger; then every figure
 // there equals what plain integers make of the file.
+#include <algorithm>
 #include <fstream>
+#include <set>
 
 #include "base/random.h"
 #include "ledger/ledger_books.h"
 #include "ledger/random_postings.h"
 #include "ledger/reckoning.h"
+#include "support/items.h"
 #include "vlba98/text.h"
 #include "zelkctl/verbs.h"
 
@@ -105,37 +108,69 @@ protected:
     EXPECT_TRUE(entries == expected);
   }
 
+  // All items, open and historical, as the exports deliver them.
   void compareItems(const Cast &cast, const Reckoning &reckoning) {
-    std::map<ItemKey, Item> items;
-    std::map<AccountKey, int64_t> left, balances;
-    std::vector<std::string> payments;
+    enum Column : size_t { Left = 15, Currency = 16, ForeignLeft = 27, ForeignGross = 28, Paid = 30, Discount = 33 };
+    std::map<ItemKey, Item> items, expected = reckoning.items;
+    std::vector<Payment> payments, expectedPayments = reckoning.payments;
+    constexpr int32_t plainForm = 2;
+    for (auto [kind, table] : {std::pair{int32_t(ZELK_KREDITOR), int(kKreditor)}, {ZELK_DEBITOR, kDebitor}}) {
+      auto keyOf = [table = table](const ItemRow &row) { return ItemKey{table, row[kKonto], row[kOPBelegnummer]}; };
+      ZelkResult result = ZELK_InitHoleOP(cast.client, nullptr, kind, 0);
+      while (result == ZELK_OK) {
+        const FetchedItem fetched = fetchItem(&ZELK_HoleOP, plainForm);
+        const ItemRow &row = fetched.row;
+        std::string currency = row[Currency] == reckoning.client().at("Waehrung") ? "" : row[Currency];
+        items[keyOf(row)] = {cents(row[kBrutto]),      cents(row[Left]),        currency,
+                             cents(row[ForeignGross]), cents(row[ForeignLeft]), 0};
+        result = fetched.result;
+      }
+      result = ZELK_InitHoleHistOP(cast.client, nullptr, kind, nullptr, nullptr, nullptr, 0);
+      while (result == ZELK_OK) {
+        const FetchedItem fetched = fetchItem(&ZELK_HoleHistOP, plainForm);
+        const ItemRow &row = fetched.row;
+        payments.push_back(
+            {0, 0, keyOf(row), cents(row[Paid]), cents(row[Discount]), cents(row[Left]), cents(row[ForeignLeft])});
+        result = fetched.result;
+      }
+    }
+    // Neither the year nor the number of a payment is delivered.
+    for (Payment &payment : expectedPayments)
+      payment.year = payment.line = 0;
+    for (auto &[key, item] : expected)
+      item.payments = 0;
+    std::sort(payments.begin(), payments.end());
+    std::sort(expectedPayments.begin(), expectedPayments.end());
+    EXPECT_TRUE(items == expected);
+    EXPECT_TRUE(payments == expectedPayments);
+    EXPECT_GT(items.size(), 20u);
+    EXPECT_GT(payments.size(), 20u);
+  }
+
+  // Each payment lies in its year under its number; item numbers are unique.
+  void compareStoredItems(const Cast &cast, const Reckoning &reckoning) {
+    std::vector<Payment> payments, expected = reckoning.payments;
     for (int year : reckoning.years()) {
       openYear(uint16_t(cast.client), year);
       for (auto [table, accounts] : {std::pair{kHistOPKreditor, 2}, {kHistOPDebitor, 3}})
         eachRow(*store_, table, [&, kind = accounts](const DATENBANK &record) {
           const OPHISTORIE payment = record.Ophistorie;
-          payments.push_back(Reckoning::paymentText(year, {kind, number(payment.OP.Konto), payment.OP.OPBelegnummer},
-                                                    payment.Zeile, cents(payment.Zahlung), cents(payment.Skontobetrag),
-                                                    cents(payment.OP.Ausstand), cents(payment.OP.Ausstand2)));
+          payments.push_back({year, payment.Zeile, ItemKey{kind, number(payment.OP.Konto), payment.OP.OPBelegnummer},
+                              cents(payment.Zahlung), cents(payment.Skontobetrag), cents(payment.OP.Ausstand),
+                              cents(payment.OP.Ausstand2)});
         });
     }
-    for (auto [table, accounts] : {std::pair{kOPKreditor, 2}, {kOPDebitor, 3}})
-      eachRow(*store_, table, [&, kind = accounts](const DATENBANK &record) {
-        const OPBELEG stored = record.Opbeleg;
-        Item &item = items[{kind, number(stored.Konto), stored.OPBelegnummer}];
-        item = {cents(stored.Brutto),   cents(stored.Ausstand),  stored.Waehrung,
-                cents(stored.BetragFW), cents(stored.Ausstand2), 0};
-        left[{kind, number(stored.Konto)}] += item.left;
-      });
-    std::map<ItemKey, Item> expected = reckoning.items;
-    for (auto &[key, item] : expected)
-      item.payments = 0;
-    EXPECT_TRUE(items == expected);
-    std::vector<std::string> expectedPayments = reckoning.payments;
     std::sort(payments.begin(), payments.end());
-    std::sort(expectedPayments.begin(), expectedPayments.end());
-    EXPECT_EQ(payments, expectedPayments);
-    EXPECT_GT(payments.size(), 20u);
+    std::sort(expected.begin(), expected.end());
+    EXPECT_TRUE(payments == expected);
+    std::set<int32_t> numbers;
+    size_t count = 0;
+    for (int table : {int(kOPKreditor), int(kOPDebitor)})
+      eachRow(*store_, table, [&](const DATENBANK &record) {
+        numbers.insert(record.Opbeleg.Nr);
+        ++count;
+      });
+    EXPECT_EQ(numbers.size(), count);
   }
 };
 
@@ -151,6 +186,7 @@ TEST_F(Circle, EndsInTheFiguresOfTheFile) {
       compareAccounts(*cast, reckoning, year);
     compareEntries(*cast, reckoning);
     compareItems(*cast, reckoning);
+    compareStoredItems(*cast, reckoning);
   }
 }
 

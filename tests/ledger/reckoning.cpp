@@ -246,17 +246,10 @@ void Reckoning::postItem(const Head &head, const ItemMove &itemMove) {
     item.gross += itemMove.amount;
   } else {
     const int64_t discount = itemMove.balance ? itemMove.income : 0;
-    payments.push_back(paymentText(head.year, itemMove.key, ++item.payments, discount - itemMove.amount, -discount,
-                                   left, item.foreignLeft));
+    payments.push_back(
+        {head.year, ++item.payments, itemMove.key, discount - itemMove.amount, -discount, left, item.foreignLeft});
   }
   if (left == 0) items.erase(open);
-}
-
-std::string Reckoning::paymentText(int year, const ItemKey &key, int line, int64_t paid, int64_t discount, int64_t left,
-                                   int64_t foreignLeft) {
-  return std::to_string(year) + ' ' + std::get<1>(key) + ' ' + std::get<2>(key) + '/' + std::to_string(line) +
-         ": paid " + std::to_string(paid) + " less " + std::to_string(discount) + " left " + std::to_string(left) +
-         " foreign " + std::to_string(foreignLeft);
 }
 
 } // namespace test

@@ -2,6 +2,7 @@
 /// the library's.
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -41,6 +42,14 @@ struct Item {
   bool operator==(const Item &) const = default;
 };
 
+/// What a payment left of an item.
+struct Payment {
+  int year, line; ///< fiscal year, and number among the item's payments
+  std::tuple<int, std::string, std::string> item;
+  int64_t paid, discount, left, foreignLeft;
+  auto operator<=>(const Payment &) const = default;
+};
+
 using AccountKey = std::pair<int, std::string>;            ///< table (0, 2, 3) and number
 using ItemKey = std::tuple<int, std::string, std::string>; ///< table and number of the account, number of the item
 using Row = std::map<std::string, std::string>;            ///< of a file, by column
@@ -55,13 +64,11 @@ public:
 
   std::map<AccountKey, std::vector<Move>> moves;
   std::vector<CostMove> costs;
-  std::map<ItemKey, Item> items;     ///< that are open
-  std::vector<std::string> payments; ///< as paymentText gives them
+  std::map<ItemKey, Item> items; ///< that are open
+  std::vector<Payment> payments;
 
   std::vector<int> years() const;
-  /// "2025 70010 OP-1/2: paid 10,00 ..." in hundredths.
-  static std::string paymentText(int year, const ItemKey &key, int line, int64_t paid, int64_t discount, int64_t left,
-                                 int64_t foreignLeft);
+  const Row &client() const { return client_; }
 
 private:
   struct ItemMove {
