@@ -1,11 +1,11 @@
 // Looking accounts up.
 #include "vlfn98/accounts.h"
-#include "accounts/account.h"
 #include "frame/call.h"
 #include "frame/fetch.h"
 #include "frame/messages.h"
 #include "vlba98/datum.h"
 #include "vlba98/text.h"
+#include "vlfn98/account_fields.h"
 #include "vlfn98/client.h"
 
 using namespace frame;
@@ -117,13 +117,13 @@ ZelkResult ZELK_CALL ZELK_InitHoleKonto(int32_t Mandantennummer, int32_t Kontoar
                context->fetch.end();
                if (!vlfn98::isAccountKind(Kontoart))
                  return refuse(*context, ZELKERR_uzl_Kontoart, resources::kKontoartUnzulaessig);
-               if (Sortierung < 0 || Sortierung >= accounts::kOrders)
+               if (Sortierung < 0 || Sortierung >= vlfn98::kOrders)
                  return refuse(*context, ZELKERR_uzl_Sortierung, resources::kSortierungUnzulaessig);
                Store *store = context->session();
                if (!store) return ZELKERR_Datenbank;
                if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
                int table = vlfn98::KzFromZELKArt(Kontoart);
-               FileNumber file = fileNumber(table, accounts::keyIndex(table, Sortierung));
+               FileNumber file = fileNumber(table, vlfn98::keyIndex(table, Sortierung));
                if (!Ab || !*Ab) return startFetch(*context, *store, file, nullptr, ZELK_keinKonto);
                KeyBuilder from;
                if (Sortierung == 0)

@@ -2,11 +2,11 @@
 #include <cstring>
 #include <string>
 
-#include "accounts/account.h"
 #include "frame/call.h"
 #include "frame/selection.h"
 #include "frame/snapshot.h"
 #include "vlba98/text.h"
+#include "vlfn98/account_fields.h"
 #include "vlfn98/accounts.h"
 #include "vlfn98/client.h"
 
@@ -40,7 +40,7 @@ struct AccountList {
 
   // In number order the walk begins and ends with the bounds; a dimension that does not fit ends it at once.
   FileNumber file(SelectionOrder order) const {
-    if (order == SelectionOrder::Name) return fileNumber(table, accounts::keyIndex(table, 2));
+    if (order == SelectionOrder::Name) return fileNumber(table, vlfn98::keyIndex(table, 2));
     return fileNumber(table, table == kKost ? 9 : 0);
   }
   SCHLUESSEL start(SelectionOrder order) const {
@@ -52,10 +52,10 @@ struct AccountList {
   bool past(SelectionOrder order, const DATENBANK &record) const {
     if (order == SelectionOrder::Name) return false;
     if (table == kKost && record.Kost.Dimension != dimension) return true;
-    return !to.empty() && accounts::accountOf(table, record).number > to;
+    return !to.empty() && vlfn98::accountOf(table, record).number > to;
   }
   bool holds(const DATENBANK &record) const {
-    const char *number = accounts::accountOf(table, record).number;
+    const char *number = vlfn98::accountOf(table, record).number;
     if (number < from || (!to.empty() && number > to)) return false;
     if (table != kKost) return true;
     return record.Kost.Dimension == dimension && (reference.empty() || record.Kost.Kostref == reference);
@@ -69,7 +69,7 @@ ZelkResult AccountList::fill(Store &store, SelectionOrder order, const AddEntry 
   uint8_t found;
   int done = store.GetGeExt(record, start(order), found, file(order), ZELK_ENG_DEFAULT, 0);
   while (done && found && !past(order, record)) {
-    accounts::Account account = accounts::accountOf(table, record);
+    vlfn98::Account account = vlfn98::accountOf(table, record);
     if (holds(record)) add(vlba98::trimmed(account.number), account.name);
     done = store.GetNextExt(record, found, file(order), ZELK_ENG_DEFAULT);
   }
@@ -121,7 +121,7 @@ ZelkResult ZELK_CALL ZELK_HoleKonto(void *HandleParent, int32_t Mandantennummer,
                  });
                  if (read != ZELK_OK) return ZELKERR_Datenbank;
                }
-               accounts::Account account = accounts::accountOf(list.table, record);
+               vlfn98::Account account = vlfn98::accountOf(list.table, record);
                if (Kontonummer) vlba98::strncpy2(Kontonummer, chosen, sizeof(SACHKONTO::Nr));
                if (Name) vlba98::strncpy2(Name, account.name, sizeof(SACHKONTO::Name));
                if (Kuerzel) vlba98::strncpy2(Kuerzel, account.shortName, sizeof(SACHKONTO::Kuerzel));

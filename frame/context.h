@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <set>
 #include <vector>
 
 #include "vldb98/store.h"
@@ -25,6 +26,9 @@ struct SharedFetch {
   vldb98::DATENBANK record{};
   int32_t client = 0;
   char year[3] = ""; ///< open fiscal year of the walk
+  // Of a walk over the cost centres of one dimension.
+  int32_t dimension = 0;
+  char reference[8] = ""; ///< blank-padded; empty: whatever theirs is
 
   /// Stands on a record that was read in the store's open client and year.
   void begin(const vldb98::Store &store, int32_t dataKind, vldb98::FileNumber walked, const vldb98::DATENBANK &first);
@@ -50,6 +54,16 @@ struct DeliveredPosting {
   bool any = false;
 };
 
+/// A walk through a report structure.
+struct StructureWalk {
+  bool active = false;
+  bool hiddenToo = false;
+  int32_t client = 0;
+  vldb98::FileNumber file = 0;
+  vldb98::AUFBAU line{};       ///< the next one to deliver
+  std::set<int32_t> delivered; ///< numbers of the lines so far, hidden ones included
+};
+
 /// Created on first need, freed when the thread ends or the library is detached.
 struct ThreadContext {
   int32_t fehlermeldungen = 0; ///< messages flag of the thread's last call that takes one
@@ -60,6 +74,7 @@ struct ThreadContext {
   ItemSelection itemSelection;
   vldb98::BATCHBUCHUNG batchPosting{}; ///< posting under the cursor of the batch reading
   DeliveredPosting delivered;
+  StructureWalk structure;
   std::shared_ptr<postings::Construction> construction; ///< split posting under construction; made on first need
 
   /// The thread's session, opened on first need; null when the database cannot be opened.

@@ -116,6 +116,10 @@ constexpr Entry kEntries[] = {
     {kSkontoLeer, "Bitte geben Sie einen Skontosatz grösser als 0,00 %\nund eine Skontofrist grösser als 0 Tage ein!"},
     {kHistorischeOPs, "Die historischen OPs lassen sich nur in der Plus-Version holen."},
     {kDatumUnzulaessig, "Das Datum ist unzulässig!"},
+    {kKlasseUnzulaessig, "Es wurde ein unzulässige Klasse für das Holen der Aufbauten angegeben."},
+    {kKostenstelleOderKostenart,
+     "Es muss mindestens eine Kostenstelle/ein Kostenträger oder eine Kostenart angegeben werden."},
+    {kBetragZuGross, "Der ermittelte Betrag ist größer als 999.999.999,99 und kann nicht übergeben werden!"},
     {kZelkoutStart, "Der ZELKOUT-Prozess kann nicht gestartet werden. Veränderungen im Datenbestand können nicht an "
                     "die abhängigen Anwendungen mitgeteilt werden."},
     {kZelkoutUnvollstaendig,

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 
 #include "vldb98/keys.h"
 #include "vldb98/locks.h"
@@ -55,6 +56,15 @@ public:
   /// \return false when the read failed
   virtual bool read(ReadOp op, FileNumber file, const SCHLUESSEL *key, const SCHLUESSEL *upper, DATENBANK *record,
                     bool &found) = 0;
+
+  /// Adds fields up, numbers or money (in hundredths, an empty one counts as zero), over the records whose key lies
+  /// between the given ones, both included, in one step whatever their number; zeros when there is none. The current
+  /// record of the table stays where it was.
+  /// \param lower,upper alike in all fields of the key but the last
+  /// \param fields      indexes of the fields in the table
+  /// \param sums        as many as fields
+  virtual bool sum(FileNumber file, const SCHLUESSEL &lower, const SCHLUESSEL &upper, std::span<const int> fields,
+                   std::span<int64_t> sums) = 0;
 
   /// Makes a record that was read earlier the current one of its table again; it is not read.
   virtual void setCurrent(int table, const DATENBANK &record) = 0;

@@ -137,6 +137,28 @@ bool IsamEngine::readRow(SqlStatement &statement, const Table &table, TableState
   return true;
 }
 
+bool IsamEngine::sum(FileNumber file, const SCHLUESSEL &lower, const SCHLUESSEL &upper, std::span<const int> fields,
+                     std::span<int64_t> sums) {
+  const Table *table = findTable(tableOf(file));
+  const Key *key = table ? table->key(keyIndexOf(file)) : nullptr;
+  if (!key || fields.empty() || fields.size() != sums.size()) return false;
+  const std::vector<int> summed(fields.begin(), fields.end());
+  Statement &slot = tables_[size_t(table->number)].sums[{key->index, summed}];
+  SqlStatement *statement = prepared(slot, slot ? std::string() : sumStatement(*table, *key, summed));
+  if (!statement) return false;
+  const int parameter = bindKey(*statement, *table, key->fields, lower, bindScope(*statement, *table, 1));
+  const Field &last = table->fields[size_t(key->fields.back())];
+  size_t at = 0;
+  for (int index : key->fields)
+    at += table->fields[size_t(index)].keyWidth();
+  bindKeyField(*statement, parameter, last, upper.bytes + at - last.keyWidth(), scratch_);
+  Execution execution(*statement);
+  if (statement->step() != Step::Row) return false;
+  for (size_t i = 0; i < sums.size(); ++i)
+    sums[i] = statement->integer(int(i));
+  return true;
+}
+
 bool IsamEngine::execute(SqlStatement &statement) {
   Execution execution(statement);
   return statement.step() == Step::Done;

@@ -23,6 +23,8 @@ public:
   void setScope(uint16_t client, int year) override;
   bool read(ReadOp op, FileNumber file, const SCHLUESSEL *key, const SCHLUESSEL *upper, DATENBANK *record,
             bool &found) override;
+  bool sum(FileNumber file, const SCHLUESSEL &lower, const SCHLUESSEL &upper, std::span<const int> fields,
+           std::span<int64_t> sums) override;
   void setCurrent(int table, const DATENBANK &record) override;
   bool change(ChangeOp op, FileNumber file, DATENBANK *record) override;
   bool deleteBeginning(FileNumber file, const SCHLUESSEL &key, int fields) override;
@@ -42,8 +44,9 @@ private:
     std::map<int, std::array<Statement, kReadOps + 1>> reads; // by key index; the last: Next with a bound
     Statement insert, update, remove, greatest;
     std::map<std::pair<int, int>, Statement> deletions; // of what begins with a key: by key index and count of fields
-    std::vector<char> current;                          // empty: no current record
-    int rangeKey = -1;                                  // key index of a running range
+    std::map<std::pair<int, std::vector<int>>, Statement> sums; // by key index and fields
+    std::vector<char> current;                                  // empty: no current record
+    int rangeKey = -1;                                          // key index of a running range
     SCHLUESSEL rangeUpper;
   };
 

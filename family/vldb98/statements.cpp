@@ -136,6 +136,18 @@ std::string selectStatement(const Table &table, const Key &key, ReadOp op, bool 
          where(conditions) + " ORDER BY " + joined(order, ",", descending ? " DESC" : "") + " LIMIT 1";
 }
 
+std::string sumStatement(const Table &table, const Key &key, const std::vector<int> &fields) {
+  Names sums;
+  for (const std::string &column : columns(table, fields))
+    sums.push_back("COALESCE(SUM(" + column + "),0)");
+  std::vector<int> leading(key.fields.begin(), key.fields.end() - 1);
+  Names conditions = rowConditions(table, leading);
+  const std::string last = columns(table, {key.fields.back()}).front();
+  conditions.push_back(last + ">=?");
+  conditions.push_back(last + "<=?");
+  return "SELECT " + joined(sums, ",") + " FROM " + quoted(table.name) + where(conditions);
+}
+
 std::string insertStatement(const Table &table) {
   Names names = scopeColumns(table);
   append(names, allColumns(table));

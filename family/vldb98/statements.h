@@ -23,6 +23,10 @@ std::string clearStatement(const Table &table);
 /// Next with a bound takes the key's fields of the upper key behind.
 std::string selectStatement(const Table &table, const Key &key, ReadOp op, bool bounded = false);
 
+/// The sums of fields over what lies between two keys that differ in their last field. Parameters: the scope, the lower
+/// key's fields, the last field of the upper key.
+std::string sumStatement(const Table &table, const Key &key, const std::vector<int> &fields);
+
 /// Parameters: the scope, then all fields.
 std::string insertStatement(const Table &table);
 /// Parameters: all fields, the scope, then the primary key's fields.

@@ -50,6 +50,11 @@ int Store::StepNextExt(DATENBANK &record, uint8_t &found, FileNumber file, DBENG
   return read(ReadOp::StepNext, file, engine, nullptr, nullptr, &record, found);
 }
 
+int Store::Sum(const SCHLUESSEL &lower, const SCHLUESSEL &upper, std::span<const int> fields, std::span<int64_t> sums,
+               FileNumber file, DBENGINE engine) {
+  return inUse(engine) && engine_->sum(file, lower, upper, fields, sums);
+}
+
 int Store::GetFirst(DATENBANK &record, FileNumber file, DBENGINE engine, int32_t selector) {
   uint8_t found;
   return GetFirstExt(record, found, file, engine, selector) && found;

@@ -18,6 +18,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -48,6 +49,10 @@ public:
                   DBENGINE engine);
   int StepFirstExt(DATENBANK &record, uint8_t &found, FileNumber file, DBENGINE engine);
   int StepNextExt(DATENBANK &record, uint8_t &found, FileNumber file, DBENGINE engine);
+
+  /// Sums over a range of keys, see Engine::sum.
+  int Sum(const SCHLUESSEL &lower, const SCHLUESSEL &upper, std::span<const int> fields, std::span<int64_t> sums,
+          FileNumber file, DBENGINE engine);
 
   /// Puts the table back to a record that was read earlier, whatever was read in between, so that stepping goes on from
   /// there.

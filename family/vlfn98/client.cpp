@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "vlfn98/fiscal_year.h"
 #include "zelk98/zelk98.h"
 
 using namespace vldb98;
@@ -20,16 +21,10 @@ int32_t HoleMandantenDaten(Store &store, int64_t client) {
 }
 
 BookableYear IsBuchjahr(Store &store, const vlba98::Datum &day, bool closedToo) {
-  DATENBANK record{};
+  GESCHAEFTSJAHR year{};
   uint8_t found;
-  auto reversed = vlba98::toReversed(day);
-  if (!store.GetLeExt(record, KeyBuilder().text(reversed.data(), 6), found, fileNumber(kGeschaeftsjahr, 1),
-                      ZELK_ENG_DEFAULT, 0))
-    return BookableYear::StoreFailed;
-  if (!found) return BookableYear::No;
-  const GESCHAEFTSJAHR &year = record.Geschaeftsjahr;
-  auto end = vlba98::fromReversed(year.Ende);
-  if (!end || day > *end || (year.Abgeschlossen && !closedToo)) return BookableYear::No;
+  if (!HoleGeschaeftsjahr(store, day, year, found)) return BookableYear::StoreFailed;
+  if (!found || (year.Abgeschlossen && !closedToo)) return BookableYear::No;
   char code[3];
   if (!vlba98::itotwo(year.Jahr - vlba98::firstYear, code)) return BookableYear::StoreFailed;
   bool open = std::strcmp(code, store.HoleOpenJahr()) == 0 || store.SetzeOpenJahr(code);

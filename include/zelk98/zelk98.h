@@ -493,7 +493,8 @@ ZELK_API ZelkResult ZELK_CALL ZELK_HoleMandantenNr(void *HandleParent);
 
 /* --- Fetches -------------------------------------------------------------------------------------------------------- */
 
-/* Ends the calling thread's fetch, of whatever kind, except that of clients. Always 1. */
+/* Ends the calling thread's fetch, of whatever kind, except those of clients and of report structures, which other
+ * fetches do not disturb either. Always 1. */
 ZELK_API ZelkResult ZELK_CALL ZELK_BeendeHolen(void);
 
 /* --- Accounts ------------------------------------------------------------------------------------------------------- */
@@ -657,6 +658,80 @@ ZELK_API ZelkResult ZELK_CALL ZELK_ErmittleBonitaet(void *HandleParent, int32_t 
                                                     const char *Zusatz, const char *Strasse, const char *PLZ,
                                                     const char *Ort, const char *Vorname, const char *Datum,
                                                     const char *Registernummer);
+
+/* --- Balances and turnover ------------------------------------------------------------------------------------------ */
+
+/* Amounts are delivered in the form that Ausgabeart names, shown for -1234,50: 1 a sign ("-", "+", or "0" for zero) and
+ * twelve characters, "-000001234,50"; 2 plain, "-1234,50"; 3 with grouping, "-1.234,50". Any other value: -20. Each buffer
+ * has 16 bytes (14 suffice for amounts below ten million); null: not delivered. An amount beyond 999.999.999,99 is refused
+ * with -2, and nothing is delivered.
+ *
+ * Months are months of the fiscal year: 1 is the one in which it begins. */
+
+/* Delivers what an account has been debited and credited with, and the difference (debit minus credit), in the client's
+ * currency and in Euro. Of a cost centre (Kontoart 8) only Umsatzsaldo and Eurosaldo are delivered: its costs. Zeitraum: 1 to
+ * 12 a month, 13 to 16 a quarter, 17 the opening values, 18 all months, 19 the closing values, 20 all months with opening
+ * and closing values; plus 128: from month 1 on; plus 32: with the opening values, where the months begin with month 1;
+ * plus 64: with the closing values, where they end with month 12. Jahr: fiscal year, four digits; negative: the client's
+ * current one. Dimension, Kostref: cost centres only; Kostref may be null. -20 Ausgabeart, -7 Kontoart, -10 Kontonummer,
+ * -44 Zeitraum or Jahr, -5 client, -23 cost centre. */
+ZELK_API ZelkResult ZELK_CALL ZELK_HoleUmsatz(int32_t Mandantennummer, const char *Kontonummer, int32_t Kontoart,
+                                              int32_t Zeitraum, int32_t Jahr, int32_t Fehlermeldungen,
+                                              int32_t Ausgabeart, char *Sollumsatz, char *Habenumsatz,
+                                              char *Umsatzsaldo, char *Eurosoll, char *Eurohaben, char *Eurosaldo,
+                                              int32_t Dimension, const char *Kostref);
+
+/* Delivers the balance of an account (debit minus credit) or of a cost centre. Without PerDatum (null or empty): of the
+ * client's current fiscal year with opening and closing values. With it ("TTMMJJ", "TT.MM.JJ" or "TT.MM.JJJJ"): at the end
+ * of that day, with the opening values of its fiscal year and without closing values. Results as of ZELK_HoleUmsatz; -64
+ * PerDatum; in a year that the client has not, no account exists (-10, -23). */
+ZELK_API ZelkResult ZELK_CALL ZELK_HoleSaldo(int32_t Mandantennummer, const char *Kontonummer, int32_t Kontoart,
+                                             int32_t Fehlermeldungen, int32_t Ausgabeart, char *Saldo, char *Eurosaldo,
+                                             const char *PerDatum, int32_t Dimension, const char *Kostref);
+
+/* Delivers what the cost postings of a fiscal year add up to, in Euro, those that lessen costs subtracted. Kontonummer (cost
+ * centre), Kostenart (cost type): at least one of them; null or empty: all. Aufbau: 1 to 32, the class of a report structure
+ * whose visible account lines name the cost centres that count; 0 or less: all. Dimension: 0 to 5, in which the cost centres
+ * are named; any other value: in whichever. Kostref: only cost centres of that reference, where the client uses references
+ * and the dimension is given; null or empty: all. Zeitraum: 1 to 12 a month, 13 to 16 a quarter, 17 the year. Jahr: four
+ * digits, from the client's first to its current one. -20 Ausgabeart; -10 Kontonummer, Kostenart or Aufbau: missing, too
+ * long or without a cost centre; -5 client; -44 Jahr or Zeitraum. */
+ZELK_API ZelkResult ZELK_CALL ZELK_HoleKostenSaldo(int32_t Mandantennummer, const char *Kontonummer,
+                                                   const char *Kostenart, int32_t Aufbau, int32_t Zeitraum, int32_t Jahr,
+                                                   int32_t Fehlermeldungen, int32_t Ausgabeart, char *Eurosaldo,
+                                                   int32_t Dimension, const char *Kostref);
+
+/* Positions on the first account whose budget values are wanted: 1, or 0 when there is none. Kontoart: 1, 4, 8; any other
+ * value is read as 2. Jahr: fiscal year, four digits; 0: the client's current one. Sortierung, Ab: as for
+ * ZELK_InitHoleKonto. Dimension, Kostref: only cost centres of that dimension and, unless null or empty, of that reference.
+ * -48 Sortierung, -5 client, -44 Jahr. */
+ZELK_API ZelkResult ZELK_CALL ZELK_InitHoleSollwerte(int32_t Mandantennummer, int32_t Kontoart, int32_t Jahr,
+                                                     int32_t Sortierung, const char *Ab, int32_t Dimension,
+                                                     const char *Kostref, int32_t Fehlermeldungen);
+
+/* Delivers the budget values of the account under the cursor and moves on: 1 more follow, 2 this was the last, -40, -39 as
+ * for accounts, -20 Ausgabeart. Kontonummer: 8 bytes, Kuerzel: 9 bytes, Name: 41 bytes. pszMon1 to pszMon12: the months,
+ * pszGesamt: the year, 16 bytes each. plSWinEuro: 1 when they are in Euro, 0 in the client's currency. Each may be null. */
+ZELK_API ZelkResult ZELK_CALL ZELK_HoleSollwerte(char *Kontonummer, char *Kuerzel, char *Name, int32_t Ausgabeart,
+                                                 char *pszMon1, char *pszMon2, char *pszMon3, char *pszMon4,
+                                                 char *pszMon5, char *pszMon6, char *pszMon7, char *pszMon8,
+                                                 char *pszMon9, char *pszMon10, char *pszMon11, char *pszMon12,
+                                                 char *pszGesamt, int32_t *plSWinEuro);
+
+/* --- Report structures ---------------------------------------------------------------------------------------------- */
+
+/* Positions on the first line of a report structure: 1, or 0 when it has none. Klasse: 0 to 32; plus 32768: with the lines
+ * that are hidden. -67 Klasse. */
+ZELK_API ZelkResult ZELK_CALL ZELK_InitHoleAufbau(int32_t Mandatennummer, int32_t Klasse, int32_t Fehlermeldungen);
+
+/* Deliver the line under the cursor and move on, in the order in which a report prints them: 1 more follow, 2 this was the
+ * last, -40 there is no line under the cursor, -3 also where the structure leads to a line that is not there or in a circle.
+ * Art: 0 to 3, 1 and 3 being account lines; plus 4: hidden. Name: 41 bytes; the account number of an account line. Ebene: the
+ * depth of a heading, 1 for the uppermost, and of the heading above an account line. The depth is one for all threads: only
+ * one may walk at a time, or the others' depths are wrong. ID: 41 bytes; the account number of an account line, else the
+ * identifier of the heading. Each pointer may be null. */
+ZELK_API ZelkResult ZELK_CALL ZELK_HoleAufbau(int32_t *Art, char *Name, int32_t *Ebene);
+ZELK_API ZelkResult ZELK_CALL ZELK_HoleAufbauID(int32_t *Art, char *Name, int32_t *Ebene, char *ID);
 
 /* --- Postings ------------------------------------------------------------------------------------------------------- */
 

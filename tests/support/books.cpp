@@ -35,6 +35,10 @@ public:
     found = false;
     return !fails() && inner_->read(op, file, key, upper, record, found);
   }
+  bool sum(FileNumber file, const SCHLUESSEL &lower, const SCHLUESSEL &upper, std::span<const int> fields,
+           std::span<int64_t> sums) override {
+    return !fails() && inner_->sum(file, lower, upper, fields, sums);
+  }
   bool change(ChangeOp op, FileNumber file, DATENBANK *record) override {
     return !fails() && inner_->change(op, file, record);
   }

@@ -6,7 +6,7 @@
 #include "vldb98/records.h"
 #include "vldb98/schema.h"
 
-namespace accounts {
+namespace vlfn98 {
 
 /// The fields that every account has, in the record buffer.
 struct Account {
@@ -29,4 +29,4 @@ constexpr int keyIndex(int table, int32_t order) {
   return table == vldb98::kSachkonto ? 5 : table == vldb98::kKost ? 3 : 4;
 }
 
-} // namespace accounts
+} // namespace vlfn98

@@ -1,0 +1,187 @@
+// The fetch of budget values.
+#include <algorithm>
+#include <cstring>
+
+#include "evaluations/figures.h"
+#include "frame/call.h"
+#include "frame/fetch.h"
+#include "frame/money_output.h"
+#include "vlba98/datum.h"
+#include "vlba98/geld.h"
+#include "vlba98/text.h"
+#include "vldb98/keys.h"
+#include "vlfn98/account_fields.h"
+#include "vlfn98/fiscal_year.h"
+
+using namespace evaluations;
+using namespace frame;
+using namespace vldb98;
+
+namespace {
+
+// Records of a fiscal year: the kind of the fetch, whatever their table.
+constexpr int32_t kJahressaetze = 117;
+constexpr size_t kMaxFrom = 41;
+constexpr int kValues = vlfn98::kMonate + 1; // the months and the year
+
+int tableOfKind(int32_t kind) {
+  return kind == ZELK_KOSTENSTELLE ? kKost
+         : kind == ZELK_SACHKONTO  ? kSachkonto
+         : kind == ZELK_DEBITOR    ? kDebitor
+                                   : kKreditor;
+}
+
+Outcome openYear(Store &store, int32_t year) {
+  const FIRMENSTAMM &client = store.HoleFista();
+  const int current = vlba98::yearOfCode(client.AktJahr);
+  const int first = *client.StartJahr ? vlba98::yearOfCode(client.StartJahr) : current;
+  if (year == 0) year = current;
+  uint8_t exists = 0;
+  if (year >= first && year <= current && !vlfn98::OeffneJahr(store, year, exists)) return {ZELKERR_Datenbank};
+  if (exists) return {};
+  return {ZELKERR_uzl_Zeitraum, resources::kIstUnzulaessig, "Zeitraum"};
+}
+
+bool belongs(const SharedFetch &fetch, const DATENBANK &record) {
+  if (tableOf(fetch.file) != kKost) return true;
+  const KOST &centre = record.Kost;
+  return centre.Dimension == fetch.dimension &&
+         (!*fetch.reference || std::memcmp(centre.Kostref, fetch.reference, sizeof fetch.reference) == 0);
+}
+
+// Goes on to the next record that belongs to the fetch. \return 0 when the store failed
+int skip(Store &store, const SharedFetch &fetch, DATENBANK &record, uint8_t &found) {
+  int done = 1;
+  while (done && found && !belongs(fetch, record))
+    done = store.GetNextExt(record, found, fetch.file, ZELK_ENG_DEFAULT);
+  return done;
+}
+
+// Puts the fetch on its first record.
+ZelkResult start(ThreadContext &context, Store &store, FileNumber file, const SCHLUESSEL *from, int32_t dimension,
+                 const char *reference) {
+  if (ZelkResult started = startFetch(context, store, file, from, ZELK_keinKonto); started != ZELK_OK) return started;
+  SharedFetch &fetch = context.fetch;
+  fetch.kind = kJahressaetze;
+  fetch.dimension = dimension;
+  if (reference && *reference) {
+    vlba98::strncpy2(fetch.reference, reference);
+    vlba98::FillWithSpaces(fetch.reference);
+  }
+  uint8_t found = 1;
+  const int done = skip(store, fetch, fetch.record, found);
+  if (done && found) return ZELK_OK;
+  fetch.end();
+  return done ? ZELK_keinKonto : ZELKERR_Datenbank;
+}
+
+// Reads the record behind the pending one.
+ZelkResult readAhead(ThreadContext &context, DATENBANK &next) {
+  ZelkResult result = detail::readAhead(context, kJahressaetze, next);
+  if (result != ZELK_OK) return result;
+  uint8_t found = 1;
+  if (skip(*context.session(), context.fetch, next, found)) return found ? ZELK_OK : ZELK_letzterDatensatz;
+  context.fetch.end();
+  return ZELKERR_Datenbank;
+}
+
+// The value of a month from 0, of the year behind the last.
+int64_t budgetValue(const SOLLWERTE &values, int i) {
+  return vlba98::parseGeld(i < vlfn98::kMonate ? values.Monat[i] : values.Gesamt).value_or(0);
+}
+
+const SOLLWERTE &budgetOf(int table, const DATENBANK &record) {
+  return table == kKost        ? record.Kost.Sollwerte
+         : table == kSachkonto ? record.Sachkonto.Sollwerte
+                               : record.Personenkonto.Sollwerte;
+}
+
+int32_t budgetInEuro(int table, const DATENBANK &record) {
+  return table == kKost        ? record.Kost.SWinEuro
+         : table == kSachkonto ? record.Sachkonto.SWinEuro
+                               : record.Personenkonto.SWinEuro;
+}
+
+Outcome deliverRecord(int table, const DATENBANK &record, int32_t form, char *const (&buffers)[kValues]) {
+  int64_t values[kValues];
+  char internal[vlba98::geldWidth + 1];
+  for (int i = 0; i < kValues; ++i) {
+    values[i] = budgetValue(budgetOf(table, record), i);
+    if (table == kKost) values[i] += budgetValue(record.Kost.Sollwerte2, i);
+    if (buffers[i] && !vlba98::formatGeld(values[i], internal)) return {ZELKERR_sonst, resources::kBetragZuGross};
+  }
+  for (int i = 0; i < kValues; ++i)
+    if (buffers[i] && vlba98::formatGeld(values[i], internal)) formatAmount(form, buffers[i], internal);
+  return {};
+}
+
+} // namespace
+
+ZelkResult ZELK_CALL ZELK_InitHoleSollwerte(int32_t Mandantennummer, int32_t Kontoart, int32_t Jahr, int32_t Sortierung,
+                                            const char *Ab, int32_t Dimension, const char *Kostref,
+                                            int32_t Fehlermeldungen) {
+  static constexpr Export self{.name = "ZELK_InitHoleSollwerte"};
+  return run(self,
+             {number("Mandantennummer:", Mandantennummer), number("Kontoart:", Kontoart), number("Jahr:", Jahr),
+              number("Sortierung:", Sortierung), text("Ab:", Ab), number("Dimension:", Dimension),
+              text("Kostref:", Kostref), messages(Fehlermeldungen)},
+             [&](ThreadContext *context) -> ZelkResult {
+               context->fetch.end();
+               if (Sortierung < 0 || Sortierung >= vlfn98::kOrders)
+                 return refuse(*context, ZELKERR_uzl_Sortierung, resources::kSortierungUnzulaessig);
+               Store *store = context->session();
+               if (!store) return ZELKERR_Datenbank;
+               if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
+               if (Outcome opened = openYear(*store, Jahr); opened.result <= 0) return finish(*context, opened);
+               const int table = tableOfKind(Kontoart);
+               if (!waitForYear(*store, kJahressaetze, table)) return ZELKERR_Datenbank;
+               const FileNumber file = fileNumber(table, vlfn98::keyIndex(table, Sortierung));
+               if (!Ab || !*Ab) return start(*context, *store, file, nullptr, Dimension, Kostref);
+               KeyBuilder from;
+               if (Sortierung == 0)
+                 from.account(Ab);
+               else
+                 from.text(Ab, kMaxFrom);
+               const SCHLUESSEL key = from;
+               return start(*context, *store, file, &key, Dimension, Kostref);
+             });
+}
+
+ZelkResult ZELK_CALL ZELK_HoleSollwerte(char *Kontonummer, char *Kuerzel, char *Name, int32_t Ausgabeart, char *pszMon1,
+                                        char *pszMon2, char *pszMon3, char *pszMon4, char *pszMon5, char *pszMon6,
+                                        char *pszMon7, char *pszMon8, char *pszMon9, char *pszMon10, char *pszMon11,
+                                        char *pszMon12, char *pszGesamt, int32_t *plSWinEuro) {
+  static constexpr Export self{.name = "ZELK_HoleSollwerte", .fetch = true};
+  char *const values[kValues] = {pszMon1, pszMon2, pszMon3,  pszMon4,  pszMon5,  pszMon6,  pszMon7,
+                                 pszMon8, pszMon9, pszMon10, pszMon11, pszMon12, pszGesamt};
+  return run(self,
+             {out("Kontonummer:", Kontonummer), out("Kürzel:", Kuerzel), out("Name:", Name),
+              number("Ausgabeart:", Ausgabeart), out("Mon1:", pszMon1), out("Mon2:", pszMon2), out("Mon3:", pszMon3),
+              out("Mon4:", pszMon4), out("Mon5:", pszMon5), out("Mon6:", pszMon6), out("Mon7:", pszMon7),
+              out("Mon8:", pszMon8), out("Mon9:", pszMon9), out("Mon10:", pszMon10), out("Mon11:", pszMon11),
+              out("Mon12:", pszMon12), out("Gesamt:", pszGesamt), out("SWinEuro:", plSWinEuro)},
+             [&](ThreadContext *context) -> ZelkResult {
+               SharedFetch &fetch = context->fetch;
+               if (fetch.kind != kJahressaetze) return ZELKERR_keinInit;
+               if (!fetch.pending) return ZELKERR_keinDatensatz;
+               const bool anyValue = std::any_of(std::begin(values), std::end(values), [](char *v) { return v; });
+               if (anyValue && !isAmountForm(Ausgabeart)) return finish(*context, checkForm(Ausgabeart));
+               DATENBANK next{};
+               const ZelkResult ahead = readAhead(*context, next);
+               if (ahead < 0) return ahead;
+               const int table = tableOf(fetch.file);
+               const Outcome delivered = deliverRecord(table, fetch.record, Ausgabeart, values);
+               if (delivered.result <= 0) return finish(*context, delivered);
+               const vlfn98::Account account = vlfn98::accountOf(table, fetch.record);
+               if (Kontonummer) {
+                 vlba98::strncpy2(Kontonummer, account.number, sizeof SACHKONTO::Nr);
+                 vlba98::KillSpaces(Kontonummer);
+               }
+               if (Kuerzel) vlba98::strncpy2(Kuerzel, account.shortName, sizeof SACHKONTO::Kuerzel);
+               if (Name) vlba98::strncpy2(Name, account.name, sizeof SACHKONTO::Name);
+               if (plSWinEuro) *plSWinEuro = budgetInEuro(table, fetch.record);
+               fetch.pending = ahead == ZELK_OK;
+               if (fetch.pending) fetch.record = next;
+               return ahead;
+             });
+}

@@ -1,0 +1,186 @@
+// The balance of cost postings.
+#include <limits>
+
+#include "evaluations/figures.h"
+#include "frame/call.h"
+#include "frame/snapshot.h"
+#include "vlba98/encoding.h"
+#include "vlba98/text.h"
+#include "vldb98/keys.h"
+#include "vlfn98/cost_postings.h"
+
+using namespace evaluations;
+using namespace frame;
+using namespace vldb98;
+
+namespace {
+
+constexpr FileNumber kJahressaetze = 117;
+constexpr size_t kMaxNumber = 9;
+constexpr int32_t kDimensionen = 6;
+constexpr int32_t kErstesQuartal = 13, kGanzesJahr = 17;
+constexpr int32_t kKontozeile = 1, kVerborgen = 4; // flags of a structure line
+
+/// What a call asks for. Empty texts: not given.
+struct Request {
+  int32_t client;
+  std::string_view costCentre, costType;
+  int32_t structure, period, year, dimension;
+  std::string_view reference;
+};
+
+Outcome tooLong(const char *what, std::string_view value) {
+  Outcome outcome = inadmissible(ZELKERR_uzl_Kontonr, what);
+  outcome.fill.replace(outcome.fill.find("%s"), 2, value);
+  return outcome;
+}
+
+Outcome checkNumbers(std::string_view costCentre, std::string_view costType) {
+  if (vlba98::trimmed(costCentre).empty() && vlba98::trimmed(costType).empty())
+    return {ZELKERR_uzl_Kontonr, resources::kKostenstelleOderKostenart};
+  if (costCentre.size() > kMaxNumber) return tooLong("Die Kostenstelle %s ist", costCentre);
+  if (costType.size() > kMaxNumber) return tooLong("Die Kostenart %s ist", costType);
+  return {};
+}
+
+Outcome checkYear(Store &store, int32_t year) {
+  char first[3];
+  if (!store.HoleMinJahr(first)) return {ZELKERR_Datenbank};
+  uint8_t exists = 0;
+  const bool inRange = year >= vlba98::yearOfCode(first) && year <= vlba98::yearOfCode(store.HoleBuchJahr());
+  if (inRange && !vlfn98::OeffneJahr(store, year, exists)) return {ZELKERR_Datenbank};
+  return exists ? Outcome{} : inadmissible(ZELKERR_uzl_Zeitraum, "Das Geschäftsjahr ist");
+}
+
+/// The numbers that the visible account lines of a report structure name. \return 0 when the store failed
+int numbersOf(Store &store, int32_t structure, std::set<std::string> &numbers) {
+  const FileNumber file = kStructureTables[size_t(structure)];
+  DATENBANK record{};
+  uint8_t found;
+  int done = store.StepFirstExt(record, found, file, ZELK_ENG_DEFAULT);
+  while (done && found) {
+    const AUFBAU &line = record.Aufbau;
+    if ((line.Flags & kKontozeile) && !(line.Flags & kVerborgen)) numbers.emplace(vlba98::trimmed(line.Name));
+    done = store.StepNextExt(record, found, file, ZELK_ENG_DEFAULT);
+  }
+  return done;
+}
+
+/// The cost centres of the open year that a call asks for, in a set that restricts the postings.
+class CostCentres {
+public:
+  CostCentres(Store &store, const Request &request) : store_(store), request_(request) {}
+
+  /// \param numbers stays nothing when the call does not restrict the cost centres
+  Outcome select(std::optional<std::set<std::string>> &numbers) {
+    if (request_.structure >= int32_t(kStructureTables.size()))
+      return inadmissible(ZELKERR_uzl_Kontonr, "Der Aufbau ist");
+    uint8_t referenced = 0;
+    const bool hasDimension = request_.dimension >= 0 && request_.dimension < kDimensionen;
+    if (hasDimension && !request_.reference.empty() && !vlfn98::IsKostrefActive(store_, referenced))
+      return {ZELKERR_Datenbank};
+    if (request_.structure > 0 && !numbersOf(store_, request_.structure, inStructure_)) return {ZELKERR_Datenbank};
+    if (request_.costCentre.empty() && request_.structure <= 0 && !referenced) return {};
+
+    numbers.emplace();
+    DATENBANK record{};
+    uint8_t found;
+    // In the order of numbers, from the one asked for.
+    const SCHLUESSEL from = KeyBuilder().account(request_.costCentre).number(std::numeric_limits<int16_t>::min());
+    int done = request_.costCentre.empty() ? store_.GetFirstExt(record, found, kKost, ZELK_ENG_DEFAULT, 0)
+                                           : store_.GetGeExt(record, from, found, kKost, ZELK_ENG_DEFAULT, 0);
+    while (done && found) {
+      const KOST &centre = record.Kost;
+      const std::string_view number = vlba98::trimmed(centre.Nr);
+      if (!request_.costCentre.empty() && number != request_.costCentre) break;
+      const bool wanted = (!hasDimension || centre.Dimension == request_.dimension) &&
+                          (!referenced || vlba98::trimmed(centre.Kostref) == request_.reference) &&
+                          (request_.structure <= 0 || inStructure_.count(std::string(number)));
+      if (wanted) numbers->emplace(number);
+      done = store_.GetNextExt(record, found, kKost, ZELK_ENG_DEFAULT);
+    }
+    if (!done) return {ZELKERR_Datenbank};
+    return numbers->empty() ? inadmissible(ZELKERR_uzl_Kontonr, "Die Kostenstelle ist") : Outcome{};
+  }
+
+private:
+  Store &store_;
+  const Request &request_;
+  std::set<std::string> inStructure_;
+};
+
+Outcome select(Store &store, const Request &request, vlfn98::Kostenauswahl &selection) {
+  uint8_t exists = 1;
+  selection.costType = request.costType;
+  selection.dimension = request.dimension;
+  if (!request.costType.empty() &&
+      !store.Used(KeyBuilder().account(request.costType), exists, kSachkonto, ZELK_ENG_DEFAULT))
+    return {ZELKERR_Datenbank};
+  if (!exists || request.costType.size() >= sizeof SACHKONTO::Nr)
+    return inadmissible(ZELKERR_uzl_Kontonr, "Die Kostenart ist");
+  return CostCentres(store, request).select(selection.costCentres);
+}
+
+Outcome costsOf(Store &store, const Request &request, int64_t &euro) {
+  if (Outcome opened = openClient(store, request.client); opened.result <= 0) return opened;
+  if (Outcome checked = checkYear(store, request.year); checked.result <= 0) return checked;
+  vlfn98::Kostenauswahl selection;
+  if (Outcome selected = select(store, request, selection); selected.result <= 0) return selected;
+  int first = request.period, last = first;
+  if (request.period == kGanzesJahr) {
+    first = 1;
+    last = vlfn98::kMonate;
+  } else if (request.period >= kErstesQuartal && request.period < kGanzesJahr) {
+    first = 3 * (request.period % kErstesQuartal) + 1;
+    last = first + 2;
+  } else if (request.period < 1 || request.period > vlfn98::kMonate)
+    return {ZELKERR_uzl_Zeitraum, resources::kIstUnzulaessig, "Zeitraum"};
+  GESCHAEFTSJAHR year{};
+  uint8_t found;
+  vlfn98::Werte values;
+  const bool done = vlfn98::HoleGeschaeftsjahr(store, request.year, year, found) &&
+                    waitForYear(store, kJahressaetze, kKostenbuchung) &&
+                    vlfn98::SummeDerKostenbuchungen(store, vlfn98::TageDerMonate(year, first, last), selection, values);
+  euro = values.euroSaldo();
+  return {done ? ZELK_OK : ZELKERR_Datenbank};
+}
+
+std::string_view given(const char *text) {
+  return text ? text : "";
+}
+
+} // namespace
+
+ZelkResult ZELK_CALL ZELK_HoleKostenSaldo(int32_t Mandantennummer, const char *Kontonummer, const char *Kostenart,
+                                          int32_t Aufbau, int32_t Zeitraum, int32_t Jahr, int32_t Fehlermeldungen,
+                                          int32_t Ausgabeart, char *Eurosaldo, int32_t Dimension, const char *Kostref) {
+  static constexpr Export self{.name = "ZELK_HoleKostenSaldo"};
+  return run(self,
+             {number("Mandantennummer:", Mandantennummer), text("Kontonummer:", Kontonummer),
+              text("Kostenart:", Kostenart), number("Aufbau:", Aufbau), number("Zeitraum:", Zeitraum),
+              number("Jahr:", Jahr), messages(Fehlermeldungen), number("Ausgabeart:", Ausgabeart),
+              out("Eurosaldo:", Eurosaldo), number("Dimension:", Dimension), text("Kostref:", Kostref)},
+             [&](ThreadContext *context) {
+               const Request request{Mandantennummer,
+                                     vlba98::trimmed(given(Kontonummer)),
+                                     vlba98::trimmed(given(Kostenart)),
+                                     Aufbau,
+                                     Zeitraum,
+                                     Jahr,
+                                     Dimension,
+                                     vlba98::trimmed(given(Kostref))};
+               Outcome outcome = checkForm(Ausgabeart);
+               if (outcome.result > 0) outcome = checkNumbers(given(Kontonummer), given(Kostenart));
+               if (outcome.result <= 0) return finish(*context, outcome);
+               Store *store = context->session();
+               if (!store) return ZelkResult(ZELKERR_Datenbank);
+               int64_t euro = 0;
+               const ZelkResult read = inSnapshot(*store, [&] {
+                 outcome = costsOf(*store, request, euro);
+                 return outcome.result;
+               });
+               if (read == ZELKERR_Datenbank) return read;
+               if (outcome.result > 0) outcome = deliver(Ausgabeart, {{Eurosaldo, euro}});
+               return finish(*context, outcome);
+             });
+}

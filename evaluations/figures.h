@@ -1,0 +1,56 @@
+/// What the functions that deliver figures of one account have in common.
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <string_view>
+
+#include "frame/context.h"
+#include "frame/locked_tables.h"
+#include "vldb98/store.h"
+
+namespace evaluations {
+
+/// The account that a call is about.
+struct AccountRequest {
+  int32_t client;
+  const char *number; ///< may be null
+  int32_t kind;       ///< at the boundary: 1, 2, 4 or 8
+  int32_t dimension;  ///< of a cost centre
+  const char *reference;
+};
+
+/// An amount and where the caller wants it; null: nowhere.
+struct Figure {
+  char *buffer;
+  int64_t hundredths;
+};
+
+/// Refuses with "%s unzulässig!". \param what UTF-8, with its verb: "Die Kostenstelle ist"
+frame::Outcome inadmissible(ZelkResult code, std::string_view what);
+
+/// -20 for an output form other than 1 to 3, else 1.
+frame::Outcome checkForm(int32_t form);
+
+/// Opens the client: 1, or why it cannot be opened.
+frame::Outcome openClient(vldb98::Store &store, int32_t client);
+
+/// -23 for a cost centre, -10 for another account.
+frame::Outcome noSuchAccount(int32_t kind);
+
+/// Reads the account in the open fiscal year.
+/// \return 1; -3; that there is none
+frame::Outcome readAccount(vldb98::Store &store, const AccountRequest &account, vldb98::DATENBANK &record);
+
+/// Waits for whoever changes a kind of records of a client's fiscal year. Takes nothing itself: what is read holds
+/// together because it is read in a snapshot. \param resource 117 records of the year, 118 its entries \param table -1:
+/// all \return 0 when it takes too long
+int waitForYear(vldb98::Store &store, vldb98::FileNumber resource, int table);
+
+/// Hands figures out, all of them or none: -2 where one that is wanted lies beyond ±999.999.999,99.
+frame::Outcome deliver(int32_t form, std::initializer_list<Figure> figures);
+
+/// The result of a call, with its message where it is a refusal.
+ZelkResult finish(const frame::ThreadContext &context, const frame::Outcome &outcome);
+
+} // namespace evaluations

@@ -1,0 +1,125 @@
+#include "evaluations/turnover.h"
+
+#include <cstring>
+
+#include "frame/snapshot.h"
+#include "vlba98/datum.h"
+#include "vlfn98/accounts.h"
+#include "vlfn98/cost_postings.h"
+
+using namespace frame;
+using namespace vldb98;
+
+namespace evaluations {
+namespace {
+
+constexpr FileNumber kJahressaetze = 117, kJahresbuchungen = 118;
+
+Outcome openYear(Store &store, int32_t year) {
+  // Opening the client has opened its current booking year.
+  if (year < 0) return {};
+  uint8_t exists;
+  if (!vlfn98::OeffneJahr(store, year, exists)) return {ZELKERR_Datenbank};
+  return exists ? Outcome{} : inadmissible(ZELKERR_uzl_Zeitraum, "Das Geschäftsjahr ist");
+}
+
+Outcome checkAccount(const AccountRequest &account) {
+  if (!vlfn98::isAccountKind(account.kind)) return {ZELKERR_uzl_Kontoart, resources::kKontoartUnzulaessig};
+  if (account.number && std::strlen(account.number) >= sizeof SACHKONTO::Nr)
+    return {ZELKERR_uzl_Kontonr, resources::kKontonummerUnzulaessig};
+  return {};
+}
+
+// Reads the account and sums it up to a day, in one state of the books.
+Outcome sumUpTo(Store &store, const AccountRequest &account, const char *date, vlfn98::Werte &values) {
+  if (Outcome opened = openClient(store, account.client); opened.result <= 0) return opened;
+  if (!vlfn98::isAccountKind(account.kind)) return {ZELKERR_uzl_Kontoart, resources::kKontoartUnzulaessig};
+  const auto day = vlba98::parseDatum(date);
+  if (!day) return {ZELKERR_uzl_Datum, resources::kDatumUnzulaessig};
+
+  GESCHAEFTSJAHR year{};
+  uint8_t found;
+  if (!vlfn98::HoleGeschaeftsjahr(store, *day, year, found)) return {ZELKERR_Datenbank};
+  const int table = vlfn98::KzFromZELKArt(account.kind);
+  if (found && !vlfn98::OeffneJahr(store, year.Jahr, found)) return {ZELKERR_Datenbank};
+  // In no fiscal year there is no account.
+  if (!found) return noSuchAccount(account.kind);
+  if (!waitForYear(store, kJahressaetze, table)) return {ZELKERR_Datenbank};
+  DATENBANK record{};
+  if (Outcome read = readAccount(store, account, record); read.result <= 0) return read;
+  if (!waitForYear(store, kJahresbuchungen, -1)) return {ZELKERR_Datenbank};
+
+  const int month = vlfn98::BuchungsMonat(year, *day);
+  values = vlfn98::summeDerWerte(table, record, {1, month - 1, true, false});
+  const vlfn98::Zeitspanne days{vlfn98::TageDerMonate(year, month, month).von, *day};
+  vlfn98::Werte ofMonth;
+  const int done = table == kKost ? vlfn98::GetKostMonatsWerte(store, record.Kost, days, ofMonth)
+                                  : vlfn98::GetKontoMonatsWerte(store, table, account.number, days, ofMonth);
+  values += ofMonth;
+  return {done ? ZELK_OK : ZELKERR_Datenbank};
+}
+
+} // namespace
+
+std::optional<vlfn98::Wertebereich> parsePeriod(int32_t code) {
+  const int32_t number = code & kZeitraumMaske;
+  vlfn98::Wertebereich range;
+  if (number < 1 || number > kGanzesJahr) return std::nullopt;
+  if (number < kErstesQuartal)
+    range.first = range.last = number;
+  else if (number < kNurEroeffnung) {
+    range.first = 3 * (number - kErstesQuartal) + 1;
+    range.last = range.first + 2;
+  } else if (number == kAlleMonate || number == kGanzesJahr)
+    range.last = vlfn98::kMonate;
+  if ((code & kKumuliert) && range.first <= range.last) range.first = 1;
+  if (number == kNurEroeffnung || number == kNurAbschluss) {
+    range.opening = number == kNurEroeffnung;
+    range.closing = number == kNurAbschluss;
+  } else {
+    range.opening = number == kGanzesJahr || ((code & kMitEroeffnung) && range.first == 1);
+    range.closing = number == kGanzesJahr || ((code & kMitAbschluss) && range.last == vlfn98::kMonate);
+  }
+  return range;
+}
+
+Outcome turnover(ThreadContext &context, const AccountRequest &account, int32_t period, int32_t year, int32_t form,
+                 const TurnoverOutputs &outputs) {
+  if (Outcome checked = checkForm(form); checked.result <= 0) return checked;
+  if (Outcome checked = checkAccount(account); checked.result <= 0) return checked;
+  const auto range = parsePeriod(period);
+  if (!range) return inadmissible(ZELKERR_uzl_Zeitraum, "Die Zeitraumangabe ist");
+  Store *store = context.session();
+  if (!store) return {ZELKERR_Datenbank};
+  if (Outcome opened = openClient(*store, account.client); opened.result <= 0) return opened;
+  if (Outcome opened = openYear(*store, year); opened.result <= 0) return opened;
+  DATENBANK record;
+  if (Outcome read = readAccount(*store, account, record); read.result <= 0) return read;
+  const vlfn98::Werte values = vlfn98::summeDerWerte(vlfn98::KzFromZELKArt(account.kind), record, *range);
+  if (account.kind == ZELK_KOSTENSTELLE)
+    return deliver(form, {{outputs.balance, values.saldo()}, {outputs.euroBalance, values.euroSaldo()}});
+  return deliver(form, {{outputs.debit, values.soll},
+                        {outputs.credit, values.haben},
+                        {outputs.balance, values.saldo()},
+                        {outputs.euroDebit, values.euroSoll},
+                        {outputs.euroCredit, values.euroHaben},
+                        {outputs.euroBalance, values.euroSaldo()}});
+}
+
+Outcome balanceOnDay(ThreadContext &context, const AccountRequest &account, const char *date, int32_t form,
+                     char *balance, char *euroBalance) {
+  if (Outcome checked = checkForm(form); checked.result <= 0) return checked;
+  Store *store = context.session();
+  if (!store) return {ZELKERR_Datenbank};
+  Outcome outcome;
+  vlfn98::Werte values;
+  const ZelkResult read = inSnapshot(*store, [&] {
+    outcome = sumUpTo(*store, account, date, values);
+    return outcome.result;
+  });
+  if (read == ZELKERR_Datenbank) return {read};
+  if (outcome.result <= 0) return outcome;
+  return deliver(form, {{balance, values.saldo()}, {euroBalance, values.euroSaldo()}});
+}
+
+} // namespace evaluations

@@ -1,0 +1,33 @@
+/// The turnover of an account, and its balance on a day.
+#pragma once
+
+#include <optional>
+
+#include "evaluations/figures.h"
+#include "vlfn98/balances.h"
+
+namespace evaluations {
+
+/// Period codes: a number in the low five bits, flags above.
+constexpr int32_t kZeitraumMaske = 31;
+constexpr int32_t kMitEroeffnung = 32, kMitAbschluss = 64, kKumuliert = 128;
+constexpr int32_t kErstesQuartal = 13, kNurEroeffnung = 17, kAlleMonate = 18, kNurAbschluss = 19, kGanzesJahr = 20;
+
+/// What a period code stands for; nothing for one that is none.
+std::optional<vlfn98::Wertebereich> parsePeriod(int32_t code);
+
+struct TurnoverOutputs {
+  char *debit, *credit, *balance;
+  char *euroDebit, *euroCredit, *euroBalance;
+};
+
+/// \param year four digits; below 0: the client's current booking year
+frame::Outcome turnover(frame::ThreadContext &context, const AccountRequest &account, int32_t period, int32_t year,
+                        int32_t form, const TurnoverOutputs &outputs);
+
+/// The balance at the end of a day, from the values of the months before and the entries of its month up to it, without
+/// closing entries. \param date as the host writes it
+frame::Outcome balanceOnDay(frame::ThreadContext &context, const AccountRequest &account, const char *date,
+                            int32_t form, char *balance, char *euroBalance);
+
+} // namespace evaluations

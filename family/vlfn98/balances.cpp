@@ -1,0 +1,94 @@
+#include "vlfn98/balances.h"
+
+#include <iterator>
+
+#include "vlba98/geld.h"
+#include "vlba98/text.h"
+#include "vldb98/keys.h"
+
+using namespace vldb98;
+
+namespace vlfn98 {
+namespace {
+
+template <class Account> const char *valueOf(const Account &account, int kind, int currency, int index) {
+  const KONTOWERTE &values = currency == kEurowert ? account.EuroWerte : account.Werte;
+  switch (kind) {
+  case kEroeffnungSoll:
+    return values.Eroeffnung.Soll;
+  case kEroeffnungHaben:
+    return values.Eroeffnung.Haben;
+  case kAbschlussSoll:
+    return values.Abschluss.Soll;
+  case kAbschlussHaben:
+    return values.Abschluss.Haben;
+  default:
+    const WERTEPAAR &month = values.Monat[index / 2];
+    return index % 2 ? month.Haben : month.Soll;
+  }
+}
+
+// What the store delivers is a money text, or empty for zero.
+int64_t hundredths(const char *internalForm) {
+  return vlba98::parseGeld(internalForm).value_or(0);
+}
+
+template <class Account> Werte sum(const Account &account, const Wertebereich &range) {
+  Werte total;
+  auto add = [&](int debitKind, int creditKind, int debit, int credit) {
+    total.soll += hundredths(GetSaldozeiger(account, debitKind, kEigeneWaehrung, debit));
+    total.haben += hundredths(GetSaldozeiger(account, creditKind, kEigeneWaehrung, credit));
+    total.euroSoll += hundredths(GetSaldozeiger(account, debitKind, kEurowert, debit));
+    total.euroHaben += hundredths(GetSaldozeiger(account, creditKind, kEurowert, credit));
+  };
+  if (range.opening) add(kEroeffnungSoll, kEroeffnungHaben, 0, 0);
+  if (range.closing) add(kAbschlussSoll, kAbschlussHaben, 0, 0);
+  for (int month = range.first; month <= range.last; ++month)
+    add(kMonatswert, kMonatswert, 2 * month - 2, 2 * month - 1);
+  return total;
+}
+
+} // namespace
+
+const char *GetSaldozeiger(const SACHKONTO &account, int kind, int currency, int index) {
+  return valueOf(account, kind, currency, index);
+}
+const char *GetSaldozeiger(const PERSONENKONTO &account, int kind, int currency, int index) {
+  return valueOf(account, kind, currency, index);
+}
+const char *GetSaldozeiger(const KOST &centre, int currency, int index) {
+  return currency == kEurowert ? centre.EuroKosten[index] : centre.Kosten[index];
+}
+
+Werte summeDerWerte(int table, const DATENBANK &record, const Wertebereich &range) {
+  if (table == kSachkonto) return sum(record.Sachkonto, range);
+  if (table != kKost) return sum(record.Personenkonto, range);
+  Werte total;
+  for (int month = range.first; month <= range.last; ++month) {
+    total.soll += hundredths(GetSaldozeiger(record.Kost, kEigeneWaehrung, month - 1));
+    total.euroSoll += hundredths(GetSaldozeiger(record.Kost, kEurowert, month - 1));
+  }
+  return total;
+}
+
+int GetKontoMonatsWerte(Store &store, int table, const char *account, const Zeitspanne &days, Werte &values) {
+  constexpr int16_t ofTheYear = 0;
+  static const Table &entries = *findTable(kBuchungsbeleg);
+  static const int fields[] = {entries.fieldIndex("Soll"), entries.fieldIndex("Haben"), entries.fieldIndex("EuroSoll"),
+                               entries.fieldIndex("EuroHaben")};
+  auto key = [&](const vlba98::Datum &day) {
+    return KeyBuilder()
+        .number(int16_t(table))
+        .account(account)
+        .number(ofTheYear)
+        .text(vlba98::toReversed(day).data(), 6);
+  };
+  values = {};
+  if (days.von > days.bis) return 1;
+  int64_t sums[std::size(fields)];
+  if (!store.Sum(key(days.von), key(days.bis), fields, sums, fileNumber(kBuchungsbeleg, 1), ZELK_ENG_DEFAULT)) return 0;
+  values = {sums[0], sums[1], sums[2], sums[3]};
+  return 1;
+}
+
+} // namespace vlfn98

@@ -1,0 +1,93 @@
+#include "vlfn98/cost_postings.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "vlba98/geld.h"
+#include "vlba98/text.h"
+#include "vldb98/keys.h"
+#include "vlfn98/costs.h"
+
+using namespace vldb98;
+
+namespace vlfn98 {
+namespace {
+
+constexpr int16_t kLessensCosts = 32;
+constexpr int kDimensions = 6;
+
+// The cost centres of a posting that may be the one asked for.
+class NamedCentres {
+public:
+  NamedCentres(const FISTA_EXT &client, int32_t dimension) {
+    for (int n = 0; n < kKostenstellen; ++n)
+      counts_[n] = dimension < 0 || dimension >= kDimensions || kostDimension(client, n) == dimension;
+  }
+  template <class Wanted> bool any(const KOSTENBUCHUNG &posting, Wanted &&wanted) const {
+    const char *const named[kKostenstellen] = {posting.Kostenstelle1, posting.Kostenstelle2, posting.Kostenstelle3,
+                                               posting.Kostenstelle4, posting.Kostenstelle5, posting.Kostenstelle6};
+    for (int n = 0; n < kKostenstellen; ++n)
+      if (counts_[n] && wanted(std::string(vlba98::trimmed(named[n])))) return true;
+    return false;
+  }
+
+private:
+  bool counts_[kKostenstellen];
+};
+
+void add(Werte &values, const KOSTENBUCHUNG &posting) {
+  const int sign = posting.Flags & kLessensCosts ? -1 : 1;
+  values.soll += sign * vlba98::parseGeld(posting.Betrag).value_or(0);
+  values.euroSoll += sign * vlba98::parseGeld(posting.EuroBetrag).value_or(0);
+}
+
+} // namespace
+
+int IsKostrefActive(Store &store, uint8_t &active) {
+  DATENBANK record{};
+  uint8_t found;
+  active = 0;
+  int done = store.GetFirstExt(record, found, kKost, ZELK_ENG_DEFAULT, 0);
+  while (done && found && !active) {
+    active = !vlba98::trimmed(record.Kost.Kostref).empty();
+    if (!active) done = store.GetNextExt(record, found, kKost, ZELK_ENG_DEFAULT);
+  }
+  return done;
+}
+
+int SummeDerKostenbuchungen(Store &store, const Zeitspanne &days, const Kostenauswahl &selection, Werte &values) {
+  values = {};
+  if (days.von > days.bis) return 1;
+  FISTA_EXT client{};
+  uint8_t found;
+  if (!store.GetExtFista(client, found)) return 0;
+  const NamedCentres centres(client, selection.dimension);
+  auto counts = [&](const KOSTENBUCHUNG &posting) {
+    if (!selection.costType.empty() && vlba98::trimmed(posting.Kostenart) != selection.costType) return false;
+    return !selection.costCentres ||
+           centres.any(posting, [&](const std::string &number) { return selection.costCentres->count(number) > 0; });
+  };
+  auto key = [](const vlba98::Datum &day) { return KeyBuilder().text(vlba98::toReversed(day).data(), 6); };
+  DATENBANK record{};
+  constexpr FileNumber byDate = fileNumber(kKostenbuchung, 1);
+  int done = store.GetRangeExt(record, key(days.von), key(days.bis), found, byDate, ZELK_ENG_DEFAULT);
+  while (done && found) {
+    if (counts(record.Kostenbuchung)) add(values, record.Kostenbuchung);
+    done = store.GetNextExt(record, found, byDate, ZELK_ENG_DEFAULT);
+  }
+  return done;
+}
+
+int GetKostMonatsWerte(Store &store, const KOST &centre, const Zeitspanne &days, Werte &values) {
+  KOST first{};
+  uint8_t exists;
+  values = {};
+  if (!IsKostenstelle(store, centre.Nr, centre.Dimension, first, exists)) return 0;
+  if (!exists || std::strcmp(first.Kostref, centre.Kostref) != 0) return 1;
+  Kostenauswahl selection;
+  selection.costCentres = {std::string(vlba98::trimmed(centre.Nr))};
+  selection.dimension = centre.Dimension;
+  return SummeDerKostenbuchungen(store, days, selection, values);
+}
+
+} // namespace vlfn98

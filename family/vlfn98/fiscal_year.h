@@ -1,0 +1,34 @@
+/// Fiscal years and their months. A fiscal year bears the calendar year in which it begins.
+#pragma once
+
+#include <cstdint>
+
+#include "vlba98/datum.h"
+#include "vldb98/store.h"
+
+namespace vlfn98 {
+
+constexpr int kMonate = 12;
+
+/// The fiscal year of the open client that a day lies in. \return 0 when the store failed
+int HoleGeschaeftsjahr(vldb98::Store &store, const vlba98::Datum &day, vldb98::GESCHAEFTSJAHR &year, uint8_t &found);
+
+/// The fiscal year of the open client that bears a calendar year. \return 0 when the store failed
+int HoleGeschaeftsjahr(vldb98::Store &store, int calendarYear, vldb98::GESCHAEFTSJAHR &year, uint8_t &found);
+
+/// Makes the fiscal year that bears a calendar year the open one. \return 0 when the store failed
+int OeffneJahr(vldb98::Store &store, int calendarYear, uint8_t &exists);
+
+/// The month of a fiscal year that a day of it lies in: 1 for the calendar month in which the year begins. What lies
+/// behind the twelfth month of a longer year belongs to the twelfth.
+int BuchungsMonat(const vldb98::GESCHAEFTSJAHR &year, const vlba98::Datum &day);
+
+struct Zeitspanne {
+  vlba98::Datum von, bis; ///< first and last day
+};
+
+/// The days of months first to last (1 to 12) of a fiscal year; none (von after bis) where a short year has no such
+/// month.
+Zeitspanne TageDerMonate(const vldb98::GESCHAEFTSJAHR &year, int first, int last);
+
+} // namespace vlfn98
