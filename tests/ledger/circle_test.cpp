@@ -36,49 +36,124 @@ protected:
     reckoning.post(path);
   }
 
-  void compareAccounts(const Cast &cast, const Reckoning &reckoning, int year) {
-    openYear(uint16_t(cast.client), year);
-    for (int table : {int(kSachkonto), int(kKreditor), int(kDebitor)})
-      eachRow(*store_, table, [&](const DATENBANK &record) {
-        const std::string account = number(record.Sachkonto.Nr);
-        const bool ledgerAccount = table == kSachkonto;
-        const KONTOWERTE values[] = {ledgerAccount ? record.Sachkonto.Werte : record.Personenkonto.Werte,
-                                     ledgerAccount ? record.Sachkonto.EuroWerte : record.Personenkonto.EuroWerte};
-        // Opening, closing, and the months, debit and credit, in both currencies.
-        std::map<std::tuple<int, int, bool>, int64_t> expected[2];
-        auto moved = reckoning.moves.find({table, account});
-        if (moved != reckoning.moves.end())
-          for (const Move &move : moved->second)
-            if (move.year == year) {
-              expected[0][{move.art, move.art ? 0 : move.month, move.debit}] += move.own;
-              expected[1][{move.art, move.art ? 0 : move.month, move.debit}] += move.euro;
-            }
-        for (int currency : {0, 1})
-          for (int pair = 0; pair < 14; ++pair) {
-            const int art = pair < 12 ? 0 : pair - 11, month = pair < 12 ? pair + 1 : 0;
-            const WERTEPAAR stored = pair < 12    ? values[currency].Monat[pair]
-                                     : pair == 12 ? values[currency].Eroeffnung
-                                                  : values[currency].Abschluss;
-            EXPECT_EQ(cents(stored.Soll), (expected[currency][{art, month, true}])) << account << ' ' << pair;
-            EXPECT_EQ(cents(stored.Haben), (expected[currency][{art, month, false}])) << account << ' ' << pair;
-          }
-      });
-    std::map<std::pair<int, std::string>, int64_t> centres, expected; // by month and number
-    for (const CostMove &cost : reckoning.costs)
-      if (cost.year == year)
-        for (const std::string &centre : cost.centres) {
-          expected[{cost.month, centre}] += cost.own;
-          expected[{cost.month + 100, centre}] += cost.euro;
-        }
-    eachRow(*store_, kKost, [&](const DATENBANK &record) {
-      for (int month = 1; month <= 12; ++month) {
-        if (*record.Kost.Kosten[month - 1])
-          centres[{month, number(record.Kost.Nr)}] = cents(record.Kost.Kosten[month - 1]);
-        if (*record.Kost.EuroKosten[month - 1])
-          centres[{month + 100, number(record.Kost.Nr)}] = cents(record.Kost.EuroKosten[month - 1]);
+  struct Turnover {
+    int64_t debit = 0, credit = 0, euroDebit = 0, euroCredit = 0;
+    bool operator==(const Turnover &) const = default;
+  };
+
+  // Months, opening and closing values that a period code means.
+  struct Span {
+    int first = 1, last = 0;
+    bool opening, closing;
+    explicit Span(int code) : opening(code & 32), closing(code & 64) {
+      const int period = code & 31;
+      if (period <= 12) first = last = period;
+      if (period >= 13 && period <= 16) first = (period - 13) * 3 + 1, last = first + 2;
+      if (period == 18 || period == 20) last = 12;
+      if (first <= last && (code & 128)) first = 1;
+      if (period == 17) opening = true, closing = false;
+      if (period == 19) opening = false, closing = true;
+      if (period == 20) opening = closing = true;
+      if (period != 17 && period < 19) {
+        opening = opening && first == 1 && last > 0;
+        closing = closing && last == 12;
       }
-    });
-    EXPECT_EQ(centres, expected);
+    }
+    bool holds(const Move &move) const {
+      return move.art == 1 ? opening : move.art == 2 ? closing : first <= move.month && move.month <= last;
+    }
+  };
+
+  template <class Counts> static Turnover sumOf(const std::vector<Move> &moves, Counts &&counts) {
+    Turnover sum;
+    for (const Move &move : moves)
+      if (counts(move)) {
+        (move.debit ? sum.debit : sum.credit) += move.own;
+        (move.debit ? sum.euroDebit : sum.euroCredit) += move.euro;
+      }
+    return sum;
+  }
+
+  void compareTurnover(const Cast &cast, const Reckoning &reckoning) {
+    constexpr int32_t plainForm = 2, withSigns = 1;
+    constexpr int32_t kinds[] = {ZELK_SACHKONTO, 0, ZELK_KREDITOR, ZELK_DEBITOR};
+    for (const auto &[account, moves] : reckoning.moves)
+      for (int year : reckoning.years())
+        for (int period = 1; period <= 20; ++period)
+          for (int flags : {0, 32, 64, 96, 128, 224}) {
+            char text[6][16] = {};
+            const int code = period | flags;
+            ASSERT_EQ(ZELK_HoleUmsatz(cast.client, account.second.c_str(), kinds[account.first], code, year, 0,
+                                      code % 2 ? plainForm : withSigns, text[0], text[1], text[2], text[3], text[4],
+                                      text[5], 0, nullptr),
+                      ZELK_OK);
+            const Turnover expected =
+                sumOf(moves, [&, span = Span(code)](const Move &m) { return m.year == year && span.holds(m); });
+            EXPECT_TRUE((Turnover{cents(text[0]), cents(text[1]), cents(text[3]), cents(text[4])} == expected))
+                << account.second << ' ' << year << ' ' << code;
+            EXPECT_EQ(cents(text[2]), expected.debit - expected.credit) << account.second << ' ' << year << ' ' << code;
+            EXPECT_EQ(cents(text[5]), expected.euroDebit - expected.euroCredit) << account.second << ' ' << code;
+          }
+  }
+
+  void compareBalances(const Cast &cast, const Reckoning &reckoning, std::mt19937_64 &random) {
+    constexpr int32_t plainForm = 2;
+    constexpr int32_t kinds[] = {ZELK_SACHKONTO, 0, ZELK_KREDITOR, ZELK_DEBITOR};
+    const int current = reckoning.years().back();
+    auto compare = [&](const AccountKey &account, const std::string &day, const Turnover &expected) {
+      char own[16] = "", euro[16] = "";
+      ASSERT_EQ(ZELK_HoleSaldo(cast.client, account.second.c_str(), kinds[account.first], 0, plainForm, own, euro,
+                               day.empty() ? nullptr : day.c_str(), 0, nullptr),
+                ZELK_OK);
+      EXPECT_EQ(cents(own), expected.debit - expected.credit) << account.second << ' ' << day;
+      EXPECT_EQ(cents(euro), expected.euroDebit - expected.euroCredit) << account.second << ' ' << day;
+    };
+    for (const auto &[account, moves] : reckoning.moves) {
+      compare(account, "", sumOf(moves, [&](const Move &m) { return m.year == current; }));
+      for (int i = 0; i < 12; ++i) {
+        // Days of postings and others.
+        const Move &near = moves[random() % moves.size()];
+        const Day day = random() % 2 ? near.day : near.day / 100 * 100 + 1 + int(random() % 28);
+        std::string text = std::to_string(day);
+        text = text.substr(6) + '.' + text.substr(4, 2) + '.' + text.substr(0, 4);
+        compare(account, text, sumOf(moves, [&](const Move &m) {
+                  return m.year == near.year && (m.art == 1 || (m.art == 0 && m.day <= day));
+                }));
+      }
+    }
+  }
+
+  void compareCosts(const Cast &cast, const Reckoning &reckoning) {
+    constexpr int32_t plainForm = 2;
+    for (int dimension : {0, 1})
+      for (const char *centre : dimension == 0 ? cast.centres : cast.units)
+        for (int year : reckoning.years())
+          for (int period = 1; period <= 18; ++period) {
+            const int span = period == 17 ? 18 : period; // the year has another number for cost postings
+            int64_t own = 0, euro = 0, euroOfType = 0;
+            for (const CostMove &cost : reckoning.costs) {
+              const Span months(span);
+              if (cost.year != year || cost.month < months.first || months.last < cost.month ||
+                  std::find(cost.centres.begin(), cost.centres.end(), centre) == cost.centres.end())
+                continue;
+              own += cost.own;
+              euro += cost.euro;
+              if (cost.costType == cast.costTypes.front()) euroOfType += cost.euro;
+            }
+            char text[16] = "", euroText[16] = "";
+            ASSERT_EQ(ZELK_HoleUmsatz(cast.client, centre, ZELK_KOSTENSTELLE, span, year, 0, plainForm, nullptr,
+                                      nullptr, text, nullptr, nullptr, euroText, dimension, nullptr),
+                      ZELK_OK);
+            EXPECT_EQ(cents(text), own) << centre << ' ' << year << ' ' << period;
+            EXPECT_EQ(cents(euroText), euro) << centre << ' ' << year << ' ' << period;
+            if (period == 18) continue;
+            for (const char *type : {static_cast<const char *>(nullptr), cast.costTypes.front()}) {
+              ASSERT_EQ(ZELK_HoleKostenSaldo(cast.client, centre, type, 0, period, year, 0, plainForm, euroText,
+                                             dimension, nullptr),
+                        ZELK_OK);
+              EXPECT_EQ(cents(euroText), type ? euroOfType : euro) << centre << ' ' << year << ' ' << period;
+            }
+          }
   }
 
   // The general ledger balances in every entry, and the entries of each day are those reckoned.
@@ -182,8 +257,9 @@ TEST_F(Circle, EndsInTheFiguresOfTheFile) {
     RandomPostings postings(*cast, random);
     for (int batch = 0; batch < 2; ++batch)
       ASSERT_NO_FATAL_FAILURE(postFile(*cast, reckoning, postings.file(250)));
-    for (int year : reckoning.years())
-      compareAccounts(*cast, reckoning, year);
+    compareTurnover(*cast, reckoning);
+    compareBalances(*cast, reckoning, random);
+    compareCosts(*cast, reckoning);
     compareEntries(*cast, reckoning);
     compareItems(*cast, reckoning);
     compareStoredItems(*cast, reckoning);
