@@ -89,10 +89,10 @@ protected:
                       ZELK_OK);
             const Turnover expected =
                 sumOf(moves, [&, span = Span(code)](const Move &m) { return m.year == year && span.holds(m); });
-            EXPECT_TRUE((Turnover{cents(text[0]), cents(text[1]), cents(text[3]), cents(text[4])} == expected))
+            ASSERT_TRUE((Turnover{cents(text[0]), cents(text[1]), cents(text[3]), cents(text[4])} == expected))
                 << account.second << ' ' << year << ' ' << code;
-            EXPECT_EQ(cents(text[2]), expected.debit - expected.credit) << account.second << ' ' << year << ' ' << code;
-            EXPECT_EQ(cents(text[5]), expected.euroDebit - expected.euroCredit) << account.second << ' ' << code;
+            ASSERT_EQ(cents(text[2]), expected.debit - expected.credit) << account.second << ' ' << year << ' ' << code;
+            ASSERT_EQ(cents(text[5]), expected.euroDebit - expected.euroCredit) << account.second << ' ' << code;
           }
   }
 
@@ -105,8 +105,8 @@ protected:
       ASSERT_EQ(ZELK_HoleSaldo(cast.client, account.second.c_str(), kinds[account.first], 0, plainForm, own, euro,
                                day.empty() ? nullptr : day.c_str(), 0, nullptr),
                 ZELK_OK);
-      EXPECT_EQ(cents(own), expected.debit - expected.credit) << account.second << ' ' << day;
-      EXPECT_EQ(cents(euro), expected.euroDebit - expected.euroCredit) << account.second << ' ' << day;
+      ASSERT_EQ(cents(own), expected.debit - expected.credit) << account.second << ' ' << day;
+      ASSERT_EQ(cents(euro), expected.euroDebit - expected.euroCredit) << account.second << ' ' << day;
     };
     for (const auto &[account, moves] : reckoning.moves) {
       compare(account, "", sumOf(moves, [&](const Move &m) { return m.year == current; }));
@@ -144,14 +144,14 @@ protected:
             ASSERT_EQ(ZELK_HoleUmsatz(cast.client, centre, ZELK_KOSTENSTELLE, span, year, 0, plainForm, nullptr,
                                       nullptr, text, nullptr, nullptr, euroText, dimension, nullptr),
                       ZELK_OK);
-            EXPECT_EQ(cents(text), own) << centre << ' ' << year << ' ' << period;
-            EXPECT_EQ(cents(euroText), euro) << centre << ' ' << year << ' ' << period;
+            ASSERT_EQ(cents(text), own) << centre << ' ' << year << ' ' << period;
+            ASSERT_EQ(cents(euroText), euro) << centre << ' ' << year << ' ' << period;
             if (period == 18) continue;
             for (const char *type : {static_cast<const char *>(nullptr), cast.costTypes.front()}) {
               ASSERT_EQ(ZELK_HoleKostenSaldo(cast.client, centre, type, 0, period, year, 0, plainForm, euroText,
                                              dimension, nullptr),
                         ZELK_OK);
-              EXPECT_EQ(cents(euroText), type ? euroOfType : euro) << centre << ' ' << year << ' ' << period;
+              ASSERT_EQ(cents(euroText), type ? euroOfType : euro) << centre << ' ' << year << ' ' << period;
             }
           }
   }
@@ -257,9 +257,9 @@ TEST_F(Circle, EndsInTheFiguresOfTheFile) {
     RandomPostings postings(*cast, random);
     for (int batch = 0; batch < 2; ++batch)
       ASSERT_NO_FATAL_FAILURE(postFile(*cast, reckoning, postings.file(250)));
-    compareTurnover(*cast, reckoning);
-    compareBalances(*cast, reckoning, random);
-    compareCosts(*cast, reckoning);
+    ASSERT_NO_FATAL_FAILURE(compareTurnover(*cast, reckoning));
+    ASSERT_NO_FATAL_FAILURE(compareBalances(*cast, reckoning, random));
+    ASSERT_NO_FATAL_FAILURE(compareCosts(*cast, reckoning));
     compareEntries(*cast, reckoning);
     compareItems(*cast, reckoning);
     compareStoredItems(*cast, reckoning);

@@ -10,14 +10,13 @@
 #include "vlba98/text.h"
 #include "vlfn98/accounts.h"
 #include "vlfn98/currency.h"
+#include "vlfn98/fiscal_year.h"
 #include "vlfn98/tax.h"
 
 using namespace vldb98;
 
 namespace ledger {
 namespace {
-
-constexpr int kMonths = 12;
 
 std::string utf8(const char *text) {
   return vlba98::toUtf8(vlba98::trimmed(text));
@@ -167,12 +166,10 @@ Amount Chart::valued(int64_t own) const {
   return {own, *euro};
 }
 
-int Chart::monthOf(const Year &year, const char *reversedDate) const {
-  auto day = vlba98::fromReversed(reversedDate), begin = vlba98::fromReversed(year.record.Beginn);
-  int month = day && begin ? (day->year - begin->year) * kMonths + day->month - begin->month + 1 : 0;
-  if (month < 1 || month > kMonths)
-    throw Refusal{"Das Geschäftsjahr " + std::to_string(year.record.Jahr) + " hat mehr als zwölf Monate."};
-  return month;
+int Chart::monthOf(const Year &year, const char *reversedDate) {
+  const auto day = vlba98::fromReversed(reversedDate);
+  if (!day) throw StoreFailed();
+  return vlfn98::BuchungsMonat(year.record, *day);
 }
 
 void Chart::move(Account &account, const Year &year, Art art, const char *reversedDate, bool debit,

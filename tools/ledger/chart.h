@@ -78,7 +78,7 @@ public:
   void write();
 
 private:
-  int monthOf(const Year &year, const char *reversedDate) const;
+  static int monthOf(const Year &year, const char *reversedDate);
 
   vldb98::Store &store_;
   int firstYear_;
