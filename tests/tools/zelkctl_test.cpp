@@ -75,6 +75,13 @@ TEST_F(Zelkctl, ProvisionsLoadsPostsAndShows) {
   EXPECT_OUTCOME("buchen 2 2 " + sample("alpenwerk-buchungen.csv"), 0, "40 gebucht, 0 abgelehnt.");
   EXPECT_OUTCOME("stapel 1 3", 0, "300 Buchungen, 336 Zeilen, 106 Kostenbuchungen");
   EXPECT_OUTCOME("stapel 1", 0, "ja");
+  EXPECT_OUTCOME("verbuchen 1 3 --tag 31.02.2026", 2, "erwartet wird ein Datum");
+  EXPECT_OUTCOME("verbuchen 1 3 --benutzer 9", 1, "Den Benutzer 9 gibt es nicht.");
+  EXPECT_OUTCOME("verbuchen 1 3 --tag 21.11.2026 --benutzer 1", 0, "2025                 171          476");
+  EXPECT_OUTCOME("verbuchen 1 3", 0, "Es gibt nichts zu verbuchen.");
+  EXPECT_OUTCOME("verbuchen 1 2", 1, "Ein wiederkehrender Stapel ist eine Vorlage");
+  EXPECT_OUTCOME("buchen 1 3 " + sample("musterhandel-eroeffnung.csv"), 0, "34 gebucht, 0 abgelehnt.");
+  EXPECT_OUTCOME("verbuchen 1 3", 0, "Offene Posten: 0 angelegt, 0 erhöht, 0 Zahlungen, 0 ausgeglichen.");
   EXPECT_OUTCOME("fehlertext -12", 0, "ZELKERR_uzl_Bruttobetrag");
 }
 

@@ -266,6 +266,15 @@ int main(int argc, char **argv) {
   structures->add_flag("--alle", figures.all, "Auch verborgene Zeilen")->group(kOptions);
   csvOption(structures);
 
+  std::string day;
+  int32_t user = 0;
+  CLI::App *posted = verb(app, "verbuchen", "Die Buchungen eines Stapels verbuchen und den Stapel leeren",
+                          [&] { return postToLedger(client, batch, day, user); });
+  batchOf(posted);
+  posted->option_defaults()->group(kOptions);
+  posted->add_option("--tag", day, "Tag der Verbuchung, TT.MM.JJJJ; Vorgabe: heute");
+  posted->add_option("--benutzer", user, "Nummer des Benutzers, der bei den Zahlungen stehen soll");
+
   verb(app, "fehlertext", "Name und Text eines Ergebniscodes zeigen", [&] { return showResultText(code); })
       ->add_option("CODE", code, "Der Code, -103 bis 2")
       ->required();

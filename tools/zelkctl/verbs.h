@@ -14,6 +14,9 @@ constexpr int kFailed = 2;  ///< nothing could be done, or not to its end
 // Below the exports: the stand-ins for the accounting program.
 int provision(const std::string &directory);
 int createClient(const std::string &folder);
+/// \param day  on which the batch is posted; empty: today
+/// \param user who posts; 0: nobody in particular
+int postToLedger(int32_t client, int32_t batch, const std::string &day, int32_t user);
 
 // Beside the exports, since calls of the library would change what is shown.
 int switchProtocol(bool on);

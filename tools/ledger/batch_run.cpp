@@ -1,0 +1,298 @@
+#include "ledger/batch_run.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "ledger/refusal.h"
+#include "vlba98/encoding.h"
+#include "vlba98/geld.h"
+#include "vlba98/text.h"
+#include "vlfn98/client.h"
+#include "vlfn98/costs.h"
+#include "zelk98/zelk98.h"
+
+using namespace vldb98;
+
+namespace ledger {
+namespace {
+
+// Those of an insertion first, in its order; then the ledger's.
+constexpr FileNumber kTables[] = {kKreditor,  kDebitor,    kSachkonto,     kBatchbuchung,  kSplit,
+                                  kStapel,    kKobu,       kKost,          kBuchungsbeleg, kKostenbuchung,
+                                  kOPDebitor, kOPKreditor, kHistOPDebitor, kHistOPKreditor};
+
+constexpr int16_t kLessensCosts = 32; // KOSTENBUCHUNG.Flags
+
+class Locked {
+public:
+  explicit Locked(Store &store) : store_(store) {
+    held_ = std::all_of(std::begin(kTables), std::end(kTables),
+                        [&](FileNumber table) { return store.Lock(table, nullptr, 0, ZELK_ENG_DEFAULT); });
+  }
+  ~Locked() {
+    constexpr int atOnce = 1;
+    for (FileNumber table : kTables)
+      store_.Unlock(table, atOnce, ZELK_ENG_DEFAULT);
+  }
+  Locked(const Locked &) = delete;
+  Locked &operator=(const Locked &) = delete;
+  bool held() const { return held_; }
+
+private:
+  Store &store_;
+  bool held_;
+};
+
+template <class Record> auto centresOf(Record &record) {
+  return std::array{record.Kostenstelle1, record.Kostenstelle2, record.Kostenstelle3,
+                    record.Kostenstelle4, record.Kostenstelle5, record.Kostenstelle6};
+}
+
+Art artOf(const BATCHBUCHUNG &posting) {
+  return posting.Eroeffnung ? Art::Opening : posting.Abschluss ? Art::Closing : Art::OfTheYear;
+}
+
+class BatchRun {
+public:
+  BatchRun(Store &store, const Order &order, Outcome &outcome)
+      : store_(store), order_(order), outcome_(outcome), chart_(store), items_(store, chart_, order.user) {}
+
+  void run() {
+    checkBatch();
+    checkUser();
+    const size_t total = countPostings();
+    if (total == 0) {
+      outcome_.state = Outcome::NothingToPost;
+      return;
+    }
+    BATCHBUCHUNG posting{};
+    uint8_t found = 0;
+    for (size_t done = 0;; ++done) {
+      if (order_.progress) order_.progress(done, total);
+      must(store_.ReadBat(posting, order_.batch, posting.Nr + 1, found));
+      if (!found) break;
+      try {
+        post(posting);
+      } catch (const Refusal &refusal) {
+        outcome_.refused.push_back({posting.Nr, vlba98::toUtf8(posting.Belegnummer), refusal.text});
+      }
+    }
+    if (!outcome_.refused.empty()) {
+      outcome_.state = Outcome::Refused;
+      return;
+    }
+    chart_.write();
+    clearBatch();
+    outcome_.items = items_.counts();
+    outcome_.state = Outcome::Posted;
+  }
+
+private:
+  STAPEL batch() {
+    DATENBANK record{};
+    uint8_t found = 0;
+    must(store_.UsedGet(record, KeyBuilder().number(order_.batch), found, kStapel, ZELK_ENG_DEFAULT));
+    if (!found) throw Refusal{"Den Stapel " + std::to_string(order_.batch) + " gibt es nicht."};
+    return record.Stapel;
+  }
+
+  void checkBatch() {
+    const STAPEL found = batch();
+    if (found.Kore) throw Refusal{"Der Stapel gehört zur Kostenrechnung."};
+    if (found.Sperre) throw Refusal{"Der Stapel ist gesperrt."};
+    if (*found.Passwort) throw Refusal{"Der Stapel ist durch ein Passwort geschützt."};
+    if (found.Wiederkehr) throw Refusal{"Ein wiederkehrender Stapel ist eine Vorlage und wird nicht verbucht."};
+  }
+
+  void checkUser() {
+    uint8_t exists = 0;
+    if (order_.user == 0) return;
+    must(store_.Used(KeyBuilder().number(order_.user), exists, kBenutzer, ZELK_ENG_DEFAULT));
+    if (!exists) throw Refusal{"Den Benutzer " + std::to_string(order_.user) + " gibt es nicht."};
+  }
+
+  size_t countPostings() {
+    DATENBANK record{};
+    uint8_t found = 0;
+    size_t count = 0;
+    int done = store_.GetGeExt(record, KeyBuilder().number(order_.batch), found, kBatchbuchung, ZELK_ENG_DEFAULT, 0);
+    for (; done && found && record.Batchbuchung.Stapel == order_.batch; ++count)
+      done = store_.GetNextExt(record, found, kBatchbuchung, ZELK_ENG_DEFAULT);
+    must(done);
+    return count;
+  }
+
+  void post(const BATCHBUCHUNG &posting) {
+    Year &year = chart_.yearOf(posting.Belegdatum);
+    std::vector<Movement> movements;
+    for (size_t i = 0; i < store_.lineCount(); ++i) {
+      std::vector<Movement> ofLine = movementsOf(chart_, year, posting, *store_.PSplit(i));
+      movements.insert(movements.end(), ofLine.begin(), ofLine.end());
+    }
+    YearFigures figures;
+    figures.postings = 1;
+    figures.entries = movements.size();
+    for (const Movement &movement : movements)
+      if (movement.account->table == kSachkonto) (movement.debit ? figures.debit : figures.credit) += movement.amount;
+    if (figures.debit != figures.credit) throw Refusal{"Soll und Haben der Buchung sind nicht gleich."};
+
+    const int32_t entry = chart_.nextEntry(year);
+    chart_.open(year);
+    int32_t row = 0;
+    for (const Movement &movement : movements)
+      writeEntry(year, posting, movement, entry, row++);
+    for (size_t i = 0; i < store_.costCount(); ++i)
+      postCosts(year, posting, *store_.costAt(i), entry, figures);
+    for (const ItemMovement &item : itemMovementsOf(movements))
+      items_.post(year, posting, item);
+    YearFigures &sum = outcome_.years[year.record.Jahr];
+    sum.postings += figures.postings;
+    sum.entries += figures.entries;
+    sum.costs += figures.costs;
+    sum.debit += figures.debit;
+    sum.credit += figures.credit;
+  }
+
+  void writeEntry(Year &year, const BATCHBUCHUNG &posting, const Movement &movement, int32_t entry, int32_t row) {
+    const Amount amount = chart_.valued(movement.amount);
+    chart_.move(*movement.account, year, artOf(posting), posting.Belegdatum, movement.debit, amount);
+    const SPLIT &line = *movement.line;
+    DATENBANK record{};
+    BUCHUNGSBELEG written{};
+    written.Nr = entry;
+    written.Zeile = row;
+    written.Kontotabelle = int16_t(movement.account->table);
+    vlba98::strncpy2(written.Konto, movement.account->record.Sachkonto.Nr);
+    written.Art = int16_t(artOf(posting));
+    vlba98::strncpy2(written.Datum, posting.Belegdatum);
+    vlba98::formatGeld(movement.debit ? amount.own : 0, written.Soll);
+    vlba98::formatGeld(movement.debit ? 0 : amount.own, written.Haben);
+    vlba98::formatGeld(movement.debit ? amount.euro : 0, written.EuroSoll);
+    vlba98::formatGeld(movement.debit ? 0 : amount.euro, written.EuroHaben);
+    if (movement.foreign) {
+      vlba98::strncpy2(written.Waehrung, posting.Waehrung);
+      vlba98::formatGeld(*movement.foreign, written.BetragFW);
+    }
+    written.Gegentabelle = int16_t(movement.contra->table);
+    vlba98::strncpy2(written.Gegenkonto, movement.contra->record.Sachkonto.Nr);
+    written.Steuerschluessel = movement.taxKey;
+    vlba98::formatGeld(movement.rate, written.Steuersatz, vlba98::satzWidth);
+    vlba98::strncpy2(written.Belegnummer, posting.Belegnummer);
+    vlba98::strncpy2(written.OPBelegnummer, posting.OPBelegnummer);
+    vlba98::strncpy2(written.Text, line.Text);
+    vlba98::strncpy2(written.Text2, line.Text2);
+    written.DMSNr = line.DMSNr ? line.DMSNr : posting.DMSNr;
+    written.Stapel = posting.Stapel;
+    written.Buchung = posting.Nr;
+    written.Split = line.Nr;
+    vlba98::strncpy2(written.Buchungstag, order_.day);
+    record.Buchungsbeleg = written;
+    must(store_.Insert(record, kBuchungsbeleg, ZELK_ENG_DEFAULT));
+  }
+
+  std::optional<SACHKONTO> generalLedgerAccount(Year &year, int16_t kind, const char *number) {
+    constexpr int16_t kGeneralLedger = 2; // SPLIT.Sollart
+    if (kind != kGeneralLedger) return std::nullopt;
+    return chart_.account(year, kSachkonto, number, "Konto").record.Sachkonto;
+  }
+
+  void postCosts(Year &year, const BATCHBUCHUNG &posting, const KOBU &cost, int32_t entry, YearFigures &figures) {
+    const SPLIT *line = nullptr;
+    for (size_t i = 0; !line && i < store_.lineCount(); ++i)
+      if (store_.PSplit(i)->Nr == cost.Split) line = store_.PSplit(i);
+    if (!line) throw Refusal{"Eine Kostenbuchung gehört zu keiner Zeile der Buchung."};
+    const auto debit = generalLedgerAccount(year, line->Sollart, line->Sollkonto);
+    const auto credit = generalLedgerAccount(year, line->Habenart, line->Habenkonto);
+    const auto side = vlfn98::BestimmeKostenseite(debit ? &*debit : nullptr, credit ? &*credit : nullptr,
+                                                  chart_.mandatoryCostCentres());
+    if (side != vlfn98::Kostenseite::Soll && side != vlfn98::Kostenseite::Haben)
+      throw Refusal{"Die Kostenbuchung hat keine eindeutige Kostenart."};
+    const bool onCredit = side == vlfn98::Kostenseite::Haben;
+    const Amount amount = chart_.valued(valueOf(cost.Betrag));
+
+    KOSTENBUCHUNG written{};
+    written.Nr = entry;
+    written.Zeile = int32_t(figures.costs++);
+    vlba98::strncpy2(written.Datum, posting.Belegdatum);
+    vlba98::strncpy2(written.Kostenart, onCredit ? line->Habenkonto : line->Sollkonto);
+    written.Flags = int16_t(cost.Kostenkennung | (onCredit ? kLessensCosts : 0));
+    vlba98::formatGeld(amount.own, written.Betrag);
+    vlba98::formatGeld(amount.euro, written.EuroBetrag);
+    vlba98::strncpy2(written.Menge, cost.Menge);
+    vlba98::strncpy2(written.Einheit, cost.Einheit);
+    vlba98::strncpy2(written.Belegnummer, posting.Belegnummer);
+    vlba98::strncpy2(written.Bemerkung, cost.Bemerkung);
+    vlba98::strncpy2(written.Bemerkung2, cost.Bemerkung2);
+    for (size_t n = 0; n < vlfn98::kKostenstellen; ++n)
+      std::memcpy(centresOf(written)[n], centresOf(cost)[n], sizeof written.Kostenstelle1);
+    const Amount costs = onCredit ? Amount{-amount.own, -amount.euro} : amount;
+    for (int n = 0; n < vlfn98::kKostenstellen; ++n)
+      if (const char *number = centresOf(written)[size_t(n)]; !vlba98::trimmed(number).empty())
+        chart_.moveCosts(chart_.centre(year, vlfn98::kostDimension(chart_.extension(), n), number), year,
+                         posting.Belegdatum, costs);
+    DATENBANK record{};
+    record.Kostenbuchung = written;
+    chart_.open(year);
+    must(store_.Insert(record, kKostenbuchung, ZELK_ENG_DEFAULT));
+  }
+
+  void clearBatch() {
+    must(store_.EmptyBat(order_.batch));
+    DATENBANK record{};
+    record.Stapel = batch();
+    record.Stapel.Gecleart = 1;
+    must(store_.Update(record, kStapel, ZELK_ENG_DEFAULT));
+  }
+
+  Store &store_;
+  const Order &order_;
+  Outcome &outcome_;
+  Chart chart_;
+  OpenItems items_;
+};
+
+} // namespace
+
+Outcome postBatch(Store &store, const Order &order) {
+  Outcome outcome;
+  auto refuse = [&](std::string reason) {
+    outcome.state = Outcome::Refused;
+    outcome.refused.push_back({0, "", std::move(reason)});
+    return outcome;
+  };
+  switch (vlfn98::HoleMandantenDaten(store, order.client)) {
+  case ZELK_OK:
+    break;
+  case ZELKERR_Datenbank:
+    return outcome;
+  case ZELKERR_uzl_Mandnr:
+    return refuse("Den Mandanten " + std::to_string(order.client) + " gibt es nicht.");
+  default:
+    return refuse("Die Daten des Mandanten gehören zu einer anderen Programmversion.");
+  }
+  Locked locked(store);
+  if (!locked.held()) {
+    outcome.state = Outcome::TablesLocked;
+    return outcome;
+  }
+  if (!store.Transaktion(1, 0, ZELK_ENG_DEFAULT)) return outcome;
+  try {
+    BatchRun(store, order, outcome).run();
+  } catch (const Refusal &refusal) {
+    refuse(refusal.text);
+  } catch (const StoreFailed &) {
+    outcome.state = Outcome::StoreFailed;
+  } catch (...) {
+    store.Transaktion(4, 0, ZELK_ENG_DEFAULT);
+    throw;
+  }
+  if (outcome.state == Outcome::Posted) {
+    if (!store.Transaktion(2, 0, ZELK_ENG_DEFAULT)) outcome.state = Outcome::StoreFailed;
+  } else if (!store.Transaktion(4, 0, ZELK_ENG_DEFAULT)) {
+    outcome.state = Outcome::StoreFailed;
+  }
+  return outcome;
+}
+
+} // namespace ledger

@@ -1,0 +1,215 @@
+#include "ledger/chart.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "ledger/refusal.h"
+#include "vlba98/encoding.h"
+#include "vlba98/geld.h"
+#include "vlba98/muldiv.h"
+#include "vlba98/text.h"
+#include "vlfn98/accounts.h"
+#include "vlfn98/currency.h"
+#include "vlfn98/fiscal_year.h"
+#include "vlfn98/tax.h"
+
+using namespace vldb98;
+
+namespace ledger {
+namespace {
+
+std::string utf8(const char *text) {
+  return vlba98::toUtf8(vlba98::trimmed(text));
+}
+
+template <size_t N> void add(char (&sum)[N], int64_t amount, const std::string &of) {
+  if (amount == 0) return;
+  if (!vlba98::formatGeld(vlba98::parseGeld(sum).value_or(0) + amount, sum))
+    throw Refusal{of + ": der Wert überschreitet 999.999.999,99."};
+}
+
+void addPair(KONTOWERTE &values, Art art, int month, bool debit, int64_t amount, const std::string &of) {
+  WERTEPAAR &pair = art == Art::Opening   ? values.Eroeffnung
+                    : art == Art::Closing ? values.Abschluss
+                                          : values.Monat[month - 1];
+  add(debit ? pair.Soll : pair.Haben, amount, of);
+}
+
+std::string nameOf(const Account &account) {
+  return "Konto " + utf8(account.record.Sachkonto.Nr); // all account records begin with the number
+}
+
+} // namespace
+
+std::string displayed(const char *reversedDate) {
+  auto day = vlba98::fromReversed(reversedDate);
+  return day ? vlba98::toDisplay(*day).data() : reversedDate;
+}
+
+Chart::Chart(Store &store) : store_(store) {
+  const FIRMENSTAMM &client = store.HoleFista();
+  uint8_t found;
+  must(store.GetExtFista(extension_, found));
+  if (!client.Euro) {
+    euroRate_ = vlfn98::parseKurs(client.Eurokurs).value_or(0);
+    if (euroRate_ <= 0) throw Refusal{"Der Mandant hat keinen Eurokurs."};
+  }
+  char first[3];
+  must(store.HoleMinJahr(first));
+  firstYear_ = vlba98::yearOfCode(first);
+  DATENBANK record{};
+  int done = store.GetFirstExt(record, found, kGeschaeftsjahr, ZELK_ENG_DEFAULT, 0);
+  for (; done && found; done = store.GetNextExt(record, found, kGeschaeftsjahr, ZELK_ENG_DEFAULT)) {
+    Year &year = years_[record.Geschaeftsjahr.Jahr];
+    year.record = record.Geschaeftsjahr;
+    must(vlba98::itotwo(year.record.Jahr - vlba98::firstYear, year.code));
+  }
+  must(done);
+}
+
+Year &Chart::yearOf(const char *reversedDate) {
+  for (auto &[number, year] : years_) {
+    if (std::strcmp(reversedDate, year.record.Beginn) < 0 || std::strcmp(year.record.Ende, reversedDate) < 0) continue;
+    if (year.record.Abgeschlossen) throw Refusal{"Das Geschäftsjahr " + std::to_string(number) + " ist abgeschlossen."};
+    return year;
+  }
+  throw Refusal{"Zum Belegdatum " + displayed(reversedDate) + " gibt es kein Geschäftsjahr."};
+}
+
+void Chart::open(const Year &year) {
+  if (std::strcmp(store_.HoleOpenJahr(), year.code) != 0) must(store_.SetzeOpenJahr(year.code));
+}
+
+int32_t Chart::nextEntry(Year &year) {
+  if (year.lastEntry < 0) {
+    DATENBANK record{};
+    uint8_t found;
+    open(year);
+    must(store_.GetLastExt(record, found, kBuchungsbeleg, ZELK_ENG_DEFAULT, 0));
+    year.lastEntry = found ? record.Buchungsbeleg.Nr : 0;
+  }
+  return ++year.lastEntry;
+}
+
+Account &Chart::account(Year &year, int table, const char *number, const char *role) {
+  auto [known, fresh] = year.accounts.try_emplace({table, number});
+  Account &account = known->second;
+  if (fresh) {
+    uint8_t found = 0;
+    open(year);
+    account.table = table;
+    std::memset(&account.record, 0, sizeof account.record);
+    must(store_.UsedGet(account.record, KeyBuilder().account(number), found, FileNumber(table), ZELK_ENG_DEFAULT));
+    if (!found) {
+      year.accounts.erase(known);
+      throw Refusal{std::string(role) + " " + utf8(number) + " gibt es im Geschäftsjahr " +
+                    std::to_string(year.record.Jahr) + " nicht."};
+    }
+  }
+  if (table == kSachkonto ? account.record.Sachkonto.Gesperrt : account.record.Personenkonto.Gesperrt)
+    throw Refusal{std::string(role) + " " + utf8(number) + " ist im Geschäftsjahr " + std::to_string(year.record.Jahr) +
+                  " gesperrt."};
+  return account;
+}
+
+CostCentre &Chart::centre(Year &year, int dimension, const char *number) {
+  auto [known, fresh] = year.centres.try_emplace({dimension, number});
+  if (fresh) {
+    SCHLUESSEL key;
+    const auto file = FileNumber(kKost + vlfn98::GetKostKontoKey(number, dimension, nullptr, key));
+    DATENBANK record{};
+    uint8_t found = 0;
+    open(year);
+    must(store_.UsedGet(record, key, found, file, ZELK_ENG_DEFAULT));
+    if (!found) {
+      year.centres.erase(known);
+      throw Refusal{"Kostenstelle " + utf8(number) + " gibt es im Geschäftsjahr " + std::to_string(year.record.Jahr) +
+                    " nicht."};
+    }
+    known->second.record = record.Kost;
+  }
+  return known->second;
+}
+
+const STEUSA &Chart::taxKey(int16_t key, const char *reversedDate, int64_t rate) {
+  auto [known, fresh] = taxKeys_.try_emplace({key, reversedDate, rate});
+  if (fresh) {
+    uint8_t found = 0;
+    must(vlfn98::GetSteusa(store_, key, reversedDate, rate, known->second, found));
+    if (!found) {
+      taxKeys_.erase(known);
+      throw Refusal{"Der Steuerschlüssel " + std::to_string(key) + " hat am " + displayed(reversedDate) +
+                    " nicht den Steuersatz der Buchung."};
+    }
+  }
+  return known->second;
+}
+
+const ZAHLZIEL *Chart::term(int32_t number) {
+  if (number == 0) return nullptr;
+  auto [known, fresh] = terms_.try_emplace(number);
+  if (fresh) {
+    DATENBANK record{};
+    uint8_t found = 0;
+    must(store_.UsedGet(record, KeyBuilder().number(number), found, kZahlziel, ZELK_ENG_DEFAULT));
+    if (found) known->second = record.Zahlziel;
+  }
+  return known->second.Nr ? &known->second : nullptr;
+}
+
+Amount Chart::valued(int64_t own) const {
+  if (euroRate_ == 0) return {own, own};
+  constexpr int64_t millionths = 1'000'000;
+  auto euro = vlba98::mulDiv(own, millionths, euroRate_, vlba98::Rounding::halfAwayFromZero);
+  if (!euro || *euro > vlba98::maxGeld || *euro < -vlba98::maxGeld)
+    throw Refusal{"Der Betrag in Euro überschreitet 999.999.999,99."};
+  return {own, *euro};
+}
+
+int Chart::monthOf(const Year &year, const char *reversedDate) {
+  const auto day = vlba98::fromReversed(reversedDate);
+  if (!day) throw StoreFailed();
+  return vlfn98::BuchungsMonat(year.record, *day);
+}
+
+void Chart::move(Account &account, const Year &year, Art art, const char *reversedDate, bool debit,
+                 const Amount &amount) {
+  int month = monthOf(year, reversedDate);
+  auto addTo = [&](auto &record) {
+    addPair(record.Werte, art, month, debit, amount.own, nameOf(account));
+    addPair(record.EuroWerte, art, month, debit, amount.euro, nameOf(account));
+  };
+  if (account.table == kSachkonto)
+    addTo(account.record.Sachkonto);
+  else
+    addTo(account.record.Personenkonto);
+  account.moved = true;
+}
+
+void Chart::moveCosts(CostCentre &centre, const Year &year, const char *reversedDate, const Amount &amount) {
+  int month = monthOf(year, reversedDate);
+  const std::string name = "Kostenstelle " + utf8(centre.record.Nr);
+  add(centre.record.Kosten[month - 1], amount.own, name);
+  add(centre.record.EuroKosten[month - 1], amount.euro, name);
+  centre.moved = true;
+}
+
+void Chart::write() {
+  auto update = [&](DATENBANK &record, int table) {
+    store_.setCurrent(record, FileNumber(table));
+    must(store_.Update(record, FileNumber(table), ZELK_ENG_DEFAULT));
+  };
+  for (auto &[number, year] : years_) {
+    open(year);
+    for (auto &[key, account] : year.accounts)
+      if (account.moved) update(account.record, account.table);
+    for (auto &[key, centre] : year.centres)
+      if (centre.moved) {
+        DATENBANK record{};
+        record.Kost = centre.record;
+        update(record, kKost);
+      }
+  }
+}
+
+} // namespace ledger

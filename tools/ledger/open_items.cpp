@@ -1,0 +1,238 @@
+#include "ledger/open_items.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+#include "ledger/refusal.h"
+#include "vlba98/geld.h"
+#include "vlba98/muldiv.h"
+#include "vlba98/text.h"
+#include "vlfn98/terms.h"
+
+using namespace vldb98;
+
+namespace ledger {
+namespace {
+
+constexpr int kByNumber = 9; // key of the open items: document number of the item, account
+constexpr int16_t kOwnCurrency = 0, kEuro = -1, kOtherCurrency = 1;
+
+int tableOfItems(const Account &account) {
+  return account.table == kDebitor ? kOPDebitor : kOPKreditor;
+}
+int tableOfHistory(const Account &account) {
+  return account.table == kDebitor ? kHistOPDebitor : kHistOPKreditor;
+}
+
+const char *itemNumber(const BATCHBUCHUNG &posting) {
+  return *posting.OPBelegnummer ? posting.OPBelegnummer : posting.Belegnummer;
+}
+
+void put(char (&money)[13], int64_t amount) {
+  if (!vlba98::formatGeld(amount, money)) throw Refusal{"Der offene Posten überschreitet 999.999.999,99."};
+}
+
+bool sameSign(int64_t a, int64_t b) {
+  return (a > 0) == (b > 0) && (a < 0) == (b < 0);
+}
+
+// A part of the item that was moved without its currency counts there in proportion.
+int64_t inProportion(int64_t foreign, int64_t newOwn, int64_t oldOwn) {
+  return vlba98::mulDiv(foreign, newOwn, oldOwn, vlba98::Rounding::halfAwayFromZero).value_or(foreign);
+}
+
+void putBlank(char (&number)[8]) {
+  std::memset(number, ' ', sizeof number - 1);
+  number[sizeof number - 1] = 0;
+}
+
+void putRate(char (&field)[6], int64_t rate) {
+  vlba98::formatGeld(rate, field, vlba98::satzWidth);
+}
+
+void putDiscount(char (&day)[7], char (&rate)[6], int16_t days, const char (&rateOfTerm)[6],
+                 const vlba98::Datum &from) {
+  if (valueOf(rateOfTerm) == 0) return;
+  std::memcpy(rate, rateOfTerm, sizeof rate);
+  if (auto until = vlba98::addDays(from, days)) std::memcpy(day, vlba98::toReversed(*until).data(), sizeof day);
+}
+
+} // namespace
+
+std::vector<ItemMovement> itemMovementsOf(const std::vector<Movement> &movements) {
+  std::vector<ItemMovement> items;
+  auto isIncome = [](const Account &account) {
+    return account.table == kSachkonto && account.record.Sachkonto.GuV != 0;
+  };
+  for (const Movement &movement : movements) {
+    if (movement.account->table == kSachkonto) continue;
+    auto item = std::find_if(items.begin(), items.end(),
+                             [&](const ItemMovement &one) { return one.account == movement.account; });
+    if (item == items.end()) {
+      item = items.emplace(item);
+      item->account = movement.account;
+      item->contra = movement.contra;
+      item->first = movement.line;
+    }
+    const bool usual = movement.debit == (movement.account->table == kDebitor);
+    const int64_t amount = usual ? movement.amount : -movement.amount;
+    item->amount += amount;
+    if (isIncome(*movement.contra)) item->discount += amount;
+    if (movement.foreign) item->foreign = item->foreign.value_or(0) + (usual ? *movement.foreign : -*movement.foreign);
+    if (movement.rate != 0 && std::find(item->rates.begin(), item->rates.end(), movement.rate) == item->rates.end())
+      item->rates.push_back(movement.rate);
+  }
+  for (ItemMovement &item : items)
+    if (std::none_of(movements.begin(), movements.end(), [&](const Movement &movement) {
+          return movement.account == item.account && !isIncome(*movement.contra);
+        }))
+      item.discount = 0;
+  return items;
+}
+
+void OpenItems::post(const Year &year, const BATCHBUCHUNG &posting, const ItemMovement &movement) {
+  // Opening balances bring items into the client's first year only: later ones carry forward what is open already.
+  if (posting.Abschluss || (posting.Eroeffnung && !chart_.isFirst(year)) || movement.amount == 0) return;
+  const char *account = movement.account->record.Personenkonto.Nr;
+  DATENBANK item{};
+  uint8_t found = 0;
+  const char *number = itemNumber(posting);
+  must(store_.GetGeExt(item, KeyBuilder().text(number, sizeof(OPBELEG::OPBelegnummer) - 1).account(account), found,
+                       fileNumber(tableOfItems(*movement.account), kByNumber), ZELK_ENG_DEFAULT, 0));
+  if (found && std::strcmp(item.Opbeleg.OPBelegnummer, number) == 0 && std::strcmp(item.Opbeleg.Konto, account) == 0)
+    change(year, posting, movement, item);
+  else
+    create(posting, movement);
+}
+
+void OpenItems::create(const BATCHBUCHUNG &posting, const ItemMovement &movement) {
+  DATENBANK record{};
+  const PERSONENKONTO account = movement.account->record.Personenkonto;
+  OPBELEG item{};
+  item.Nr = nextNumber();
+  vlba98::strncpy2(item.Konto, account.Nr);
+  vlba98::strncpy2(item.Kuerzel, account.Kuerzel);
+  vlba98::strncpy2(item.Name, account.Name);
+  vlba98::strncpy2(item.Belegnummer, posting.Belegnummer);
+  vlba98::strncpy2(item.OPBelegnummer, itemNumber(posting));
+  vlba98::strncpy2(item.Belegdatum, posting.Belegdatum);
+  vlba98::strncpy2(item.Valutadatum, posting.Valutadatum);
+  vlba98::strncpy2(item.Text, movement.first->Text);
+  vlba98::strncpy2(item.Text2, movement.first->Text2);
+  put(item.Brutto, movement.amount);
+  put(item.Ausstand, movement.amount);
+  if (movement.foreign) {
+    const bool euro = std::strcmp(posting.Waehrung, "EUR") == 0;
+    vlba98::strncpy2(item.Waehrung, posting.Waehrung);
+    item.Waehrungsindex = euro ? kEuro : kOtherCurrency;
+    put(item.BetragFW, *movement.foreign);
+    put(item.Ausstand2, *movement.foreign);
+  }
+  vlba98::strncpy2(item.Gegenkonto, movement.contra->record.Sachkonto.Nr);
+  item.DMSNr = posting.DMSNr ? posting.DMSNr : movement.first->DMSNr;
+  putBlank(item.Skontokonto1);
+  putBlank(item.Skontokonto2);
+  if (movement.rates.size() > 0) putRate(item.Steuersatz1, movement.rates[0]);
+  if (movement.rates.size() > 1) putRate(item.Steuersatz2, movement.rates[1]);
+  vlba98::strncpy2(item.Faelligkeit, movement.first->Faelligkeit);
+  item.Zahlungsziel = posting.Zahlungsziel ? posting.Zahlungsziel : account.Zahlungsziel;
+  const auto from = vlba98::fromReversed(*posting.Valutadatum ? posting.Valutadatum : posting.Belegdatum);
+  // What is owed the other way round, a credit note, is not due and knows no discount.
+  if (const ZAHLZIEL *term = chart_.term(item.Zahlungsziel); term && from && movement.amount > 0) {
+    putDiscount(item.Skontodatum1, item.Skontosatz1, term->Skontotage1, term->Skontosatz1, *from);
+    putDiscount(item.Skontodatum2, item.Skontosatz2, term->Skontotage2, term->Skontosatz2, *from);
+    if (!*item.Faelligkeit)
+      if (auto due = vlfn98::faelligkeit(*term, *from))
+        vlba98::strncpy2(item.Faelligkeit, vlba98::toReversed(*due).data());
+  }
+  record.Opbeleg = item;
+  must(store_.Insert(record, FileNumber(tableOfItems(*movement.account)), ZELK_ENG_DEFAULT));
+  ++counts_.created;
+}
+
+void OpenItems::change(const Year &year, const BATCHBUCHUNG &posting, const ItemMovement &movement, DATENBANK &record) {
+  OPBELEG item = record.Opbeleg;
+  const int64_t gross = valueOf(item.Brutto), before = valueOf(item.Ausstand), after = before + movement.amount;
+  const bool raises = sameSign(movement.amount, gross) && sameSign(movement.amount, before);
+  if (*item.BetragFW) {
+    const bool same = movement.foreign && std::strcmp(item.Waehrung, posting.Waehrung) == 0;
+    auto moved = [&](const char *text, int64_t newOwn, int64_t oldOwn) {
+      return same ? valueOf(text) + *movement.foreign : inProportion(valueOf(text), newOwn, oldOwn);
+    };
+    put(item.Ausstand2, moved(item.Ausstand2, after, before));
+    if (raises) put(item.BetragFW, moved(item.BetragFW, gross + movement.amount, gross));
+  }
+  put(item.Ausstand, after);
+  if (raises) put(item.Brutto, gross + movement.amount);
+  const auto table = FileNumber(tableOfItems(*movement.account));
+  if (after == 0) {
+    must(store_.Delete(table, ZELK_ENG_DEFAULT));
+    ++counts_.settled;
+  } else {
+    record.Opbeleg = item;
+    must(store_.Update(record, table, ZELK_ENG_DEFAULT));
+  }
+  if (raises)
+    ++counts_.raised;
+  else
+    writeHistory(year, posting, movement, item);
+}
+
+void OpenItems::writeHistory(const Year &year, const BATCHBUCHUNG &posting, const ItemMovement &movement,
+                             const OPBELEG &item) {
+  OPHISTORIE payment{};
+  payment.OP = item;
+  payment.Zeile = greatestInHistory(tableOfHistory(*movement.account), item.Nr) + 1;
+  put(payment.Zahlung, movement.discount - movement.amount);
+  if (movement.discount != 0) put(payment.Skontobetrag, -movement.discount);
+  vlba98::strncpy2(payment.Zahldatum, posting.Belegdatum);
+  payment.Benutzer = user_;
+  vlba98::strncpy2(payment.Zahlbelegnummer, posting.Belegnummer);
+  vlba98::strncpy2(payment.Zahltext, movement.first->Text);
+  vlba98::strncpy2(payment.Zahltext2, movement.first->Text2);
+  if (const ZAHLZIEL *term = chart_.term(item.Zahlungsziel)) payment.Zahlungsart = term->Zahlungsart;
+  DATENBANK record{};
+  record.Ophistorie = payment;
+  chart_.open(year);
+  must(store_.Insert(record, FileNumber(tableOfHistory(*movement.account)), ZELK_ENG_DEFAULT));
+  ++counts_.payments;
+}
+
+int32_t OpenItems::nextNumber() {
+  if (lastNumber_ < 0) {
+    lastNumber_ = 0;
+    for (int table : {int(kOPKreditor), int(kOPDebitor)}) {
+      DATENBANK record{};
+      uint8_t found;
+      must(store_.GetLastExt(record, found, FileNumber(table), ZELK_ENG_DEFAULT, 0));
+      if (found) lastNumber_ = std::max<int32_t>(lastNumber_, record.Opbeleg.Nr);
+    }
+    for (auto &[number, year] : chart_.years()) {
+      chart_.open(year);
+      for (int table : {int(kHistOPKreditor), int(kHistOPDebitor)}) {
+        DATENBANK record{};
+        uint8_t found;
+        must(store_.GetLastExt(record, found, FileNumber(table), ZELK_ENG_DEFAULT, 0));
+        if (found) lastNumber_ = std::max<int32_t>(lastNumber_, record.Ophistorie.OP.Nr);
+      }
+    }
+  }
+  return ++lastNumber_;
+}
+
+// An item may be paid in several years.
+int32_t OpenItems::greatestInHistory(int table, int32_t item) {
+  int32_t greatest = 0;
+  for (auto &[number, year] : chart_.years()) {
+    DATENBANK record{};
+    uint8_t found;
+    chart_.open(year);
+    must(store_.GetLeExt(record, KeyBuilder().number(item).number(std::numeric_limits<int32_t>::max()), found,
+                         FileNumber(table), ZELK_ENG_DEFAULT, 0));
+    if (found && record.Ophistorie.OP.Nr == item) greatest = std::max<int32_t>(greatest, record.Ophistorie.Zeile);
+  }
+  return greatest;
+}
+
+} // namespace ledger

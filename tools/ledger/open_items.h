@@ -1,0 +1,58 @@
+/// Open items: what postings to personal accounts create, raise and settle.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "ledger/entry.h"
+
+namespace ledger {
+
+/// What one posting does to one personal account, all of its lines together.
+struct ItemMovement {
+  Account *account = nullptr;
+  Account *contra = nullptr;
+  int64_t amount = 0;   ///< above zero in the usual direction: a debtor owes more, more is owed to a creditor
+  int64_t discount = 0; ///< part of the amount that was deducted, not paid
+  std::optional<int64_t> foreign;
+  const vldb98::SPLIT *first = nullptr;
+  std::vector<int64_t> rates; ///< of tax, each once
+};
+
+/// The personal accounts that a posting moves. Where some lines of a split pay from a balance-sheet account, those
+/// against income-statement accounts are deductions (cash discount).
+std::vector<ItemMovement> itemMovementsOf(const std::vector<Movement> &movements);
+
+struct ItemCounts {
+  size_t created = 0;  ///< new items
+  size_t raised = 0;   ///< items that a posting in their own direction made greater
+  size_t payments = 0; ///< historical items written
+  size_t settled = 0;  ///< items with nothing left, which are no longer open
+};
+
+/// Functions throw StoreFailed when the store failed, and Refusal where an amount leaves its range.
+class OpenItems {
+public:
+  /// \param user number of the user who posts
+  OpenItems(vldb98::Store &store, Chart &chart, int32_t user) : store_(store), chart_(chart), user_(user) {}
+
+  void post(const Year &year, const vldb98::BATCHBUCHUNG &posting, const ItemMovement &movement);
+  const ItemCounts &counts() const { return counts_; }
+
+private:
+  void create(const vldb98::BATCHBUCHUNG &posting, const ItemMovement &movement);
+  void change(const Year &year, const vldb98::BATCHBUCHUNG &posting, const ItemMovement &movement,
+              vldb98::DATENBANK &item);
+  void writeHistory(const Year &year, const vldb98::BATCHBUCHUNG &posting, const ItemMovement &movement,
+                    const vldb98::OPBELEG &item);
+  int32_t nextNumber();
+  int32_t greatestInHistory(int table, int32_t item);
+
+  vldb98::Store &store_;
+  Chart &chart_;
+  int32_t user_;
+  int32_t lastNumber_ = -1; ///< greatest number of an item; -1: not read yet
+  ItemCounts counts_;
+};
+
+} // namespace ledger

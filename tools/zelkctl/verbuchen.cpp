@@ -1,0 +1,105 @@
+// verbuchen: a batch posted to the ledger, all or nothing.
+#include <cstdio>
+#include <cstring>
+#include <optional>
+
+#include "ledger/batch_run.h"
+#include "platform/system.h"
+#include "vlba98/datum.h"
+#include "vlba98/geld.h"
+#include "zelkctl/console.h"
+#include "zelkctl/provision.h"
+#include "zelkctl/verbs.h"
+
+namespace zelkctl {
+namespace {
+
+std::optional<vlba98::Datum> dayOf(const std::string &text) {
+  if (!text.empty()) return vlba98::parseDatum(text);
+  const platform::LocalTime now = platform::localTime();
+  return vlba98::Datum{now.year, now.month, now.day};
+}
+
+std::string money(int64_t amount) {
+  // Sums of a year may have more digits than one amount.
+  const bool negative = amount < 0;
+  const uint64_t value = negative ? uint64_t(-amount) : uint64_t(amount);
+  std::string digits = std::to_string(value / 100);
+  for (size_t at = digits.size(); at > 3; at -= 3)
+    digits.insert(at - 3, 1, vlba98::HoleTausenderTrenner());
+  const auto cents = unsigned(value % 100);
+  return (negative ? "-" : "") + digits + vlba98::HoleDezimalTrenner() + char('0' + cents / 10) +
+         char('0' + cents % 10);
+}
+
+int report(const ledger::Order &order, const ledger::Outcome &outcome) {
+  const std::string batch = "Stapel " + std::to_string(order.batch);
+  switch (outcome.state) {
+  case ledger::Outcome::StoreFailed:
+    complain("Fehler beim Zugriff auf die Datenbank. Es wurde nichts verbucht.");
+    return kFailed;
+  case ledger::Outcome::TablesLocked:
+    complain("Die Tabellen des Mandanten sind gesperrt. Es wurde nichts verbucht.");
+    return kFailed;
+  case ledger::Outcome::NothingToPost:
+    std::printf("%s hat keine Buchungen. Es gibt nichts zu verbuchen.\n", batch.c_str());
+    return kDone;
+  case ledger::Outcome::Refused: {
+    TextTable refused({{"Buchung", true}, {"Beleg"}, {"Grund"}});
+    for (const ledger::RefusedPosting &one : outcome.refused)
+      refused.add({one.posting ? std::to_string(one.posting) : "", one.document, one.reason});
+    refused.print();
+    std::printf("\n");
+    complain(batch + ": es wurde nichts verbucht.");
+    return kRefused;
+  }
+  case ledger::Outcome::Posted:
+    break;
+  }
+  TextTable years({{"Geschäftsjahr"},
+                   {"Buchungen", true},
+                   {"Belegzeilen", true},
+                   {"Kostenbuchungen", true},
+                   {"Soll", true},
+                   {"Haben", true}});
+  size_t postings = 0;
+  for (const auto &[year, figures] : outcome.years) {
+    years.add({std::to_string(year), std::to_string(figures.postings), std::to_string(figures.entries),
+               std::to_string(figures.costs), money(figures.debit), money(figures.credit)});
+    postings += figures.postings;
+  }
+  years.print();
+  std::printf("\nOffene Posten: %zu angelegt, %zu erhöht, %zu Zahlungen, %zu ausgeglichen.\n", outcome.items.created,
+              outcome.items.raised, outcome.items.payments, outcome.items.settled);
+  std::printf("%s: %zu Buchungen verbucht, der Stapel ist geleert.\n", batch.c_str(), postings);
+  return kDone;
+}
+
+} // namespace
+
+int postToLedger(int32_t client, int32_t batch, const std::string &day, int32_t user) {
+  const auto date = dayOf(day);
+  if (!date) {
+    complain("--tag " + day + ": erwartet wird ein Datum wie 31.01.2026.");
+    return kFailed;
+  }
+  auto store = openBooks();
+  if (!store) return kFailed;
+  ledger::Order order;
+  order.client = client;
+  order.batch = batch;
+  order.user = user;
+  std::memcpy(order.day, vlba98::toReversed(*date).data(), sizeof order.day);
+  std::optional<Progress> progress;
+  order.progress = [&](size_t done, size_t total) {
+    if (done == 0)
+      progress.emplace("Verbuchen", total);
+    else
+      progress->advance();
+  };
+  const ledger::Outcome outcome = ledger::postBatch(*store, order);
+  progress.reset();
+  return report(order, outcome);
+}
+
+} // namespace zelkctl
