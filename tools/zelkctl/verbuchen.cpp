@@ -6,7 +6,7 @@
 #include "ledger/batch_run.h"
 #include "platform/system.h"
 #include "vlba98/datum.h"
-#include "vlba98/geld.h"
+#include "zelkctl/amounts.h"
 #include "zelkctl/console.h"
 #include "zelkctl/provision.h"
 #include "zelkctl/verbs.h"
@@ -18,18 +18,6 @@ std::optional<vlba98::Datum> dayOf(const std::string &text) {
   if (!text.empty()) return vlba98::parseDatum(text);
   const platform::LocalTime now = platform::localTime();
   return vlba98::Datum{now.year, now.month, now.day};
-}
-
-std::string money(int64_t amount) {
-  // Sums of a year may have more digits than one amount.
-  const bool negative = amount < 0;
-  const uint64_t value = negative ? uint64_t(-amount) : uint64_t(amount);
-  std::string digits = std::to_string(value / 100);
-  for (size_t at = digits.size(); at > 3; at -= 3)
-    digits.insert(at - 3, 1, vlba98::HoleTausenderTrenner());
-  const auto cents = unsigned(value % 100);
-  return (negative ? "-" : "") + digits + vlba98::HoleDezimalTrenner() + char('0' + cents / 10) +
-         char('0' + cents % 10);
 }
 
 int report(const ledger::Order &order, const ledger::Outcome &outcome) {
@@ -65,7 +53,7 @@ int report(const ledger::Order &order, const ledger::Outcome &outcome) {
   size_t postings = 0;
   for (const auto &[year, figures] : outcome.years) {
     years.add({std::to_string(year), std::to_string(figures.postings), std::to_string(figures.entries),
-               std::to_string(figures.costs), money(figures.debit), money(figures.credit)});
+               std::to_string(figures.costs), grouped(figures.debit), grouped(figures.credit)});
     postings += figures.postings;
   }
   years.print();
