@@ -50,9 +50,15 @@ public:
   int transactionDepth() const override { return inner_->transactionDepth(); }
   bool table(TableOp op, int number) override { return !fails() && inner_->table(op, number); }
   bool tableExists(int number, bool &exists) override { return !fails() && inner_->tableExists(number, exists); }
-  bool lock(const LockName &name, LockMode mode) override { return !fails() && inner_->lock(name, mode); }
-  void unlock(int table, bool atOnce) override { inner_->unlock(table, atOnce); }
+  bool lock(std::span<const LockName> names, LockMode mode) override {
+    // Each lock is an operation; when one of them is not had, none is.
+    for (size_t i = 0; i < names.size(); ++i)
+      if (fails()) return false;
+    return inner_->lock(names, mode);
+  }
+  void unlock(std::span<const uint16_t> tables, bool atOnce) override { inner_->unlock(tables, atOnce); }
   bool holdsLocks() const override { return inner_->holdsLocks(); }
+  bool usable() const override { return inner_->usable(); }
 
 private:
   static bool fails() { return ++counted == failing; }
