@@ -92,6 +92,7 @@ Dialect mysqlFamily(const char *name, const char *createBehind) {
           .drivers = kMysqlDrivers,
           // 2: an update counts the rows that it found, also those that it left as they were.
           .fixedOptions = "CHARSET=utf8mb4;OPTION=2;",
+          .loginTimeout = "CONN_TIMEOUT",
           .portBehindHost = false};
 }
 
@@ -128,6 +129,7 @@ const Dialect &sqliteDialect() {
                                .errors = {},
                                .drivers = {},
                                .fixedOptions = "",
+                               .loginTimeout = "",
                                .portBehindHost = false};
   return dialect;
 }
@@ -177,6 +179,7 @@ const Dialect &mssqlDialect() {
       .errors = kMssqlErrors,
       .drivers = kMssqlDrivers,
       .fixedOptions = "",
+      .loginTimeout = "",
       .portBehindHost = true};
   return dialect;
 }

@@ -59,7 +59,8 @@ struct Dialect {
   // --- Connection string ---
   std::span<const char *const> drivers; ///< beginnings of the drivers' names, the best first
   const char *fixedOptions;
-  bool portBehindHost; ///< "host,port" in place of an option of its own
+  const char *loginTimeout; ///< option in seconds, where the driver does not heed ODBC's own; else empty
+  bool portBehindHost;      ///< "host,port" in place of an option of its own
 };
 
 const Dialect &sqliteDialect();

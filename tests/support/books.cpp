@@ -7,6 +7,7 @@
 #include <random>
 #include <sstream>
 
+#include "odbc/odbc_connection.h"
 #include "sqlite/sqlite_connection.h"
 #include "support/process.h"
 #include "zelkctl/verbs.h"
@@ -136,6 +137,7 @@ Environment::Environment() {
     folder_ = given;
   } else {
     // A process id alone comes back: a killed test leaves its folder, and another test would find books in its own.
+    renewServerDatabase();
     std::random_device random;
     do
       folder_ = std::filesystem::temp_directory_path() /
@@ -156,6 +158,7 @@ Environment::~Environment() {
 }
 
 void Environment::provision() {
+  if (onServer()) writeServerSettings(serverDatabase());
   ::testing::internal::CaptureStdout();
   int code = zelkctl::provision((folder_ / "programm").string());
   std::string output = ::testing::internal::GetCapturedStdout();
@@ -176,6 +179,8 @@ std::unique_ptr<Store> Environment::session(std::chrono::milliseconds lockWait) 
   settings.openEmbedded = [](const std::string &path, std::chrono::milliseconds wait) {
     return openSqlite(path, {wait, false, true});
   };
+  if (onServer()) settings.server = serverDatabase();
+  settings.openServer = openOdbc;
   return openSession(settings);
 }
 

@@ -82,6 +82,7 @@ std::string connectionString(const Dialect &dialect, const ServerSettings &serve
     text += ";";
   }
   option("DATABASE", braced(server.database));
+  if (*dialect.loginTimeout) option(dialect.loginTimeout, std::to_string(kLoginSeconds));
   text += dialect.fixedOptions;
   text += server.extra;
   wipe(password);

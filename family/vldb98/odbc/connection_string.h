@@ -10,6 +10,9 @@
 
 namespace vldb98::odbc {
 
+/// How long a connection may take: a server that does not answer must not hold a host up.
+inline constexpr unsigned kLoginSeconds = 5;
+
 /// A value of a connection string in braces, so that nothing in it ends it or begins another option. Nothing keeps a
 /// zero byte, at which drivers stop reading.
 std::string braced(std::string_view value);

@@ -10,8 +10,6 @@ namespace vldb98 {
 namespace odbc {
 namespace {
 
-constexpr uintptr_t kLoginSeconds = 5;
-
 std::atomic<uint64_t> tripsOfAll{0};
 
 class Connection final : public SqlConnection, public Session {

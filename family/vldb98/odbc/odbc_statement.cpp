@@ -112,7 +112,8 @@ bool OdbcStatement::bindColumns() {
     SQLRETURN done;
     if (column.isText) {
       if (size == 0 || size > kLongestText) size = kLongestText;
-      column.text.resize(size + 1);
+      // A character can be a pair.
+      column.text.resize(2 * size + 1);
       done = SQLBindCol(handle_.get(), number, SQL_C_WCHAR, column.text.data(),
                         SQLLEN(column.text.size() * sizeof(char16_t)), &column.length);
     } else {
