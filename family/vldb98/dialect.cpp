@@ -90,10 +90,12 @@ Dialect mysqlFamily(const char *name, const char *createBehind) {
           .rollback = "ROLLBACK",
           .errors = kMysqlErrors,
           .drivers = kMysqlDrivers,
-          // 2: an update counts the rows that it found, also those that it left as they were.
+          // The connection's character set is also what 8-bit texts are in. (The driver for MariaDB miscounts UTF-16: it
+          // takes U+00D8 to U+00DB for halves of pairs.) 2: an update counts the rows that it found, also those that it left as they were.
           .fixedOptions = "CHARSET=utf8mb4;OPTION=2;",
           .loginTimeout = "CONN_TIMEOUT",
-          .portBehindHost = false};
+          .takesUtf8 = true,
+.portBehindHost = false};
 }
 
 } // namespace
@@ -130,7 +132,8 @@ const Dialect &sqliteDialect() {
                                .drivers = {},
                                .fixedOptions = "",
                                .loginTimeout = "",
-                               .portBehindHost = false};
+                               .takesUtf8 = true,
+      .portBehindHost = false};
   return dialect;
 }
 
@@ -180,6 +183,7 @@ const Dialect &mssqlDialect() {
       .drivers = kMssqlDrivers,
       .fixedOptions = "",
       .loginTimeout = "",
+      .takesUtf8 = false,
       .portBehindHost = true};
   return dialect;
 }

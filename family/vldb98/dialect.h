@@ -60,7 +60,9 @@ struct Dialect {
   std::span<const char *const> drivers; ///< beginnings of the drivers' names, the best first
   const char *fixedOptions;
   const char *loginTimeout; ///< option in seconds, where the driver does not heed ODBC's own; else empty
-  bool portBehindHost;      ///< "host,port" in place of an option of its own
+  /// The driver hands 8-bit texts on as they are, so they are UTF-8; else it is given UTF-16.
+  bool takesUtf8;
+  bool portBehindHost; ///< "host,port" in place of an option of its own
 };
 
 const Dialect &sqliteDialect();

@@ -68,6 +68,7 @@ public:
 
 private:
   bool alive() const override { return !lost_; }
+  bool takesUtf8() const override { return dialect_->takesUtf8; }
   void sent() override { ++tripsOfAll; }
   void succeeded(int64_t rows) override { changedRows_ = rows; }
   void failed(SQLHANDLE statement) override;
@@ -137,12 +138,15 @@ bool Connection::connect(const ServerSettings &server) {
   SQLSetConnectAttrW(handle_.get(), SQL_ATTR_LOGIN_TIMEOUT, number(kLoginSeconds), SQL_IS_UINTEGER);
   std::string options = connectionString(*dialect_, server, installedDrivers());
   std::u16string text;
-  text.reserve(options.size() + 1);
+  text.reserve(2 * options.size() + 1);
   appendUtf16(text, options);
+  // For drivers that miscount the units: what they read behind the end ends there.
+  const auto units = SQLSMALLINT(text.size());
+  text.resize(2 * text.size() + 1);
   char16_t completed[2];
   SQLSMALLINT length = 0;
   connected_ =
-      SQL_SUCCEEDED(SQLDriverConnectW(handle_.get(), nullptr, wide(text), SQLSMALLINT(text.size()), wide(completed),
+      SQL_SUCCEEDED(SQLDriverConnectW(handle_.get(), nullptr, wide(text), units, wide(completed),
                                       SQLSMALLINT(std::size(completed)), &length, SQL_DRIVER_NOPROMPT));
   wipe(options);
   wipe(text);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstring>
 
 namespace vldb98::odbc {
 namespace {
@@ -63,9 +64,14 @@ void OdbcStatement::bind(int number, std::string_view utf8) {
   Parameter &p = parameter(number);
   if (!p.isText) p.bound = false;
   p.isText = true;
-  p.text.clear();
-  appendUtf16(p.text, utf8);
-  p.length = SQLLEN(p.text.size() * sizeof(char16_t));
+  if (session_.takesUtf8()) {
+    p.text = utf8;
+  } else {
+    std::u16string units;
+    appendUtf16(units, utf8);
+    p.text.assign(reinterpret_cast<const char *>(units.data()), units.size() * sizeof(char16_t));
+  }
+  p.length = SQLLEN(p.text.size());
   if (p.text.data() != p.place) p.bound = false;
 }
 
@@ -79,9 +85,11 @@ bool OdbcStatement::bindParameters() {
     if (p.bound) continue;
     SQLRETURN done;
     if (p.isText)
-      done = SQLBindParameter(handle_.get(), SQLUSMALLINT(mark + 1), SQL_PARAM_INPUT, SQL_C_WCHAR, SQL_WVARCHAR,
+      done = SQLBindParameter(handle_.get(), SQLUSMALLINT(mark + 1), SQL_PARAM_INPUT,
+                              session_.takesUtf8() ? SQL_C_CHAR : SQL_C_WCHAR,
+                              session_.takesUtf8() ? SQL_VARCHAR : SQL_WVARCHAR,
                               SQLULEN(std::max<size_t>(p.text.capacity(), 1)), 0, p.text.data(),
-                              SQLLEN((p.text.capacity() + 1) * sizeof(char16_t)), &p.length);
+                              SQLLEN(p.text.capacity() + 1), &p.length);
     else
       done = SQLBindParameter(handle_.get(), SQLUSMALLINT(mark + 1), SQL_PARAM_INPUT, SQL_C_SBIGINT, SQL_BIGINT, 0, 0,
                               &p.number, sizeof p.number, &p.length);
@@ -112,10 +120,10 @@ bool OdbcStatement::bindColumns() {
     SQLRETURN done;
     if (column.isText) {
       if (size == 0 || size > kLongestText) size = kLongestText;
-      // A character can be a pair.
-      column.text.resize(2 * size + 1);
-      done = SQLBindCol(handle_.get(), number, SQL_C_WCHAR, column.text.data(),
-                        SQLLEN(column.text.size() * sizeof(char16_t)), &column.length);
+      // Four bytes in both encodings are a character at most; the terminator.
+      column.text.resize(4 * size + sizeof(char16_t));
+      done = SQLBindCol(handle_.get(), number, session_.takesUtf8() ? SQL_C_CHAR : SQL_C_WCHAR, column.text.data(),
+                        SQLLEN(column.text.size()), &column.length);
     } else {
       done = SQLBindCol(handle_.get(), number, SQL_C_SBIGINT, &column.number, sizeof column.number, &column.length);
     }
@@ -168,10 +176,13 @@ int64_t OdbcStatement::integer(int column) {
 
 std::string_view OdbcStatement::text(int number) {
   Column &column = columns_.at(size_t(number));
+  if (!column.isText || column.length <= 0) return {};
+  const size_t bytes = std::min(size_t(column.length), column.text.size() - sizeof(char16_t));
+  if (session_.takesUtf8()) return {column.text.data(), bytes};
+  std::u16string units(bytes / sizeof(char16_t), u' ');
+  std::memcpy(units.data(), column.text.data(), units.size() * sizeof(char16_t));
   column.utf8.clear();
-  if (!column.isText || column.length <= 0) return column.utf8;
-  const size_t units = std::min(size_t(column.length) / sizeof(char16_t), column.text.size() - 1);
-  appendUtf8(column.utf8, column.text.data(), units);
+  appendUtf8(column.utf8, units.data(), units.size());
   return column.utf8;
 }
 

@@ -15,6 +15,7 @@ public:
   virtual ~Session() = default;
   /// False when the connection is lost: nothing is sent then.
   virtual bool alive() const = 0;
+  virtual bool takesUtf8() const = 0;
   /// Counts one statement on its way to the server.
   virtual void sent() = 0;
   virtual void succeeded(int64_t rows) = 0;
@@ -47,15 +48,14 @@ private:
     bool isText = false;
     bool bound = false; // with this type, at this place
     int64_t number = 0;
-    std::u16string text;
+    std::string text; // UTF-8, or the bytes of UTF-16
     const void *place = nullptr; // of the text when it was bound
     SQLLEN length = 0;           // in bytes, or SQL_NULL_DATA
   };
   struct Column {
     bool isText = false;
     int64_t number = 0;
-    std::u16string text;
-    std::string utf8;
+    std::string text, utf8;
     SQLLEN length = 0;
   };
 
