@@ -160,6 +160,8 @@ std::string selectStatement(const Dialect &dialect, const Table &table, const Ke
   case ReadOp::Exact:
   case ReadOp::Exists:
     append(conditions, equalities(keyColumns));
+    // What is the same in all of them: MariaDB sorts them if it is asked to order by a parameter's column.
+    if (!dialect.comparesRows) order.erase(order.begin(), order.begin() + std::ptrdiff_t(keyColumns.size()));
     break;
   case ReadOp::First:
   case ReadOp::Last:
@@ -170,7 +172,8 @@ std::string selectStatement(const Dialect &dialect, const Table &table, const Ke
   bool descending = op == ReadOp::Last || op == ReadOp::Le || op == ReadOp::Prev;
   return std::string("SELECT ") + dialect.oneRowInFront +
          (op == ReadOp::Exists ? "1" : joined(allColumns(table), ",")) + from(dialect, table, key, forUpdate) +
-         where(conditions) + " ORDER BY " + joined(order, ",", descending ? " DESC" : "") + oneRow(dialect, forUpdate);
+         where(conditions) + (order.empty() ? "" : " ORDER BY " + joined(order, ",", descending ? " DESC" : "")) +
+         oneRow(dialect, forUpdate);
 }
 
 std::string insertStatement(const Table &table) {
