@@ -163,7 +163,18 @@ bool IsamEngine::insert(const Table &table, DATENBANK &record) {
   bool assigns = table.assigned >= 0 && numberAt(table.fields[size_t(table.assigned)], record.bytes) == 0;
   // Reading the greatest number and inserting the next must be one step for other writers.
   bool wrapped = assigns && depth_ == 0;
-  if (wrapped && !transaction(TransactionOp::Begin, false)) return false;
+  // Where several write at once, rows cannot do that: of an empty table there is none to lock. Who holds the table
+  // needs no more.
+  const uint16_t client = table.scope == Scope::Global ? 0 : client_;
+  const LockName counter{client, uint16_t(table.number), LockName::resourceOf("Nr")};
+  const bool guarded =
+      assigns && dialect_.locksRows && !locks_->holds({client, counter.table, 0}) && !locks_->holds(counter);
+  if (guarded && !locks_->acquire({&counter, 1}, LockMode::Exclusive)) return false;
+  if (wrapped && !transaction(TransactionOp::Begin, false)) {
+    if (guarded) locks_->release({&counter, 1});
+    return false;
+  }
+  if (guarded) pendingUnlocks_.push_back(counter);
   DATENBANK before = record;
   bool done = assigns ? insertAssigned(table, record) : writeRow(table, record.bytes);
   if (wrapped && !transaction(done ? TransactionOp::Commit : TransactionOp::Rollback, false)) done = false;

@@ -51,6 +51,7 @@ public:
   void releaseTables(std::span<const uint16_t> tables);
   /// The names held on a table.
   std::vector<LockName> heldOn(uint16_t table) const;
+  bool holds(const LockName &name) const { return held_.contains(name); }
   bool holdsAny() const { return !held_.empty(); }
 
 protected:

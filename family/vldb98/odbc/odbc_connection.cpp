@@ -23,14 +23,9 @@ public:
   bool setUp(std::chrono::milliseconds wait, std::string &database);
 
   std::unique_ptr<SqlStatement> prepare(const std::string &sql) override {
-    if (lost_) return nullptr;
-    StatementHandle statement(handle_.get());
-    if (!statement) return nullptr;
     MarkedText marked = markedText(sql);
-    if (SQL_SUCCEEDED(SQLPrepareW(statement.get(), wide(marked.text), SQLINTEGER(marked.text.size()))))
-      return std::make_unique<OdbcStatement>(*this, std::move(statement), std::move(marked.marks));
-    failed(statement.get());
-    return nullptr;
+    StatementHandle statement = prepared(marked.text);
+    return statement ? std::make_unique<OdbcStatement>(*this, std::move(statement), std::move(marked)) : nullptr;
   }
 
   bool execute(const std::string &sql) override {
@@ -42,7 +37,7 @@ public:
     sent();
     const SQLRETURN done = SQLExecDirectW(statement.get(), wide(text), SQLINTEGER(text.size()));
     if (done == SQL_NO_DATA || SQL_SUCCEEDED(done)) return true;
-    failed(statement.get());
+    failed(statement);
     return false;
   }
 
@@ -71,7 +66,15 @@ private:
   bool takesUtf8() const override { return dialect_->takesUtf8; }
   void sent() override { ++tripsOfAll; }
   void succeeded(int64_t rows) override { changedRows_ = rows; }
-  void failed(SQLHANDLE statement) override;
+  StatementHandle prepared(std::u16string &text) override {
+    StatementHandle statement;
+    if (lost_) return statement;
+    statement = StatementHandle(handle_.get());
+    if (statement && !SQL_SUCCEEDED(SQLPrepareW(statement.get(), wide(text), SQLINTEGER(text.size()))))
+      failed(statement);
+    return statement;
+  }
+  void failed(StatementHandle &statement) override;
   Failure meaningOf(SQLHANDLE statement);
   std::vector<std::string> installedDrivers();
 
@@ -98,15 +101,15 @@ Failure Connection::meaningOf(SQLHANDLE statement) {
   }
 }
 
-void Connection::failed(SQLHANDLE statement) {
-  failure_ = meaningOf(statement);
+void Connection::failed(StatementHandle &statement) {
+  failure_ = meaningOf(statement.get());
+  statement = StatementHandle();
   if (failure_ == Failure::Lost) {
     lost_ = true;
     inTransaction_ = false;
   }
   // Servers differ in how much they undo by themselves: here it is always the whole transaction.
   if (failure_ == Failure::Retry && inTransaction_) {
-    SQLFreeStmt(statement, SQL_CLOSE);
     rollback();
     failure_ = lost_ ? Failure::Lost : Failure::Retry;
   }
@@ -145,9 +148,8 @@ bool Connection::connect(const ServerSettings &server) {
   text.resize(2 * text.size() + 1);
   char16_t completed[2];
   SQLSMALLINT length = 0;
-  connected_ =
-      SQL_SUCCEEDED(SQLDriverConnectW(handle_.get(), nullptr, wide(text), units, wide(completed),
-                                      SQLSMALLINT(std::size(completed)), &length, SQL_DRIVER_NOPROMPT));
+  connected_ = SQL_SUCCEEDED(SQLDriverConnectW(handle_.get(), nullptr, wide(text), units, wide(completed),
+                                               SQLSMALLINT(std::size(completed)), &length, SQL_DRIVER_NOPROMPT));
   wipe(options);
   wipe(text);
   return connected_;

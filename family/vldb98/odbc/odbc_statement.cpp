@@ -43,9 +43,10 @@ MarkedText markedText(const std::string &sql) {
   return marked;
 }
 
-OdbcStatement::OdbcStatement(Session &session, StatementHandle handle, std::vector<size_t> marks)
-    : session_(session), handle_(std::move(handle)), marks_(std::move(marks)) {
-  parameters_.resize(marks_.empty() ? 0 : *std::max_element(marks_.begin(), marks_.end()) + 1);
+OdbcStatement::OdbcStatement(Session &session, StatementHandle handle, MarkedText marked)
+    : session_(session), handle_(std::move(handle)), marked_(std::move(marked)) {
+  const auto &marks = marked_.marks;
+  parameters_.resize(marks.empty() ? 0 : *std::max_element(marks.begin(), marks.end()) + 1);
 }
 
 OdbcStatement::Parameter &OdbcStatement::parameter(int number) {
@@ -80,16 +81,15 @@ void OdbcStatement::bindNull(int number) {
 }
 
 bool OdbcStatement::bindParameters() {
-  for (size_t mark = 0; mark < marks_.size(); ++mark) {
-    Parameter &p = parameters_[marks_[mark]];
+  for (size_t mark = 0; mark < marked_.marks.size(); ++mark) {
+    Parameter &p = parameters_[marked_.marks[mark]];
     if (p.bound) continue;
     SQLRETURN done;
     if (p.isText)
-      done = SQLBindParameter(handle_.get(), SQLUSMALLINT(mark + 1), SQL_PARAM_INPUT,
-                              session_.takesUtf8() ? SQL_C_CHAR : SQL_C_WCHAR,
-                              session_.takesUtf8() ? SQL_VARCHAR : SQL_WVARCHAR,
-                              SQLULEN(std::max<size_t>(p.text.capacity(), 1)), 0, p.text.data(),
-                              SQLLEN(p.text.capacity() + 1), &p.length);
+      done = SQLBindParameter(
+          handle_.get(), SQLUSMALLINT(mark + 1), SQL_PARAM_INPUT, session_.takesUtf8() ? SQL_C_CHAR : SQL_C_WCHAR,
+          session_.takesUtf8() ? SQL_VARCHAR : SQL_WVARCHAR, SQLULEN(std::max<size_t>(p.text.capacity(), 1)), 0,
+          p.text.data(), SQLLEN(p.text.capacity() + 1), &p.length);
     else
       done = SQLBindParameter(handle_.get(), SQLUSMALLINT(mark + 1), SQL_PARAM_INPUT, SQL_C_SBIGINT, SQL_BIGINT, 0, 0,
                               &p.number, sizeof p.number, &p.length);
@@ -133,16 +133,21 @@ bool OdbcStatement::bindColumns() {
   return true;
 }
 
+// The driver for MariaDB waits forever when a statement is run again of which the last execution broke off among its
+// rows, as at a deadlock. So it is given up, and prepared anew when it is used again.
 Step OdbcStatement::fail() {
-  session_.failed(handle_.get());
-  reset();
+  if (handle_) session_.failed(handle_);
+  open_ = columnsBound_ = false;
+  for (Parameter &p : parameters_)
+    p.bound = false;
   return Step::Failed;
 }
 
 Step OdbcStatement::step() {
   if (!session_.alive()) return Step::Failed;
   if (!open_) {
-    if (!bindParameters()) return fail();
+    if (!handle_) handle_ = session_.prepared(marked_.text);
+    if (!handle_ || !bindParameters()) return fail();
     session_.sent();
     const SQLRETURN done = SQLExecute(handle_.get());
     // An update or delete that met no row.

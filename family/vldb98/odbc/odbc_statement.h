@@ -19,8 +19,10 @@ public:
   /// Counts one statement on its way to the server.
   virtual void sent() = 0;
   virtual void succeeded(int64_t rows) = 0;
-  /// Looks up what went wrong, and draws the consequences.
-  virtual void failed(SQLHANDLE statement) = 0;
+  /// A statement of its own for a text; none when it is not accepted.
+  virtual StatementHandle prepared(std::u16string &text) = 0;
+  /// Looks up what went wrong, gives the statement up, and draws the consequences.
+  virtual void failed(StatementHandle &statement) = 0;
 };
 
 /// The text with a bare mark for each parameter, and the parameter that each mark stands for, from 0.
@@ -32,7 +34,7 @@ MarkedText markedText(const std::string &sql);
 
 class OdbcStatement final : public SqlStatement {
 public:
-  OdbcStatement(Session &session, StatementHandle handle, std::vector<size_t> marks);
+  OdbcStatement(Session &session, StatementHandle handle, MarkedText marked);
 
   void bind(int parameter, int64_t value) override;
   void bind(int parameter, std::string_view utf8) override;
@@ -48,7 +50,7 @@ private:
     bool isText = false;
     bool bound = false; // with this type, at this place
     int64_t number = 0;
-    std::string text; // UTF-8, or the bytes of UTF-16
+    std::string text;            // UTF-8, or the bytes of UTF-16
     const void *place = nullptr; // of the text when it was bound
     SQLLEN length = 0;           // in bytes, or SQL_NULL_DATA
   };
@@ -66,7 +68,7 @@ private:
 
   Session &session_;
   StatementHandle handle_;
-  std::vector<size_t> marks_;
+  MarkedText marked_;
   std::vector<Parameter> parameters_;
   std::vector<Column> columns_;
   bool columnsBound_ = false, open_ = false;
