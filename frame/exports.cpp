@@ -37,26 +37,31 @@ ZelkResult ZELK_CALL ZELK_GetUsedEngine() {
 ZelkResult ZELK_CALL ZELK_SQLInit(int32_t engine, int32_t dialog, const char *Host, const char *User,
                                   const char *Passwort, int32_t port, const char *Zusatz, const char *Datenbank) {
   static constexpr Export self{.name = "ZELK_SQLInit", .connect = false, .needsContext = false};
-  return run(
-      self,
-      {frame::engine("Enginetyp:", engine), number("Dialog:", dialog), text("Host:", Host), text("User:", User),
-       secret("Passwort:", Passwort), number("Port:", port), text("Zusatz:", Zusatz), text("Datenbank:", Datenbank)},
-      [&](ThreadContext *) -> ZelkResult {
-        auto chosen = engine >= 1 && engine <= 3 ? vldb98::DBENGINE(engine) : vldb98::ZELK_ENG_DEFAULT;
-        // The limit is one too high, so that 65536 becomes 0; hosts may count on it.
-        int32_t bounded = port < 0 ? 0 : port > 65536 ? 65535 : port;
-        unsigned flags = dialog ? vldb98::kConnectWithDialog : vldb98::kConnectSilently;
-        std::string database = vlba98::toUtf8(Datenbank ? Datenbank : "");
-        switch (vldb98::ConnectSQL(flags, chosen, Host, User, Passwort, uint16_t(bounded), Zusatz, database.c_str())) {
-        case vldb98::ConnectResult::Done:
-          return ZELK_OK;
-        case vldb98::ConnectResult::Cancelled:
-          return ZELK_keinKonto;
-        case vldb98::ConnectResult::Failed:
-          break;
-        }
-        return ZELKERR_Verbindungsfehler;
-      });
+  return run(self,
+             {frame::engine("Enginetyp:", engine), number("Dialog:", dialog), text("Host:", Host), text("User:", User),
+              secret("Passwort:", Passwort), number("Port:", port), text("Zusatz:", Zusatz),
+              text("Datenbank:", Datenbank)},
+             [&](ThreadContext *) -> ZelkResult {
+               auto chosen = engine >= 1 && engine <= 3 ? vldb98::DBENGINE(engine) : vldb98::ZELK_ENG_DEFAULT;
+               // The limit is one too high, so that 65536 becomes 0; hosts may count on it.
+               int32_t bounded = port < 0 ? 0 : port > 65536 ? 65535 : port;
+               unsigned flags = dialog ? vldb98::kConnectWithDialog : vldb98::kConnectSilently;
+               auto utf8 = [](const char *value) { return vlba98::toUtf8(value ? value : ""); };
+               std::string password = utf8(Passwort);
+               auto connected = vldb98::ConnectSQL(flags, chosen, utf8(Host).c_str(), utf8(User).c_str(),
+                                                   Passwort ? password.c_str() : nullptr, uint16_t(bounded),
+                                                   utf8(Zusatz).c_str(), utf8(Datenbank).c_str());
+               vldb98::wipe(password);
+               switch (connected) {
+               case vldb98::ConnectResult::Done:
+                 return ZELK_OK;
+               case vldb98::ConnectResult::Cancelled:
+                 return ZELK_keinKonto;
+               case vldb98::ConnectResult::Failed:
+                 break;
+               }
+               return ZELKERR_Verbindungsfehler;
+             });
 }
 
 ZelkResult ZELK_CALL ZELK_SQLDeInit() {

@@ -8,6 +8,7 @@
 #include "frame/notification.h"
 #include "frame/protocol.h"
 #include "frame/settings.h"
+#include "odbc/odbc_connection.h"
 #include "platform/files.h"
 #include "platform/system.h"
 #include "sqlite/sqlite_connection.h"
@@ -30,6 +31,8 @@ Lifecycle &lifecycle() {
   return instance;
 }
 
+constexpr size_t kServerSettingSize = 260;
+
 std::string findProgramDirectory() {
   struct Place {
     const char *section, *key;
@@ -51,6 +54,9 @@ vldb98::DatabaseSettings databaseSettings(const std::string &programDirectory) {
   settings.openEmbedded = [](const std::string &path, std::chrono::milliseconds wait) {
     return vldb98::openSqlite(path, {wait, false, true});
   };
+  settings.server = vldb98::serverOfSettings(
+      [](const char *key) { return setting(vldb98::kServerSection, key, kServerSettingSize); });
+  settings.openServer = vldb98::openOdbc;
   return settings;
 }
 

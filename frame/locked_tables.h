@@ -1,7 +1,6 @@
 /// Changes of tables that nobody else may touch meanwhile.
 #pragma once
 
-#include <algorithm>
 #include <span>
 #include <string>
 
@@ -17,19 +16,15 @@ struct Outcome {
   std::string fill = {}; ///< Windows-1252
 };
 
-/// Holds tables of the open client, locked one after the other. Who changes several of them takes them in the order in
-/// which a posting does, or two callers wait for each other.
+/// Holds tables of the open client, all of them or none. Who changes several of them takes them in the order in which a
+/// posting does, or two callers wait for each other.
 class LockedTables {
 public:
-  LockedTables(vldb98::Store &store, std::span<const vldb98::FileNumber> tables) : store_(store), tables_(tables) {
-    held_ = std::all_of(tables.begin(), tables.end(), [&](vldb98::FileNumber table) {
-      return store.Lock(table, nullptr, 0, vldb98::ZELK_ENG_DEFAULT);
-    });
-  }
+  LockedTables(vldb98::Store &store, std::span<const vldb98::FileNumber> tables)
+      : store_(store), tables_(tables), held_(store.Lock(tables, vldb98::ZELK_ENG_DEFAULT)) {}
   ~LockedTables() {
     constexpr int atOnce = 1;
-    for (vldb98::FileNumber table : tables_)
-      store_.Unlock(table, atOnce, vldb98::ZELK_ENG_DEFAULT);
+    if (held_) store_.Unlock(tables_, atOnce, vldb98::ZELK_ENG_DEFAULT);
   }
   LockedTables(const LockedTables &) = delete;
   LockedTables &operator=(const LockedTables &) = delete;

@@ -1,5 +1,4 @@
 // The exports that insert a posting into a batch.
-#include <algorithm>
 #include <cstring>
 #include <optional>
 
@@ -22,22 +21,15 @@ namespace {
 // Locked in this order before a posting is looked at, so that what was checked still holds when it is written.
 constexpr FileNumber kLockOrder[] = {kKreditor, kDebitor, kSachkonto, kBatchbuchung, kSplit, kStapel, kKobu};
 
-struct Release {
-  FileNumber file;
-  bool changed; // by a posting, so that a transaction around it keeps the lock to its end
-};
-constexpr Release kReleaseOrder[] = {{kKreditor, false}, {kDebitor, false}, {kSachkonto, false}, {kBatchbuchung, true},
-                                     {kStapel, true},    {kSplit, true},    {kKobu, true}};
+constexpr FileNumber kReleaseOrder[] = {kKreditor, kDebitor, kSachkonto, kBatchbuchung, kStapel, kSplit, kKobu};
 
 class PostingLocks {
 public:
-  explicit PostingLocks(Store &store) : store_(store) {
-    held_ = std::all_of(std::begin(kLockOrder), std::end(kLockOrder),
-                        [&](FileNumber file) { return store.Lock(file, nullptr, 0, ZELK_ENG_DEFAULT); });
-  }
+  explicit PostingLocks(Store &store) : store_(store), held_(store.Lock(kLockOrder, ZELK_ENG_DEFAULT)) {}
   ~PostingLocks() {
-    for (const Release &release : kReleaseOrder)
-      store_.Unlock(release.file, release.changed && store_.transactionDepth() <= 0, ZELK_ENG_DEFAULT);
+    // A transaction around the posting keeps them to its end.
+    constexpr int atTheEnd = 0;
+    if (held_) store_.Unlock(kReleaseOrder, atTheEnd, ZELK_ENG_DEFAULT);
   }
   PostingLocks(const PostingLocks &) = delete;
   PostingLocks &operator=(const PostingLocks &) = delete;
@@ -69,6 +61,7 @@ ZelkResult insert(ThreadContext &context, const ZELK_SPLITBUCHUNG *posting) {
       PostingLocks locks(*store);
       // Hosts rely on it that a posting whose tables cannot be had in time is skipped without an error.
       if (!locks.held()) {
+        if (!store->usable()) return ZELKERR_Datenbank;
         protocolLine(
             "Die Buchung wurde übersprungen: Die Tabellen des Mandanten sind gesperrt. Es wurde nichts gebucht.");
         return opened;

@@ -4,6 +4,7 @@
 #include <mutex>
 
 #include "platform/files.h"
+#include "platform/ui.h"
 #include "vldb98/isam_engine.h"
 
 namespace vldb98 {
@@ -11,7 +12,9 @@ namespace {
 
 struct State {
   std::mutex mutex;
-  DatabaseSettings settings;
+  DatabaseSettings settings; ///< in use
+  DatabaseSettings defaults; ///< as attached
+  std::atomic<DBENGINE> engine{ZELK_ENG_BTRIEVE};
   bool open = false;
   EngineDecorator decorator;
   std::atomic<uint32_t> generation{1};
@@ -27,43 +30,99 @@ DatabaseSettings settingsNow() {
   return state().settings;
 }
 
+std::unique_ptr<Engine> openServerEngine(const DatabaseSettings &settings) {
+  if (!settings.openServer) return nullptr;
+  std::string database;
+  auto connection = settings.openServer(settings.server, settings.lockWait, database);
+  if (!connection) return nullptr;
+  auto locks = openServerLocks(*connection, database, settings.lockWait);
+  return std::make_unique<IsamEngine>(std::move(connection), std::move(locks));
+}
+
 std::unique_ptr<Engine> openEngine(const DatabaseSettings &settings) {
+  if (settings.server.isServer()) return openServerEngine(settings);
   if (!settings.openEmbedded) return nullptr;
   std::string directory = platform::withSeparator(settings.directory);
   auto connection = settings.openEmbedded(directory + kDatabaseFile, settings.lockWait);
   if (!connection) return nullptr;
   auto locks = openFileLocks(directory + kLockFile, settings.lockWait);
   if (!locks) return nullptr;
-  return std::make_unique<IsamEngine>(ZELK_ENG_BTRIEVE, std::move(connection), std::move(locks));
+  return std::make_unique<IsamEngine>(std::move(connection), std::move(locks));
+}
+
+// Under the mutex.
+void use(const DatabaseSettings &settings) {
+  state().settings = settings;
+  state().engine = settings.server.isServer() ? settings.server.engine : ZELK_ENG_BTRIEVE;
+  state().open = true;
+  ++state().generation;
+}
+
+bool isMissing(const char *text) {
+  return !text || !*text;
+}
+
+// Asks for what a connection cannot do without. \return false when the person cancels
+bool askForMissing(ServerSettings &server, bool passwordGiven) {
+  auto ask = [](const char *what, std::string &value) {
+    if (!value.empty()) return true;
+    auto answer = platform::ui().input("Verbindung zum Datenbankserver", what);
+    if (answer) value = *answer;
+    return answer.has_value();
+  };
+  std::string password = server.password.empty() && !passwordGiven ? "" : "-";
+  if (!ask("Host:", server.host) || !ask("Benutzer:", server.user) || !ask("Passwort:", password) ||
+      !ask("Datenbank:", server.database))
+    return false;
+  if (server.password.empty() && !passwordGiven) server.password = Secret(password);
+  wipe(password);
+  return true;
 }
 
 } // namespace
 
 void VLDB_Attach(const DatabaseSettings &settings) {
   std::lock_guard guard(state().mutex);
-  state().settings = settings;
-  state().settings.directory = platform::absolutePath(settings.directory);
-  state().open = true;
-  ++state().generation;
+  state().defaults = settings;
+  state().defaults.directory = platform::absolutePath(settings.directory);
+  use(state().defaults);
 }
 
 void VLDB_Detach() {
   std::lock_guard guard(state().mutex);
-  state().settings = {};
+  use({});
+  state().defaults = {};
   state().open = false;
-  ++state().generation;
 }
 
-ConnectResult ConnectSQL(unsigned, DBENGINE engine, const char *, const char *, const char *, uint16_t, const char *,
-                         const char *database) {
-  if (engine != ZELK_ENG_DEFAULT && engine != ZELK_ENG_BTRIEVE) return ConnectResult::Failed;
+ConnectResult ConnectSQL(unsigned flags, DBENGINE engine, const char *host, const char *user, const char *password,
+                         uint16_t port, const char *extra, const char *database) {
   DatabaseSettings settings = settingsNow();
-  if (database && *database) settings.directory = platform::absolutePath(database);
+  ServerSettings server;
+  {
+    std::lock_guard guard(state().mutex);
+    server = state().defaults.server;
+  }
+  if (engine == ZELK_ENG_DEFAULT) engine = server.engine;
+  if (engine == ZELK_ENG_BTRIEVE) {
+    if (!isMissing(database)) settings.directory = platform::absolutePath(database);
+    settings.server = {};
+  } else {
+    if (engine != server.engine) server = {};
+    server.engine = engine;
+    const bool passwordGiven = password && (*password || !isMissing(user));
+    if (!isMissing(host)) server.host = host;
+    if (!isMissing(user)) server.user = user;
+    if (passwordGiven) server.password = Secret(password);
+    if (port) server.port = port;
+    if (!isMissing(extra)) server.extra = extra;
+    if (!isMissing(database)) server.database = database;
+    if (flags == kConnectWithDialog && !askForMissing(server, passwordGiven)) return ConnectResult::Cancelled;
+    settings.server = server;
+  }
   if (!openEngine(settings)) return ConnectResult::Failed;
   std::lock_guard guard(state().mutex);
-  state().settings.directory = settings.directory;
-  state().open = true;
-  ++state().generation;
+  use(settings);
   return ConnectResult::Done;
 }
 
@@ -77,7 +136,7 @@ bool IsZELKMode() {
   return GetUsedEngine() == ZELK_ENG_BTRIEVE;
 }
 DBENGINE GetUsedEngine() {
-  return ZELK_ENG_BTRIEVE;
+  return state().engine;
 }
 std::string HoleDbPfad() {
   return platform::withSeparator(settingsNow().directory);
@@ -113,13 +172,15 @@ void setEngineDecorator(EngineDecorator decorator) {
 }
 
 bool createTables(Store &store) {
-  if (!store.Transaktion(1, 0, ZELK_ENG_DEFAULT)) return false;
+  // A server commits each table by itself; what a failure left behind is completed by the next attempt.
+  const bool together = !store.IsUsedEngineSQL();
+  if (together && !store.Transaktion(1, 0, ZELK_ENG_DEFAULT)) return false;
   for (const Table &table : allTables())
     if (!store.CreateTable(table.number)) {
-      store.Transaktion(4, 0, ZELK_ENG_DEFAULT);
+      if (together) store.Transaktion(4, 0, ZELK_ENG_DEFAULT);
       return false;
     }
-  return store.Transaktion(2, 0, ZELK_ENG_DEFAULT);
+  return !together || store.Transaktion(2, 0, ZELK_ENG_DEFAULT);
 }
 
 } // namespace vldb98

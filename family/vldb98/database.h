@@ -5,14 +5,17 @@
 #include <memory>
 #include <string>
 
+#include "vldb98/server.h"
 #include "vldb98/sql.h"
 #include "vldb98/store.h"
 
 namespace vldb98 {
 
-/// How the embedded engine's file is opened; the driver stands in a layer above.
+/// How the embedded engine's file is opened, and how a server is reached; the drivers stand in a layer above.
 using OpenEmbedded =
     std::function<std::unique_ptr<SqlConnection>(const std::string &path, std::chrono::milliseconds wait)>;
+using OpenServer = std::function<std::unique_ptr<SqlConnection>(const ServerSettings &server,
+                                                                std::chrono::milliseconds wait, std::string &database)>;
 
 /// Puts something around an engine before a session gets it.
 using EngineDecorator = std::function<std::unique_ptr<Engine>(std::unique_ptr<Engine>)>;
@@ -21,6 +24,8 @@ struct DatabaseSettings {
   std::string directory; ///< of the embedded database, UTF-8
   std::chrono::milliseconds lockWait{10000};
   OpenEmbedded openEmbedded;
+  ServerSettings server; ///< none: the embedded database
+  OpenServer openServer;
 };
 
 /// File names of the embedded database inside its directory.
@@ -37,10 +42,13 @@ enum class ConnectResult { Done = 0, Cancelled = 1, Failed = 2 };
 constexpr unsigned kConnectWithDialog = 0x308;
 constexpr unsigned kConnectSilently = 0x310;
 
-/// Chooses the engine for all sessions opened from now on and tries it.
-/// \param engine   ZELK_ENG_DEFAULT or ZELK_ENG_BTRIEVE: the embedded database. There is no driver for servers in this
-///                 build: other engines fail
-/// \param database embedded: directory of the database, null or empty for the one of the settings; UTF-8
+/// Chooses the engine for all sessions opened from now on and tries it. All texts are UTF-8. What is null or empty, and
+/// a port of 0, is taken from the settings where they are of the same engine; an empty password only together with an
+/// empty user.
+/// \param flags    kConnectWithDialog: the person is asked for what is missing then (host, user, password, database)
+/// \param engine   ZELK_ENG_DEFAULT: the one of the settings
+/// \param extra    further options for the ODBC driver, as in a connection string ("FORCETLS=1;SSLVERIFY=1")
+/// \param database of a server its name; embedded its directory
 ConnectResult ConnectSQL(unsigned flags, DBENGINE engine, const char *host, const char *user, const char *password,
                          uint16_t port, const char *extra, const char *database);
 

@@ -84,11 +84,15 @@ public:
   virtual bool table(TableOp op, int number) = 0;
   virtual bool tableExists(int number, bool &exists) = 0;
 
-  virtual bool lock(const LockName &name, LockMode mode) = 0;
-  /// Releases what is held on a table, of whatever client. Inside a transaction it takes effect at its end, so that
-  /// nobody sees the table before the change is committed, unless at once is asked for.
-  virtual void unlock(int table, bool atOnce) = 0;
+  /// All of the locks, in the order given, or none.
+  virtual bool lock(std::span<const LockName> names, LockMode mode) = 0;
+  /// Releases what is held on tables, of whatever client. Inside a transaction it takes effect at its end, so that
+  /// nobody sees the tables before the change is committed, unless at once is asked for.
+  virtual void unlock(std::span<const uint16_t> tables, bool atOnce) = 0;
   virtual bool holdsLocks() const = 0;
+
+  /// False when the connection to a server is lost: everything fails from then on, and locks and transaction are gone.
+  virtual bool usable() const = 0;
 };
 
 } // namespace vldb98

@@ -34,11 +34,11 @@ int32_t numberAt(const Field &field, const char *record) {
 
 } // namespace
 
-IsamEngine::IsamEngine(DBENGINE kind, std::unique_ptr<SqlConnection> connection, std::unique_ptr<Locks> locks)
-    : kind_(kind), connection_(std::move(connection)), locks_(std::move(locks)) {}
+IsamEngine::IsamEngine(std::unique_ptr<SqlConnection> connection, std::unique_ptr<Locks> locks)
+    : connection_(std::move(connection)), dialect_(connection_->dialect()), locks_(std::move(locks)) {}
 
 IsamEngine::~IsamEngine() {
-  if (depth_ > 0) connection_->execute("ROLLBACK");
+  if (depth_ > 0 && connection_->inTransaction()) connection_->rollback();
 }
 
 void IsamEngine::setScope(uint16_t client, int year) {
@@ -60,8 +60,11 @@ SqlStatement *IsamEngine::prepared(Statement &statement, const std::string &text
 }
 
 SqlStatement *IsamEngine::readStatement(const Table &table, const Key &key, ReadOp op, bool bounded) {
-  Statement &slot = tables_[size_t(table.number)].reads[key.index][bounded ? kReadOps : size_t(op)];
-  return slot ? slot.get() : prepared(slot, selectStatement(table, key, op, bounded));
+  // What is read before a change must still hold when it is written, where several write at once.
+  const bool forUpdate = dialect_.locksRows && depth_ > 0 && !snapshot_ && op != ReadOp::Exists;
+  const size_t which = bounded ? kReadOps : size_t(op);
+  Statement &slot = tables_[size_t(table.number)].reads[key.index][which + (forUpdate ? kReadOps + 1 : 0)];
+  return slot ? slot.get() : prepared(slot, selectStatement(dialect_, table, key, op, bounded, forUpdate));
 }
 
 int IsamEngine::bindScope(SqlStatement &statement, const Table &table, int parameter) {
@@ -182,26 +185,53 @@ bool IsamEngine::insert(const Table &table, DATENBANK &record) {
   bool assigns = table.assigned >= 0 && numberAt(table.fields[size_t(table.assigned)], record.bytes) == 0;
   // Reading the greatest number and inserting the next must be one step for other writers.
   bool wrapped = assigns && depth_ == 0;
-  if (wrapped && !transaction(TransactionOp::Begin, false)) return false;
-  DATENBANK before = record;
-  TableState &state = tables_[size_t(table.number)];
-  SqlStatement *statement = prepared(state.insert, state.insert ? std::string() : insertStatement(table));
-  bool done = statement && (!assigns || assignNumber(table, record.bytes));
-  if (done) {
-    int parameter = bindScope(*statement, table, 1);
-    done = bindRow(*statement, table, record.bytes, parameter) && execute(*statement);
+  // Where several write at once, rows cannot do that: of an empty table there is none to lock. Who holds the table
+  // needs no more.
+  const uint16_t client = table.scope == Scope::Global ? 0 : client_;
+  const LockName counter{client, uint16_t(table.number), LockName::resourceOf("Nr")};
+  const bool guarded =
+      assigns && dialect_.locksRows && !locks_->holds({client, counter.table, 0}) && !locks_->holds(counter);
+  if (guarded && !locks_->acquire({&counter, 1}, LockMode::Exclusive)) return false;
+  if (wrapped && !transaction(TransactionOp::Begin, false)) {
+    if (guarded) locks_->release({&counter, 1});
+    return false;
   }
+  if (guarded) pendingUnlocks_.push_back(counter);
+  DATENBANK before = record;
+  bool done = assigns ? insertAssigned(table, record) : writeRow(table, record.bytes);
   if (wrapped && !transaction(done ? TransactionOp::Commit : TransactionOp::Rollback, false)) done = false;
   if (done)
-    state.current.assign(record.bytes, record.bytes + table.recordSize);
+    tables_[size_t(table.number)].current.assign(record.bytes, record.bytes + table.recordSize);
   else
     record = before;
   return done;
 }
 
+bool IsamEngine::writeRow(const Table &table, const char *record) {
+  TableState &state = tables_[size_t(table.number)];
+  SqlStatement *statement = prepared(state.insert, state.insert ? std::string() : insertStatement(table));
+  if (!statement) return false;
+  int parameter = bindScope(*statement, table, 1);
+  return bindRow(*statement, table, record, parameter) && execute(*statement);
+}
+
+bool IsamEngine::insertAssigned(const Table &table, DATENBANK &record) {
+  // Where several write at once, another one can have inserted the same number between the read and the write, which
+  // the greatest number of then tells from a second key that is in use.
+  for (int32_t last = 0;;) {
+    if (!assignNumber(table, record.bytes)) return false;
+    const int32_t number = numberAt(table.fields[size_t(table.assigned)], record.bytes);
+    if (number == last) return false;
+    if (writeRow(table, record.bytes)) return true;
+    if (!dialect_.locksRows || connection_->failure() != Failure::Duplicate) return false;
+    last = number;
+  }
+}
+
 bool IsamEngine::assignNumber(const Table &table, char *record) {
   TableState &state = tables_[size_t(table.number)];
-  SqlStatement *statement = prepared(state.greatest, state.greatest ? std::string() : greatestStatement(table));
+  SqlStatement *statement =
+      prepared(state.greatest, state.greatest ? std::string() : greatestStatement(dialect_, table));
   if (!statement) return false;
   int parameter = bindScope(*statement, table, 1);
   for (int index : table.keys.front().fields) {
@@ -254,18 +284,20 @@ bool IsamEngine::deleteBeginning(FileNumber file, const SCHLUESSEL &values, int 
 
 bool IsamEngine::transaction(TransactionOp op, bool snapshot) {
   if (op == TransactionOp::Begin) {
-    if (depth_ == 0 && !connection_->execute(snapshot ? "BEGIN" : "BEGIN IMMEDIATE")) return false;
+    if (depth_ == 0) {
+      if (!connection_->begin(snapshot)) return false;
+      snapshot_ = snapshot;
+    }
     ++depth_;
     return true;
   }
   if (depth_ == 0) return false;
   if (op == TransactionOp::Rollback) doomed_ = true;
   if (--depth_ > 0) return true;
-  bool committed = !doomed_ && connection_->execute("COMMIT");
-  if (!committed && connection_->inTransaction()) connection_->execute("ROLLBACK");
+  bool committed = !doomed_ && connection_->inTransaction() && connection_->commit();
+  if (!committed && connection_->inTransaction()) connection_->rollback();
   doomed_ = false;
-  for (const LockName &name : pendingUnlocks_)
-    locks_->release(name);
+  locks_->release(pendingUnlocks_);
   pendingUnlocks_.clear();
   return op == TransactionOp::Commit ? committed : !connection_->inTransaction();
 }
@@ -273,9 +305,11 @@ bool IsamEngine::transaction(TransactionOp op, bool snapshot) {
 bool IsamEngine::table(TableOp op, int number) {
   const Table *found = findTable(number);
   if (!found || lostTransaction()) return false;
+  // What was changed before would be committed with it.
+  if (op != TableOp::Clear && dialect_.tablesEndTransactions && depth_ > 0) return false;
   switch (op) {
   case TableOp::Create:
-    for (const std::string &statement : createStatements(*found))
+    for (const std::string &statement : createStatements(dialect_, *found))
       if (!connection_->execute(statement)) return false;
     return true;
   case TableOp::Drop:
@@ -295,7 +329,7 @@ bool IsamEngine::tableExists(int number, bool &exists) {
   const Table *table = findTable(number);
   exists = false;
   if (!table) return true;
-  auto statement = connection_->prepare("SELECT 1 FROM sqlite_schema WHERE type='table' AND name=?");
+  auto statement = connection_->prepare(dialect_.tableExists);
   if (!statement) return false;
   statement->bind(1, table->name);
   Execution execution(*statement);
@@ -304,10 +338,11 @@ bool IsamEngine::tableExists(int number, bool &exists) {
   return step != Step::Failed;
 }
 
-void IsamEngine::unlock(int table, bool atOnce) {
-  if (depth_ == 0 || atOnce) return locks_->releaseTable(uint16_t(table));
-  for (const LockName &name : locks_->heldOn(uint16_t(table)))
-    pendingUnlocks_.push_back(name);
+void IsamEngine::unlock(std::span<const uint16_t> tables, bool atOnce) {
+  if (depth_ == 0 || atOnce) return locks_->releaseTables(tables);
+  for (uint16_t table : tables)
+    for (const LockName &name : locks_->heldOn(table))
+      pendingUnlocks_.push_back(name);
 }
 
 } // namespace vldb98

@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "vldb98/dialect.h"
 #include "vldb98/engine.h"
 #include "vldb98/rows.h"
 #include "vldb98/sql.h"
@@ -16,10 +17,10 @@ namespace vldb98 {
 /// cursor and no read transaction stays open between two calls.
 class IsamEngine final : public Engine {
 public:
-  IsamEngine(DBENGINE kind, std::unique_ptr<SqlConnection> connection, std::unique_ptr<Locks> locks);
+  IsamEngine(std::unique_ptr<SqlConnection> connection, std::unique_ptr<Locks> locks);
   ~IsamEngine() override;
 
-  DBENGINE kind() const override { return kind_; }
+  DBENGINE kind() const override { return dialect_.engine; }
   void setScope(uint16_t client, int year) override;
   bool read(ReadOp op, FileNumber file, const SCHLUESSEL *key, const SCHLUESSEL *upper, DATENBANK *record,
             bool &found) override;
@@ -32,16 +33,19 @@ public:
   int transactionDepth() const override { return depth_; }
   bool table(TableOp op, int number) override;
   bool tableExists(int number, bool &exists) override;
-  bool lock(const LockName &name, LockMode mode) override { return locks_->acquire(name, mode); }
-  void unlock(int table, bool atOnce) override;
+  bool lock(std::span<const LockName> names, LockMode mode) override { return locks_->acquire(names, mode); }
+  void unlock(std::span<const uint16_t> tables, bool atOnce) override;
   bool holdsLocks() const override { return locks_->holdsAny(); }
+  bool usable() const override { return connection_->usable(); }
 
 private:
   using Statement = std::unique_ptr<SqlStatement>;
   static constexpr size_t kReadOps = size_t(ReadOp::Exists) + 1;
 
   struct TableState {
-    std::map<int, std::array<Statement, kReadOps + 1>> reads; // by key index; the last: Next with a bound
+    // By key index: the operations, then Next with a bound; all of them once more for reads that keep others from
+    // writing.
+    std::map<int, std::array<Statement, 2 * (kReadOps + 1)>> reads;
     Statement insert, update, remove, greatest;
     std::map<std::pair<int, int>, Statement> deletions; // of what begins with a key: by key index and count of fields
     std::map<std::pair<int, std::vector<int>>, Statement> sums; // by key index and fields
@@ -63,18 +67,21 @@ private:
   /// The database gave the running transaction up by itself: what is changed now would be committed at once.
   bool lostTransaction() { return depth_ > 0 && !connection_->inTransaction(); }
   bool insert(const Table &table, DATENBANK &record);
+  bool insertAssigned(const Table &table, DATENBANK &record);
+  bool writeRow(const Table &table, const char *record);
   bool assignNumber(const Table &table, char *record);
   bool changeCurrent(ChangeOp op, const Table &table, DATENBANK *record);
 
-  DBENGINE kind_;
   std::unique_ptr<SqlConnection> connection_;
+  const Dialect &dialect_;
   std::unique_ptr<Locks> locks_;
   std::array<TableState, kTableLimit> tables_;
   Scratch scratch_;
   uint16_t client_ = 0;
   int year_ = 0;
   int depth_ = 0;
-  bool doomed_ = false; // an inner transaction was rolled back
+  bool snapshot_ = false; // the transaction only reads
+  bool doomed_ = false;   // an inner transaction was rolled back
   std::vector<LockName> pendingUnlocks_;
 };
 

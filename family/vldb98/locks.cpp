@@ -19,8 +19,30 @@ public:
       : Locks(wait), file_(std::move(file)) {}
 
 private:
-  bool tryTake(const LockName &name) override { return file_->tryLock(offsetOf(name), true); }
-  void giveBack(const LockName &name) override { file_->unlock(offsetOf(name)); }
+  size_t take(std::span<const LockName> names) override {
+    size_t taken = 0;
+    while (taken < names.size() && waitFor(names[taken]))
+      ++taken;
+    return taken;
+  }
+  bool pass(const LockName &name) override {
+    if (!waitFor(name)) return false;
+    giveBack(name);
+    return true;
+  }
+  void giveBack(const LockName &name) noexcept override { file_->unlock(offsetOf(name)); }
+
+  bool waitFor(const LockName &name) {
+    uint64_t deadline = 0;
+    for (uint32_t pause = kFirstPause; !file_->tryLock(offsetOf(name), true);
+         pause = std::min(pause * 2, kLongestPause)) {
+      uint64_t now = platform::steadyMilliseconds();
+      if (deadline == 0) deadline = now + uint64_t(wait().count());
+      if (now >= deadline) return false;
+      platform::sleepMicroseconds(pause);
+    }
+    return true;
+  }
 
   // Tables lie in the lower half, one byte each; resources are spread over 2^40 bytes of the upper half, so that two of
   // them practically never share one. If they do, they merely exclude each other.
@@ -43,47 +65,47 @@ uint64_t LockName::resourceOf(std::string_view text) {
   return hash ? hash : 1;
 }
 
-bool Locks::acquire(const LockName &name, LockMode mode) {
-  // The entry is made first, so that a lock that was taken is never without one.
-  auto [mine, fresh] = held_.try_emplace(name, 0);
-  if (!fresh) {
-    if (mode == LockMode::Exclusive) ++mine->second;
+bool Locks::acquire(std::span<const LockName> names, LockMode mode) {
+  if (mode == LockMode::PassThrough)
+    return std::all_of(names.begin(), names.end(),
+                       [this](const LockName &name) { return held_.contains(name) || pass(name); });
+  std::vector<LockName> wanted;
+  wanted.reserve(names.size());
+  // The entries are made first, so that a lock that was taken is never without one.
+  for (const LockName &name : names)
+    if (held_.try_emplace(name, 0).second) wanted.push_back(name);
+  const size_t taken = wanted.empty() ? 0 : take(wanted);
+  if (taken == wanted.size()) {
+    for (const LockName &name : names)
+      ++held_[name];
     return true;
   }
-  bool taken = waitFor(name);
-  if (taken && mode == LockMode::Exclusive) {
-    mine->second = 1;
-    return true;
+  for (size_t i = 0; i < wanted.size(); ++i) {
+    if (i < taken) giveBack(wanted[i]);
+    held_.erase(wanted[i]);
   }
-  if (taken) giveBack(name);
-  held_.erase(mine);
-  return taken;
+  flush();
+  return false;
 }
 
-bool Locks::waitFor(const LockName &name) {
-  uint64_t deadline = 0;
-  for (uint32_t pause = kFirstPause; !tryTake(name); pause = std::min(pause * 2, kLongestPause)) {
-    uint64_t now = platform::steadyMilliseconds();
-    if (deadline == 0) deadline = now + uint64_t(wait_.count());
-    if (now >= deadline) return false;
-    platform::sleepMicroseconds(pause);
-  }
-  return true;
-}
-
-Locks::Held::iterator Locks::release(Held::iterator mine) {
+Locks::Held::iterator Locks::lower(Held::iterator mine) {
   if (--mine->second > 0) return std::next(mine);
   giveBack(mine->first);
   return held_.erase(mine);
 }
 
-void Locks::release(const LockName &name) {
-  if (auto mine = held_.find(name); mine != held_.end()) release(mine);
+void Locks::release(std::span<const LockName> names) {
+  for (const LockName &name : names)
+    if (auto mine = held_.find(name); mine != held_.end()) lower(mine);
+  flush();
 }
 
-void Locks::releaseTable(uint16_t table) {
-  for (auto it = held_.begin(); it != held_.end();)
-    it = it->first.table == table ? release(it) : std::next(it);
+void Locks::releaseTables(std::span<const uint16_t> tables) {
+  for (auto it = held_.begin(); it != held_.end();) {
+    bool meant = std::find(tables.begin(), tables.end(), it->first.table) != tables.end();
+    it = meant ? lower(it) : std::next(it);
+  }
+  flush();
 }
 
 std::vector<LockName> Locks::heldOn(uint16_t table) const {

@@ -5,10 +5,13 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
 #include "platform/lock_file.h"
+#include "vldb98/sql.h"
 
 namespace vldb98 {
 
@@ -38,27 +41,36 @@ class Locks {
 public:
   virtual ~Locks() = default;
 
-  /// \return false when another session holds it and does not let it go within the waiting time
-  bool acquire(const LockName &name, LockMode mode);
-  /// Lowers the count and lets the lock go with the last. Nothing happens when the session does not hold it.
-  void release(const LockName &name);
-  /// The same for a table, its resources and its clients: each name that is held, once.
-  void releaseTable(uint16_t table);
+  /// Takes locks in the order given, all of them or none. \return false when another session holds one of them and does
+  /// not let it go within the waiting time; the locks behind that one are not tried
+  bool acquire(std::span<const LockName> names, LockMode mode);
+  /// Lowers the counts and lets those locks go that are not held any more. Names that the session does not hold do not
+  /// matter.
+  void release(std::span<const LockName> names);
+  /// The same for tables, their resources and their clients: each name that is held, once.
+  void releaseTables(std::span<const uint16_t> tables);
   /// The names held on a table.
   std::vector<LockName> heldOn(uint16_t table) const;
+  bool holds(const LockName &name) const { return held_.contains(name); }
   bool holdsAny() const { return !held_.empty(); }
 
 protected:
   explicit Locks(std::chrono::milliseconds wait) : wait_(wait) {}
 
-  virtual bool tryTake(const LockName &name) = 0;
-  virtual void giveBack(const LockName &name) = 0;
+  /// Takes locks in their order until one is not had within the waiting time. \return how many were
+  virtual size_t take(std::span<const LockName> names) = 0;
+  /// Waits for the holder of a lock, and takes nothing.
+  virtual bool pass(const LockName &name) = 0;
+  /// Several in turn, then flush(), which may be what lets them go.
+  virtual void giveBack(const LockName &name) noexcept = 0;
+  virtual void flush() noexcept {}
+
+  std::chrono::milliseconds wait() const { return wait_; }
 
 private:
   using Held = std::map<LockName, int>;
 
-  bool waitFor(const LockName &name);
-  Held::iterator release(Held::iterator mine);
+  Held::iterator lower(Held::iterator mine);
 
   Held held_;
   std::chrono::milliseconds wait_;
@@ -66,5 +78,14 @@ private:
 
 /// Locks as bytes of a file beside the embedded database. Null when the file cannot be opened.
 std::unique_ptr<Locks> openFileLocks(const std::string &path, std::chrono::milliseconds wait);
+
+/// Named locks of a server, which the connection holds. \param database as the server calls it \param connection
+/// outlives the locks
+std::unique_ptr<Locks> openServerLocks(SqlConnection &connection, const std::string &database,
+                                       std::chrono::milliseconds wait);
+
+/// The name of a lock on a server, at most 64 bytes. Named locks are the whole server's, so it holds the database's
+/// name, or where that is too long its hash. Names that differ in case only are one, as they can be for the server.
+std::string serverLockName(const std::string &database, const LockName &name);
 
 } // namespace vldb98

@@ -90,17 +90,6 @@ char *Scratch::take(size_t size) {
   return start;
 }
 
-const char *columnType(FieldType type) {
-  switch (type) {
-  case FieldType::Text:
-  case FieldType::KeyText:
-  case FieldType::Date:
-    return "TEXT";
-  default:
-    return "INTEGER";
-  }
-}
-
 bool bindField(SqlStatement &statement, int parameter, const Field &field, const char *record, Scratch &scratch) {
   const char *at = record + field.offset;
   if (field.type < FieldType::Text) {

@@ -36,7 +36,4 @@ void bindKeyField(SqlStatement &statement, int parameter, const Field &field, co
 /// Reads a column into a field of a record. \return false when the field cannot hold it
 bool readColumn(SqlStatement &statement, int column, const Field &field, char *record);
 
-/// The SQL type of a field's column.
-const char *columnType(FieldType type);
-
 } // namespace vldb98

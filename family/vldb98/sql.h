@@ -13,11 +13,22 @@ namespace vldb98 {
 
 enum class Step { Row, Done, Failed };
 
+/// What became of a statement that failed.
+enum class Failure : uint8_t {
+  Other,
+  Duplicate, ///< a unique key is in use; nothing else happened
+  Retry,     ///< others were in the way; a transaction that was open is rolled back
+  Lost,      ///< the connection is gone, and its transaction and locks with it
+};
+
+struct Dialect;
+
 class SqlStatement {
 public:
   virtual ~SqlStatement() = default;
 
-  /// Parameters count from 1. A text must stay where it is until the next reset().
+  /// Parameters count from 1: "?" is the one behind the greatest so far, "?3" the third, also where it stands several
+  /// times. A text must stay where it is until the next reset().
   virtual void bind(int parameter, int64_t value) = 0;
   virtual void bind(int parameter, std::string_view utf8) = 0;
   virtual void bindNull(int parameter) = 0;
@@ -39,10 +50,20 @@ public:
   /// \return null when the statement is not accepted
   virtual std::unique_ptr<SqlStatement> prepare(const std::string &sql) = 0;
   virtual bool execute(const std::string &sql) = 0;
+  /// \param snapshot to read in one state, without the intention to write
+  virtual bool begin(bool snapshot) = 0;
+  virtual bool commit() = 0;
+  virtual bool rollback() = 0;
   /// False also when the engine gave a transaction up by itself, as after a full disk.
   virtual bool inTransaction() = 0;
   /// Rows that the last insert, update or delete changed.
   virtual int64_t changedRows() = 0;
+
+  virtual const Dialect &dialect() const = 0;
+  /// Of the statement that failed last.
+  virtual Failure failure() const { return Failure::Other; }
+  /// False when it is lost for good: everything fails from then on.
+  virtual bool usable() const { return true; }
 };
 
 } // namespace vldb98

@@ -1,7 +1,5 @@
 #include "vldb98/statements.h"
 
-#include "vldb98/rows.h"
-
 namespace vldb98 {
 namespace {
 
@@ -32,10 +30,24 @@ Names allColumns(const Table &table) {
   return names;
 }
 
-// One comparison of rows, which the engine turns into one seek of the index.
-std::string compared(const Names &names, const char *comparison) {
-  Names marks(names.size(), "?");
-  return "(" + joined(names, ",") + ")" + comparison + "(" + joined(marks, ",") + ")";
+// Compares the columns with as many parameters from the given one on, as one row. Where the engine seeks such a
+// comparison it stands as it is; else as the alternatives that it consists of, each of which is a range of the index,
+// behind a bound of the first column for servers that seek no alternatives.
+std::string compared(const Dialect &dialect, const Names &names, const std::string &comparison, size_t parameter) {
+  if (dialect.comparesRows)
+    return "(" + joined(names, ",") + ")" + comparison + "(" + joined(Names(names.size(), "?"), ",") + ")";
+  const std::string beyond = comparison.substr(0, 1);
+  auto term = [&](size_t i, const std::string &sign) { return names[i] + sign + "?" + std::to_string(parameter + i); };
+  if (names.size() == 1) return term(0, comparison);
+  Names alternatives;
+  for (size_t last = 0; last < names.size(); ++last) {
+    Names terms;
+    for (size_t i = 0; i < last; ++i)
+      terms.push_back(term(i, "="));
+    terms.push_back(term(last, last + 1 == names.size() ? comparison : beyond));
+    alternatives.push_back("(" + joined(terms, " AND ") + ")");
+  }
+  return term(0, beyond + "=") + " AND (" + joined(alternatives, " OR ") + ")";
 }
 
 std::string where(const Names &conditions) {
@@ -53,6 +65,21 @@ void append(Names &to, const Names &more) {
   to.insert(to.end(), more.begin(), more.end());
 }
 
+std::string indexName(const Table &table, const Key &key) {
+  return quoted(table.name + "_" + std::to_string(key.index));
+}
+
+// The table that a read of one row goes to, and its end.
+std::string from(const Dialect &dialect, const Table &table, const Key &key, bool forUpdate) {
+  std::string text = " FROM " + quoted(table.name);
+  if (dialect.useIndex)
+    text += filledIn(dialect.useIndex, key.index == 0 ? dialect.primaryIndex : indexName(table, key));
+  return forUpdate ? text + dialect.forUpdateAtTable : text;
+}
+std::string oneRow(const Dialect &dialect, bool forUpdate) {
+  return std::string(dialect.oneRowBehind) + (forUpdate ? dialect.forUpdateBehind : "");
+}
+
 Names rowConditions(const Table &table, const std::vector<int> &fields) {
   Names conditions = equalities(scopeColumns(table));
   append(conditions, equalities(columns(table, fields)));
@@ -67,27 +94,31 @@ Names scopeColumns(const Table &table) {
   return {quoted("Mandant"), quoted("Jahr")};
 }
 
-Names createStatements(const Table &table) {
-  Names lines;
+Names createStatements(const Dialect &dialect, const Table &table) {
+  Names lines, behind;
   for (const std::string &column : scopeColumns(table))
-    lines.push_back(column + " INTEGER NOT NULL");
+    lines.push_back(column + " " + dialect.integers[size_t(FieldType::UInt16)] + " NOT NULL");
   for (const Field &field : table.fields) {
     bool nullable = field.type == FieldType::Money || field.type == FieldType::Year;
-    lines.push_back(quoted(field.name) + " " + columnType(field.type) + (nullable ? "" : " NOT NULL"));
+    lines.push_back(quoted(field.name) + " " + columnType(dialect, field) + (nullable ? "" : " NOT NULL"));
   }
   Names primary = scopeColumns(table);
   append(primary, columns(table, table.keys.front().fields));
   lines.push_back("PRIMARY KEY (" + joined(primary, ",") + ")");
-  Names statements{"CREATE TABLE IF NOT EXISTS " + quoted(table.name) + " (" + joined(lines, ",") +
-                   ") STRICT, WITHOUT ROWID"};
   for (size_t i = 1; i < table.keys.size(); ++i) {
     const Key &key = table.keys[i];
     Names ordered = scopeColumns(table);
     append(ordered, columns(table, key.totalOrder));
-    statements.push_back(std::string("CREATE ") + (key.unique ? "UNIQUE " : "") + "INDEX IF NOT EXISTS " +
-                         quoted(table.name + "_" + std::to_string(key.index)) + " ON " + quoted(table.name) + " (" +
-                         joined(ordered, ",") + ")");
+    const std::string inBrackets = " (" + joined(ordered, ",") + ")";
+    if (dialect.indexesInside)
+      lines.push_back(filledIn(key.unique ? dialect.uniqueIndex : dialect.index, indexName(table, key)) + inBrackets);
+    else
+      behind.push_back(std::string("CREATE ") + (key.unique ? "UNIQUE " : "") + "INDEX IF NOT EXISTS " +
+                       indexName(table, key) + " ON " + quoted(table.name) + inBrackets);
   }
+  Names statements{filledIn(dialect.createInFront, table.name) + quoted(table.name) + " (" + joined(lines, ",") + ")" +
+                   dialect.createBehind};
+  append(statements, behind);
   return statements;
 }
 
@@ -99,41 +130,50 @@ std::string clearStatement(const Table &table) {
   return "DELETE FROM " + quoted(table.name) + where(equalities(scopeColumns(table)));
 }
 
-std::string selectStatement(const Table &table, const Key &key, ReadOp op, bool bounded) {
+std::string selectStatement(const Dialect &dialect, const Table &table, const Key &key, ReadOp op, bool bounded,
+                            bool forUpdate) {
   Names conditions = equalities(scopeColumns(table));
+  const size_t parameter = conditions.size() + 1;
   Names keyColumns = columns(table, key.fields);
   Names order = columns(table, key.totalOrder);
+  auto compare = [&](const Names &names, const char *comparison, size_t behind = 0) {
+    return compared(dialect, names, comparison, parameter + behind);
+  };
   switch (op) {
   case ReadOp::Ge:
-    conditions.push_back(compared(keyColumns, ">="));
+    conditions.push_back(compare(keyColumns, ">="));
     break;
   case ReadOp::Le:
-    conditions.push_back(compared(keyColumns, "<="));
+    conditions.push_back(compare(keyColumns, "<="));
     break;
   case ReadOp::Range:
-    conditions.push_back(compared(keyColumns, ">="));
-    conditions.push_back(compared(keyColumns, "<="));
+    conditions.push_back(compare(keyColumns, ">="));
+    conditions.push_back(compare(keyColumns, "<=", keyColumns.size()));
     break;
   case ReadOp::Next:
   case ReadOp::StepNext:
-    conditions.push_back(compared(order, ">"));
+    conditions.push_back(compare(order, ">"));
     break;
   case ReadOp::Prev:
-    conditions.push_back(compared(order, "<"));
+    conditions.push_back(compare(order, "<"));
     break;
   case ReadOp::Exact:
   case ReadOp::Exists:
     append(conditions, equalities(keyColumns));
+    // What is the same in all of them: MariaDB sorts them if it is asked to order by a parameter's column.
+    if (!dialect.comparesRows) order.erase(order.begin(), order.begin() + std::ptrdiff_t(keyColumns.size()));
     break;
   case ReadOp::First:
   case ReadOp::Last:
   case ReadOp::StepFirst:
     break;
   }
-  if (bounded) conditions.push_back(compared(keyColumns, "<="));
+  if (bounded) conditions.push_back(compare(keyColumns, "<=", order.size()));
   bool descending = op == ReadOp::Last || op == ReadOp::Le || op == ReadOp::Prev;
-  return "SELECT " + (op == ReadOp::Exists ? "1" : joined(allColumns(table), ",")) + " FROM " + quoted(table.name) +
-         where(conditions) + " ORDER BY " + joined(order, ",", descending ? " DESC" : "") + " LIMIT 1";
+  return std::string("SELECT ") + dialect.oneRowInFront +
+         (op == ReadOp::Exists ? "1" : joined(allColumns(table), ",")) + from(dialect, table, key, forUpdate) +
+         where(conditions) + (order.empty() ? "" : " ORDER BY " + joined(order, ",", descending ? " DESC" : "")) +
+         oneRow(dialect, forUpdate);
 }
 
 std::string sumStatement(const Table &table, const Key &key, const std::vector<int> &fields) {
@@ -164,15 +204,49 @@ std::string deleteStatement(const Table &table, const std::vector<int> &fields) 
   return "DELETE FROM " + quoted(table.name) + where(rowConditions(table, fields));
 }
 
-std::string greatestStatement(const Table &table) {
+std::string greatestStatement(const Dialect &dialect, const Table &table) {
   Names conditions = equalities(scopeColumns(table));
   for (int field : table.keys.front().fields) {
     if (field == table.assigned) break;
     append(conditions, equalities(columns(table, {field})));
   }
   std::string assigned = columns(table, {table.assigned}).front();
-  return "SELECT " + assigned + " FROM " + quoted(table.name) + where(conditions) + " ORDER BY " + assigned +
-         " DESC LIMIT 1";
+  return std::string("SELECT ") + dialect.oneRowInFront + assigned +
+         from(dialect, table, table.keys.front(), dialect.locksRows) + where(conditions) + " ORDER BY " + assigned +
+         " DESC" + oneRow(dialect, dialect.locksRows);
+}
+
+std::string lockStatement(const Dialect &dialect, size_t count) {
+  const std::string wait = "?" + std::to_string(count + 1);
+  std::string text;
+  if (dialect.engine == ZELK_ENG_MSSQL) {
+    text = "SET NOCOUNT ON; DECLARE @had int=0, @answer int; ";
+    for (size_t i = 1; i <= count; ++i)
+      text += "IF @had=" + std::to_string(i - 1) + " BEGIN EXEC @answer=sp_getapplock @Resource=?" + std::to_string(i) +
+              ",@LockMode='Exclusive',@LockOwner='Session',@LockTimeout=" + wait +
+              "; IF @answer>=0 SET @had=" + std::to_string(i) + "; END; ";
+    return text + "SELECT @had";
+  }
+  for (size_t i = 1; i <= count; ++i)
+    text += " WHEN COALESCE(GET_LOCK(?" + std::to_string(i) + "," + wait + "/1000),0)<>1 THEN " + std::to_string(i - 1);
+  return "SELECT CASE" + text + " ELSE " + std::to_string(count) + " END";
+}
+
+std::string passStatement(const Dialect &dialect) {
+  if (dialect.engine == ZELK_ENG_MSSQL)
+    return "SET NOCOUNT ON; DECLARE @answer int; EXEC @answer=sp_getapplock "
+           "@Resource=?1,@LockMode='Exclusive',@LockOwner='Session',@LockTimeout=?2; IF @answer>=0 EXEC "
+           "sp_releaseapplock @Resource=?1,@LockOwner='Session'; SELECT CASE WHEN @answer>=0 THEN 1 ELSE 0 END";
+  return "SELECT CASE WHEN COALESCE(GET_LOCK(?1,?2/1000),0)<>1 THEN 0 ELSE RELEASE_LOCK(?1) END";
+}
+
+std::string unlockStatement(const Dialect &dialect, size_t count) {
+  const bool procedures = dialect.engine == ZELK_ENG_MSSQL;
+  Names calls;
+  for (size_t i = 1; i <= count; ++i)
+    calls.push_back(procedures ? "EXEC sp_releaseapplock @Resource=?" + std::to_string(i) + ",@LockOwner='Session'"
+                               : "RELEASE_LOCK(?" + std::to_string(i) + ")");
+  return procedures ? "SET NOCOUNT ON; " + joined(calls, "; ") : "DO " + joined(calls, ",");
 }
 
 } // namespace vldb98

@@ -1,9 +1,10 @@
-/// The text of every statement, made from the schema.
+/// The text of every statement, made from the schema in the SQL of an engine.
 #pragma once
 
 #include <string>
 #include <vector>
 
+#include "vldb98/dialect.h"
 #include "vldb98/engine.h"
 #include "vldb98/schema.h"
 
@@ -13,15 +14,17 @@ namespace vldb98 {
 std::vector<std::string> scopeColumns(const Table &table);
 
 /// The tables' creation, indexes included; does nothing where they exist.
-std::vector<std::string> createStatements(const Table &table);
+std::vector<std::string> createStatements(const Dialect &dialect, const Table &table);
 
 std::string dropStatement(const Table &table);
 std::string clearStatement(const Table &table);
 
 /// A read that delivers all fields in the order of the schema (Exists: nothing). Parameters: the scope, then what the
 /// operation compares with: the key's fields (Ge, Le, Exact, Exists), twice for Range; the total order's (Next, Prev).
-/// Next with a bound takes the key's fields of the upper key behind.
-std::string selectStatement(const Table &table, const Key &key, ReadOp op, bool bounded = false);
+/// Next with a bound takes the key's fields of the upper key behind. \param forUpdate nobody else writes the row until
+/// the end of the transaction
+std::string selectStatement(const Dialect &dialect, const Table &table, const Key &key, ReadOp op, bool bounded = false,
+                            bool forUpdate = false);
 
 /// The sums of fields over what lies between two keys that differ in their last field. Parameters: the scope, the lower
 /// key's fields, the last field of the upper key.
@@ -34,6 +37,15 @@ std::string updateStatement(const Table &table);
 /// Of all records with certain values. Parameters: the scope, then the fields.
 std::string deleteStatement(const Table &table, const std::vector<int> &fields);
 /// The greatest value of the assigned field. Parameters: the scope, then the primary key's fields before it.
-std::string greatestStatement(const Table &table);
+std::string greatestStatement(const Dialect &dialect, const Table &table);
+
+/// Takes named locks of a server in their order until one is not had in time. Parameters: the names, then the time to
+/// wait in milliseconds. Delivers one row, the count of locks taken.
+std::string lockStatement(const Dialect &dialect, size_t count);
+/// Waits for the holder of a named lock and lets it go again. Parameters: the name, the time to wait in milliseconds.
+/// Delivers one row, 1 when nobody else holds the lock.
+std::string passStatement(const Dialect &dialect);
+/// Lets named locks go. Parameters: the names.
+std::string unlockStatement(const Dialect &dialect, size_t count);
 
 } // namespace vldb98

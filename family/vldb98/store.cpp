@@ -1,5 +1,6 @@
 #include "vldb98/store.h"
 
+#include <array>
 #include <cstdlib>
 #include <cstring>
 
@@ -155,7 +156,7 @@ int Store::Transaktion(int operation, int flag, DBENGINE engine) {
 }
 
 bool Store::lockNamed(const LockName &name, int mode) {
-  return engine_->lock(name, mode == 1 ? LockMode::PassThrough : LockMode::Exclusive);
+  return engine_->lock({&name, 1}, mode == 1 ? LockMode::PassThrough : LockMode::Exclusive);
 }
 
 int Store::Lock(FileNumber file, const char *name, int mode, DBENGINE engine) {
@@ -163,9 +164,24 @@ int Store::Lock(FileNumber file, const char *name, int mode, DBENGINE engine) {
   return inUse(engine) && lockNamed({client_.Nummer, uint16_t(tableOf(file)), resource}, mode);
 }
 
+int Store::Lock(std::span<const FileNumber> files, DBENGINE engine) {
+  std::vector<LockName> names;
+  for (FileNumber file : files)
+    names.push_back({client_.Nummer, uint16_t(tableOf(file)), 0});
+  return inUse(engine) && engine_->lock(names, LockMode::Exclusive);
+}
+
 int Store::Unlock(FileNumber file, int flag, DBENGINE engine) {
+  return Unlock({&file, 1}, flag, engine);
+}
+
+int Store::Unlock(std::span<const FileNumber> files, int flag, DBENGINE engine) {
   if (!inUse(engine)) return 0;
-  engine_->unlock(tableOf(file), flag == 1);
+  std::array<uint16_t, kTableLimit> tables;
+  size_t count = 0;
+  for (FileNumber file : files)
+    if (count < tables.size()) tables[count++] = uint16_t(tableOf(file));
+  engine_->unlock({tables.data(), count}, flag == 1);
   return 1;
 }
 

@@ -98,9 +98,12 @@ public:
   /// \param name null: the table of the open client; else an area of it that the name stands for
   /// \param mode 0: against all others, until Unlock; 1: waits for the holder only and takes nothing
   int Lock(FileNumber file, const char *name, int mode, DBENGINE engine);
+  /// Tables of the open client in the order given, all of them or none; on a server in one step.
+  int Lock(std::span<const FileNumber> files, DBENGINE engine);
   /// Lets go what Lock and LockRes took on the table; done also when there is nothing.
   /// \param flag 1: at once; 0: inside a transaction at its end
   int Unlock(FileNumber file, int flag, DBENGINE engine);
+  int Unlock(std::span<const FileNumber> files, int flag, DBENGINE engine);
   /// \param flag as mode of Lock where mode is 0
   int LockRes(FileNumber file, uint16_t client, const char *resource, int mode, int flag, DBENGINE engine);
   int LockRes(FileNumber file, uint16_t client, int32_t resource, int mode, int flag, DBENGINE engine);
@@ -109,6 +112,8 @@ public:
   /// Records carry no locks of their own here, so there is never one left to release: always done.
   int UnlockCurrentRecord(FileNumber file, DBENGINE engine);
   bool holdsLocks() const { return engine_->holdsLocks(); }
+  /// False when the connection to a server is lost, with locks and transaction: the session is of no more use.
+  bool usable() const { return engine_->usable(); }
 
   // --- Batch postings in memory ---
   /// Empties the lines and cost postings in memory.

@@ -98,6 +98,7 @@ TEST_F(CallProtocol, HoldsTheBytesOfAnEntry) {
 }
 
 TEST_F(CallProtocol, HasAnEntryForEachCall) {
+  ZELK_ONLY_EMBEDDED();
   char text[260] = "nicht gelesen";
   int32_t year = 0;
   uint32_t number = 0;
@@ -276,6 +277,7 @@ TEST_F(CallProtocol, ThatCannotBeOpenedIsReported) {
 }
 
 TEST_F(CallProtocol, LosesWholePiecesWhenTheDiskIsFull) {
+  ZELK_ONLY_EMBEDDED();
   ASSERT_EQ(ZELK_ProtokollStart(), ZELK_OK);
   std::string before = textOf(file);
   if (!limitFileSize(bytesOf(file).size() + 20)) GTEST_SKIP() << "no such limit here";

@@ -89,11 +89,14 @@ const Call kCalls[] = {
 class Damage : public Books {
 protected:
   Damage() {
+    if (onServer()) return;
     ZELK_BUCHUNG made = posting("B-1");
     EXPECT_EQ(ZELK_BuchungEinfuegen(&made, 0), ZELK_OK);
     ZELK_Detach();
     fs::copy_file(database(), good_);
   }
+
+  void SetUp() override { ZELK_ONLY_EMBEDDED(); }
 
   fs::path database() const { return dataFolder() / vldb98::kDatabaseFile; }
   fs::path lockFile() const { return dataFolder() / vldb98::kLockFile; }

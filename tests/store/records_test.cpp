@@ -292,7 +292,11 @@ TEST_P(Records, RowsThatFitNoRecordAreNotRead) {
   auto sql = connect();
   ASSERT_TRUE(sql);
   for (const char *row : rows) {
-    ASSERT_TRUE(sql->execute(std::string("UPDATE \"Debitor\" SET ") + row)) << row;
+    // A server's columns are narrower, and refuse some of it themselves.
+    if (!sql->execute(std::string("UPDATE \"Debitor\" SET ") + row)) {
+      EXPECT_NE(GetParam().kind, ZELK_ENG_BTRIEVE) << row;
+      continue;
+    }
     EXPECT_EQ(read(table, primaryKey(table, record)), "failed") << row;
     ASSERT_TRUE(sql->execute("UPDATE \"Debitor\" SET \"Kreditlimit\"=NULL,\"Mahnkennziffer\"=0,\"Gesperrt\"=0,"
                              "\"Zahlungsziel\"=0,\"Land\"='',\"Sammelkonto\"='',\"Ort\"=''"));

@@ -94,10 +94,11 @@ TEST_P(Transactions, AreSeenByOthersOnlyWhenCommitted) {
   ASSERT_TRUE(store->Transaktion(kBegin, 0, kDefault));
   ASSERT_TRUE(insert("A"));
   EXPECT_EQ(accounts(), "");
-  DATENBANK record = account("B");
-  EXPECT_FALSE(other->Insert(record, kSachkonto, kDefault)) << "two writers at once";
+  DATENBANK record = account("A");
+  EXPECT_FALSE(other->Insert(record, kSachkonto, kDefault)) << "two writers of one record at once";
   ASSERT_TRUE(store->Transaktion(kCommit, 0, kDefault));
   EXPECT_EQ(accounts(), "A");
+  record = account("B");
   EXPECT_TRUE(other->Insert(record, kSachkonto, kDefault));
 }
 

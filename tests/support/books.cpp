@@ -7,6 +7,7 @@
 #include <random>
 #include <sstream>
 
+#include "odbc/odbc_connection.h"
 #include "sqlite/sqlite_connection.h"
 #include "support/process.h"
 #include "zelkctl/verbs.h"
@@ -54,9 +55,15 @@ public:
   int transactionDepth() const override { return inner_->transactionDepth(); }
   bool table(TableOp op, int number) override { return !fails() && inner_->table(op, number); }
   bool tableExists(int number, bool &exists) override { return !fails() && inner_->tableExists(number, exists); }
-  bool lock(const LockName &name, LockMode mode) override { return !fails() && inner_->lock(name, mode); }
-  void unlock(int table, bool atOnce) override { inner_->unlock(table, atOnce); }
+  bool lock(std::span<const LockName> names, LockMode mode) override {
+    // Each lock is an operation; when one of them is not had, none is.
+    for (size_t i = 0; i < names.size(); ++i)
+      if (fails()) return false;
+    return inner_->lock(names, mode);
+  }
+  void unlock(std::span<const uint16_t> tables, bool atOnce) override { inner_->unlock(tables, atOnce); }
   bool holdsLocks() const override { return inner_->holdsLocks(); }
+  bool usable() const override { return inner_->usable(); }
 
 private:
   static bool fails() { return ++counted == failing; }
@@ -134,6 +141,7 @@ Environment::Environment() {
     folder_ = given;
   } else {
     // A process id alone comes back: a killed test leaves its folder, and another test would find books in its own.
+    renewServerDatabase();
     std::random_device random;
     do
       folder_ = std::filesystem::temp_directory_path() /
@@ -154,6 +162,7 @@ Environment::~Environment() {
 }
 
 void Environment::provision() {
+  if (onServer()) writeServerSettings(serverDatabase());
   ::testing::internal::CaptureStdout();
   int code = zelkctl::provision((folder_ / "programm").string());
   std::string output = ::testing::internal::GetCapturedStdout();
@@ -174,6 +183,8 @@ std::unique_ptr<Store> Environment::session(std::chrono::milliseconds lockWait) 
   settings.openEmbedded = [](const std::string &path, std::chrono::milliseconds wait) {
     return openSqlite(path, {wait, false, true});
   };
+  if (onServer()) settings.server = serverDatabase();
+  settings.openServer = openOdbc;
   return openSession(settings);
 }
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/ui.h"
+#include "support/server.h"
 #include "vldb98/database.h"
 #include "vldb98/store.h"
 #include "zelk98/zelk98.h"
@@ -60,7 +61,7 @@ public:
   std::vector<ShownDialog> dialogs;
   std::vector<std::string> savePatterns; ///< what the save-file dialogs offered
   std::optional<std::string> saveChoice; ///< what is chosen in them
-  std::function<void()> whileShown; ///< what happens meanwhile
+  std::function<void()> whileShown;      ///< what happens meanwhile
 };
 
 /// A temporary folder and settings of the test's own (on Windows a registry of its own); no database yet.
@@ -83,6 +84,10 @@ protected:
 private:
   std::filesystem::path folder_;
 };
+
+/// Ends a test whose subject is the embedded database's files when the tests run on a server.
+#define ZELK_ONLY_EMBEDDED()                                                                                           \
+  if (::test::onServer()) GTEST_SKIP() << "about the embedded database"
 
 /// Provisioned books with both sample clients.
 class Books : public Environment {

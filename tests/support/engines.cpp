@@ -2,7 +2,9 @@
 
 #include <ostream>
 
+#include "odbc/odbc_connection.h"
 #include "sqlite/sqlite_connection.h"
+#include "support/server.h"
 
 namespace test {
 namespace {
@@ -23,11 +25,27 @@ std::unique_ptr<SqlConnection> connectEmbedded(const DatabaseSettings &settings)
   return settings.openEmbedded(settings.directory + "/" + kDatabaseFile, settings.lockWait);
 }
 
+DatabaseSettings onServerOfTests(const std::filesystem::path &) {
+  DatabaseSettings settings;
+  settings.server = serverDatabase();
+  settings.openServer = openOdbc;
+  return settings;
+}
+
+std::unique_ptr<SqlConnection> connectServer(const DatabaseSettings &settings) {
+  std::string database;
+  return openOdbc(settings.server, settings.lockWait, database);
+}
+
 } // namespace
 
 const std::vector<EngineCase> &engines() {
   static const std::vector<EngineCase> list = {
-      {"SQLite", ZELK_ENG_BTRIEVE, ZELK_ENG_MYSQL, [] { return std::string(); }, embeddedIn, connectEmbedded},
+      {"SQLite", ZELK_ENG_BTRIEVE, ZELK_ENG_MYSQL,
+       [] { return std::string(onServer() ? "the tests run on a server" : ""); }, embeddedIn, connectEmbedded},
+      {"MariaDB", ZELK_ENG_MYSQL, ZELK_ENG_BTRIEVE,
+       [] { return std::string(onServer() ? "" : "there is no server (tests/mariadb/with_server)"); }, onServerOfTests,
+       connectServer},
   };
   return list;
 }

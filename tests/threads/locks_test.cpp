@@ -188,6 +188,41 @@ TEST_P(LockTest, LetOneInAtATime) {
   EXPECT_EQ(entered, kThreads * kRounds);
 }
 
+// Without any lock of the store: what is read in a transaction before it is written, nobody else writes meanwhile.
+TEST_P(LockTest, WritersWithoutLocksLoseNothing) {
+  constexpr int kThreads = 4, kRounds = 25;
+  DATENBANK term{};
+  ASSERT_TRUE(store->Insert(term, kZahlziel, kDefault));
+  std::atomic<int> counted{0}, added{0};
+  auto count = [](Store &session) {
+    DATENBANK record{};
+    uint8_t found = 0;
+    bool done = session.UsedGet(record, KeyBuilder().number(int32_t(1)), found, kZahlziel, kDefault) && found;
+    record.Zahlziel.Zahltage = int16_t(record.Zahlziel.Zahltage + 1);
+    return done && session.Update(record, kZahlziel, kDefault);
+  };
+  auto work = [&] {
+    auto session = open(std::chrono::seconds(60));
+    for (int i = 0; session && i < kRounds; ++i) {
+      ASSERT_TRUE(session->Transaktion(1, 0, kDefault));
+      const bool done = count(*session);
+      if (session->Transaktion(done ? 2 : 4, 0, kDefault) && done) ++counted;
+      DATENBANK batch{};
+      if (session->Insert(batch, kStapel, kDefault)) ++added;
+    }
+  };
+  std::vector<std::thread> threads;
+  for (int i = 0; i < kThreads; ++i)
+    threads.emplace_back(work);
+  for (std::thread &thread : threads)
+    thread.join();
+  EXPECT_EQ(counted, kThreads * kRounds);
+  EXPECT_EQ(added, kThreads * kRounds) << "each with a number of its own";
+  uint8_t found;
+  ASSERT_TRUE(store->UsedGet(term, KeyBuilder().number(int32_t(1)), found, kZahlziel, kDefault) && found);
+  EXPECT_EQ(int(term.Zahlziel.Zahltage), counted);
+}
+
 ZELK_ON_ALL_ENGINES(LockTest);
 
 } // namespace

@@ -64,6 +64,7 @@ TEST(Style, KeepsTheSystemAndTheEnginesInTheirFolders) {
        R"(#include <(unistd|fcntl|pthread|spawn|dlfcn|sys/\w+)\.h>)",
        {"platform/posix/", "bench/", "examples/zelkout", "tests/support/process_posix", "tests/store/damage_test"}},
       {"SQLite", R"(#include <sqlite3\.h>)", {"family/vldb98/sqlite/", "bench/"}},
+      {"ODBC", R"(#include <sql(ext)?\.h>)", {"family/vldb98/odbc/"}},
       {"conditional code for a system",
        R"(#\s*if.*(_WIN32|__linux__))",
        {"platform/", "examples/zelkout", "include/zelk98/zelk98.h", "tests/"}},

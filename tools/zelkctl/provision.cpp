@@ -1,7 +1,9 @@
 #include "zelkctl/provision.h"
 
 #include <cstdio>
+#include <optional>
 
+#include "odbc/odbc_connection.h"
 #include "platform/files.h"
 #include "sqlite/sqlite_connection.h"
 #include "vlba98/encoding.h"
@@ -22,13 +24,34 @@ std::string dataDirectory() {
   return root.empty() ? "" : root + vldb98::kDataFolder;
 }
 
+vldb98::ServerSettings server() {
+  return vldb98::serverOfSettings([](const char *key) { return readSetting(vldb98::kServerSection, key); });
+}
+
 std::unique_ptr<vldb98::Store> openStore(const std::string &directory, bool create) {
   vldb98::DatabaseSettings settings;
   settings.directory = directory;
   settings.openEmbedded = [create](const std::string &path, std::chrono::milliseconds wait) {
     return vldb98::openSqlite(path, {wait, create, true});
   };
+  settings.server = server();
+  settings.openServer = vldb98::openOdbc;
   return vldb98::openSession(settings);
+}
+
+// Where the settings lead to, for messages.
+std::string describe(const vldb98::ServerSettings &reached, const std::string &directory) {
+  return reached.isServer() ? reached.database + " auf dem Server " + reached.host : directory;
+}
+
+// \return nothing when the database cannot be made; else whether it was there already
+std::optional<bool> makeDatabase(const vldb98::ServerSettings &reached, const std::string &directory) {
+  uint8_t existed = platform::isFile(platform::withSeparator(directory) + vldb98::kDatabaseFile);
+  auto store = openStore(directory, true);
+  if (!store || (reached.isServer() && !store->TableExists(vldb98::kFirmenstamm, existed)) ||
+      !vldb98::createTables(*store))
+    return std::nullopt;
+  return existed != 0;
 }
 
 } // namespace
@@ -52,7 +75,10 @@ std::unique_ptr<vldb98::Store> openBooks() {
     return nullptr;
   }
   auto store = openStore(directory, false);
-  if (!store)
+  if (!store && server().isServer())
+    complain("Die Datenbank " + describe(server(), directory) +
+             " kann nicht erreicht werden. Läuft der Server, und stimmen die Einstellungen im Abschnitt SQL?");
+  else if (!store)
     complain("Die Datenbank in " + directory +
              " kann nicht geöffnet werden. Sie fehlt, ist schreibgeschützt oder keine "
              "Datenbank dieses Programms. Neu anlegen: zelkctl einrichten VERZEICHNIS");
@@ -75,12 +101,14 @@ int provision(const std::string &directory) {
     complain("Der Pfad " + root + " ist zu lang.");
     return kFailed;
   }
-  bool existed = platform::isFile(platform::withSeparator(data) + vldb98::kDatabaseFile);
-  auto store = openStore(data, true);
-  if (!store || !vldb98::createTables(*store)) {
-    complain("Die Datenbank in " + data +
-             " kann nicht angelegt werden. Ist dort eine andere Datei dieses Namens, oder "
-             "ist das Verzeichnis schreibgeschützt?");
+  const vldb98::ServerSettings reached = server();
+  const std::optional<bool> existed = makeDatabase(reached, data);
+  if (!existed) {
+    complain("Die Datenbank " + (reached.isServer() ? "" : std::string("in ")) + describe(reached, data) +
+             " kann nicht angelegt werden. " +
+             (reached.isServer()
+                  ? "Läuft der Server, gibt es die Datenbank dort, und darf der Benutzer Tabellen anlegen?"
+                  : "Ist dort eine andere Datei dieses Namens, oder ist das Verzeichnis schreibgeschützt?"));
     return kFailed;
   }
   // A data folder elsewhere would take precedence over the one that was just made.
@@ -91,7 +119,8 @@ int provision(const std::string &directory) {
     return kFailed;
   }
   std::printf("%s %s\nProgrammverzeichnis: %s\n",
-              existed ? "Datenbank besteht bereits:" : "Datenbank angelegt:", data.c_str(), root.c_str());
+              *existed ? "Datenbank besteht bereits:" : "Datenbank angelegt:", describe(reached, data).c_str(),
+              root.c_str());
   return kDone;
 }
 

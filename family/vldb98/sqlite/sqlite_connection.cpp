@@ -6,6 +6,7 @@
 
 #include "platform/files.h"
 #include "platform/system.h"
+#include "vldb98/dialect.h"
 
 static_assert(SQLITE_VERSION_NUMBER >= 3051003, "earlier versions can corrupt a write-ahead-log database");
 
@@ -70,8 +71,12 @@ public:
   bool execute(const std::string &sql) override {
     return sqlite3_exec(handle_.get(), sql.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
   }
+  bool begin(bool snapshot) override { return execute(snapshot ? "BEGIN" : "BEGIN IMMEDIATE"); }
+  bool commit() override { return execute("COMMIT"); }
+  bool rollback() override { return execute("ROLLBACK"); }
   bool inTransaction() override { return sqlite3_get_autocommit(handle_.get()) == 0; }
   int64_t changedRows() override { return sqlite3_changes64(handle_.get()); }
+  const Dialect &dialect() const override { return sqliteDialect(); }
 
 private:
   // SQLite's own waiting sleeps in steps of up to 100 ms, a long time beside a posting.

@@ -1,0 +1,25 @@
+/// Database servers through ODBC.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "vldb98/server.h"
+#include "vldb98/sql.h"
+
+namespace vldb98 {
+
+/// Connects to a server and prepares the session: SQL mode, isolation, time to wait for rows that others write.
+/// \param wait     how long a statement waits for another writer
+/// \param database receives the name of the database in use, as the server calls it
+/// \return null when it cannot be reached within a few seconds, refuses the user, or is in no database
+std::unique_ptr<SqlConnection> openOdbc(const ServerSettings &server, std::chrono::milliseconds wait,
+                                        std::string &database);
+
+/// Statements that this process has sent to servers so far: what a call costs where the network is the slow part. The
+/// preparation of a statement, which a session does once, is not counted.
+uint64_t roundTrips();
+
+} // namespace vldb98

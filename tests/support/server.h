@@ -1,0 +1,20 @@
+/// The database server that the tests run on where there is one: tests/mariadb/with_server starts it and says so in the
+/// environment, as ZELK_TEST_MARIADB=HOST:PORT/USER/PASSWORD.
+#pragma once
+
+#include "vldb98/server.h"
+
+namespace test {
+
+bool onServer();
+
+/// A database that this process and those that it starts have for themselves.
+const vldb98::ServerSettings &serverDatabase();
+
+/// The next call of serverDatabase finds it empty.
+void renewServerDatabase();
+
+/// Lets the library's settings lead to a server.
+void writeServerSettings(const vldb98::ServerSettings &server);
+
+} // namespace test
