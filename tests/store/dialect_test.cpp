@@ -20,14 +20,13 @@ std::string select(const Dialect &dialect, int table, int key, ReadOp op, bool b
 }
 
 TEST(Dialects, WordTheirStatements) {
-  const Dialect &ms = mssqlDialect(), &maria = mariadbDialect(), &lite = sqliteDialect();
+  const Dialect &ms = mssqlDialect(), &maria = mariadbDialect();
   const struct {
     std::string made, expected;
   } rows[] = {
-      {select(lite, kSachkonto, 1, ReadOp::Next),
-       "SELECT \"Nr\",\"Kuerzel\",\"Name\",\"GuV\",\"Steuerschluessel\",\"Kostenart\",\"Kostenschablone\",\"Waehrung\","
-       "\"Gesperrt\" .. FROM \"Sachkonto\" WHERE \"Mandant\"=? AND \"Jahr\"=? AND (\"Kuerzel\",\"Nr\")>(?,?) ORDER BY "
-       "\"Kuerzel\",\"Nr\" LIMIT 1"},
+      {select(sqliteDialect(), kGeschaeftsjahr, 1, ReadOp::Next),
+       "SELECT \"Jahr\",\"Beginn\",\"Ende\",\"Abgeschlossen\" .. FROM \"Geschaeftsjahr\" WHERE \"Mandant\"=? AND "
+       "(\"Beginn\",\"Jahr\")>(?,?) ORDER BY \"Beginn\",\"Jahr\" LIMIT 1"},
       {select(ms, kKombination, 0, ReadOp::Exact, false, true),
        "SELECT TOP .. FROM \"Kombination\" WITH (UPDLOCK, ROWLOCK) WHERE \"Mandant\"=? AND \"Kostenart\"=? AND "
        "\"Kostenstelle\"=?"},

@@ -156,8 +156,10 @@ TEST_F(Server, UndoesTheWholeOfATransactionThatDeadlocks) {
 TEST_F(Server, SeeksEveryPositionedRead) {
   auto connection = administrator();
   ASSERT_TRUE(connection);
-  auto insert = connection->prepare("INSERT INTO \"Kostenstelle\" SELECT 9,2026,LPAD(seq,7,'0'),seq%3,'','K','N','','' "
-                                    "FROM seq_1_to_2000");
+  auto insert = connection->prepare(
+      "INSERT INTO \"Kostenstelle\" (\"Mandant\",\"Jahr\",\"Nr\",\"Dimension\",\"Kostref\",\"Kuerzel\","
+      "\"Name\",\"LaufzeitVon\",\"LaufzeitBis\",\"SWinEuro\") "
+      "SELECT 9,2026,LPAD(seq,7,'0'),seq%3,'','K','N','','',0 FROM seq_1_to_2000");
   ASSERT_TRUE(insert && insert->step() == Step::Done);
   const Table &table = *findTable(kKost);
   for (const Key &key : table.keys)
