@@ -9,8 +9,6 @@
 namespace vldb98 {
 namespace {
 
-constexpr uint64_t kProgressEvery = 500;
-
 // Written first, since they say which client and which years the rows of the others belong to.
 constexpr std::array kLeadingTables = {kFirmenstamm, kFistaExt, kGeschaeftsjahr};
 
@@ -130,9 +128,7 @@ private:
 // Sums up what the tables hold.
 class Reckoning : public Visitor {
 public:
-  Reckoning(std::vector<TableContent> &tables, const CopyProgress &progress) : tables_(tables), progress_(progress) {
-    tables_.clear();
-  }
+  explicit Reckoning(std::vector<TableContent> &tables) : tables_(tables) { tables_.clear(); }
 
   bool year(const YearCode &code) override {
     year_ = code;
@@ -142,7 +138,7 @@ public:
   bool row(const Table &table, DATENBANK &record) override {
     if (table.scope == Scope::FiscalYear) sum_.add(year_.data(), year_.size());
     sum_.add(record.bytes, table.recordSize);
-    if (++rows_ % kProgressEvery == 0 && progress_) progress_(table, rows_);
+    ++rows_;
     return true;
   }
 
@@ -154,7 +150,6 @@ public:
 
 private:
   std::vector<TableContent> &tables_;
-  const CopyProgress &progress_;
   YearCode year_{};
   uint64_t rows_ = 0;
   Fnv1a sum_;
@@ -163,7 +158,7 @@ private:
 class Copying final : public Reckoning {
 public:
   Copying(Store &target, uint16_t client, std::vector<TableContent> &tables, const CopyProgress &progress)
-      : Reckoning(tables, progress), target_(target), client_(client) {}
+      : Reckoning(tables), target_(target), client_(client), progress_(progress) {}
 
   bool failed() const { return failed_; }
 
@@ -177,19 +172,21 @@ public:
     bool written = target_.Insert(record, FileNumber(table.number), ZELK_ENG_DEFAULT) &&
                    (table.number != kFirmenstamm || target_.SetzeFista(client_, found)) && found;
     if (!written) failed_ = true;
+    if (written && progress_) progress_();
     return written && Reckoning::row(table, record);
   }
 
 private:
   Store &target_;
   uint16_t client_;
+  const CopyProgress &progress_;
   bool failed_ = false;
 };
 
 } // namespace
 
-int content(Store &store, uint16_t client, std::vector<TableContent> &tables, const CopyProgress &progress) {
-  Reckoning reckoning(tables, progress);
+int content(Store &store, uint16_t client, std::vector<TableContent> &tables) {
+  Reckoning reckoning(tables);
   return Walk(store, client, reckoning).run();
 }
 

@@ -20,12 +20,12 @@ struct TableContent {
   bool operator==(const TableContent &) const = default;
 };
 
-/// Called after every few hundred rows.
-using CopyProgress = std::function<void(const Table &table, uint64_t rows)>;
+/// Called after every row.
+using CopyProgress = std::function<void()>;
 
 /// All tables that hold rows of a client, in the order of schema.h; the client's own two rows count with them.
 /// \return 0 when the store failed
-int content(Store &store, uint16_t client, std::vector<TableContent> &tables, const CopyProgress &progress = {});
+int content(Store &store, uint16_t client, std::vector<TableContent> &tables);
 
 enum class CopyOutcome {
   Done,
@@ -42,7 +42,8 @@ enum class CopyOutcome {
 CopyOutcome Kopiere(Store &source, Store &target, uint16_t client, std::vector<TableContent> &copied,
                     const CopyProgress &progress = {});
 
-/// Removes a client, all tables in one transaction, provided it still holds what was copied.
+/// Removes a client, all tables in one transaction, provided it still holds what was copied. The session is of no use
+/// afterwards: its open client is gone.
 /// \param unchanged false: somebody has changed the client since; nothing was removed
 /// \return 0 when the store failed
 int removeCopied(Store &store, uint16_t client, const std::vector<TableContent> &copied, bool &unchanged);

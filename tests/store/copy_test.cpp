@@ -108,6 +108,17 @@ TEST_F(Copy, RemovesOnlyWhatWasCopied) {
   EXPECT_EQ(of(*source, 2), other);
 }
 
+TEST_F(Copy, ComesBackTheSame) {
+  ASSERT_EQ(copy(2), CopyOutcome::Done);
+  bool unchanged = false;
+  ASSERT_TRUE(removeCopied(*source, 2, copied, unchanged) && unchanged);
+  source = session();
+  std::vector<TableContent> again;
+  ASSERT_EQ(Kopiere(*target, *source, 2, again), CopyOutcome::Done);
+  EXPECT_EQ(again, copied);
+  EXPECT_EQ(postingsOf(1, 3).size(), 2u);
+}
+
 TEST_F(Copy, FailedStepLeavesTheTargetEmpty) {
   Faults faults;
   source = session();

@@ -83,6 +83,16 @@ int main(int argc, char **argv) {
   verb(app, "anlegen", "Einen Mandanten aus einem Ordner von CSV-Dateien anlegen", [&] { return createClient(path); })
       ->add_option("ORDNER", path, "Der Ordner des Mandanten")
       ->required();
+  std::string target;
+  bool removeSource = false;
+  CLI::App *copied =
+      verb(app, "kopieren", "Einen Mandanten aus der Datenbankdatei auf den eingestellten Server kopieren, oder zurück",
+           [&] { return copyClient(client, target, removeSource); });
+  clientOf(copied);
+  copied->add_option("ZIEL", target, "server oder datei")
+      ->required()
+      ->check(CLI::IsMember({"server", "datei"}).description(""));
+  copied->add_flag("--verschieben", removeSource, "Den Mandanten danach dort löschen, woher er kommt")->group(kOptions);
   verb(app, "mandanten", "Die Mandanten auflisten", [] { return listClients(); });
 
   CLI::App *accounts = verb(app, "konten", "Die Konten eines Mandanten auflisten",

@@ -28,13 +28,14 @@ vldb98::ServerSettings server() {
   return vldb98::serverOfSettings([](const char *key) { return readSetting(vldb98::kServerSection, key); });
 }
 
-std::unique_ptr<vldb98::Store> openStore(const std::string &directory, bool create) {
+std::unique_ptr<vldb98::Store> openStore(const std::string &directory, const vldb98::ServerSettings &server,
+                                         bool create) {
   vldb98::DatabaseSettings settings;
   settings.directory = directory;
   settings.openEmbedded = [create](const std::string &path, std::chrono::milliseconds wait) {
     return vldb98::openSqlite(path, {wait, create, true});
   };
-  settings.server = server();
+  settings.server = server;
   settings.openServer = vldb98::openOdbc;
   return vldb98::openSession(settings);
 }
@@ -47,7 +48,7 @@ std::string describe(const vldb98::ServerSettings &reached, const std::string &d
 // \return nothing when the database cannot be made; else whether it was there already
 std::optional<bool> makeDatabase(const vldb98::ServerSettings &reached, const std::string &directory) {
   uint8_t existed = platform::isFile(platform::withSeparator(directory) + vldb98::kDatabaseFile);
-  auto store = openStore(directory, true);
+  auto store = openStore(directory, reached, true);
   if (!store || (reached.isServer() && !store->TableExists(vldb98::kFirmenstamm, existed)) ||
       !vldb98::createTables(*store))
     return std::nullopt;
@@ -74,7 +75,7 @@ std::unique_ptr<vldb98::Store> openBooks() {
     complain("Es ist kein Programmverzeichnis eingerichtet. Zuerst: zelkctl einrichten VERZEICHNIS");
     return nullptr;
   }
-  auto store = openStore(directory, false);
+  auto store = openStore(directory, server(), false);
   if (!store && server().isServer())
     complain("Die Datenbank " + describe(server(), directory) +
              " kann nicht erreicht werden. Läuft der Server, und stimmen die Einstellungen im Abschnitt SQL?");
@@ -83,6 +84,24 @@ std::unique_ptr<vldb98::Store> openBooks() {
              " kann nicht geöffnet werden. Sie fehlt, ist schreibgeschützt oder keine "
              "Datenbank dieses Programms. Neu anlegen: zelkctl einrichten VERZEICHNIS");
   return store;
+}
+
+std::unique_ptr<vldb98::Store> openEnd(bool onServer, bool create) {
+  const vldb98::ServerSettings reached = onServer ? server() : vldb98::ServerSettings{};
+  const std::string directory = dataDirectory();
+  if (onServer && !reached.isServer()) {
+    complain("Es ist kein Datenbankserver eingestellt (Abschnitt SQL der Einstellungen).");
+    return nullptr;
+  }
+  if (directory.empty()) {
+    complain("Es ist kein Programmverzeichnis eingerichtet. Zuerst: zelkctl einrichten VERZEICHNIS");
+    return nullptr;
+  }
+  auto store = openStore(directory, reached, create);
+  if (store && (!create || vldb98::createTables(*store))) return store;
+  complain("Die Datenbank " + (onServer ? "" : std::string("in ")) + describe(reached, directory) +
+           " kann nicht geöffnet werden.");
+  return nullptr;
 }
 
 int provision(const std::string &directory) {

@@ -14,6 +14,8 @@ constexpr int kFailed = 2;  ///< nothing could be done, or not to its end
 // Below the exports: the stand-ins for the accounting program.
 int provision(const std::string &directory);
 int createClient(const std::string &folder);
+/// Copies a client between the embedded database and the server of the settings. \param target "server" or "datei"
+int copyClient(int32_t client, const std::string &target, bool remove);
 /// \param day  on which the batch is posted; empty: today
 /// \param user who posts; 0: nobody in particular
 int postToLedger(int32_t client, int32_t batch, const std::string &day, int32_t user);

@@ -1,0 +1,87 @@
+// kopieren: a client from one database into another.
+#include <cstdio>
+#include <limits>
+
+#include "vldb98/copy.h"
+#include "zelkctl/console.h"
+#include "zelkctl/provision.h"
+#include "zelkctl/verbs.h"
+
+using namespace vldb98;
+
+namespace zelkctl {
+namespace {
+
+std::string hexadecimal(uint64_t value) {
+  char text[17];
+  std::snprintf(text, sizeof text, "%08lx%08lx", static_cast<unsigned long>(value >> 32),
+                static_cast<unsigned long>(value & 0xFFFFFFFFu));
+  return text;
+}
+
+int failed(CopyOutcome outcome, int32_t client, bool toServer) {
+  const std::string number = std::to_string(client), nothing = " Es wurde nichts kopiert.";
+  const std::string there = toServer ? "auf dem Server" : "in der Datei",
+                    here = toServer ? "in der Datei" : "auf dem Server";
+  switch (outcome) {
+  case CopyOutcome::NoSuchClient:
+    complain("Den Mandanten " + number + " gibt es " + here + " nicht.");
+    return kRefused;
+  case CopyOutcome::ClientIsThere:
+    complain("Den Mandanten " + number + " gibt es " + there + " bereits." + nothing);
+    return kRefused;
+  case CopyOutcome::Different:
+    complain("Die Prüfsummen stimmen nicht überein." + nothing);
+    return kFailed;
+  case CopyOutcome::SourceFailed:
+    complain("Der Mandant kann " + here + " nicht gelesen werden." + nothing);
+    return kFailed;
+  default:
+    complain("Der Mandant kann " + there + " nicht geschrieben werden." + nothing);
+    return kFailed;
+  }
+}
+
+} // namespace
+
+int copyClient(int32_t client, const std::string &target, bool remove) {
+  const bool toServer = target == "server";
+  auto from = openEnd(!toServer, false);
+  auto to = from ? openEnd(toServer, true) : nullptr;
+  if (!from || !to) return kFailed;
+  if (client < 1 || client > std::numeric_limits<uint16_t>::max())
+    return failed(CopyOutcome::NoSuchClient, client, toServer);
+  std::vector<TableContent> counted, copied;
+  if (!content(*from, uint16_t(client), counted)) return failed(CopyOutcome::SourceFailed, client, toServer);
+  uint64_t rows = 0;
+  for (const TableContent &table : counted)
+    rows += table.rows;
+  CopyOutcome outcome;
+  {
+    Progress progress("Kopieren", size_t(rows));
+    outcome = Kopiere(*from, *to, uint16_t(client), copied, [&] { progress.advance(); });
+  }
+  if (outcome != CopyOutcome::Done) return failed(outcome, client, toServer);
+
+  TextTable table({{"Tabelle"}, {"Zeilen", true}, {"Prüfsumme"}});
+  rows = 0;
+  for (const TableContent &one : copied) {
+    table.add({one.table->name, std::to_string(one.rows), hexadecimal(one.checksum)});
+    rows += one.rows;
+  }
+  table.print();
+  std::printf("\nMandant %d: %llu Zeilen kopiert und verglichen.\n", int(client),
+              static_cast<unsigned long long>(rows));
+  if (!remove) return kDone;
+  bool unchanged = false;
+  if (removeCopied(*from, uint16_t(client), copied, unchanged) && unchanged) {
+    std::printf("Mandant %d ist %s gelöscht.\n", int(client), toServer ? "in der Datei" : "auf dem Server");
+    return kDone;
+  }
+  complain(std::string("Der Mandant ist kopiert, aber nicht gelöscht: ") +
+           (unchanged ? "die Datenbank lässt es nicht zu."
+                      : "er wurde inzwischen geändert, oder die Datenbank ist nicht zu lesen."));
+  return kFailed;
+}
+
+} // namespace zelkctl
