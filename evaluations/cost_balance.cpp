@@ -86,9 +86,11 @@ public:
     DATENBANK record{};
     uint8_t found;
     // In the order of numbers, from the one asked for.
-    const SCHLUESSEL from = KeyBuilder().account(request_.costCentre).number(std::numeric_limits<int16_t>::min());
-    int done = request_.costCentre.empty() ? store_.GetFirstExt(record, found, kKost, ZELK_ENG_DEFAULT, 0)
-                                           : store_.GetGeExt(record, from, found, kKost, ZELK_ENG_DEFAULT, 0);
+    constexpr auto anyDimension = std::numeric_limits<int16_t>::min();
+    int done = request_.costCentre.empty()
+                   ? store_.GetFirstExt(record, found, kKost, ZELK_ENG_DEFAULT, 0)
+                   : store_.GetGeExt(record, KeyBuilder().account(request_.costCentre).number(anyDimension), found,
+                                     kKost, ZELK_ENG_DEFAULT, 0);
     while (done && found) {
       const KOST &centre = record.Kost;
       const std::string_view number = vlba98::trimmed(centre.Nr);

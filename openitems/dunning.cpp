@@ -19,7 +19,7 @@ ZelkResult greatestLevel(Store &store, const ItemSelection &account) {
   ZelkResult result = openitems::findFirst(store, account, kOPDebitor, item);
   const FileNumber file = openitems::fileOf(kOPDebitor, account);
   while (result == ZELK_OK) {
-    level = std::max<int16_t>(level, item.Opbeleg.Mahnstufe);
+    level = std::max(level, int16_t(item.Opbeleg.Mahnstufe));
     uint8_t found;
     if (!store.GetNextExt(item, found, file, ZELK_ENG_DEFAULT)) return ZELKERR_Datenbank;
     result = found && openitems::holds(account, item) ? ZELK_OK : ZELK_keinKonto;

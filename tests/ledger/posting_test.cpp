@@ -207,9 +207,9 @@ TEST_F(Ledger, TellsWhatAnItemIs) {
     EXPECT_EQ(texts, "70020|ERLENGR|ER-1|ER-1|460121|460311|460125|460204|03,00|460214|02,00|Bleistifte|zwei Paletten|"
                      "3400|19,00|07,00|460202|BA-1|Anzahlung|");
     EXPECT_EQ(plain(it.OP.Brutto), "226,00");
-    EXPECT_EQ(it.OP.Zahlungsziel, 4);
-    EXPECT_EQ(it.Zahlungsart, 1);
-    EXPECT_NE(it.OP.DMSNr, 0);
+    EXPECT_EQ(int(it.OP.Zahlungsziel), 4);
+    EXPECT_EQ(int(it.Zahlungsart), 1);
+    EXPECT_NE(int(it.OP.DMSNr), 0);
   });
 }
 

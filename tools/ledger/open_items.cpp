@@ -206,7 +206,7 @@ int32_t OpenItems::nextNumber() {
       DATENBANK record{};
       uint8_t found;
       must(store_.GetLastExt(record, found, FileNumber(table), ZELK_ENG_DEFAULT, 0));
-      if (found) lastNumber_ = std::max<int32_t>(lastNumber_, record.Opbeleg.Nr);
+      if (found) lastNumber_ = std::max(lastNumber_, int32_t(record.Opbeleg.Nr));
     }
     for (auto &[number, year] : chart_.years()) {
       chart_.open(year);
@@ -214,7 +214,7 @@ int32_t OpenItems::nextNumber() {
         DATENBANK record{};
         uint8_t found;
         must(store_.GetLastExt(record, found, FileNumber(table), ZELK_ENG_DEFAULT, 0));
-        if (found) lastNumber_ = std::max<int32_t>(lastNumber_, record.Ophistorie.OP.Nr);
+        if (found) lastNumber_ = std::max(lastNumber_, int32_t(record.Ophistorie.OP.Nr));
       }
     }
   }
@@ -230,7 +230,7 @@ int32_t OpenItems::greatestInHistory(int table, int32_t item) {
     chart_.open(year);
     must(store_.GetLeExt(record, KeyBuilder().number(item).number(std::numeric_limits<int32_t>::max()), found,
                          FileNumber(table), ZELK_ENG_DEFAULT, 0));
-    if (found && record.Ophistorie.OP.Nr == item) greatest = std::max<int32_t>(greatest, record.Ophistorie.Zeile);
+    if (found && record.Ophistorie.OP.Nr == item) greatest = std::max(greatest, int32_t(record.Ophistorie.Zeile));
   }
   return greatest;
 }
