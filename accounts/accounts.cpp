@@ -1,5 +1,6 @@
 // Looking accounts up.
 #include "vlfn98/accounts.h"
+#include "frame/account_output.h"
 #include "frame/call.h"
 #include "frame/fetch.h"
 #include "frame/messages.h"
@@ -66,26 +67,7 @@ void fill(ZELK_SAKO &out, const SACHKONTO &account) {
 
 void fill(ZELK_PEKO &out, const PERSONENKONTO &account) {
   out = {};
-  vlba98::copyTrimmed(out.Kontonummer, account.Nr);
-  vlba98::strncpy2(out.Kuerzel, account.Kuerzel);
-  vlba98::strncpy2(out.Name, account.Name);
-  vlba98::strncpy2(out.Zusatz, account.Zusatz);
-  vlba98::strncpy2(out.Vorname, account.Vorname);
-  vlba98::strncpy2(out.Strasse, account.Strasse);
-  vlba98::strncpy2(out.Land, account.Land);
-  vlba98::strncpy2(out.PLZ, account.PLZ);
-  vlba98::strncpy2(out.Ort, account.Ort);
-  vlba98::strncpy2(out.Telefon, account.Telefon);
-  vlba98::strncpy2(out.EMail, account.EMail);
-  vlba98::strncpy2(out.UStIdNr, account.UStIdNr);
-  vlba98::strncpy2(out.IBAN, account.IBAN);
-  vlba98::strncpy2(out.BIC, account.BIC);
-  vlba98::strncpy2(out.Waehrung, account.Waehrung);
-  out.Zahlungsziel = account.Zahlungsziel;
-  vlba98::copyTrimmed(out.Sammelkonto, account.Sammelkonto);
-  vlba98::strncpy2(out.Kreditlimit, account.Kreditlimit);
-  out.Mahnkennziffer = account.Mahnkennziffer;
-  out.Gesperrt = account.Gesperrt;
+  fillPersonal(out, account);
 }
 
 void fill(ZELK_KOST &out, const KOST &centre) {

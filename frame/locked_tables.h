@@ -5,7 +5,7 @@
 #include <string>
 
 #include "frame/messages.h"
-#include "vldb98/store.h"
+#include "vldb98/guards.h"
 
 namespace frame {
 
@@ -14,26 +14,6 @@ struct Outcome {
   ZelkResult result = ZELK_OK;
   int message = 0;
   std::string fill = {}; ///< Windows-1252
-};
-
-/// Holds tables of the open client, all of them or none. Who changes several of them takes them in the order in which a
-/// posting does, or two callers wait for each other.
-class LockedTables {
-public:
-  LockedTables(vldb98::Store &store, std::span<const vldb98::FileNumber> tables)
-      : store_(store), tables_(tables), held_(store.Lock(tables, vldb98::ZELK_ENG_DEFAULT)) {}
-  ~LockedTables() {
-    constexpr int atOnce = 1;
-    if (held_) store_.Unlock(tables_, atOnce, vldb98::ZELK_ENG_DEFAULT);
-  }
-  LockedTables(const LockedTables &) = delete;
-  LockedTables &operator=(const LockedTables &) = delete;
-  bool held() const { return held_; }
-
-private:
-  vldb98::Store &store_;
-  std::span<const vldb98::FileNumber> tables_;
-  bool held_;
 };
 
 /// Runs a change while the tables are locked, and shows its refusal when they are free again: a person who looks at a
@@ -45,7 +25,7 @@ ZelkResult changeLocked(const ThreadContext &context, vldb98::Store &store, std:
                         Change &&change) {
   Outcome outcome;
   {
-    LockedTables locked(store, tables);
+    vldb98::LockedTables locked(store, tables);
     if (!locked.held()) return ZELKERR_Datenbank;
     outcome = change();
   }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "frame/account_output.h"
 #include "frame/stored_posting.h"
 #include "vlba98/geld.h"
 #include "vlba98/text.h"
@@ -28,26 +29,7 @@ void fill(ZELK_OUT_SACHKONTO &out, int32_t value, const SACHKONTO &account) {
 
 void fill(ZELK_OUT_PERSONENKONTO &out, int32_t value, const PERSONENKONTO &account) {
   out.Wert = value;
-  out.Zahlungsziel = account.Zahlungsziel;
-  out.Mahnkennziffer = account.Mahnkennziffer;
-  out.Gesperrt = account.Gesperrt;
-  vlba98::copyTrimmed(out.Kontonummer, account.Nr);
-  vlba98::strncpy2(out.Kuerzel, account.Kuerzel);
-  vlba98::copyTrimmed(out.Sammelkonto, account.Sammelkonto);
-  vlba98::strncpy2(out.Name, account.Name);
-  vlba98::strncpy2(out.Zusatz, account.Zusatz);
-  vlba98::strncpy2(out.Vorname, account.Vorname);
-  vlba98::strncpy2(out.Strasse, account.Strasse);
-  vlba98::strncpy2(out.Land, account.Land);
-  vlba98::strncpy2(out.PLZ, account.PLZ);
-  vlba98::strncpy2(out.Ort, account.Ort);
-  vlba98::strncpy2(out.Telefon, account.Telefon);
-  vlba98::strncpy2(out.EMail, account.EMail);
-  vlba98::strncpy2(out.IBAN, account.IBAN);
-  vlba98::strncpy2(out.BIC, account.BIC);
-  vlba98::strncpy2(out.Waehrung, account.Waehrung);
-  vlba98::strncpy2(out.Kreditlimit, account.Kreditlimit);
-  vlba98::strncpy2(out.UStIdNr, account.UStIdNr);
+  fillPersonal(out, account);
   vlba98::strncpy2(out.Steuersatz, vlba98::satzZero);
 }
 

@@ -5,6 +5,7 @@
 
 #include "vlba98/datum.h"
 #include "vlba98/text.h"
+#include "vldb98/guards.h"
 
 namespace vldb98 {
 namespace {
@@ -24,27 +25,6 @@ public:
 
 private:
   uint64_t value_ = 0xcbf29ce484222325;
-};
-
-class Transaction {
-public:
-  Transaction(Store &store, bool snapshot)
-      : store_(store), open_(store.Transaktion(1, snapshot, ZELK_ENG_DEFAULT) != 0) {}
-  ~Transaction() {
-    if (open_) store_.Transaktion(4, 0, ZELK_ENG_DEFAULT);
-  }
-  Transaction(const Transaction &) = delete;
-  Transaction &operator=(const Transaction &) = delete;
-
-  bool isOpen() const { return open_; }
-  bool commit() {
-    open_ = false;
-    return store_.Transaktion(2, 0, ZELK_ENG_DEFAULT) != 0;
-  }
-
-private:
-  Store &store_;
-  bool open_;
 };
 
 bool yearsOf(Store &store, std::vector<YearCode> &years) {

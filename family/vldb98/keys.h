@@ -43,7 +43,7 @@ public:
 
 private:
   KeyBuilder &text_(std::string_view text, size_t width) {
-    std::memcpy(key_.bytes + used_, text.data(), text.size() < width ? text.size() : width);
+    text.copy(key_.bytes + used_, width);
     used_ += width;
     return *this;
   }

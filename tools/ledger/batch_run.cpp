@@ -1,6 +1,5 @@
 #include "ledger/batch_run.h"
 
-#include <algorithm>
 #include <array>
 #include <cstring>
 
@@ -8,6 +7,7 @@
 #include "vlba98/encoding.h"
 #include "vlba98/geld.h"
 #include "vlba98/text.h"
+#include "vldb98/guards.h"
 #include "vlfn98/client.h"
 #include "vlfn98/costs.h"
 #include "zelk98/zelk98.h"
@@ -23,26 +23,6 @@ constexpr FileNumber kTables[] = {kKreditor,  kDebitor,    kSachkonto,     kBatc
                                   kOPDebitor, kOPKreditor, kHistOPDebitor, kHistOPKreditor};
 
 constexpr int16_t kLessensCosts = 32; // KOSTENBUCHUNG.Flags
-
-class Locked {
-public:
-  explicit Locked(Store &store) : store_(store) {
-    held_ = std::all_of(std::begin(kTables), std::end(kTables),
-                        [&](FileNumber table) { return store.Lock(table, nullptr, 0, ZELK_ENG_DEFAULT); });
-  }
-  ~Locked() {
-    constexpr int atOnce = 1;
-    for (FileNumber table : kTables)
-      store_.Unlock(table, atOnce, ZELK_ENG_DEFAULT);
-  }
-  Locked(const Locked &) = delete;
-  Locked &operator=(const Locked &) = delete;
-  bool held() const { return held_; }
-
-private:
-  Store &store_;
-  bool held_;
-};
 
 template <class Record> auto centresOf(Record &record) {
   return std::array{record.Kostenstelle1, record.Kostenstelle2, record.Kostenstelle3,
@@ -271,27 +251,22 @@ Outcome postBatch(Store &store, const Order &order) {
   default:
     return refuse("Die Daten des Mandanten gehören zu einer anderen Programmversion.");
   }
-  Locked locked(store);
+  LockedTables locked(store, kTables);
   if (!locked.held()) {
     outcome.state = Outcome::TablesLocked;
     return outcome;
   }
-  if (!store.Transaktion(1, 0, ZELK_ENG_DEFAULT)) return outcome;
+  Transaction transaction(store, false);
+  if (!transaction.isOpen()) return outcome;
   try {
     BatchRun(store, order, outcome).run();
   } catch (const Refusal &refusal) {
     refuse(refusal.text);
   } catch (const StoreFailed &) {
     outcome.state = Outcome::StoreFailed;
-  } catch (...) {
-    store.Transaktion(4, 0, ZELK_ENG_DEFAULT);
-    throw;
   }
-  if (outcome.state == Outcome::Posted) {
-    if (!store.Transaktion(2, 0, ZELK_ENG_DEFAULT)) outcome.state = Outcome::StoreFailed;
-  } else if (!store.Transaktion(4, 0, ZELK_ENG_DEFAULT)) {
-    outcome.state = Outcome::StoreFailed;
-  }
+  const bool ended = outcome.state == Outcome::Posted ? transaction.commit() : transaction.rollback();
+  if (!ended) outcome.state = Outcome::StoreFailed;
   return outcome;
 }
 
