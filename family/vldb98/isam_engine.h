@@ -66,6 +66,8 @@ private:
   bool execute(SqlStatement &statement);
   /// The database gave the running transaction up by itself: what is changed now would be committed at once.
   bool lostTransaction() { return depth_ > 0 && !connection_->inTransaction(); }
+  /// Does a change that is more than one statement, or has to be in a transaction for another reason.
+  template <class Work> bool inTransaction(bool needed, Work &&work);
   bool insert(const Table &table, DATENBANK &record);
   bool insertAssigned(const Table &table, DATENBANK &record);
   bool writeRow(const Table &table, const char *record);

@@ -58,6 +58,11 @@ public:
   bool inTransaction() override { return inTransaction_; }
   int64_t changedRows() override { return changedRows_; }
   const Dialect &dialect() const override { return *dialect_; }
+  bool onCluster() const override { return onCluster_; }
+  void collided() override {
+    rollback();
+    failure_ = lost_ ? Failure::Lost : Failure::Retry;
+  }
   Failure failure() const override { return failure_; }
   bool usable() const override { return !lost_; }
 
@@ -81,7 +86,7 @@ private:
   const Dialect *dialect_;
   Environment environment_;
   Handle<SQL_HANDLE_DBC> handle_;
-  bool connected_ = false, lost_ = false, inTransaction_ = false;
+  bool connected_ = false, lost_ = false, inTransaction_ = false, onCluster_ = false;
   Failure failure_ = Failure::Other;
   int64_t changedRows_ = 0;
 };
@@ -109,10 +114,7 @@ void Connection::failed(StatementHandle &statement) {
     inTransaction_ = false;
   }
   // Servers differ in how much they undo by themselves: here it is always the whole transaction.
-  if (failure_ == Failure::Retry && inTransaction_) {
-    rollback();
-    failure_ = lost_ ? Failure::Lost : Failure::Retry;
-  }
+  if (failure_ == Failure::Retry && inTransaction_) collided();
 }
 
 std::vector<std::string> Connection::installedDrivers() {
@@ -157,11 +159,15 @@ bool Connection::connect(const ServerSettings &server) {
 
 bool Connection::setUp(std::chrono::milliseconds wait, std::string &database) {
   const bool microsoft = dialect_->engine == ZELK_ENG_MSSQL;
-  auto who = prepare(microsoft ? "SELECT DB_NAME(), ''" : "SELECT DATABASE(), VERSION()");
+  auto who = prepare(dialect_->whoIsThere);
   if (!who || who->step() != Step::Row || who->isNull(0)) return false;
   database = who->text(0);
   if (!microsoft && who->text(1).find("MariaDB") != std::string_view::npos) dialect_ = &mariadbDialect();
+  onCluster_ = !who->text(2).empty();
+  // A node that does not belong to the cluster, or not yet, has books of yesterday.
+  const bool ready = !onCluster_ || who->text(2) == "ON";
   who.reset();
+  if (!ready) return false;
   for (const std::string &sql : dialect_->setUp(wait))
     if (!execute(sql)) return false;
   return true;
@@ -173,10 +179,13 @@ bool Connection::setUp(std::chrono::milliseconds wait, std::string &database) {
 std::unique_ptr<SqlConnection> openOdbc(const ServerSettings &server, std::chrono::milliseconds wait,
                                         std::string &database) {
   if (!server.isServer()) return nullptr;
-  auto connection =
-      std::make_unique<odbc::Connection>(server.engine == ZELK_ENG_MSSQL ? mssqlDialect() : mysqlDialect());
-  if (!connection->connect(server) || !connection->setUp(wait, database)) return nullptr;
-  return connection;
+  const Dialect &dialect = server.engine == ZELK_ENG_MSSQL ? mssqlDialect() : mysqlDialect();
+  // Where a comma is part of a host's name, there is one.
+  for (const ServerSettings &one : dialect.portBehindHost ? std::vector{server} : eachHost(server)) {
+    auto connection = std::make_unique<odbc::Connection>(dialect);
+    if (connection->connect(one) && connection->setUp(wait, database)) return connection;
+  }
+  return nullptr;
 }
 
 uint64_t roundTrips() {
