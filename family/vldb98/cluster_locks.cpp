@@ -10,8 +10,8 @@
 namespace vldb98 {
 namespace {
 
-// Rows that another node makes at the same moment.
-constexpr int kAttempts = 3;
+// Of making rows, which another node can do at the same moment.
+constexpr int kAttempts = 10;
 
 /// A row's key, in the order of the table's index.
 using Row = std::tuple<uint16_t, uint16_t, int64_t>;
@@ -25,6 +25,8 @@ struct Stand {
   std::optional<int64_t> noted;  ///< when the lock was taken; none: whatever it is
   std::optional<int64_t> raised; ///< by the running transaction
 };
+
+constexpr int64_t kNever = -1; ///< no row's count
 
 class ClusterLocks final : public Locks {
 public:
@@ -62,18 +64,18 @@ private:
   using Statements = std::map<std::pair<LockRows, size_t>, std::unique_ptr<SqlStatement>>;
 
   size_t take(std::span<const LockName> names) override {
-    // Its locks would outlive the transaction that the database gave up.
-    if (writing_ && !connection_.inTransaction()) return 0;
     // What is given back later must not need memory then.
     leaving_.reserve(leaving_.size() + rows_.size() + names.size());
     Rows rows;
     for (const LockName &name : names)
       rows[rowOf(name)];
     if (named_ && !named_->acquire(names, LockMode::Exclusive)) return 0;
-    if (!(writing_ ? raise(rows) : note(rows))) {
-      if (named_) named_->release(names);
-      return 0;
-    }
+    // A lock whose row is not had is none that somebody else holds, so it counts as taken: nothing can be written under
+    // it.
+    const bool had = writing_ ? connection_.inTransaction() && raise(rows) : note(rows);
+    if (!had && writing_ && connection_.inTransaction()) connection_.collided();
+    for (auto &[row, stand] : rows)
+      if (!had) stand = {kNever, {}};
     remember(rows);
     return names.size();
   }

@@ -331,7 +331,8 @@ bool IsamEngine::table(TableOp op, int number) {
     if (found->scope == Scope::Global) return false;
     break;
   }
-  auto statement = connection_->prepare(clearStatement(*found));
+  Statement &slot = tables_[size_t(found->number)].clear;
+  SqlStatement *statement = prepared(slot, slot ? std::string() : clearStatement(*found));
   if (!statement) return false;
   bindScope(*statement, *found, 1);
   return inTransaction(false, [&] { return execute(*statement); });
@@ -341,7 +342,7 @@ bool IsamEngine::tableExists(int number, bool &exists) {
   const Table *table = findTable(number);
   exists = false;
   if (!table) return true;
-  auto statement = connection_->prepare(dialect_.tableExists);
+  SqlStatement *statement = prepared(tableExists_, dialect_.tableExists);
   if (!statement) return false;
   statement->bind(1, table->name);
   Execution execution(*statement);

@@ -77,8 +77,11 @@ private:
     statement = StatementHandle(handle_.get());
     if (statement && !SQL_SUCCEEDED(SQLPrepareW(statement.get(), wide(text), SQLINTEGER(text.size()))))
       failed(statement);
+    else if (onCluster_ && inTransaction_ && !stillInTransaction())
+      statement = StatementHandle();
     return statement;
   }
+  bool stillInTransaction();
   void failed(StatementHandle &statement) override;
   Failure meaningOf(SQLHANDLE statement);
   std::vector<std::string> installedDrivers();
@@ -115,6 +118,24 @@ void Connection::failed(StatementHandle &statement) {
   }
   // Servers differ in how much they undo by themselves: here it is always the whole transaction.
   if (failure_ == Failure::Retry && inTransaction_) collided();
+}
+
+// A node that gives a transaction up because of another node's says so with the next statement that is executed, but
+// not when that happens while it prepares one: it would go on outside of the transaction.
+bool Connection::stillInTransaction() {
+  StatementHandle statement(handle_.get());
+  SQLBIGINT still = 0;
+  SQLLEN length = 0;
+  std::u16string text = u"SELECT @@in_transaction";
+  sent();
+  if (!statement || !SQL_SUCCEEDED(SQLExecDirectW(statement.get(), wide(text), SQLINTEGER(text.size()))) ||
+      !SQL_SUCCEEDED(SQLFetch(statement.get())) ||
+      !SQL_SUCCEEDED(SQLGetData(statement.get(), 1, SQL_C_SBIGINT, &still, sizeof still, &length))) {
+    failed(statement);
+    return false;
+  }
+  if (still == 0) collided();
+  return still != 0;
 }
 
 std::vector<std::string> Connection::installedDrivers() {
