@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <mutex>
+#include <random>
 
 #include "platform/files.h"
 #include "platform/ui.h"
@@ -30,12 +31,24 @@ DatabaseSettings settingsNow() {
   return state().settings;
 }
 
+// Some clusters refuse named locks. One that nobody else asks for tells.
+bool hasNamedLocks(Locks &locks) {
+  std::random_device random;
+  const LockName own{0, 0, uint64_t(random()) << 32 | random()};
+  return locks.acquire({&own, 1}, LockMode::PassThrough);
+}
+
 std::unique_ptr<Engine> openServerEngine(const DatabaseSettings &settings) {
   if (!settings.openServer) return nullptr;
   std::string database;
   auto connection = settings.openServer(settings.server, settings.lockWait, database);
   if (!connection) return nullptr;
   auto locks = openServerLocks(*connection, database, settings.lockWait);
+  if (connection->onCluster()) {
+    if (!hasNamedLocks(*locks)) locks.reset();
+    locks = openClusterLocks(*connection, std::move(locks), settings.lockWait);
+    if (!locks) return nullptr;
+  }
   return std::make_unique<IsamEngine>(std::move(connection), std::move(locks));
 }
 

@@ -14,6 +14,7 @@ constexpr NativeError kMysqlErrors[] = {
     {1020, Failure::Retry},
     {1180, Failure::Retry},
     // Shutdown, broken connections, killed ones, idle for too long.
+    {1047, Failure::Lost}, // of a node that its cluster has lost
     {1053, Failure::Lost},
     {1152, Failure::Lost},
     {1158, Failure::Lost},
@@ -81,6 +82,12 @@ Dialect mysqlFamily(const char *name, const char *createBehind) {
           .tableExists =
               "SELECT 1 FROM information_schema.tables WHERE table_schema=DATABASE() AND table_name=? LIMIT 1",
           .tablesEndTransactions = true,
+          // In what only MariaDB reads stands what only MariaDB knows. Its builds for Windows do not know the variables.
+          .whoIsThere =
+              "SELECT DATABASE(), VERSION(), CONCAT('' /*M!100500 , COALESCE((SELECT s.VARIABLE_VALUE "
+              "FROM information_schema.GLOBAL_STATUS s, information_schema.SESSION_VARIABLES v, "
+              "information_schema.GLOBAL_VARIABLES p WHERE v.VARIABLE_NAME='WSREP_ON' AND v.VARIABLE_VALUE='ON' AND "
+              "p.VARIABLE_NAME='WSREP_PROVIDER' AND p.VARIABLE_VALUE<>'none' AND s.VARIABLE_NAME='WSREP_READY'),'') */)",
           .setUp = setUpMysql,
           .begin = {"START TRANSACTION"},
           // The level holds for the next transaction only; below it there are no consistent snapshots.
@@ -123,6 +130,7 @@ const Dialect &sqliteDialect() {
                                .textBytesPerCharacter = 1,
                                .tableExists = "SELECT 1 FROM sqlite_schema WHERE type='table' AND name=?",
                                .tablesEndTransactions = false,
+                               .whoIsThere = "",
                                .setUp = noSetUp,
                                .begin = {},
                                .beginSnapshot = {},
@@ -173,6 +181,7 @@ const Dialect &mssqlDialect() {
       .textBytesPerCharacter = 3,
       .tableExists = "SELECT 1 FROM INFORMATION_SCHEMA.TABLES WHERE TABLE_SCHEMA=SCHEMA_NAME() AND TABLE_NAME=?",
       .tablesEndTransactions = false,
+      .whoIsThere = "SELECT DB_NAME(), '', ''",
       .setUp = setUpMssql,
       .begin = {"BEGIN TRANSACTION"},
       .beginSnapshot = {"SET TRANSACTION ISOLATION LEVEL SNAPSHOT; BEGIN TRANSACTION"},

@@ -181,10 +181,15 @@ bool IsamEngine::change(ChangeOp op, FileNumber file, DATENBANK *record) {
   return op == ChangeOp::Insert ? insert(*table, *record) : changeCurrent(op, *table, record);
 }
 
+template <class Work> bool IsamEngine::inTransaction(bool needed, Work &&work) {
+  const bool own = depth_ == 0 && (needed || locks_->guardsChanges());
+  if (own && !transaction(TransactionOp::Begin, false)) return false;
+  const bool done = work();
+  return (!own || transaction(done ? TransactionOp::Commit : TransactionOp::Rollback, false)) && done;
+}
+
 bool IsamEngine::insert(const Table &table, DATENBANK &record) {
   bool assigns = table.assigned >= 0 && numberAt(table.fields[size_t(table.assigned)], record.bytes) == 0;
-  // Reading the greatest number and inserting the next must be one step for other writers.
-  bool wrapped = assigns && depth_ == 0;
   // Where several write at once, rows cannot do that: of an empty table there is none to lock. Who holds the table
   // needs no more.
   const uint16_t client = table.scope == Scope::Global ? 0 : client_;
@@ -192,14 +197,15 @@ bool IsamEngine::insert(const Table &table, DATENBANK &record) {
   const bool guarded =
       assigns && dialect_.locksRows && !locks_->holds({client, counter.table, 0}) && !locks_->holds(counter);
   if (guarded && !locks_->acquire({&counter, 1}, LockMode::Exclusive)) return false;
-  if (wrapped && !transaction(TransactionOp::Begin, false)) {
-    if (guarded) locks_->release({&counter, 1});
-    return false;
-  }
-  if (guarded) pendingUnlocks_.push_back(counter);
+  bool begun = false;
   DATENBANK before = record;
-  bool done = assigns ? insertAssigned(table, record) : writeRow(table, record.bytes);
-  if (wrapped && !transaction(done ? TransactionOp::Commit : TransactionOp::Rollback, false)) done = false;
+  // Reading the greatest number and inserting the next must be one step for other writers.
+  const bool done = inTransaction(assigns, [&] {
+    begun = true;
+    if (guarded) pendingUnlocks_.push_back(counter);
+    return assigns ? insertAssigned(table, record) : writeRow(table, record.bytes);
+  });
+  if (guarded && !begun) locks_->release({&counter, 1});
   if (done)
     tables_[size_t(table.number)].current.assign(record.bytes, record.bytes + table.recordSize);
   else
@@ -265,7 +271,7 @@ bool IsamEngine::changeCurrent(ChangeOp op, const Table &table, DATENBANK *recor
   if (table.scope == Scope::FiscalYear) statement->bind(parameter++, int64_t(year_));
   if (!bindFields(*statement, table, table.keys.front().fields, state.current.data(), parameter)) return false;
   // A record that somebody else deleted meanwhile cannot be changed.
-  if (!execute(*statement) || connection_->changedRows() != 1) return false;
+  if (!inTransaction(false, [&] { return execute(*statement) && connection_->changedRows() == 1; })) return false;
   if (update) state.current.assign(record->bytes, record->bytes + table.recordSize);
   return true;
 }
@@ -279,7 +285,7 @@ bool IsamEngine::deleteBeginning(FileNumber file, const SCHLUESSEL &values, int 
   SqlStatement *statement = prepared(slot, slot ? std::string() : deleteStatement(*table, leading));
   if (!statement) return false;
   bindKey(*statement, *table, leading, values, bindScope(*statement, *table, 1));
-  return execute(*statement);
+  return inTransaction(false, [&] { return execute(*statement); });
 }
 
 bool IsamEngine::transaction(TransactionOp op, bool snapshot) {
@@ -287,6 +293,11 @@ bool IsamEngine::transaction(TransactionOp op, bool snapshot) {
     if (depth_ == 0) {
       if (!connection_->begin(snapshot)) return false;
       snapshot_ = snapshot;
+      if (!snapshot && !locks_->beginWriting()) {
+        if (connection_->inTransaction()) connection_->rollback();
+        locks_->endWriting(false);
+        return false;
+      }
     }
     ++depth_;
     return true;
@@ -297,6 +308,7 @@ bool IsamEngine::transaction(TransactionOp op, bool snapshot) {
   bool committed = !doomed_ && connection_->inTransaction() && connection_->commit();
   if (!committed && connection_->inTransaction()) connection_->rollback();
   doomed_ = false;
+  if (!snapshot_) locks_->endWriting(committed);
   locks_->release(pendingUnlocks_);
   pendingUnlocks_.clear();
   return op == TransactionOp::Commit ? committed : !connection_->inTransaction();
@@ -319,17 +331,18 @@ bool IsamEngine::table(TableOp op, int number) {
     if (found->scope == Scope::Global) return false;
     break;
   }
-  auto statement = connection_->prepare(clearStatement(*found));
+  Statement &slot = tables_[size_t(found->number)].clear;
+  SqlStatement *statement = prepared(slot, slot ? std::string() : clearStatement(*found));
   if (!statement) return false;
   bindScope(*statement, *found, 1);
-  return execute(*statement);
+  return inTransaction(false, [&] { return execute(*statement); });
 }
 
 bool IsamEngine::tableExists(int number, bool &exists) {
   const Table *table = findTable(number);
   exists = false;
   if (!table) return true;
-  auto statement = connection_->prepare(dialect_.tableExists);
+  SqlStatement *statement = prepared(tableExists_, dialect_.tableExists);
   if (!statement) return false;
   statement->bind(1, table->name);
   Execution execution(*statement);

@@ -46,7 +46,7 @@ private:
     // By key index: the operations, then Next with a bound; all of them once more for reads that keep others from
     // writing.
     std::map<int, std::array<Statement, 2 * (kReadOps + 1)>> reads;
-    Statement insert, update, remove, greatest;
+    Statement insert, update, remove, greatest, clear;
     std::map<std::pair<int, int>, Statement> deletions; // of what begins with a key: by key index and count of fields
     std::map<std::pair<int, std::vector<int>>, Statement> sums; // by key index and fields
     std::vector<char> current;                                  // empty: no current record
@@ -66,6 +66,8 @@ private:
   bool execute(SqlStatement &statement);
   /// The database gave the running transaction up by itself: what is changed now would be committed at once.
   bool lostTransaction() { return depth_ > 0 && !connection_->inTransaction(); }
+  /// Does a change that is more than one statement, or has to be in a transaction for another reason.
+  template <class Work> bool inTransaction(bool needed, Work &&work);
   bool insert(const Table &table, DATENBANK &record);
   bool insertAssigned(const Table &table, DATENBANK &record);
   bool writeRow(const Table &table, const char *record);
@@ -76,6 +78,7 @@ private:
   const Dialect &dialect_;
   std::unique_ptr<Locks> locks_;
   std::array<TableState, kTableLimit> tables_;
+  Statement tableExists_;
   Scratch scratch_;
   uint16_t client_ = 0;
   int year_ = 0;

@@ -54,6 +54,14 @@ public:
   bool holds(const LockName &name) const { return held_.contains(name); }
   bool holdsAny() const { return !held_.empty(); }
 
+  /// Whether a change has to be in a transaction while locks are held.
+  virtual bool guardsChanges() const { return false; }
+  /// Told in a transaction that has just begun and will write. \return false when somebody else changed what the locks
+  /// held are on since they were taken: the transaction is rolled back, or has to be
+  virtual bool beginWriting() { return true; }
+  /// Told at the end of such a transaction, before its locks are released.
+  virtual void endWriting([[maybe_unused]] bool committed) {}
+
 protected:
   explicit Locks(std::chrono::milliseconds wait) : wait_(wait) {}
 
@@ -83,6 +91,15 @@ std::unique_ptr<Locks> openFileLocks(const std::string &path, std::chrono::milli
 /// outlives the locks
 std::unique_ptr<Locks> openServerLocks(SqlConnection &connection, const std::string &database,
                                        std::chrono::milliseconds wait);
+
+/// Locks on a cluster of servers, whose nodes do not know of each other's named locks. A lock is a named one of the
+/// node, where it has them, so that its writers wait for each other; and a row that a transaction raises which writes
+/// while the lock is held, so that of two writers on two nodes one fails (Failure::Retry) and never mixes with the
+/// other. What was read since the lock was taken still holds when the transaction commits.
+/// \param named locks of the node; null where it refuses them
+/// \return null when the table of the rows cannot be made
+std::unique_ptr<Locks> openClusterLocks(SqlConnection &connection, std::unique_ptr<Locks> named,
+                                        std::chrono::milliseconds wait);
 
 /// The name of a lock on a server, at most 64 bytes. Named locks are the whole server's, so it holds the database's
 /// name, or where that is too long its hash. Names that differ in case only are one, as they can be for the server.

@@ -39,6 +39,46 @@ std::string Secret::reveal() const {
   return text;
 }
 
+namespace {
+
+uint16_t portOf(std::string_view digits) {
+  const bool number = !digits.empty() && digits.size() <= 5 && digits.find_first_not_of("0123456789") == digits.npos;
+  const int port = number ? std::stoi(std::string(digits)) : 0;
+  return port <= UINT16_MAX ? uint16_t(port) : uint16_t(0);
+}
+
+// Several colons without brackets are those of an address.
+void takeHost(ServerSettings &server, std::string_view text) {
+  const bool bracketed = text.starts_with('[');
+  const size_t end = bracketed ? text.find(']') : text.find(':');
+  std::string_view host = text.substr(0, end), behind = end == text.npos ? "" : text.substr(end);
+  if (bracketed && !behind.empty()) {
+    host.remove_prefix(1);
+    behind.remove_prefix(1);
+  }
+  const uint16_t port = behind.empty() ? uint16_t(0) : portOf(behind.substr(1));
+  const bool understood = behind.empty() || (behind.front() == ':' && port != 0);
+  server.host = understood ? host : text;
+  if (port) server.port = port;
+}
+
+} // namespace
+
+std::vector<ServerSettings> eachHost(const ServerSettings &server) {
+  std::vector<ServerSettings> servers;
+  for (std::string_view rest = server.host; !rest.empty();) {
+    const size_t comma = rest.find(',');
+    std::string_view one = rest.substr(0, comma);
+    rest = comma == rest.npos ? "" : rest.substr(comma + 1);
+    const size_t first = one.find_first_not_of(' ');
+    if (first == one.npos) continue;
+    servers.push_back(server);
+    takeHost(servers.back(), one.substr(first, one.find_last_not_of(' ') - first + 1));
+  }
+  if (servers.empty()) servers.push_back(server);
+  return servers;
+}
+
 ServerSettings serverOfSettings(const std::function<std::string(const char *key)> &read) {
   ServerSettings server;
   const std::string engine = read("Engine");

@@ -41,7 +41,8 @@ private:
 /// All texts are UTF-8.
 struct ServerSettings {
   DBENGINE engine = ZELK_ENG_BTRIEVE; ///< ZELK_ENG_MYSQL or ZELK_ENG_MSSQL; else there is no server
-  std::string host, user;
+  std::string host;                   ///< or several, see eachHost
+  std::string user;
   Secret password;
   uint16_t port = 0; ///< 0: the server's usual one
   std::string extra; ///< further options for the ODBC driver, as in a connection string
@@ -49,6 +50,10 @@ struct ServerSettings {
 
   bool isServer() const { return engine == ZELK_ENG_MYSQL || engine == ZELK_ENG_MSSQL; }
 };
+
+/// One server for each that the host names, in the order in which they are to be tried: "a,b:3307,[fe80::1]:3308". The
+/// settings' port is meant where there is none.
+std::vector<ServerSettings> eachHost(const ServerSettings &server);
 
 /// Where the settings name a server. \param read a setting of the section kServerSection, empty when it is missing
 ServerSettings serverOfSettings(const std::function<std::string(const char *key)> &read);

@@ -60,6 +60,10 @@ public:
   virtual int64_t changedRows() = 0;
 
   virtual const Dialect &dialect() const = 0;
+  /// The server is a node of a cluster, whose transactions can fail because of what another node committed.
+  virtual bool onCluster() const { return false; }
+  /// Gives the running transaction up as one that others were in the way of.
+  virtual void collided() { rollback(); }
   /// Of the statement that failed last.
   virtual Failure failure() const { return Failure::Other; }
   /// False when it is lost for good: everything fails from then on.

@@ -249,4 +249,36 @@ std::string unlockStatement(const Dialect &dialect, size_t count) {
   return procedures ? "SET NOCOUNT ON; " + joined(calls, "; ") : "DO " + joined(calls, ",");
 }
 
+std::string lockRowsStatement(LockRows what, size_t count) {
+  static const Names key{quoted("Mandant"), quoted("Tabelle"), quoted("Ressource")};
+  const std::string name = quoted("Sperre"), stand = quoted("Stand"), all = joined(key, ",") + "," + stand;
+  Names conditions = equalities(key);
+  if (what == LockRows::RaiseNoted) conditions.push_back(stand + "=?");
+  // The order of the index is that of the rows in the other statements, so that nobody waits crosswise.
+  const std::string those =
+      " FORCE INDEX (PRIMARY)%s" + where({joined(Names(count, "(" + joined(conditions, " AND ") + ")"), " OR ")});
+  const std::string raised = stand + "=" + stand + "+1";
+  auto rows = [&](const char *first) {
+    return "(" + all + ") VALUES " + joined(Names(count, std::string("(?,?,?,") + first + ")"), ",");
+  };
+  switch (what) {
+  case LockRows::Read:
+    return "SELECT " + all + " FROM " + name + filledIn(those.c_str(), "");
+  case LockRows::Make:
+    return "INSERT IGNORE INTO " + name + " " + rows("0");
+  case LockRows::RaiseNoted:
+    return "UPDATE " + name + filledIn(those.c_str(), " SET " + raised);
+  case LockRows::Raise:
+    break;
+  }
+  return "INSERT INTO " + name + " " + rows("1") + " ON DUPLICATE KEY UPDATE " + raised + " RETURNING " + all;
+}
+
+std::string createLockRowsStatement(const Dialect &dialect) {
+  return filledIn(dialect.createInFront, "Sperre") +
+         "\"Sperre\" (\"Mandant\" INT NOT NULL,\"Tabelle\" INT NOT NULL,\"Ressource\" BIGINT NOT NULL,"
+         "\"Stand\" BIGINT NOT NULL,PRIMARY KEY (\"Mandant\",\"Tabelle\",\"Ressource\"))" +
+         dialect.createBehind;
+}
+
 } // namespace vldb98

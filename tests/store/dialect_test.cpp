@@ -104,6 +104,27 @@ TEST(ConnectionStrings, HoldWhatTheyAreGiven) {
                                       server.extra);
 }
 
+TEST(Hosts, AreTriedInTurn) {
+  const struct {
+    const char *text, *hosts;
+  } rows[] = {{"", "@3306"},
+              {"a", "a@3306"},
+              {" a, b:3307 ,,c:1", "a@3306 b@3307 c@1"},
+              {"::1,[::1],[fe80::1]:3308", "::1@3306 ::1@3306 fe80::1@3308"},
+              {"a:,b:0,c:65536,d:x,e:33 07,[f", "a:@3306 b:0@3306 c:65536@3306 d:x@3306 e:33 07@3306 [f@3306"}};
+  for (const auto &row : rows) {
+    ServerSettings server;
+    server.host = row.text;
+    server.port = 3306;
+    server.user = "u";
+    std::string hosts;
+    for (const ServerSettings &one : eachHost(server))
+      hosts += (hosts.empty() ? "" : " ") + one.host + "@" + std::to_string(one.port);
+    EXPECT_EQ(hosts, row.hosts) << row.text;
+    EXPECT_EQ(eachHost(server).front().user, "u");
+  }
+}
+
 TEST(LockNames, FitTheServer) {
   const LockName greatest{65535, 126, UINT64_MAX};
   for (const std::string &database : {std::string("b"), std::string(40, 'd'), std::string(64, 'd')})

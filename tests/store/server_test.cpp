@@ -42,8 +42,9 @@ protected:
 };
 
 TEST_F(Server, IsReachedAsTheHostSays) {
-  const ServerSettings &good = serverDatabase();
+  const ServerSettings good = eachHost(serverDatabase()).front();
   std::string password = good.password.reveal();
+  const std::string second = "127.0.0.1:1, " + good.host + ":" + std::to_string(good.port);
   const char *host = good.host.c_str(), *user = good.user.c_str(), *right = password.c_str();
   const struct {
     const char *what;
@@ -60,6 +61,7 @@ TEST_F(Server, IsReachedAsTheHostSays) {
       {"nobody listens", 2, host, user, right, 1, "", good.database.c_str(), ZELKERR_Verbindungsfehler},
       {"unknown host", 2, "host.invalid", user, right, good.port, "", good.database.c_str(), ZELKERR_Verbindungsfehler},
       {"unknown database", 2, host, user, right, good.port, "", "gibt_es_nicht", ZELKERR_Verbindungsfehler},
+      {"the second of several", 2, second.c_str(), user, right, 1, "", good.database.c_str(), ZELK_OK},
       {"unknown driver", 2, host, user, right, good.port, "DRIVER={keiner}", good.database.c_str(),
        ZELKERR_Verbindungsfehler},
       {"an option more", 2, host, user, right, good.port, "INTERACTIVE=1;", good.database.c_str(), ZELK_OK},
@@ -150,6 +152,18 @@ TEST_F(Server, UndoesTheWholeOfATransactionThatDeadlocks) {
   const std::string batches = dump(*session(), 1, {kStapel});
   EXPECT_EQ(batches.find("eins") != std::string::npos, firstWent);
   EXPECT_EQ(batches.find("zwei") != std::string::npos, secondWent);
+}
+
+// So that a server which is several can split them by client.
+TEST_F(Server, LeadsEveryIndexByTheClient) {
+  auto connection = administrator();
+  std::string text = "SELECT CONCAT(table_name,'.',column_name) FROM information_schema.statistics WHERE "
+                     "table_schema=DATABASE() AND seq_in_index=1 AND column_name<>'Mandant' ORDER BY 1";
+  auto others = connection->prepare(text);
+  std::string names;
+  while (others && others->step() == Step::Row)
+    names += std::string(others->text(0)) + ' ';
+  EXPECT_EQ(names, "Firmenstamm.Name Firmenstamm.Nummer FirmenstammExt.Nummer ") << "all clients are in there";
 }
 
 // However many rows there are, a positioned read looks at one.

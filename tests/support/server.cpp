@@ -25,12 +25,12 @@ std::string environment(const char *name) {
 
 ServerSettings reached(const std::string &database) {
   const std::string text = environment("ZELK_TEST_MARIADB");
-  const size_t colon = text.find(':'), user = text.find('/'), password = text.find('/', user + 1);
+  const size_t user = text.find('/'), password = text.find('/', user + 1);
   if (password == std::string::npos) throw std::runtime_error("ZELK_TEST_MARIADB: " + text);
   ServerSettings server;
   server.engine = ZELK_ENG_MYSQL;
-  server.host = text.substr(0, colon);
-  server.port = uint16_t(std::stoi(text.substr(colon + 1)));
+  server.host = text.substr(0, user);
+  if (server.host.find(',') == std::string::npos) server = eachHost(server).front();
   server.user = text.substr(user + 1, password - user - 1);
   server.password = Secret(text.substr(password + 1));
   server.database = database;

@@ -1,5 +1,5 @@
 /// The database server that the tests run on where there is one: tests/mariadb/with_server starts it and says so in the
-/// environment, as ZELK_TEST_MARIADB=HOST:PORT/USER/PASSWORD.
+/// environment, as ZELK_TEST_MARIADB=HOST:PORT/USER/PASSWORD; or with_cluster, with several hosts.
 #pragma once
 
 #include "vldb98/server.h"

@@ -58,6 +58,11 @@ public:
   bool inTransaction() override { return inTransaction_; }
   int64_t changedRows() override { return changedRows_; }
   const Dialect &dialect() const override { return *dialect_; }
+  bool onCluster() const override { return onCluster_; }
+  void collided() override {
+    rollback();
+    failure_ = lost_ ? Failure::Lost : Failure::Retry;
+  }
   Failure failure() const override { return failure_; }
   bool usable() const override { return !lost_; }
 
@@ -72,8 +77,11 @@ private:
     statement = StatementHandle(handle_.get());
     if (statement && !SQL_SUCCEEDED(SQLPrepareW(statement.get(), wide(text), SQLINTEGER(text.size()))))
       failed(statement);
+    else if (onCluster_ && inTransaction_ && !stillInTransaction())
+      statement = StatementHandle();
     return statement;
   }
+  bool stillInTransaction();
   void failed(StatementHandle &statement) override;
   Failure meaningOf(SQLHANDLE statement);
   std::vector<std::string> installedDrivers();
@@ -81,7 +89,7 @@ private:
   const Dialect *dialect_;
   Environment environment_;
   Handle<SQL_HANDLE_DBC> handle_;
-  bool connected_ = false, lost_ = false, inTransaction_ = false;
+  bool connected_ = false, lost_ = false, inTransaction_ = false, onCluster_ = false;
   Failure failure_ = Failure::Other;
   int64_t changedRows_ = 0;
 };
@@ -109,10 +117,25 @@ void Connection::failed(StatementHandle &statement) {
     inTransaction_ = false;
   }
   // Servers differ in how much they undo by themselves: here it is always the whole transaction.
-  if (failure_ == Failure::Retry && inTransaction_) {
-    rollback();
-    failure_ = lost_ ? Failure::Lost : Failure::Retry;
+  if (failure_ == Failure::Retry && inTransaction_) collided();
+}
+
+// A node that gives a transaction up because of another node's says so with the next statement that is executed, but
+// not when that happens while it prepares one: it would go on outside of the transaction.
+bool Connection::stillInTransaction() {
+  StatementHandle statement(handle_.get());
+  SQLBIGINT still = 0;
+  SQLLEN length = 0;
+  std::u16string text = u"SELECT @@in_transaction";
+  sent();
+  if (!statement || !SQL_SUCCEEDED(SQLExecDirectW(statement.get(), wide(text), SQLINTEGER(text.size()))) ||
+      !SQL_SUCCEEDED(SQLFetch(statement.get())) ||
+      !SQL_SUCCEEDED(SQLGetData(statement.get(), 1, SQL_C_SBIGINT, &still, sizeof still, &length))) {
+    failed(statement);
+    return false;
   }
+  if (still == 0) collided();
+  return still != 0;
 }
 
 std::vector<std::string> Connection::installedDrivers() {
@@ -157,11 +180,15 @@ bool Connection::connect(const ServerSettings &server) {
 
 bool Connection::setUp(std::chrono::milliseconds wait, std::string &database) {
   const bool microsoft = dialect_->engine == ZELK_ENG_MSSQL;
-  auto who = prepare(microsoft ? "SELECT DB_NAME(), ''" : "SELECT DATABASE(), VERSION()");
+  auto who = prepare(dialect_->whoIsThere);
   if (!who || who->step() != Step::Row || who->isNull(0)) return false;
   database = who->text(0);
   if (!microsoft && who->text(1).find("MariaDB") != std::string_view::npos) dialect_ = &mariadbDialect();
+  onCluster_ = !who->text(2).empty();
+  // A node that does not belong to the cluster, or not yet, has books of yesterday.
+  const bool ready = !onCluster_ || who->text(2) == "ON";
   who.reset();
+  if (!ready) return false;
   for (const std::string &sql : dialect_->setUp(wait))
     if (!execute(sql)) return false;
   return true;
@@ -173,10 +200,13 @@ bool Connection::setUp(std::chrono::milliseconds wait, std::string &database) {
 std::unique_ptr<SqlConnection> openOdbc(const ServerSettings &server, std::chrono::milliseconds wait,
                                         std::string &database) {
   if (!server.isServer()) return nullptr;
-  auto connection =
-      std::make_unique<odbc::Connection>(server.engine == ZELK_ENG_MSSQL ? mssqlDialect() : mysqlDialect());
-  if (!connection->connect(server) || !connection->setUp(wait, database)) return nullptr;
-  return connection;
+  const Dialect &dialect = server.engine == ZELK_ENG_MSSQL ? mssqlDialect() : mysqlDialect();
+  // Where a comma is part of a host's name, there is one.
+  for (const ServerSettings &one : dialect.portBehindHost ? std::vector{server} : eachHost(server)) {
+    auto connection = std::make_unique<odbc::Connection>(dialect);
+    if (connection->connect(one) && connection->setUp(wait, database)) return connection;
+  }
+  return nullptr;
 }
 
 uint64_t roundTrips() {

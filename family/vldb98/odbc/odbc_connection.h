@@ -11,10 +11,12 @@
 
 namespace vldb98 {
 
-/// Connects to a server and prepares the session: SQL mode, isolation, time to wait for rows that others write.
+/// Connects to the first server of the settings' hosts that can be reached, knows the user and the database, and as a
+/// node of a cluster takes part in it; each is given a few seconds. Prepares the session: SQL mode, isolation, time to
+/// wait for rows that others write.
 /// \param wait     how long a statement waits for another writer
 /// \param database receives the name of the database in use, as the server calls it
-/// \return null when it cannot be reached within a few seconds, refuses the user, or is in no database
+/// \return null when there is no such server
 std::unique_ptr<SqlConnection> openOdbc(const ServerSettings &server, std::chrono::milliseconds wait,
                                         std::string &database);
 
