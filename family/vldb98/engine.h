@@ -93,6 +93,10 @@ public:
 
   /// False when the connection to a server is lost: everything fails from then on, and locks and transaction are gone.
   virtual bool usable() const = 0;
+  /// Why a transaction that was not carried out was not.
+  virtual Failure failure() const = 0;
+  /// True when the connection was lost with a COMMIT of changes: nobody has said whether they are stored.
+  virtual bool commitUnanswered() const = 0;
 };
 
 } // namespace vldb98

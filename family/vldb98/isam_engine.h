@@ -37,6 +37,8 @@ public:
   void unlock(std::span<const uint16_t> tables, bool atOnce) override;
   bool holdsLocks() const override { return locks_->holdsAny(); }
   bool usable() const override { return connection_->usable(); }
+  Failure failure() const override { return connection_->failure(); }
+  bool commitUnanswered() const override { return commitUnanswered_; }
 
 private:
   using Statement = std::unique_ptr<SqlStatement>;
@@ -82,6 +84,7 @@ private:
   int depth_ = 0;
   bool snapshot_ = false; // the transaction only reads
   bool doomed_ = false;   // an inner transaction was rolled back
+  bool commitUnanswered_ = false;
   std::vector<LockName> pendingUnlocks_;
 };
 

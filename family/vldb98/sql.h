@@ -60,7 +60,7 @@ public:
   virtual int64_t changedRows() = 0;
 
   virtual const Dialect &dialect() const = 0;
-  /// Of the statement that failed last.
+  /// Of the statement that failed last since the last begin(); Other when none has.
   virtual Failure failure() const { return Failure::Other; }
   /// False when it is lost for good: everything fails from then on.
   virtual bool usable() const { return true; }

@@ -107,6 +107,7 @@ Names createStatements(const Dialect &dialect, const Table &table) {
   lines.push_back("PRIMARY KEY (" + joined(primary, ",") + ")");
   for (size_t i = 1; i < table.keys.size(); ++i) {
     const Key &key = table.keys[i];
+    if (key.onServersOnly && dialect.engine == ZELK_ENG_BTRIEVE) continue;
     Names ordered = scopeColumns(table);
     append(ordered, columns(table, key.totalOrder));
     const std::string inBrackets = " (" + joined(ordered, ",") + ")";

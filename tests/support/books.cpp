@@ -64,6 +64,8 @@ public:
   void unlock(std::span<const uint16_t> tables, bool atOnce) override { inner_->unlock(tables, atOnce); }
   bool holdsLocks() const override { return inner_->holdsLocks(); }
   bool usable() const override { return inner_->usable(); }
+  Failure failure() const override { return inner_->failure(); }
+  bool commitUnanswered() const override { return inner_->commitUnanswered(); }
 
 private:
   static bool fails() { return ++counted == failing; }

@@ -42,6 +42,7 @@ public:
   }
 
   bool begin(bool snapshot) override {
+    failure_ = Failure::Other;
     for (const std::string &sql : snapshot ? dialect_->beginSnapshot : dialect_->begin)
       if (!execute(sql)) return false;
     return inTransaction_ = true;
