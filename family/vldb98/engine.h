@@ -40,6 +40,12 @@ enum class TableOp : uint8_t {
   Clear,  ///< the rows of the scope
 };
 
+/// What a session can be told by at its server.
+struct SessionTrace {
+  int64_t connection = 0; ///< 0: there is no server
+  LockName lock;          ///< one that it held
+};
+
 class Engine {
 public:
   virtual ~Engine() = default;
@@ -97,6 +103,11 @@ public:
   virtual Failure failure() const = 0;
   /// True when the connection was lost with a COMMIT of changes: nobody has said whether they are stored.
   virtual bool commitUnanswered() const = 0;
+
+  virtual SessionTrace trace() const = 0;
+  /// Ends a session that lost its connection, at a server that has not noticed. Its lock tells that it is the one: a
+  /// number alone is given anew by another server, or the same one later.
+  virtual void endLost(const SessionTrace &lost) = 0;
 };
 
 } // namespace vldb98

@@ -53,6 +53,10 @@ public:
   std::vector<LockName> heldOn(uint16_t table) const;
   bool holds(const LockName &name) const { return held_.contains(name); }
   bool holdsAny() const { return !held_.empty(); }
+  /// The first of the names held; none: the database's own, which nobody takes.
+  LockName anyHeld() const { return held_.empty() ? LockName{} : held_.begin()->first; }
+  /// Ends a connection by the server's number for it if it holds that lock.
+  virtual void endHolder(const LockName &, int64_t) {}
 
 protected:
   explicit Locks(std::chrono::milliseconds wait) : wait_(wait) {}

@@ -60,6 +60,8 @@ public:
   virtual int64_t changedRows() = 0;
 
   virtual const Dialect &dialect() const = 0;
+  /// The server's number of this connection; 0 where there is none.
+  virtual int64_t number() const { return 0; }
   /// Of the statement that failed last since the last begin(); Other when none has.
   virtual Failure failure() const { return Failure::Other; }
   /// False when it is lost for good: everything fails from then on.

@@ -241,6 +241,10 @@ std::string passStatement(const Dialect &dialect) {
   return "SELECT CASE WHEN COALESCE(GET_LOCK(?1,?2/1000),0)<>1 THEN 0 ELSE RELEASE_LOCK(?1) END";
 }
 
+std::string holderStatement(const Dialect &dialect) {
+  return dialect.engine == ZELK_ENG_MSSQL ? "SELECT 0 WHERE ?=''" : "SELECT IS_USED_LOCK(?)";
+}
+
 std::string unlockStatement(const Dialect &dialect, size_t count) {
   const bool procedures = dialect.engine == ZELK_ENG_MSSQL;
   Names calls;

@@ -33,7 +33,9 @@ Store::Outcome Store::settle(const BATCHBUCHUNG &posting) {
 Store::Outcome Store::settleOnce(const BATCHBUCHUNG &posting, std::chrono::milliseconds wait) {
   const std::unique_ptr<Store> other = reopen_(wait);
   uint8_t found = 0;
-  if (!other || !other->SetzeFista(client_.Nummer, found) || !found || !other->Transaktion(1, 0, ZELK_ENG_DEFAULT))
+  if (!other) return Outcome::Unknown;
+  other->engine_->endLost(engine_->trace());
+  if (!other->SetzeFista(client_.Nummer, found) || !found || !other->Transaktion(1, 0, ZELK_ENG_DEFAULT))
     return Outcome::Unknown;
   DATENBANK record{};
   record.Batchbuchung.Stapel = kNoBatch;

@@ -66,6 +66,8 @@ public:
   bool usable() const override { return inner_->usable(); }
   Failure failure() const override { return inner_->failure(); }
   bool commitUnanswered() const override { return inner_->commitUnanswered(); }
+  SessionTrace trace() const override { return inner_->trace(); }
+  void endLost(const SessionTrace &lost) override { inner_->endLost(lost); }
 
 private:
   static bool fails() { return ++counted == failing; }

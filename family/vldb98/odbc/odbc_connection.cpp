@@ -59,6 +59,7 @@ public:
   bool inTransaction() override { return inTransaction_; }
   int64_t changedRows() override { return changedRows_; }
   const Dialect &dialect() const override { return *dialect_; }
+  int64_t number() const override { return number_; }
   Failure failure() const override { return failure_; }
   bool usable() const override { return !lost_; }
 
@@ -84,7 +85,7 @@ private:
   Handle<SQL_HANDLE_DBC> handle_;
   bool connected_ = false, lost_ = false, inTransaction_ = false;
   Failure failure_ = Failure::Other;
-  int64_t changedRows_ = 0;
+  int64_t changedRows_ = 0, number_ = 0;
 };
 
 Failure Connection::meaningOf(SQLHANDLE statement) {
@@ -158,9 +159,10 @@ bool Connection::connect(const ServerSettings &server) {
 
 bool Connection::setUp(std::chrono::milliseconds wait, std::string &database) {
   const bool microsoft = dialect_->engine == ZELK_ENG_MSSQL;
-  auto who = prepare(microsoft ? "SELECT DB_NAME(), ''" : "SELECT DATABASE(), VERSION()");
+  auto who = prepare(microsoft ? "SELECT DB_NAME(), '', 0" : "SELECT DATABASE(), VERSION(), CONNECTION_ID()");
   if (!who || who->step() != Step::Row || who->isNull(0)) return false;
   database = who->text(0);
+  number_ = who->integer(2);
   if (!microsoft && who->text(1).find("MariaDB") != std::string_view::npos) dialect_ = &mariadbDialect();
   who.reset();
   for (const std::string &sql : dialect_->setUp(wait))
