@@ -4,9 +4,9 @@
 #include <atomic>
 #include <fstream>
 #include <future>
+#include <utility>
 
 #include "odbc/odbc_connection.h"
-#include "platform/system.h"
 #include "support/drafts.h"
 #include "support/proxy.h"
 
@@ -128,6 +128,44 @@ TEST_F(ServerLoss, SettlesACommitWithoutAnAnswer) {
     EXPECT_EQ(post("next"), ZELK_OK);
   }
   EXPECT_EQ(stored("next"), int(std::size(rows)));
+}
+
+// A transaction that the server keeps open, and whose session it cannot be told to end, since nothing tells it.
+TEST_F(ServerLoss, WaitsForATransactionThatIsStillOpen) {
+  for (const bool arrives : {true, false}) {
+    SCOPED_TRACE(arrives ? "its COMMIT arrives in time" : "too late");
+    DatabaseSettings settings;
+    settings.server = serverDatabase();
+    settings.server.port = proxy->port();
+    settings.openServer = openOdbc;
+    settings.lockWait = std::chrono::seconds(arrives ? 60 : 1);
+    auto store = openSession(settings);
+    uint8_t found = 0;
+    ASSERT_TRUE(store && store->SetzeFista(1, found) && found && store->MemInsertSplit({}));
+    proxy->judge([held = false](int, std::string_view command) mutable {
+      return isCommit(command) && !std::exchange(held, true) ? Fate::Hold : Fate::Forward;
+    });
+    std::future<void> arriving;
+    if (arrives)
+      arriving = std::async(std::launch::async, [&] {
+        // An insertion that takes so long waits for a row.
+        auto waiting = administrator->prepare("SELECT 1 FROM information_schema.processlist WHERE db=DATABASE() AND "
+                                              "info LIKE 'INSERT%' AND time_ms>200");
+        while (waiting->step() != Step::Row)
+          waiting->reset();
+        waiting->reset();
+        proxy->release();
+      });
+    BATCHBUCHUNG posting{};
+    posting.Stapel = 3;
+    put(posting.Belegnummer, arrives ? "in time" : "too late");
+    EXPECT_EQ(store->InsertBat(posting) != 0, arrives);
+    EXPECT_EQ(store->outcomeUnknown(), !arrives);
+    if (arrives) arriving.get();
+    proxy->judge({});
+    proxy->release();
+    EXPECT_EQ(stored(arrives ? "in time" : "too late"), 1);
+  }
 }
 
 // Between any two statements of a posting, its connection is ended by somebody else.
