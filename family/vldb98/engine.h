@@ -42,8 +42,8 @@ enum class TableOp : uint8_t {
 
 /// What a session can be told by at its server.
 struct SessionTrace {
-  int64_t connection = 0; ///< 0: there is no server
-  LockName lock;          ///< one that it held
+  int64_t connection = 0; ///< the server's number of it; 0: there is no server
+  LockName lock;          ///< the last that it took on a table
 };
 
 class Engine {
@@ -105,8 +105,8 @@ public:
   virtual bool commitUnanswered() const = 0;
 
   virtual SessionTrace trace() const = 0;
-  /// Ends a session that lost its connection, at a server that has not noticed. Its lock tells that it is the one: a
-  /// number alone is given anew by another server, or the same one later.
+  /// Ends a session that lost its connection, at a server that has not noticed and keeps its locks for it. The lock
+  /// tells that it is the one: its number alone is given anew by another server, or the same one later.
   virtual void endLost(const SessionTrace &lost) = 0;
 };
 

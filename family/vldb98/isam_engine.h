@@ -39,7 +39,7 @@ public:
   bool usable() const override { return connection_->usable(); }
   Failure failure() const override { return connection_->failure(); }
   bool commitUnanswered() const override { return commitUnanswered_; }
-  SessionTrace trace() const override { return {connection_->number(), locks_->anyHeld()}; }
+  SessionTrace trace() const override { return {connection_->number(), locks_->lastTable()}; }
   void endLost(const SessionTrace &lost) override {
     if (lost.connection) locks_->endHolder(lost.lock, lost.connection);
   }

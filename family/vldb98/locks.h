@@ -53,8 +53,8 @@ public:
   std::vector<LockName> heldOn(uint16_t table) const;
   bool holds(const LockName &name) const { return held_.contains(name); }
   bool holdsAny() const { return !held_.empty(); }
-  /// The first of the names held; none: the database's own, which nobody takes.
-  LockName anyHeld() const { return held_.empty() ? LockName{} : held_.begin()->first; }
+  /// The whole table that was locked last, be it still or not; none: the database's own, which nobody locks.
+  const LockName &lastTable() const { return lastTable_; }
   /// Ends a connection by the server's number for it if it holds that lock.
   virtual void endHolder(const LockName &, int64_t) {}
 
@@ -77,6 +77,7 @@ private:
   Held::iterator lower(Held::iterator mine);
 
   Held held_;
+  LockName lastTable_;
   std::chrono::milliseconds wait_;
 };
 

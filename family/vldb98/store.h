@@ -123,6 +123,9 @@ public:
   bool holdsLocks() const { return engine_->holdsLocks(); }
   /// False when the connection to a server is lost, with locks and transaction: the session is of no more use.
   bool usable() const { return engine_->usable(); }
+  /// For a later session to end this one with, when its connection was lost and the server has not noticed.
+  SessionTrace trace() const { return engine_->trace(); }
+  void endLost(const SessionTrace &lost) { engine_->endLost(lost); }
   /// Why the last transaction was not carried out; Retry: others were in the way, and everything is undone.
   Failure failure() const { return engine_->failure(); }
 

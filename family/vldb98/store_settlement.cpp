@@ -34,7 +34,7 @@ Store::Outcome Store::settleOnce(const BATCHBUCHUNG &posting, std::chrono::milli
   const std::unique_ptr<Store> other = reopen_(wait);
   uint8_t found = 0;
   if (!other) return Outcome::Unknown;
-  other->engine_->endLost(engine_->trace());
+  other->endLost(trace());
   if (!other->SetzeFista(client_.Nummer, found) || !found || !other->Transaktion(1, 0, ZELK_ENG_DEFAULT))
     return Outcome::Unknown;
   DATENBANK record{};
