@@ -109,8 +109,9 @@ ZelkResult runBody(const Export &self, std::span<const Parameter> parameters, de
   }
   if (context && flag) context->fehlermeldungen = int32_t(flag->number);
   ZelkResult result = body(object, context);
-  // Whatever the database came to, the next call begins with a connection of its own.
-  if (result == ZELKERR_Datenbank && context) context->closeSession();
+  // Whatever the database came to, the next call begins with a connection of its own. A connection can also be lost
+  // behind what the call was to do.
+  if (context && (result == ZELKERR_Datenbank || context->sessionLost())) context->closeSession();
   return result;
 }
 

@@ -1,6 +1,7 @@
 #include "frame/context.h"
 
 #include <new>
+#include <utility>
 
 #include "platform/system.h"
 #include "vldb98/database.h"
@@ -23,8 +24,17 @@ vldb98::Store *ThreadContext::session() {
     session_.reset();
     generation_ = now;
   }
-  if (!session_) session_ = vldb98::openSession();
+  if (!session_) {
+    session_ = vldb98::openSession();
+    // Its locks would else be in the way of this one for as long as the server believes in it.
+    if (session_ && lost_.connection) session_->endLost(std::exchange(lost_, {}));
+  }
   return session_.get();
+}
+
+void ThreadContext::closeSession() {
+  if (sessionLost()) lost_ = session_->trace();
+  session_.reset();
 }
 
 ThreadContext *threadContext() {

@@ -80,11 +80,15 @@ struct ThreadContext {
   /// The thread's session, opened on first need; null when the database cannot be opened.
   vldb98::Store *session();
 
+  /// Whether the session has lost its connection.
+  bool sessionLost() const { return session_ && !session_->usable(); }
+
   /// Closes the session: what it had begun is rolled back, what it had locked is free.
-  void closeSession() { session_.reset(); }
+  void closeSession();
 
 private:
   std::unique_ptr<vldb98::Store> session_;
+  vldb98::SessionTrace lost_; ///< of the last session whose connection was lost
   uint32_t generation_ = 0;
 };
 

@@ -1,6 +1,7 @@
 // The exports that insert a posting into a batch.
 #include <cstring>
 #include <optional>
+#include <string>
 
 #include "frame/call.h"
 #include "frame/fetch.h"
@@ -11,6 +12,7 @@
 #include "postings/fields.h"
 #include "postings/insertion.h"
 #include "postings/rate_entry.h"
+#include "vlba98/encoding.h"
 #include "vlba98/text.h"
 
 using namespace frame;
@@ -22,6 +24,23 @@ namespace {
 constexpr FileNumber kLockOrder[] = {kKreditor, kDebitor, kSachkonto, kBatchbuchung, kSplit, kStapel, kKobu};
 
 constexpr FileNumber kReleaseOrder[] = {kKreditor, kDebitor, kSachkonto, kBatchbuchung, kStapel, kSplit, kKobu};
+
+// How often an insertion is tried in all when others are in its way: whoever was in the way has gone on by the next
+// time, and who meets somebody three times in a row would also do so a fourth time.
+constexpr int kAttempts = 3;
+
+// Everything was undone because others were in the way, and nothing around the insertion was undone with it.
+bool mayBeRepeated(const Store &store, ZelkResult result) {
+  return result == ZELKERR_Datenbank && store.usable() && store.failure() == Failure::Retry &&
+         store.transactionDepth() == 0;
+}
+
+void noteUnknownOutcome(const BATCHBUCHUNG &posting) {
+  protocolLine(
+      "Die Verbindung zum Datenbankserver ist beim Speichern der Buchung verloren gegangen; ob sie gespeichert "
+      "ist, ließ sich nicht feststellen. Belegnummer: " +
+      vlba98::toUtf8(posting.Belegnummer) + ", Kennung: " + posting.Kennung);
+}
 
 class PostingLocks {
 public:
@@ -48,16 +67,15 @@ ZelkResult insert(ThreadContext &context, const ZELK_SPLITBUCHUNG *posting) {
   if (!construction.inserting) construction.resetExtras();
   postings::MissingRate missing{};
   std::optional<vlfn98::Wechselkurs> entered;
-  for (;;) {
+  for (int attempt = 1;;) {
     // Opened anew after a dialog, from under which the host may have called.
     Store *store = context.session();
     if (!store) return ZELKERR_Datenbank;
     ZelkResult opened = openClient(context, *store, posting->Mandantennummer);
     if (opened <= 0) return opened;
-    if (entered && !vlfn98::SpeichereKurs(*store, missing.currency, missing.day, *entered)) return ZELKERR_Datenbank;
     postings::Insertion insertion(*store, *posting, piecewise ? &construction : nullptr);
-    ZelkResult result;
-    {
+    ZelkResult result = ZELKERR_Datenbank;
+    if (!entered || vlfn98::SpeichereKurs(*store, missing.currency, missing.day, *entered)) {
       PostingLocks locks(*store);
       // Hosts rely on it that a posting whose tables cannot be had in time is skipped without an error.
       if (!locks.held()) {
@@ -69,6 +87,8 @@ ZelkResult insert(ThreadContext &context, const ZELK_SPLITBUCHUNG *posting) {
       result = insertion.run();
     }
     if (result == ZELK_OK) notifyPosting(*store, insertion.stored());
+    if (mayBeRepeated(*store, result) && attempt++ < kAttempts) continue;
+    if (result == ZELKERR_Datenbank && store->outcomeUnknown()) noteUnknownOutcome(insertion.stored());
     // A person reads and answers without the locks, so that others go on posting.
     if (result != ZELKERR_kein_Kurs || entered) {
       const postings::Refusal &refusal = insertion.refusal();

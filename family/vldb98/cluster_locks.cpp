@@ -40,6 +40,10 @@ public:
 
   bool guardsChanges() const override { return holdsAny(); }
 
+  void endHolder(const LockName &name, int64_t connection) override {
+    if (named_) named_->endHolder(name, connection);
+  }
+
   bool beginWriting() override {
     writing_ = true;
     Rows known, unknown;

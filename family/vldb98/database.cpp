@@ -176,7 +176,14 @@ std::unique_ptr<Store> openSession(const DatabaseSettings &settings) {
     std::lock_guard guard(state().mutex);
     decorator = state().decorator;
   }
-  return std::make_unique<Store>(decorator ? decorator(std::move(engine)) : std::move(engine));
+  if (decorator) engine = decorator(std::move(engine));
+  if (!settings.server.isServer()) return std::make_unique<Store>(std::move(engine));
+  auto reopen = [settings](std::chrono::milliseconds wait) {
+    DatabaseSettings same = settings;
+    same.lockWait = wait;
+    return openSession(same);
+  };
+  return std::make_unique<Store>(std::move(engine), reopen, settings.lockWait);
 }
 
 void setEngineDecorator(EngineDecorator decorator) {

@@ -87,7 +87,8 @@ Dialect mysqlFamily(const char *name, const char *createBehind) {
               "SELECT DATABASE(), VERSION(), CONCAT('' /*M!100500 , COALESCE((SELECT s.VARIABLE_VALUE "
               "FROM information_schema.GLOBAL_STATUS s, information_schema.SESSION_VARIABLES v, "
               "information_schema.GLOBAL_VARIABLES p WHERE v.VARIABLE_NAME='WSREP_ON' AND v.VARIABLE_VALUE='ON' AND "
-              "p.VARIABLE_NAME='WSREP_PROVIDER' AND p.VARIABLE_VALUE<>'none' AND s.VARIABLE_NAME='WSREP_READY'),'') */)",
+              "p.VARIABLE_NAME='WSREP_PROVIDER' AND p.VARIABLE_VALUE<>'none' AND s.VARIABLE_NAME='WSREP_READY'),'') */), "
+              "CONNECTION_ID()",
           .setUp = setUpMysql,
           .begin = {"START TRANSACTION"},
           // The level holds for the next transaction only; below it there are no consistent snapshots.
@@ -181,7 +182,7 @@ const Dialect &mssqlDialect() {
       .textBytesPerCharacter = 3,
       .tableExists = "SELECT 1 FROM INFORMATION_SCHEMA.TABLES WHERE TABLE_SCHEMA=SCHEMA_NAME() AND TABLE_NAME=?",
       .tablesEndTransactions = false,
-      .whoIsThere = "SELECT DB_NAME(), '', ''",
+      .whoIsThere = "SELECT DB_NAME(), '', '', 0",
       .setUp = setUpMssql,
       .begin = {"BEGIN TRANSACTION"},
       .beginSnapshot = {"SET TRANSACTION ISOLATION LEVEL SNAPSHOT; BEGIN TRANSACTION"},

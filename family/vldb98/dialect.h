@@ -51,7 +51,8 @@ struct Dialect {
   bool tablesEndTransactions; ///< making or dropping a table commits
 
   // --- Sessions ---
-  /// Delivers the database, the version, and of a node of a cluster whether it takes part in it (ON, OFF), else "".
+  /// Delivers the database, the version, of a node of a cluster whether it takes part in it (ON, OFF), else "", and the
+  /// connection's number or 0.
   const char *whoIsThere;
   std::vector<std::string> (*setUp)(std::chrono::milliseconds wait); ///< statements behind the connection
   std::vector<std::string> begin, beginSnapshot;

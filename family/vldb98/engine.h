@@ -40,6 +40,12 @@ enum class TableOp : uint8_t {
   Clear,  ///< the rows of the scope
 };
 
+/// What a session can be told by at its server.
+struct SessionTrace {
+  int64_t connection = 0; ///< the server's number of it; 0: there is no server
+  LockName lock;          ///< the last that it took on a table
+};
+
 class Engine {
 public:
   virtual ~Engine() = default;
@@ -93,6 +99,15 @@ public:
 
   /// False when the connection to a server is lost: everything fails from then on, and locks and transaction are gone.
   virtual bool usable() const = 0;
+  /// Why a transaction that was not carried out was not.
+  virtual Failure failure() const = 0;
+  /// True when the connection was lost with a COMMIT of changes: nobody has said whether they are stored.
+  virtual bool commitUnanswered() const = 0;
+
+  virtual SessionTrace trace() const = 0;
+  /// Ends a session that lost its connection, at a server that has not noticed and keeps its locks for it. The lock
+  /// tells that it is the one: its number alone is given anew by another server, or the same one later.
+  virtual void endLost(const SessionTrace &lost) = 0;
 };
 
 } // namespace vldb98

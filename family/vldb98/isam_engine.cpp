@@ -305,8 +305,10 @@ bool IsamEngine::transaction(TransactionOp op, bool snapshot) {
   if (depth_ == 0) return false;
   if (op == TransactionOp::Rollback) doomed_ = true;
   if (--depth_ > 0) return true;
-  bool committed = !doomed_ && connection_->inTransaction() && connection_->commit();
+  const bool commits = !doomed_ && connection_->inTransaction();
+  const bool committed = commits && connection_->commit();
   if (!committed && connection_->inTransaction()) connection_->rollback();
+  if (commits && !committed && !snapshot_ && !connection_->usable()) commitUnanswered_ = true;
   doomed_ = false;
   if (!snapshot_) locks_->endWriting(committed);
   locks_->release(pendingUnlocks_);

@@ -37,6 +37,12 @@ public:
   void unlock(std::span<const uint16_t> tables, bool atOnce) override;
   bool holdsLocks() const override { return locks_->holdsAny(); }
   bool usable() const override { return connection_->usable(); }
+  Failure failure() const override { return connection_->failure(); }
+  bool commitUnanswered() const override { return commitUnanswered_; }
+  SessionTrace trace() const override { return {connection_->number(), locks_->lastTable()}; }
+  void endLost(const SessionTrace &lost) override {
+    if (lost.connection) locks_->endHolder(lost.lock, lost.connection);
+  }
 
 private:
   using Statement = std::unique_ptr<SqlStatement>;
@@ -85,6 +91,7 @@ private:
   int depth_ = 0;
   bool snapshot_ = false; // the transaction only reads
   bool doomed_ = false;   // an inner transaction was rolled back
+  bool commitUnanswered_ = false;
   std::vector<LockName> pendingUnlocks_;
 };
 

@@ -76,8 +76,10 @@ bool Locks::acquire(std::span<const LockName> names, LockMode mode) {
     if (held_.try_emplace(name, 0).second) wanted.push_back(name);
   const size_t taken = wanted.empty() ? 0 : take(wanted);
   if (taken == wanted.size()) {
-    for (const LockName &name : names)
+    for (const LockName &name : names) {
       ++held_[name];
+      if (name.resource == 0) lastTable_ = name;
+    }
     return true;
   }
   for (size_t i = 0; i < wanted.size(); ++i) {

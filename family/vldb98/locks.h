@@ -53,6 +53,10 @@ public:
   std::vector<LockName> heldOn(uint16_t table) const;
   bool holds(const LockName &name) const { return held_.contains(name); }
   bool holdsAny() const { return !held_.empty(); }
+  /// The whole table that was locked last, be it still or not; none: the database's own, which nobody locks.
+  const LockName &lastTable() const { return lastTable_; }
+  /// Ends a connection by the server's number for it if it holds that lock.
+  virtual void endHolder(const LockName &, int64_t) {}
 
   /// Whether a change has to be in a transaction while locks are held.
   virtual bool guardsChanges() const { return false; }
@@ -81,6 +85,7 @@ private:
   Held::iterator lower(Held::iterator mine);
 
   Held held_;
+  LockName lastTable_;
   std::chrono::milliseconds wait_;
 };
 

@@ -183,7 +183,8 @@ struct BATCHBUCHUNG {
   uint8_t Eroeffnung;
   uint8_t Abschluss;
   uint8_t Umbuchung;
-  int32_t Anzahl; // number of partial postings
+  int32_t Anzahl;   // number of partial postings
+  char Kennung[33]; // identifier of the posting, unique within the client; assigned by Insert when empty (identifier.h)
 };
 
 // One line of a batch posting.

@@ -17,7 +17,7 @@ Table table(int number, std::string name, Scope scope, size_t recordSize, std::v
     return i;
   };
   for (const KeyDeclaration &declared : keys) {
-    Key key{declared.index, declared.unique, {}, {}};
+    Key key{declared.index, declared.unique, {}, {}, declared.onServersOnly};
     for (const char *field : declared.fields)
       key.fields.push_back(indexOf(field));
     key.totalOrder = key.fields;
@@ -146,8 +146,9 @@ std::vector<Table> declareTables() {
               {NUMBER(R, Stapel), NUMBER(R, Nr), DATE(R, Belegdatum), TEXT(R, Belegnummer), TEXT(R, OPBelegnummer),
                DATE(R, Valutadatum), TEXT(R, Waehrung), TEXT(R, Kurs), NUMBER(R, Einheiten), TEXT(R, ESR),
                NUMBER(R, DMSNr), NUMBER(R, Zahlungsziel), NUMBER(R, USTDirekt), NUMBER(R, Eroeffnung),
-               NUMBER(R, Abschluss), NUMBER(R, Umbuchung), NUMBER(R, Anzahl)},
-              {{0, true, {"Stapel", "Nr"}}}, "Nr"));
+               NUMBER(R, Abschluss), NUMBER(R, Umbuchung), NUMBER(R, Anzahl), TEXT(R, Kennung)},
+              // What became of a posting is asked where the answer can be lost on its way.
+              {{0, true, {"Stapel", "Nr"}}, {1, true, {"Kennung"}, true}}, "Nr"));
   }
   {
     using R = SPLIT;

@@ -94,6 +94,7 @@ struct Key {
   bool unique;
   std::vector<int> fields;     // as declared; what a key buffer holds
   std::vector<int> totalOrder; // the same; unless unique, then the fields of the primary key that are not among them
+  bool onServersOnly = false;  // the embedded database has no index for it
 };
 
 struct Table {

@@ -38,6 +38,7 @@ struct KeyDeclaration {
   int index;
   bool unique;
   std::vector<const char *> fields;
+  bool onServersOnly = false;
 };
 
 Table table(int number, std::string name, Scope scope, size_t recordSize, std::vector<Field> fields,

@@ -15,6 +15,16 @@ public:
   ServerLocks(SqlConnection &connection, std::string database, std::chrono::milliseconds wait)
       : Locks(wait), connection_(connection), database_(std::move(database)) {}
 
+  void endHolder(const LockName &name, int64_t connection) override {
+    auto holder = connection_.prepare(holderStatement(connection_.dialect()));
+    if (!holder) return;
+    const std::string text = serverLockName(database_, name);
+    holder->bind(1, std::string_view(text));
+    const bool holds = holder->step() == Step::Row && holder->integer(0) == connection;
+    holder->reset();
+    if (holds) connection_.execute("KILL " + std::to_string(connection));
+  }
+
 private:
   using Statements = std::map<size_t, std::unique_ptr<SqlStatement>>; // by count of locks
 

@@ -64,7 +64,9 @@ public:
   virtual bool onCluster() const { return false; }
   /// Gives the running transaction up as one that others were in the way of.
   virtual void collided() { rollback(); }
-  /// Of the statement that failed last.
+  /// The server's number of this connection; 0 where there is none.
+  virtual int64_t number() const { return 0; }
+  /// Of the statement that failed last since the last begin(); Other when none has.
   virtual Failure failure() const { return Failure::Other; }
   /// False when it is lost for good: everything fails from then on.
   virtual bool usable() const { return true; }

@@ -107,6 +107,7 @@ Names createStatements(const Dialect &dialect, const Table &table) {
   lines.push_back("PRIMARY KEY (" + joined(primary, ",") + ")");
   for (size_t i = 1; i < table.keys.size(); ++i) {
     const Key &key = table.keys[i];
+    if (key.onServersOnly && dialect.engine == ZELK_ENG_BTRIEVE) continue;
     Names ordered = scopeColumns(table);
     append(ordered, columns(table, key.totalOrder));
     const std::string inBrackets = " (" + joined(ordered, ",") + ")";
@@ -238,6 +239,10 @@ std::string passStatement(const Dialect &dialect) {
            "@Resource=?1,@LockMode='Exclusive',@LockOwner='Session',@LockTimeout=?2; IF @answer>=0 EXEC "
            "sp_releaseapplock @Resource=?1,@LockOwner='Session'; SELECT CASE WHEN @answer>=0 THEN 1 ELSE 0 END";
   return "SELECT CASE WHEN COALESCE(GET_LOCK(?1,?2/1000),0)<>1 THEN 0 ELSE RELEASE_LOCK(?1) END";
+}
+
+std::string holderStatement(const Dialect &dialect) {
+  return dialect.engine == ZELK_ENG_MSSQL ? "SELECT 0 WHERE ?=''" : "SELECT IS_USED_LOCK(?)";
 }
 
 std::string unlockStatement(const Dialect &dialect, size_t count) {

@@ -45,6 +45,9 @@ std::string lockStatement(const Dialect &dialect, size_t count);
 /// Waits for the holder of a named lock and lets it go again. Parameters: the name, the time to wait in milliseconds.
 /// Delivers one row, 1 when nobody else holds the lock.
 std::string passStatement(const Dialect &dialect);
+/// The number of the connection that holds a named lock. Parameter: the name. Delivers one row; 0 or NULL: nobody, or
+/// the server does not tell.
+std::string holderStatement(const Dialect &dialect);
 /// Lets named locks go. Parameters: the names.
 std::string unlockStatement(const Dialect &dialect, size_t count);
 

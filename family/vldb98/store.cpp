@@ -6,7 +6,8 @@
 
 namespace vldb98 {
 
-Store::Store(std::unique_ptr<Engine> engine) : engine_(std::move(engine)) {}
+Store::Store(std::unique_ptr<Engine> engine, Reopen reopen, std::chrono::milliseconds patience)
+    : engine_(std::move(engine)), reopen_(std::move(reopen)), patience_(patience) {}
 Store::~Store() = default;
 
 int Store::read(ReadOp op, FileNumber file, DBENGINE engine, const SCHLUESSEL *key, const SCHLUESSEL *upper,
@@ -112,7 +113,12 @@ int Store::UsedAndGetKnr(const char *account, uint8_t &found, DATENBANK &record,
 }
 
 int Store::Insert(DATENBANK &record, FileNumber file, DBENGINE engine) {
-  return inUse(engine) && engine_->change(ChangeOp::Insert, file, &record);
+  if (!inUse(engine)) return 0;
+  const bool identified = tableOf(file) != kBatchbuchung || *record.Batchbuchung.Kennung;
+  if (!identified) identifiers_.make(record.Batchbuchung.Kennung);
+  const bool done = engine_->change(ChangeOp::Insert, file, &record);
+  if (!done && !identified) *record.Batchbuchung.Kennung = 0;
+  return done;
 }
 int Store::Update(DATENBANK &record, FileNumber file, DBENGINE engine) {
   return inUse(engine) && engine_->change(ChangeOp::Update, file, &record);

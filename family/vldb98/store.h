@@ -17,18 +17,26 @@
 ///   table's lock and takes nothing either, so that a fetch that is abandoned never stands in a posting's way.
 #pragma once
 
+#include <chrono>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "vldb98/engine.h"
+#include "vldb98/identifier.h"
 
 namespace vldb98 {
 
 class Store {
 public:
-  explicit Store(std::unique_ptr<Engine> engine);
+  /// Opens another session of the same database, which waits so long for locks; null when it cannot be had.
+  using Reopen = std::function<std::unique_ptr<Store>(std::chrono::milliseconds wait)>;
+
+  /// \param reopen   where the connection can be lost
+  /// \param patience how long an outcome is asked for that the connection was lost with
+  explicit Store(std::unique_ptr<Engine> engine, Reopen reopen = {}, std::chrono::milliseconds patience = {});
   ~Store();
 
   // --- Positioning reads ---
@@ -73,7 +81,8 @@ public:
 
   // --- Changes ---
   /// Fails for a duplicate of a unique key. A number that the table assigns (payment terms, batches, batch postings,
-  /// document links) is written back when the record carries 0. The record becomes the current one.
+  /// document links) is written back when the record carries 0, and so is the identifier of a batch posting that has
+  /// none. The record becomes the current one.
   int Insert(DATENBANK &record, FileNumber file, DBENGINE engine);
   int Update(DATENBANK &record, FileNumber file, DBENGINE engine);
   int Delete(FileNumber file, DBENGINE engine);
@@ -114,6 +123,11 @@ public:
   bool holdsLocks() const { return engine_->holdsLocks(); }
   /// False when the connection to a server is lost, with locks and transaction: the session is of no more use.
   bool usable() const { return engine_->usable(); }
+  /// For a later session to end this one with, when its connection was lost and the server has not noticed.
+  SessionTrace trace() const { return engine_->trace(); }
+  void endLost(const SessionTrace &lost) { engine_->endLost(lost); }
+  /// Why the last transaction was not carried out; Retry: others were in the way, and everything is undone.
+  Failure failure() const { return engine_->failure(); }
 
   // --- Batch postings in memory ---
   /// Empties the lines and cost postings in memory.
@@ -128,8 +142,12 @@ public:
   KOBU *costAt(size_t index);
   size_t costCount() const { return costs_.size(); }
   /// Writes the posting with the lines and cost postings in memory and marks its batch as holding postings, all or
-  /// nothing. The posting receives its number and count of lines.
+  /// nothing. The posting receives its number, count of lines and identifier. When the connection is lost with the
+  /// COMMIT, it is found out through another session whether the posting is stored, and the result is as if nothing had
+  /// happened; this session is of no more use then.
   int InsertBat(BATCHBUCHUNG &posting);
+  /// Whether InsertBat failed without having found that out: the posting is stored whole or not at all.
+  bool outcomeUnknown() const { return outcomeUnknown_; }
   /// Reads the posting that the key (batch, number) names, or the first behind it in the same batch, with its lines and
   /// cost postings into memory.
   int ReadBat(BATCHBUCHUNG &posting, int32_t batch, int32_t number, uint8_t &found);
@@ -180,6 +198,9 @@ private:
   bool inUse(DBENGINE engine) const { return engine == ZELK_ENG_DEFAULT || engine == engine_->kind(); }
   bool lockNamed(const LockName &name, int mode);
   bool writePosting(BATCHBUCHUNG &posting);
+  enum class Outcome : uint8_t { Stored, NotStored, Unknown };
+  Outcome settle(const BATCHBUCHUNG &posting);
+  Outcome settleOnce(const BATCHBUCHUNG &posting, std::chrono::milliseconds wait);
   bool markBatch(int32_t batch, bool holdsPostings);
   template <class Record> int readLines(FileNumber file, std::vector<Record> &lines, const BATCHBUCHUNG &posting);
   template <class Work> int inTransaction(Work &&work);
@@ -189,12 +210,16 @@ private:
   void applyScope();
 
   std::unique_ptr<Engine> engine_;
+  Reopen reopen_;
+  std::chrono::milliseconds patience_;
+  IdentifierSource identifiers_;
   FIRMENSTAMM client_{};
   char openYear_[3] = "";
   std::vector<SPLIT> lines_;
   std::vector<KOBU> costs_;
   BATCHBUCHUNG posting_{}; // as last read or written; number 0: none
   bool multiInsertFailed_ = false;
+  bool outcomeUnknown_ = false;
 };
 
 } // namespace vldb98

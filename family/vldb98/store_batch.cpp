@@ -52,7 +52,15 @@ template <class Work> int Store::inTransaction(Work &&work) {
 int Store::InsertBat(BATCHBUCHUNG &posting) {
   posting.Nr = 0;
   posting.Anzahl = int32_t(lines_.size());
-  int written = inTransaction([&] { return writePosting(posting); });
+  *posting.Kennung = 0;
+  bool complete = false;
+  int written = inTransaction([&] { return complete = writePosting(posting); });
+  outcomeUnknown_ = false;
+  if (!written && complete && reopen_ && engine_->commitUnanswered()) {
+    const Outcome outcome = settle(posting);
+    written = outcome == Outcome::Stored;
+    outcomeUnknown_ = outcome == Outcome::Unknown;
+  }
   posting_ = written ? posting : BATCHBUCHUNG{};
   if (!written) posting.Nr = 0;
   return written;
@@ -62,7 +70,7 @@ bool Store::writePosting(BATCHBUCHUNG &posting) {
   DATENBANK record{};
   record.Batchbuchung = posting;
   if (!Insert(record, kBatchbuchung, ZELK_ENG_DEFAULT)) return false;
-  posting.Nr = record.Batchbuchung.Nr;
+  posting = record.Batchbuchung;
   int32_t number = 0;
   for (SPLIT &line : lines_) {
     line.Stapel = posting.Stapel;

@@ -1,5 +1,6 @@
 // What the store promises of positions, keys, scopes and numbers.
 #include <cstring>
+#include <set>
 
 #include "support/engines.h"
 
@@ -328,11 +329,16 @@ TEST_P(Contract, InsertAssignsNumbers) {
   EXPECT_EQ(inserted(kStapel, 0), -1);
 
   record = {};
+  std::set<std::string> identifiers;
   for (int32_t stapel : {1, 2}) {
     record.Batchbuchung.Stapel = stapel;
-    for (int32_t n : {1, 2, 3})
+    for (int32_t n : {1, 2, 3}) {
+      put(record.Batchbuchung.Kennung, "");
       EXPECT_EQ(inserted(kBatchbuchung, 0), n) << "batch " << stapel;
+      identifiers.insert(record.Batchbuchung.Kennung);
+    }
   }
+  EXPECT_EQ(identifiers.size(), 6u) << "each posting has its own";
 
   record = {};
   put(record.Zahlziel.Kuerzel, "A");

@@ -73,13 +73,15 @@ std::string textOf(const Field &field, int variant) {
   return text;
 }
 
-/// Variant 0 is empty but for its key, 1 holds the greatest numbers, 2 the least; the primary keys of all differ.
+/// Variant 0 is empty but for its key and what Insert would fill, 1 holds the greatest numbers, 2 the least; the
+/// primary keys of all differ.
 std::string makeRecord(const Table &table, int variant) {
   std::string record(table.recordSize, '\0');
   bool apart = false;
   for (const Field &field : table.fields) {
     if (field.type >= FieldType::Text) {
-      putText(field, record.data(), textOf(field, variant));
+      const bool filled = table.number == kBatchbuchung && field.name == std::string("Kennung") && variant == 0;
+      putText(field, record.data(), filled ? "0" : textOf(field, variant));
       continue;
     }
     int64_t number = variant % 3 == 0 ? 0 : variant % 3 == 1 ? greatest(field.type) : least(field.type);

@@ -64,6 +64,10 @@ public:
   void unlock(std::span<const uint16_t> tables, bool atOnce) override { inner_->unlock(tables, atOnce); }
   bool holdsLocks() const override { return inner_->holdsLocks(); }
   bool usable() const override { return inner_->usable(); }
+  Failure failure() const override { return inner_->failure(); }
+  bool commitUnanswered() const override { return inner_->commitUnanswered(); }
+  SessionTrace trace() const override { return inner_->trace(); }
+  void endLost(const SessionTrace &lost) override { inner_->endLost(lost); }
 
 private:
   static bool fails() { return ++counted == failing; }

@@ -42,6 +42,7 @@ public:
   }
 
   bool begin(bool snapshot) override {
+    failure_ = Failure::Other;
     for (const std::string &sql : snapshot ? dialect_->beginSnapshot : dialect_->begin)
       if (!execute(sql)) return false;
     return inTransaction_ = true;
@@ -63,6 +64,7 @@ public:
     rollback();
     failure_ = lost_ ? Failure::Lost : Failure::Retry;
   }
+  int64_t number() const override { return number_; }
   Failure failure() const override { return failure_; }
   bool usable() const override { return !lost_; }
 
@@ -91,7 +93,7 @@ private:
   Handle<SQL_HANDLE_DBC> handle_;
   bool connected_ = false, lost_ = false, inTransaction_ = false, onCluster_ = false;
   Failure failure_ = Failure::Other;
-  int64_t changedRows_ = 0;
+  int64_t changedRows_ = 0, number_ = 0;
 };
 
 Failure Connection::meaningOf(SQLHANDLE statement) {
@@ -183,6 +185,7 @@ bool Connection::setUp(std::chrono::milliseconds wait, std::string &database) {
   auto who = prepare(dialect_->whoIsThere);
   if (!who || who->step() != Step::Row || who->isNull(0)) return false;
   database = who->text(0);
+  number_ = who->integer(3);
   if (!microsoft && who->text(1).find("MariaDB") != std::string_view::npos) dialect_ = &mariadbDialect();
   onCluster_ = !who->text(2).empty();
   // A node that does not belong to the cluster, or not yet, has books of yesterday.
