@@ -71,6 +71,9 @@ public:
   /// \param table  receives the table number: 0, 2, 3 or 16
   int UsedAndGetKnr(const char *account, uint8_t &found, DATENBANK &record, int32_t &table);
 
+  /// Tells a server what will be read, see Engine::readAhead.
+  int ReadAhead(std::span<const LookUp> wanted) { return engine_->readAhead(wanted); }
+
   // --- Changes ---
   /// Fails for a duplicate of a unique key. A number that the table assigns (payment terms, batches, batch postings,
   /// document links) is written back when the record carries 0. The record becomes the current one.
@@ -181,6 +184,7 @@ private:
   bool lockNamed(const LockName &name, int mode);
   bool writePosting(BATCHBUCHUNG &posting);
   bool markBatch(int32_t batch, bool holdsPostings);
+  template <class Record> bool insertAll(FileNumber file, const std::vector<Record> &records);
   template <class Record> int readLines(FileNumber file, std::vector<Record> &lines, const BATCHBUCHUNG &posting);
   template <class Work> int inTransaction(Work &&work);
   bool deletePosting(const BATCHBUCHUNG &posting);

@@ -68,8 +68,6 @@ bool Store::writePosting(BATCHBUCHUNG &posting) {
     line.Stapel = posting.Stapel;
     line.Buchung = posting.Nr;
     line.Nr = number++;
-    record.Split = line;
-    if (!Insert(record, kSplit, ZELK_ENG_DEFAULT)) return false;
   }
   int32_t split = -1;
   for (KOBU &cost : costs_) {
@@ -78,10 +76,8 @@ bool Store::writePosting(BATCHBUCHUNG &posting) {
     cost.Stapel = posting.Stapel;
     cost.Buchung = posting.Nr;
     cost.Nr = number;
-    record.Kobu = cost;
-    if (!Insert(record, kKobu, ZELK_ENG_DEFAULT)) return false;
   }
-  return markBatch(posting.Stapel, true);
+  return insertAll(kSplit, lines_) && insertAll(kKobu, costs_) && markBatch(posting.Stapel, true);
 }
 
 bool Store::markBatch(int32_t batch, bool holdsPostings) {
@@ -93,6 +89,10 @@ bool Store::markBatch(int32_t batch, bool holdsPostings) {
   if (record.Stapel.Bebucht == uint8_t(holdsPostings)) return true;
   record.Stapel.Bebucht = holdsPostings;
   return Update(record, kStapel, ZELK_ENG_DEFAULT);
+}
+
+template <class Record> bool Store::insertAll(FileNumber file, const std::vector<Record> &records) {
+  return engine_->insertAll(file, reinterpret_cast<const char *>(records.data()), records.size());
 }
 
 template <class Record> int Store::readLines(FileNumber file, std::vector<Record> &lines, const BATCHBUCHUNG &posting) {

@@ -1,0 +1,71 @@
+/// What was read from a server at once, to be used piece by piece.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "vldb98/engine.h"
+
+namespace vldb98 {
+
+/// The answers to look-ups that were put together.
+class KeptReads {
+public:
+  struct Answer {
+    LookUp asked;
+    bool found;
+    std::vector<char> record; ///< empty where none was found or asked for
+  };
+
+  void keep(Answer answer) { answers_.push_back(std::move(answer)); }
+  /// An answer that says what the read would; null when there is none. That there is no record answers an exact read
+  /// and a test alike.
+  const Answer *find(ReadOp op, FileNumber file, const SCHLUESSEL &key) const;
+  void forget(int table);
+  void clear() { answers_.clear(); }
+  bool empty() const { return answers_.empty(); }
+
+private:
+  std::vector<Answer> answers_;
+};
+
+/// Rows of a table that lie behind (before) its current record in the order of a key, for the steps that follow.
+///
+/// One row is read for the first step, then ten, then a hundred, so that nobody pays for what only walks use. A block
+/// serves as long as the current record is the one that it delivered last, and for kLife: others may write the table
+/// meanwhile, and a host that pauses must not be given what the table held before.
+class ReadBlock {
+public:
+  static constexpr uint64_t kLife = 1000; ///< milliseconds
+
+  enum class Next { Row, End, Unknown };
+
+  /// What the next step delivers. \param current record of the table, without one there is no step
+  Next next(ReadOp op, int key, bool bounded, const std::vector<char> &current);
+  /// Rows that are to be read at once for a step that next() does not know. Told behind it.
+  int rowsToRead() const { return kSizes[size_t(size_)]; }
+  /// What a read that has just ended delivers.
+  Next delivered() const { return served_ ? Next::Row : Next::End; }
+  /// The row that is delivered. Valid until the next call.
+  const char *row() const { return rows_.data() + (served_ - 1) * recordSize_; }
+
+  /// Takes the rows of such a read, in its order. None: nothing is kept.
+  void begin(ReadOp op, int key, bool bounded, size_t recordSize);
+  /// Room for one more; given back by the next call or end().
+  char *add();
+  /// The first one is delivered. \param complete there is no row behind them
+  void end(bool complete);
+  void drop();
+
+private:
+  static constexpr int kSizes[] = {1, 10, 100};
+
+  ReadOp op_ = ReadOp::First; ///< First: none
+  int key_ = 0, size_ = 0;
+  bool bounded_ = false, complete_ = false;
+  size_t recordSize_ = 0, count_ = 0, served_ = 0;
+  uint64_t readAt_ = 0;
+  std::vector<char> rows_;
+};
+
+} // namespace vldb98
