@@ -110,7 +110,7 @@ bool IsamEngine::read(ReadOp op, FileNumber file, const SCHLUESSEL *key, const S
       state.current = answer->record;
       return true;
     }
-  if (dialect_.remote && steps(op) && !keepsRows()) return stepInBlock(op, *table, *order, *record, found);
+  if (dialect_.remote && steps(op) && !keepsRows()) return step(op, *table, *order, *record, found);
 
   bool bounded = op == ReadOp::Next && state.rangeKey == order->index;
   SqlStatement *statement = readStatement(*table, *order, op, bounded);

@@ -75,8 +75,8 @@ private:
   bool keepsRows() const { return dialect_.locksRows && depth_ > 0 && !snapshot_; }
   const KeptReads::Answer *kept(ReadOp op, FileNumber file, const SCHLUESSEL &key) const;
   bool readTogether(std::span<const LookUp> wanted);
-  bool stepInBlock(ReadOp op, const Table &table, const Key &key, DATENBANK &record, bool &found);
-  bool readBlock(ReadOp op, const Table &table, const Key &key, bool bounded);
+  bool step(ReadOp op, const Table &table, const Key &key, DATENBANK &record, bool &found);
+  bool readBlock(ReadOp op, const Table &table, const Key &key, bool bounded, bool &found);
   /// Rows of the table that were read for later are out of date.
   void forgetAhead(const Table &table);
   void forgetBlocks();

@@ -15,6 +15,13 @@ constexpr size_t kMostStatements = 64; // of look-ups; each is one of the server
 // Of one statement: a server prepares each count by itself, and allows some two thousand parameters.
 constexpr size_t kMostRows = 16;
 
+// Into a record, from a column on.
+bool readFields(SqlStatement &statement, int column, const Table &table, char *record) {
+  std::memset(record, 0, table.recordSize);
+  return std::all_of(table.fields.begin(), table.fields.end(),
+                     [&](const Field &field) { return readColumn(statement, column++, field, record); });
+}
+
 } // namespace
 
 const KeptReads::Answer *IsamEngine::kept(ReadOp op, FileNumber file, const SCHLUESSEL &key) const {
@@ -58,14 +65,14 @@ bool IsamEngine::readTogether(std::span<const LookUp> wanted) {
     const bool test = forms[i].op == ReadOp::Exists;
     KeptReads::Answer answer{
         wanted[i], !statement->isNull(column + (test ? 0 : table.keys.front().fields.front())), {}};
+    bool whole = true;
     if (answer.found && !test) {
-      DATENBANK record{};
-      for (size_t field = 0; field < table.fields.size(); ++field)
-        if (!readColumn(*statement, column + int(field), table.fields[field], record.bytes)) return false;
-      answer.record.assign(record.bytes, record.bytes + table.recordSize);
+      answer.record.resize(table.recordSize);
+      whole = readFields(*statement, column, table, answer.record.data());
     }
     column += test ? 1 : int(table.fields.size());
-    kept_.keep(std::move(answer));
+    // A damaged record fails whoever asks for it.
+    if (whole) kept_.keep(std::move(answer));
   }
   return true;
 }
@@ -82,25 +89,21 @@ void IsamEngine::forgetBlocks() {
     state.block.drop();
 }
 
-bool IsamEngine::stepInBlock(ReadOp op, const Table &table, const Key &key, DATENBANK &record, bool &found) {
+bool IsamEngine::step(ReadOp op, const Table &table, const Key &key, DATENBANK &record, bool &found) {
   TableState &state = tables_[size_t(table.number)];
   const bool bounded = op == ReadOp::Next && state.rangeKey == key.index;
-  ReadBlock::Next next = state.block.next(op, key.index, bounded, state.current);
-  if (next == ReadBlock::Next::Unknown) {
-    if (!readBlock(op, table, key, bounded)) {
-      state.block.drop();
-      return false;
-    }
-    next = state.block.delivered();
+  found = state.block.next(op, key.index, bounded, state.current);
+  if (!found && !readBlock(op, table, key, bounded, found)) {
+    state.block.drop();
+    return false;
   }
-  found = next == ReadBlock::Next::Row;
   if (!found) return true;
   std::memcpy(record.bytes, state.block.row(), table.recordSize);
   state.current.assign(record.bytes, record.bytes + table.recordSize);
   return true;
 }
 
-bool IsamEngine::readBlock(ReadOp op, const Table &table, const Key &key, bool bounded) {
+bool IsamEngine::readBlock(ReadOp op, const Table &table, const Key &key, bool bounded, bool &found) {
   TableState &state = tables_[size_t(table.number)];
   const int rows = state.block.rowsToRead();
   Statement &slot = state.blocks[{key.index, bounded ? int(kReadOps) : int(op), rows}];
@@ -112,16 +115,17 @@ bool IsamEngine::readBlock(ReadOp op, const Table &table, const Key &key, bool b
   if (bounded) bindKey(*statement, table, key.fields, state.rangeUpper, parameter);
   state.block.begin(op, key.index, bounded, table.recordSize);
   Execution execution(*statement);
-  int count = 0;
-  for (Step step; (step = statement->step()) != Step::Done; ++count) {
-    if (step == Step::Failed) return false;
+  Step step;
+  while ((step = statement->step()) == Step::Row) {
     char *at = state.block.add();
-    std::memset(at, 0, table.recordSize);
-    int column = 0;
-    for (const Field &field : table.fields)
-      if (!readColumn(*statement, column++, field, at)) return false;
+    if (readFields(*statement, 0, table, at)) continue;
+    // A damaged record fails the step that leads to it, none before.
+    state.block.takeBack();
+    if (state.block.empty()) return false;
+    break;
   }
-  state.block.end(count < rows);
+  if (step == Step::Failed) return false;
+  found = state.block.end();
   return true;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
 #include "platform/system.h"
 
@@ -28,21 +29,20 @@ void KeptReads::forget(int table) {
   std::erase_if(answers_, [table](const Answer &answer) { return tableOf(answer.asked.file) == table; });
 }
 
-ReadBlock::Next ReadBlock::next(ReadOp op, int key, bool bounded, const std::vector<char> &current) {
-  const bool goesOn = op_ == op && key_ == key && bounded_ == bounded && served_ > 0 && current.size() == recordSize_ &&
+bool ReadBlock::next(ReadOp op, int key, bool bounded, const std::vector<char> &current) {
+  const bool goesOn = served_ > 0 && op_ == op && key_ == key && bounded_ == bounded &&
                       std::memcmp(row(), current.data(), recordSize_) == 0;
   if (!goesOn) {
     size_ = 0;
-    return Next::Unknown;
+    return false;
   }
-  const bool fresh = platform::steadyMilliseconds() - readAt_ < kLife;
-  if (fresh && served_ < count_) {
-    ++served_;
-    return Next::Row;
+  if (served_ == count_) {
+    size_ = std::min(size_ + 1, int(std::size(kSizes)) - 1);
+    return false;
   }
-  if (fresh && complete_) return Next::End;
-  if (served_ == count_) size_ = std::min(size_ + 1, int(std::size(kSizes)) - 1);
-  return Next::Unknown;
+  if (platform::steadyMilliseconds() - readAt_ >= kLife) return false;
+  ++served_;
+  return true;
 }
 
 void ReadBlock::begin(ReadOp op, int key, bool bounded, size_t recordSize) {
@@ -60,13 +60,12 @@ char *ReadBlock::add() {
   return rows_.data() + count_++ * recordSize_;
 }
 
-void ReadBlock::end(bool complete) {
-  complete_ = complete;
+bool ReadBlock::end() {
   served_ = count_ ? 1 : 0;
+  return served_ > 0;
 }
 
 void ReadBlock::drop() {
-  op_ = ReadOp::First;
   served_ = count_ = 0;
 }
 

@@ -33,37 +33,36 @@ private:
 ///
 /// One row is read for the first step, then ten, then a hundred, so that nobody pays for what only walks use. A block
 /// serves as long as the current record is the one that it delivered last, and for kLife: others may write the table
-/// meanwhile, and a host that pauses must not be given what the table held before.
+/// meanwhile, and a host that pauses must not be given what the table held before. That there is nothing further is
+/// never known beforehand: what is added behind the last record is not missed.
 class ReadBlock {
 public:
   static constexpr uint64_t kLife = 1000; ///< milliseconds
 
-  enum class Next { Row, End, Unknown };
-
-  /// What the next step delivers. \param current record of the table, without one there is no step
-  Next next(ReadOp op, int key, bool bounded, const std::vector<char> &current);
-  /// Rows that are to be read at once for a step that next() does not know. Told behind it.
+  /// Delivers the row of a step, if it is known. \param current record of the table
+  bool next(ReadOp op, int key, bool bounded, const std::vector<char> &current);
+  /// How many rows are to be read for a step whose row was not known.
   int rowsToRead() const { return kSizes[size_t(size_)]; }
-  /// What a read that has just ended delivers.
-  Next delivered() const { return served_ ? Next::Row : Next::End; }
   /// The row that is delivered. Valid until the next call.
   const char *row() const { return rows_.data() + (served_ - 1) * recordSize_; }
 
-  /// Takes the rows of such a read, in its order. None: nothing is kept.
+  /// Takes the rows of such a read, in its order, between begin() and end().
   void begin(ReadOp op, int key, bool bounded, size_t recordSize);
-  /// Room for one more; given back by the next call or end().
+  /// Room for one more, and none for that one.
   char *add();
-  /// The first one is delivered. \param complete there is no row behind them
-  void end(bool complete);
+  void takeBack() { --count_; }
+  bool empty() const { return count_ == 0; }
+  /// Delivers the first one. \return whether there is one
+  bool end();
   void drop();
 
 private:
   static constexpr int kSizes[] = {1, 10, 100};
 
-  ReadOp op_ = ReadOp::First; ///< First: none
+  ReadOp op_ = ReadOp::First;
   int key_ = 0, size_ = 0;
-  bool bounded_ = false, complete_ = false;
-  size_t recordSize_ = 0, count_ = 0, served_ = 0;
+  bool bounded_ = false;
+  size_t recordSize_ = 0, count_ = 0, served_ = 0; ///< none served: no block
   uint64_t readAt_ = 0;
   std::vector<char> rows_;
 };

@@ -22,11 +22,34 @@ uint64_t tripsOf(const std::function<void()> &work) {
   return vldb98::roundTrips() - before;
 }
 
+void balance(const char *account, int32_t kind) {
+  char saldo[20] = "", euro[20] = "";
+  EXPECT_EQ(ZELK_HoleSaldo(1, account, kind, 0, 0, saldo, euro, nullptr, 0, nullptr), ZELK_OK);
+}
+
+int walked(int32_t kind) {
+  int count = 0;
+  ZELK_SAKO account;
+  for (ZelkResult result = ZELK_InitHoleKonto(1, kind, 0, nullptr, 0); result == ZELK_OK; ++count)
+    result = ZELK_HoleSako(&account);
+  return count;
+}
+
+int readBatch() {
+  return int(postingsOf(1, 3).size());
+}
+
 TEST_F(RoundTrips, OfEachCallAreFew) {
   auto posted = [](const Draft &draft) { return [draft] { EXPECT_EQ(insertWhole(draft), ZELK_OK); }; };
   Draft split{1, 3, {}};
   for (int i = 0; i < 10; ++i)
     split.lines.push_back({.debit = "1200", .credit = i % 2 ? "1000" : "1010"});
+  Draft costs = split, foreign{1, 3, {{"10010", "8400", "119,00", "19,00"}}, "USD"};
+  for (DraftLine &line : costs.lines)
+    line = {.debit = "4120", .credit = "1200", .costs = {{{"100"}, "60,00"}, {{"200"}, "40,00"}}};
+  DraftLine templated{"4120", "1200"};
+  templated.costTemplate = 2;
+  auto pieces = [](const Draft &draft) { return [draft] { EXPECT_EQ(insertInPieces(draft), ZELK_OK); }; };
   const struct {
     const char *what;
     std::function<void()> work;
@@ -36,6 +59,14 @@ TEST_F(RoundTrips, OfEachCallAreFew) {
       {"with tax, a debtor", posted({1, 3, {{"10010", "8400", "119,00", "19,00"}}}), 9},
       {"in another year", posted({1, 3, {{"10010", "8400", "119,00", "19,00"}}, "", "211225"}), 11},
       {"split of ten lines", posted(split), 8},
+      {"split of ten lines with costs", pieces(costs), 9},
+      {"cost template", posted({1, 3, {templated}}), 12},
+      {"foreign currency", posted(foreign), 9},
+      {"balance of an account", [] { balance("10010", ZELK_DEBITOR); }, 3},
+      {"whether an account exists", [] { EXPECT_EQ(ZELK_ExistiertKonto(1, "1200", ZELK_SACHKONTO, 0, nullptr), 1); },
+       2},
+      {"all accounts", [] { EXPECT_GT(walked(ZELK_SACHKONTO), 50); }, 6},
+      {"postings of a batch", [] { EXPECT_GT(readBatch(), 10); }, 50},
   };
   for (const auto &row : rows)
     EXPECT_EQ(tripsOf(row.work), row.trips) << row.what;
