@@ -110,7 +110,10 @@ bool IsamEngine::read(ReadOp op, FileNumber file, const SCHLUESSEL *key, const S
       state.current = answer->record;
       return true;
     }
-  if (dialect_.remote && steps(op) && !keepsRows()) return step(op, *table, *order, *record, found);
+  if (dialect_.remote && !keepsRows()) {
+    if (steps(op)) return step(op, *table, *order, *record, found);
+    if (op == ReadOp::Range) return readRange(*table, *order, *key, *upper, *record, found);
+  }
 
   bool bounded = op == ReadOp::Next && state.rangeKey == order->index;
   SqlStatement *statement = readStatement(*table, *order, op, bounded);

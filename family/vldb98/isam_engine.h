@@ -76,7 +76,10 @@ private:
   const KeptReads::Answer *kept(ReadOp op, FileNumber file, const SCHLUESSEL &key) const;
   bool readTogether(std::span<const LookUp> wanted);
   bool step(ReadOp op, const Table &table, const Key &key, DATENBANK &record, bool &found);
-  bool readBlock(ReadOp op, const Table &table, const Key &key, bool bounded, bool &found);
+  bool readRange(const Table &table, const Key &key, const SCHLUESSEL &lower, const SCHLUESSEL &upper,
+                 DATENBANK &record, bool &found);
+  void deliverRow(const Table &table, DATENBANK &record, bool found);
+  bool readBlock(SqlStatement &statement, const Table &table, bool &found);
   /// Rows of the table that were read for later are out of date.
   void forgetAhead(const Table &table);
   void forgetBlocks();

@@ -92,40 +92,67 @@ void IsamEngine::forgetBlocks() {
 bool IsamEngine::step(ReadOp op, const Table &table, const Key &key, DATENBANK &record, bool &found) {
   TableState &state = tables_[size_t(table.number)];
   const bool bounded = op == ReadOp::Next && state.rangeKey == key.index;
-  found = state.block.next(op, key.index, bounded, state.current);
-  if (!found && !readBlock(op, table, key, bounded, found)) {
-    state.block.drop();
-    return false;
+  const ReadBlock::Next next = state.block.next(op, key.index, bounded, state.current);
+  if (next == ReadBlock::Next::Unknown) {
+    const int rows = state.block.rowsToRead();
+    Statement &slot = state.blocks[{key.index, bounded ? int(kReadOps) : int(op), rows}];
+    SqlStatement *statement =
+        prepared(slot, slot ? std::string() : selectStatement(dialect_, table, key, op, bounded, false, rows));
+    if (!statement) return false;
+    int parameter = bindScope(*statement, table, 1);
+    if (!bindFields(*statement, table, key.totalOrder, state.current.data(), parameter)) return false;
+    if (bounded) bindKey(*statement, table, key.fields, state.rangeUpper, parameter);
+    state.block.begin(op, key.index, bounded, table.recordSize, rows);
+    if (!readBlock(*statement, table, found)) return false;
+  } else {
+    found = next == ReadBlock::Next::Row;
   }
-  if (!found) return true;
-  std::memcpy(record.bytes, state.block.row(), table.recordSize);
-  state.current.assign(record.bytes, record.bytes + table.recordSize);
+  deliverRow(table, record, found);
   return true;
 }
 
-bool IsamEngine::readBlock(ReadOp op, const Table &table, const Key &key, bool bounded, bool &found) {
+bool IsamEngine::readRange(const Table &table, const Key &key, const SCHLUESSEL &lower, const SCHLUESSEL &upper,
+                           DATENBANK &record, bool &found) {
   TableState &state = tables_[size_t(table.number)];
-  const int rows = state.block.rowsToRead();
-  Statement &slot = state.blocks[{key.index, bounded ? int(kReadOps) : int(op), rows}];
+  constexpr int rows = ReadBlock::kFirstOfRange;
+  Statement &slot = state.blocks[{key.index, int(ReadOp::Range), rows}];
   SqlStatement *statement =
-      prepared(slot, slot ? std::string() : selectStatement(dialect_, table, key, op, bounded, false, rows));
+      prepared(slot, slot ? std::string() : selectStatement(dialect_, table, key, ReadOp::Range, false, false, rows));
   if (!statement) return false;
-  int parameter = bindScope(*statement, table, 1);
-  if (!bindFields(*statement, table, key.totalOrder, state.current.data(), parameter)) return false;
-  if (bounded) bindKey(*statement, table, key.fields, state.rangeUpper, parameter);
-  state.block.begin(op, key.index, bounded, table.recordSize);
-  Execution execution(*statement);
+  int parameter = bindKey(*statement, table, key.fields, lower, bindScope(*statement, table, 1));
+  bindKey(*statement, table, key.fields, upper, parameter);
+  state.block.begin(ReadOp::Next, key.index, true, table.recordSize, rows);
+  if (!readBlock(*statement, table, found)) return false;
+  state.rangeKey = key.index;
+  state.rangeUpper = upper;
+  deliverRow(table, record, found);
+  return true;
+}
+
+void IsamEngine::deliverRow(const Table &table, DATENBANK &record, bool found) {
+  if (!found) return;
+  TableState &state = tables_[size_t(table.number)];
+  std::memcpy(record.bytes, state.block.row(), table.recordSize);
+  state.current.assign(record.bytes, record.bytes + table.recordSize);
+}
+
+bool IsamEngine::readBlock(SqlStatement &statement, const Table &table, bool &found) {
+  ReadBlock &block = tables_[size_t(table.number)].block;
+  Execution execution(statement);
   Step step;
-  while ((step = statement->step()) == Step::Row) {
-    char *at = state.block.add();
-    if (readFields(*statement, 0, table, at)) continue;
+  while ((step = statement.step()) == Step::Row) {
+    if (readFields(statement, 0, table, block.add())) continue;
     // A damaged record fails the step that leads to it, none before.
-    state.block.takeBack();
-    if (state.block.empty()) return false;
+    block.takeBack();
+    if (block.empty()) return false;
+    block.leaveOpen();
     break;
   }
-  if (step == Step::Failed) return false;
-  found = state.block.end();
+  if (step == Step::Failed) {
+    block.drop();
+    return false;
+  }
+  found = block.end();
   return true;
 }
 

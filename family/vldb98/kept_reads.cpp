@@ -29,29 +29,33 @@ void KeptReads::forget(int table) {
   std::erase_if(answers_, [table](const Answer &answer) { return tableOf(answer.asked.file) == table; });
 }
 
-bool ReadBlock::next(ReadOp op, int key, bool bounded, const std::vector<char> &current) {
+ReadBlock::Next ReadBlock::next(ReadOp op, int key, bool bounded, const std::vector<char> &current) {
   const bool goesOn = served_ > 0 && op_ == op && key_ == key && bounded_ == bounded &&
                       std::memcmp(row(), current.data(), recordSize_) == 0;
   if (!goesOn) {
     size_ = 0;
-    return false;
+    return Next::Unknown;
   }
+  const bool fresh = platform::steadyMilliseconds() - readAt_ < kLife;
   if (served_ == count_) {
+    if (fresh && bounded_ && count_ < asked_) return Next::End;
     size_ = std::min(size_ + 1, int(std::size(kSizes)) - 1);
-    return false;
+    return Next::Unknown;
   }
-  if (platform::steadyMilliseconds() - readAt_ >= kLife) return false;
+  if (!fresh) return Next::Unknown;
   ++served_;
-  return true;
+  return Next::Row;
 }
 
-void ReadBlock::begin(ReadOp op, int key, bool bounded, size_t recordSize) {
+void ReadBlock::begin(ReadOp op, int key, bool bounded, size_t recordSize, int rows) {
   // Before the read: the rows are no younger.
   readAt_ = platform::steadyMilliseconds();
   op_ = op;
   key_ = key;
   bounded_ = bounded;
   recordSize_ = recordSize;
+  asked_ = size_t(rows);
+  size_ = int(std::find(std::begin(kSizes), std::end(kSizes), rows) - std::begin(kSizes));
   count_ = served_ = 0;
 }
 

@@ -2,6 +2,7 @@
 #include "vldb98/store.h"
 
 #include <cstring>
+#include <limits>
 #include <type_traits>
 
 namespace vldb98 {
@@ -98,11 +99,11 @@ template <class Record> bool Store::insertAll(FileNumber file, const std::vector
 template <class Record> int Store::readLines(FileNumber file, std::vector<Record> &lines, const BATCHBUCHUNG &posting) {
   DATENBANK record{};
   uint8_t found;
-  int done = GetGeExt(record, linesFrom(posting), found, file, ZELK_ENG_DEFAULT, 0);
+  constexpr int32_t greatest = std::numeric_limits<int32_t>::max();
+  int done = GetRangeExt(record, linesFrom(posting), linesFrom(posting).number(greatest).number(greatest), found, file,
+                         ZELK_ENG_DEFAULT);
   while (done && found) {
-    const Record &line = in<Record>(record);
-    if (line.Stapel != posting.Stapel || line.Buchung != posting.Nr) break;
-    lines.push_back(line);
+    lines.push_back(in<Record>(record));
     done = GetNextExt(record, found, file, ZELK_ENG_DEFAULT);
   }
   return done;
