@@ -33,14 +33,22 @@ ZelkResult Insertion::refuse(ZelkResult code, int message, std::string_view fill
 ZelkResult Insertion::run() {
   using Check = ZelkResult (Insertion::*)();
   // The order is part of the interface: the first check that fails names the code.
-  static constexpr Check checks[] = {&Insertion::checkBatch,          &Insertion::checkDocumentDate,
-                                     &Insertion::checkLineCount,      &Insertion::replaceOpeningAccounts,
-                                     &Insertion::checkPaymentSlip,    &Insertion::registerDocument,
-                                     &Insertion::checkSplitShape,     &Insertion::checkPaymentTerm,
-                                     &Insertion::checkCurrency,       &Insertion::checkFirstAccounts,
-                                     &Insertion::readAheadOfAccounts, &Insertion::checkFirstCurrencies,
-                                     &Insertion::takeDocumentNumber,  &Insertion::checkValueDate,
-                                     &Insertion::checkLines,          &Insertion::write};
+  static constexpr Check checks[] = {&Insertion::checkBatch,
+                                     &Insertion::checkDocumentDate,
+                                     &Insertion::checkLineCount,
+                                     &Insertion::replaceOpeningAccounts,
+                                     &Insertion::checkPaymentSlip,
+                                     &Insertion::registerDocument,
+                                     &Insertion::checkSplitShape,
+                                     &Insertion::checkPaymentTerm,
+                                     &Insertion::checkCurrency,
+                                     &Insertion::checkFirstAccounts,
+                                     &Insertion::readAheadOfAccounts, // no check: for those below
+                                     &Insertion::checkFirstCurrencies,
+                                     &Insertion::takeDocumentNumber,
+                                     &Insertion::checkValueDate,
+                                     &Insertion::checkLines,
+                                     &Insertion::write};
   ZelkResult result = beginReading() && readAhead() ? ZELK_OK : ZELKERR_Datenbank;
   for (Check check : checks)
     if (result == ZELK_OK) result = (this->*check)();

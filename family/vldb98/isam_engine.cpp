@@ -225,14 +225,14 @@ bool IsamEngine::writeRow(const Table &table, const char *record) {
 }
 
 bool IsamEngine::insertAssigned(const Table &table, DATENBANK &record) {
-  // Where several write at once, another one can have inserted the same number between the read and the write, which
-  // the greatest number of then tells from a second key that is in use.
-  // Servers of before refuse the statement: then in two steps.
+  // Older servers refuse the statement: then in two steps.
   if (dialect_.insertsDeliver)
     if (SqlStatement *statement = insertNumberedStatementOf(table)) {
       if (insertNumbered(*statement, table, record.bytes)) return true;
       if (connection_->failure() != Failure::Duplicate) return false;
     }
+  // Where several write at once, another one can have inserted the same number between the read and the write, which
+  // the greatest number of then tells from a second key that is in use.
   for (int32_t last = 0;;) {
     if (!assignNumber(table, record.bytes)) return false;
     const int32_t number = numberAt(table.fields[size_t(table.assigned)], record.bytes);

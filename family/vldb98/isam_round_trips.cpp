@@ -43,7 +43,8 @@ bool IsamEngine::readTogether(std::span<const LookUp> wanted) {
   for (const LookUp &one : wanted) {
     const Table *table = findTable(tableOf(one.file));
     const Key *key = table ? table->key(keyIndexOf(one.file)) : nullptr;
-    if (!key || (one.op == ReadOp::Exists && !key->unique)) return false;
+    const bool delivers = one.op == ReadOp::Exact || one.op == ReadOp::Ge || one.op == ReadOp::Le;
+    if (!key || !(delivers || (one.op == ReadOp::Exists && key->unique))) return false;
     forms.push_back({table, key, one.op});
     kinds.emplace_back(one.op, one.file);
   }

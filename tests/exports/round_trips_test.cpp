@@ -35,10 +35,6 @@ int walked(int32_t kind) {
   return count;
 }
 
-int readBatch() {
-  return int(postingsOf(1, 3).size());
-}
-
 TEST_F(RoundTrips, OfEachCallAreFew) {
   auto posted = [](const Draft &draft) { return [draft] { EXPECT_EQ(insertWhole(draft), ZELK_OK); }; };
   Draft split{1, 3, {}};
@@ -50,6 +46,8 @@ TEST_F(RoundTrips, OfEachCallAreFew) {
   DraftLine templated{"4120", "1200"};
   templated.costTemplate = 2;
   auto pieces = [](const Draft &draft) { return [draft] { EXPECT_EQ(insertInPieces(draft), ZELK_OK); }; };
+  for (int i = 0; i < 10; ++i)
+    ASSERT_EQ(insertWhole({1, 2, {{"10010", "8400", "119,00", "19,00"}}}), ZELK_OK);
   const struct {
     const char *what;
     std::function<void()> work;
@@ -59,14 +57,14 @@ TEST_F(RoundTrips, OfEachCallAreFew) {
       {"with tax, a debtor", posted({1, 3, {{"10010", "8400", "119,00", "19,00"}}}), 9},
       {"in another year", posted({1, 3, {{"10010", "8400", "119,00", "19,00"}}, "", "211225"}), 11},
       {"split of ten lines", posted(split), 8},
-      {"split of ten lines with costs", pieces(costs), 9},
+      {"split of ten lines with costs", pieces(costs), 11},
       {"cost template", posted({1, 3, {templated}}), 12},
       {"foreign currency", posted(foreign), 9},
-      {"balance of an account", [] { balance("10010", ZELK_DEBITOR); }, 3},
+      {"balance of an account", [] { balance("10010", ZELK_DEBITOR); }, 2},
       {"whether an account exists", [] { EXPECT_EQ(ZELK_ExistiertKonto(1, "1200", ZELK_SACHKONTO, 0, nullptr), 1); },
        2},
-      {"all accounts", [] { EXPECT_GT(walked(ZELK_SACHKONTO), 50); }, 6},
-      {"postings of a batch", [] { EXPECT_GT(readBatch(), 10); }, 50},
+      {"all accounts", [] { EXPECT_GT(walked(ZELK_SACHKONTO), 50); }, 7},
+      {"ten postings of a batch", [] { EXPECT_EQ(postingsOf(1, 2).size(), 10u); }, 45},
   };
   for (const auto &row : rows)
     EXPECT_EQ(tripsOf(row.work), row.trips) << row.what;
