@@ -56,11 +56,13 @@ void insertBatch(Store &store, int number, int postings) {
   }
 }
 
-void fill(Store &store) {
+} // namespace
+
+void fill(Store &store, uint16_t number, int debtors, std::initializer_list<int> batches) {
   require(store.Transaktion(1, 0, ZELK_ENG_DEFAULT), "filling the books");
   DATENBANK record{};
   FIRMENSTAMM &client = record.Firmenstamm;
-  client.Nummer = 1;
+  client.Nummer = number;
   put(client.Name, "Messung");
   put(client.AktJahr, std::to_string(kYear - 1980));
   put(client.Waehrung, "EUR");
@@ -69,10 +71,10 @@ void fill(Store &store) {
   client.Version = kDataVersion;
   insert(store, record, kFirmenstamm);
   record = {};
-  record.FistaExt.Nummer = 1;
+  record.FistaExt.Nummer = number;
   insert(store, record, kFistaExt);
   uint8_t found;
-  require(store.SetzeFista(1, found) && found, "the client");
+  require(store.SetzeFista(number, found) && found, "the client");
   record = {};
   record.Geschaeftsjahr.Jahr = kYear;
   put(record.Geschaeftsjahr.Beginn, "460101");
@@ -92,7 +94,7 @@ void fill(Store &store) {
     if (i == 84) record.Sachkonto.Steuerschluessel = kTaxKey;
     insert(store, record, kSachkonto);
   }
-  for (int i = 0; i < kAccounts; ++i) {
+  for (int i = 0; i < debtors; ++i) {
     record = {};
     PERSONENKONTO &debtor = record.Personenkonto;
     putKey(debtor.Nr, accountNumber(i));
@@ -102,13 +104,11 @@ void fill(Store &store) {
     putKey(debtor.Sammelkonto, "1400");
     insert(store, record, kDebitor);
   }
-  insertBatch(store, kLargeBatch, kLargeBatchPostings);
-  insertBatch(store, kSmallBatch, kSmallBatchPostings);
-  insertBatch(store, kBatch, 0);
+  int batch = 0;
+  for (int postings : batches)
+    insertBatch(store, ++batch, postings);
   require(store.Transaktion(2, 0, ZELK_ENG_DEFAULT), "filling the books");
 }
-
-} // namespace
 
 std::string accountNumber(int i) {
   return std::to_string(10000 + i);
@@ -135,7 +135,8 @@ Books::Books() {
   folder_ = name;
   useSettings(settingsFile());
   require(zelkctl::provision((folder_ / "programm").string()) == 0, "zelkctl einrichten");
-  fill(*openStore());
+  static_assert(kLargeBatch == 1 && kSmallBatch == 2 && kBatch == 3);
+  fill(*openStore(), 1, kAccounts, {kLargeBatchPostings, kSmallBatchPostings, 0});
   // The last session has closed the database, so that its file is all of it.
   std::filesystem::copy_file(libraryFile(), bareFile());
   ZELK_Detach();

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <initializer_list>
 #include <memory>
 #include <string>
 
@@ -24,6 +25,10 @@ int randomAccount();
 
 /// Ends the program where a measure would be one of something else.
 void require(bool condition, const char *what);
+
+/// A client with accounts, a tax key and batches, as postings of makePosting need them.
+/// \param batches postings that each of the batches 1, 2, ... holds
+void fill(vldb98::Store &store, uint16_t number, int debtors, std::initializer_list<int> batches);
 
 class Books {
 public:

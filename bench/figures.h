@@ -27,5 +27,6 @@ Figures processFigures();
 Figures batchFigures();
 Figures openItemFigures();
 Figures evaluationFigures();
+Figures serverFigures();
 
 } // namespace bench

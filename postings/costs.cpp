@@ -165,6 +165,7 @@ ZelkResult Insertion::addTemplateCosts(const Line &line, Kostenseite side, bool 
   }
   std::vector<KOSCHA_ZEILE> shares;
   if (!vlfn98::HoleKoscha(store_, number, shares)) return ZELKERR_Datenbank;
+  if (!readAheadOfShares(line, side, shares)) return ZELKERR_Datenbank;
   std::vector<int64_t> weights;
   for (const KOSCHA_ZEILE &share : shares) {
     KOBU cost{};

@@ -43,18 +43,20 @@ ZelkResult Insertion::run() {
                                      &Insertion::checkPaymentTerm,
                                      &Insertion::checkCurrency,
                                      &Insertion::checkFirstAccounts,
+                                     &Insertion::readAheadOfAccounts, // no check: for those below
                                      &Insertion::checkFirstCurrencies,
                                      &Insertion::takeDocumentNumber,
                                      &Insertion::checkValueDate,
                                      &Insertion::checkLines,
                                      &Insertion::write};
-  ZelkResult result = beginReading() ? ZELK_OK : ZELKERR_Datenbank;
+  ZelkResult result = beginReading() && readAhead() ? ZELK_OK : ZELKERR_Datenbank;
   for (Check check : checks)
     if (result == ZELK_OK) result = (this->*check)();
   return endReading() ? result : ZELKERR_Datenbank;
 }
 
 bool Insertion::beginReading() {
+  if (store_.IsUsedEngineSQL()) return true;
   return reading_ = store_.Transaktion(1, 1, ZELK_ENG_DEFAULT);
 }
 
@@ -76,6 +78,7 @@ ZelkResult Insertion::checkBatch() {
 ZelkResult Insertion::checkDocumentDate() {
   auto date = vlba98::parseDatum(request_.Belegdatum);
   if (!date) return refuse(ZELKERR_uzl_Belegdatum, resources::kBuchungsdatumUnzulaessig);
+  const std::string before = store_.HoleOpenJahr();
   switch (vlfn98::IsBuchjahr(store_, *date, frame::programSettings().noFiscalYearCheck)) {
   case vlfn98::BookableYear::StoreFailed:
     return ZELKERR_Datenbank;
@@ -84,6 +87,8 @@ ZelkResult Insertion::checkDocumentDate() {
   case vlfn98::BookableYear::Yes:
     break;
   }
+  // Of the accounts of another year nothing is known yet.
+  if (before != store_.HoleOpenJahr() && !readAhead()) return ZELKERR_Datenbank;
   vlba98::strncpy2(posting_.Belegdatum, vlba98::toReversed(*date).data());
   return ZELK_OK;
 }

@@ -114,6 +114,13 @@ private:
   ZelkResult checkCombinations(const Line &line, vlfn98::Kostenseite side, const vldb98::KOBU &cost, Refusal &refusal);
   ZelkResult storeCosts(const Line &line, Costs &costs);
 
+  // What will be looked up is read from a server in few steps. First what the request names, then what its accounts
+  // lead to, then what the shares of a cost template do. Elsewhere they do nothing.
+  class LookUps;
+  bool readAhead();
+  ZelkResult readAheadOfAccounts();
+  bool readAheadOfShares(const Line &line, vlfn98::Kostenseite side, const std::vector<vldb98::KOSCHA_ZEILE> &shares);
+
   ZelkResult lookUp(const char (&number)[8], const Account *&account);
   /// The amounts in the client's currency that came with a line; null: they are converted.
   const OwnAmounts *ownAmounts(const Line &line) const;
@@ -126,7 +133,9 @@ private:
     return refuse(code, message, fill, int(line.index));
   }
   ZelkResult refuseAmount(ZelkResult code, const Line &line, std::string_view name);
-  // Between these, what is read is of one state of the database, and costs one look at its log instead of one each.
+  // Between these, what is read from the embedded database is of one state, and costs one look at its log instead of
+  // one each. On a server nothing is begun: the accounts, the batch and the postings are locked by now, everything else
+  // is one record each, and a transaction would cost two or three ways to it.
   bool beginReading();
   bool endReading();
 

@@ -61,14 +61,16 @@ std::vector<std::string> setUpMssql(std::chrono::milliseconds wait) {
 Dialect mysqlFamily(const char *name, const char *createBehind) {
   return {.name = name,
           .engine = ZELK_ENG_MYSQL,
-          .oneRowInFront = "",
-          .oneRowBehind = " LIMIT 1",
+          .rowsInFront = "",
+          .rowsBehind = " LIMIT %d",
           .comparesRows = false,
           .useIndex = " FORCE INDEX (%s)",
           .primaryIndex = "PRIMARY",
           .forUpdateAtTable = "",
           .forUpdateBehind = " FOR UPDATE",
           .locksRows = true,
+          .remote = true,
+          .insertsDeliver = false,
           .createInFront = "CREATE TABLE IF NOT EXISTS ",
           .createBehind = createBehind,
           .indexesInside = true,
@@ -98,12 +100,13 @@ Dialect mysqlFamily(const char *name, const char *createBehind) {
           .rollback = "ROLLBACK",
           .errors = kMysqlErrors,
           .drivers = kMysqlDrivers,
-          // The connection's character set is also what 8-bit texts are in. (The driver for MariaDB miscounts UTF-16: it
-          // takes U+00D8 to U+00DB for halves of pairs.) 2: an update counts the rows that it found, also those that it left as they were.
+          // The connection's character set is also what 8-bit texts are in. (The driver for MariaDB miscounts UTF-16:
+          // it takes U+00D8 to U+00DB for halves of pairs.) 2: an update counts the rows that it found, also those that
+          // it left as they were.
           .fixedOptions = "CHARSET=utf8mb4;OPTION=2;",
           .loginTimeout = "CONN_TIMEOUT",
           .takesUtf8 = true,
-.portBehindHost = false};
+          .portBehindHost = false};
 }
 
 } // namespace
@@ -111,14 +114,16 @@ Dialect mysqlFamily(const char *name, const char *createBehind) {
 const Dialect &sqliteDialect() {
   static const Dialect dialect{.name = "SQLite",
                                .engine = ZELK_ENG_BTRIEVE,
-                               .oneRowInFront = "",
-                               .oneRowBehind = " LIMIT 1",
+                               .rowsInFront = "",
+                               .rowsBehind = " LIMIT %d",
                                .comparesRows = true,
                                .useIndex = nullptr,
                                .primaryIndex = nullptr,
                                .forUpdateAtTable = "",
                                .forUpdateBehind = "",
                                .locksRows = false,
+                               .remote = false,
+                               .insertsDeliver = false,
                                .createInFront = "CREATE TABLE IF NOT EXISTS ",
                                .createBehind = " STRICT, WITHOUT ROWID",
                                .indexesInside = false,
@@ -142,14 +147,17 @@ const Dialect &sqliteDialect() {
                                .fixedOptions = "",
                                .loginTimeout = "",
                                .takesUtf8 = true,
-      .portBehindHost = false};
+                               .portBehindHost = false};
   return dialect;
 }
 
 // Texts are compared by code point and with their trailing blanks; the two servers name that differently.
 const Dialect &mariadbDialect() {
-  static const Dialect dialect =
-      mysqlFamily("MariaDB", " ENGINE=InnoDB DEFAULT CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin");
+  static const Dialect dialect = [] {
+    Dialect mariadb = mysqlFamily("MariaDB", " ENGINE=InnoDB DEFAULT CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin");
+    mariadb.insertsDeliver = true;
+    return mariadb;
+  }();
   return dialect;
 }
 const Dialect &mysqlDialect() {
@@ -162,14 +170,16 @@ const Dialect &mssqlDialect() {
   static const Dialect dialect{
       .name = "MSSQL",
       .engine = ZELK_ENG_MSSQL,
-      .oneRowInFront = "TOP 1 ",
-      .oneRowBehind = "",
+      .rowsInFront = "TOP %d ",
+      .rowsBehind = "",
       .comparesRows = false,
       .useIndex = nullptr,
       .primaryIndex = nullptr,
       .forUpdateAtTable = " WITH (UPDLOCK, ROWLOCK)",
       .forUpdateBehind = "",
       .locksRows = true,
+      .remote = true,
+      .insertsDeliver = false,
       .createInFront = "IF OBJECT_ID(N'%s') IS NULL CREATE TABLE ",
       .createBehind = "",
       .indexesInside = true,

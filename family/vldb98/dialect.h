@@ -25,8 +25,8 @@ struct Dialect {
   DBENGINE engine;
 
   // --- Reads ---
-  const char *oneRowInFront; ///< behind SELECT
-  const char *oneRowBehind;  ///< at the end of the statement
+  const char *rowsInFront; ///< behind SELECT; %d: how many rows at most
+  const char *rowsBehind;  ///< the same, at the end of the statement
   /// A comparison of rows, "(a,b)>(?,?)", is one seek of the index. Where it is not, it is written out.
   bool comparesRows;
   /// Names the index behind the table, so that no statistics of an empty table lead to a scan; %s: the index. Null: the
@@ -36,6 +36,12 @@ struct Dialect {
   const char *forUpdateAtTable; ///< keeps others from writing the rows that are read
   const char *forUpdateBehind;  ///< the same, at the end of the statement
   bool locksRows;               ///< several write at once, so that a read before a write has to keep its row
+
+  // --- Round trips ---
+  /// Every statement is a way to a server and back: reads and inserts are put together.
+  bool remote;
+  /// An insert reckons the number that it assigns, and delivers it.
+  bool insertsDeliver;
 
   // --- Tables ---
   const char *createInFront; ///< up to the table's quoted name; %s: its name

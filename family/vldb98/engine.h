@@ -46,6 +46,13 @@ struct SessionTrace {
   LockName lock;          ///< the last that it took on a table
 };
 
+/// A read that will be asked for: Exact, Ge or Le, or Exists by a unique key.
+struct LookUp {
+  ReadOp op;
+  FileNumber file;
+  SCHLUESSEL key;
+};
+
 class Engine {
 public:
   virtual ~Engine() = default;
@@ -63,6 +70,13 @@ public:
   virtual bool read(ReadOp op, FileNumber file, const SCHLUESSEL *key, const SCHLUESSEL *upper, DATENBANK *record,
                     bool &found) = 0;
 
+  /// Where every read is a way to a server: reads several records at once, which reads of the same file number and key
+  /// are then served from. That lasts while nobody else writes the tables: it does nothing unless the session holds
+  /// locks, and what was read is forgotten when it lets one go, changes the table, or changes the scope. What a change
+  /// may follow is served only of tables that the session has locked itself.
+  /// \return false when a read failed
+  virtual bool readAhead(std::span<const LookUp> wanted) = 0;
+
   /// Adds fields up, numbers or money (in hundredths, an empty one counts as zero), over the records whose key lies
   /// between the given ones, both included, in one step whatever their number; zeros when there is none. The current
   /// record of the table stays where it was.
@@ -77,6 +91,11 @@ public:
 
   /// Insert and Update write the buffer, Update and Delete act on the current record.
   virtual bool change(ChangeOp op, FileNumber file, DATENBANK *record) = 0;
+
+  /// Inserts records of a table that assigns no numbers, on a server in few steps; only inside a transaction, which has
+  /// to be rolled back when it fails. The last one becomes the current record. \param records one behind the other,
+  /// each as long as the table's record
+  virtual bool insertAll(FileNumber file, const char *records, size_t count) = 0;
 
   /// Deletes every record whose key begins with the first fields of the key given, at least one of them, in one step
   /// whatever their number; done also when there is none. The current record of the table stays where it was.

@@ -7,18 +7,6 @@
 namespace vldb98 {
 namespace {
 
-// A statement must not stay open behind an operation: it would hold a read transaction.
-class Execution {
-public:
-  explicit Execution(SqlStatement &statement) : statement_(statement) {}
-  ~Execution() { statement_.reset(); }
-  Execution(const Execution &) = delete;
-  Execution &operator=(const Execution &) = delete;
-
-private:
-  SqlStatement &statement_;
-};
-
 bool takesKey(ReadOp op) {
   return op >= ReadOp::Ge && op != ReadOp::StepFirst && op != ReadOp::StepNext;
 }
@@ -43,6 +31,8 @@ IsamEngine::~IsamEngine() {
 
 void IsamEngine::setScope(uint16_t client, int year) {
   if (client == client_ && year == year_) return;
+  kept_.clear();
+  forgetBlocks();
   for (const Table &table : allTables()) {
     bool concerned =
         table.scope != Scope::Global && (client != client_ || (table.scope == Scope::FiscalYear && year != year_));
@@ -60,8 +50,7 @@ SqlStatement *IsamEngine::prepared(Statement &statement, const std::string &text
 }
 
 SqlStatement *IsamEngine::readStatement(const Table &table, const Key &key, ReadOp op, bool bounded) {
-  // What is read before a change must still hold when it is written, where several write at once.
-  const bool forUpdate = dialect_.locksRows && depth_ > 0 && !snapshot_ && op != ReadOp::Exists;
+  const bool forUpdate = keepsRows() && op != ReadOp::Exists;
   const size_t which = bounded ? kReadOps : size_t(op);
   Statement &slot = tables_[size_t(table.number)].reads[key.index][which + (forUpdate ? kReadOps + 1 : 0)];
   return slot ? slot.get() : prepared(slot, selectStatement(dialect_, table, key, op, bounded, forUpdate));
@@ -69,6 +58,10 @@ SqlStatement *IsamEngine::readStatement(const Table &table, const Key &key, Read
 
 int IsamEngine::bindScope(SqlStatement &statement, const Table &table, int parameter) {
   scratch_.clear();
+  return bindScopeBehind(statement, table, parameter);
+}
+
+int IsamEngine::bindScopeBehind(SqlStatement &statement, const Table &table, int parameter) {
   if (table.scope != Scope::Global) statement.bind(parameter++, int64_t(client_));
   if (table.scope == Scope::FiscalYear) statement.bind(parameter++, int64_t(year_));
   return parameter;
@@ -107,6 +100,20 @@ bool IsamEngine::read(ReadOp op, FileNumber file, const SCHLUESSEL *key, const S
   if (!order || (takesKey(op) && !key) || (op == ReadOp::Range && !upper)) return false;
   TableState &state = tables_[size_t(table->number)];
   if (steps(op) && state.current.empty()) return true;
+  if (!kept_.empty() && takesKey(op))
+    if (const KeptReads::Answer *answer = kept(op, file, *key)) {
+      found = answer->found;
+      if (op == ReadOp::Exists) return true;
+      state.rangeKey = -1;
+      if (!found) return true;
+      std::memcpy(record->bytes, answer->record.data(), table->recordSize);
+      state.current = answer->record;
+      return true;
+    }
+  if (dialect_.remote && !keepsRows()) {
+    if (steps(op)) return step(op, *table, *order, *record, found);
+    if (op == ReadOp::Range) return readRange(*table, *order, *key, *upper, *record, found);
+  }
 
   bool bounded = op == ReadOp::Next && state.rangeKey == order->index;
   SqlStatement *statement = readStatement(*table, *order, op, bounded);
@@ -126,6 +133,7 @@ bool IsamEngine::read(ReadOp op, FileNumber file, const SCHLUESSEL *key, const S
   if (op == ReadOp::Exists) return true;
   if (!steps(op)) state.rangeKey = -1;
   if (op == ReadOp::Range) {
+    state.block.drop();
     state.rangeKey = order->index;
     state.rangeUpper = *upper;
   }
@@ -178,6 +186,7 @@ void IsamEngine::setCurrent(int number, const DATENBANK &record) {
 bool IsamEngine::change(ChangeOp op, FileNumber file, DATENBANK *record) {
   const Table *table = findTable(tableOf(file));
   if (!table || (op != ChangeOp::Delete && !record) || lostTransaction()) return false;
+  forgetAhead(*table);
   return op == ChangeOp::Insert ? insert(*table, *record) : changeCurrent(op, *table, record);
 }
 
@@ -222,6 +231,12 @@ bool IsamEngine::writeRow(const Table &table, const char *record) {
 }
 
 bool IsamEngine::insertAssigned(const Table &table, DATENBANK &record) {
+  // Older servers refuse the statement: then in two steps.
+  if (dialect_.insertsDeliver)
+    if (SqlStatement *statement = insertNumberedStatementOf(table)) {
+      if (insertNumbered(*statement, table, record.bytes)) return true;
+      if (connection_->failure() != Failure::Duplicate) return false;
+    }
   // Where several write at once, another one can have inserted the same number between the read and the write, which
   // the greatest number of then tells from a second key that is in use.
   for (int32_t last = 0;;) {
@@ -240,10 +255,7 @@ bool IsamEngine::assignNumber(const Table &table, char *record) {
       prepared(state.greatest, state.greatest ? std::string() : greatestStatement(dialect_, table));
   if (!statement) return false;
   int parameter = bindScope(*statement, table, 1);
-  for (int index : table.keys.front().fields) {
-    if (index == table.assigned) break;
-    if (!bindField(*statement, parameter++, table.fields[size_t(index)], record, scratch_)) return false;
-  }
+  if (!bindFields(*statement, table, fieldsBeforeAssigned(table), record, parameter)) return false;
   Execution execution(*statement);
   Step step = statement->step();
   if (step == Step::Failed) return false;
@@ -267,8 +279,7 @@ bool IsamEngine::changeCurrent(ChangeOp op, const Table &table, DATENBANK *recor
   int parameter = 1;
   scratch_.clear();
   if (update && !bindRow(*statement, table, record->bytes, parameter)) return false;
-  if (table.scope != Scope::Global) statement->bind(parameter++, int64_t(client_));
-  if (table.scope == Scope::FiscalYear) statement->bind(parameter++, int64_t(year_));
+  parameter = bindScopeBehind(*statement, table, parameter);
   if (!bindFields(*statement, table, table.keys.front().fields, state.current.data(), parameter)) return false;
   // A record that somebody else deleted meanwhile cannot be changed.
   if (!inTransaction(false, [&] { return execute(*statement) && connection_->changedRows() == 1; })) return false;
@@ -280,6 +291,7 @@ bool IsamEngine::deleteBeginning(FileNumber file, const SCHLUESSEL &values, int 
   const Table *table = findTable(tableOf(file));
   const Key *key = table ? table->key(keyIndexOf(file)) : nullptr;
   if (!key || fields < 1 || size_t(fields) > key->fields.size() || lostTransaction()) return false;
+  forgetAhead(*table);
   std::vector<int> leading(key->fields.begin(), key->fields.begin() + fields);
   Statement &slot = tables_[size_t(table->number)].deletions[{key->index, fields}];
   SqlStatement *statement = prepared(slot, slot ? std::string() : deleteStatement(*table, leading));
@@ -292,6 +304,7 @@ bool IsamEngine::transaction(TransactionOp op, bool snapshot) {
   if (op == TransactionOp::Begin) {
     if (depth_ == 0) {
       if (!connection_->begin(snapshot)) return false;
+      forgetBlocks();
       snapshot_ = snapshot;
       if (!snapshot && !locks_->beginWriting()) {
         if (connection_->inTransaction()) connection_->rollback();
@@ -305,10 +318,12 @@ bool IsamEngine::transaction(TransactionOp op, bool snapshot) {
   if (depth_ == 0) return false;
   if (op == TransactionOp::Rollback) doomed_ = true;
   if (--depth_ > 0) return true;
+  forgetBlocks();
   const bool commits = !doomed_ && connection_->inTransaction();
   const bool committed = commits && connection_->commit();
   if (!committed && connection_->inTransaction()) connection_->rollback();
   if (commits && !committed && !snapshot_ && !connection_->usable()) commitUnanswered_ = true;
+  if (!committed) kept_.clear();
   doomed_ = false;
   if (!snapshot_) locks_->endWriting(committed);
   locks_->release(pendingUnlocks_);
@@ -319,6 +334,7 @@ bool IsamEngine::transaction(TransactionOp op, bool snapshot) {
 bool IsamEngine::table(TableOp op, int number) {
   const Table *found = findTable(number);
   if (!found || lostTransaction()) return false;
+  forgetAhead(*found);
   // What was changed before would be committed with it.
   if (op != TableOp::Clear && dialect_.tablesEndTransactions && depth_ > 0) return false;
   switch (op) {
@@ -354,6 +370,7 @@ bool IsamEngine::tableExists(int number, bool &exists) {
 }
 
 void IsamEngine::unlock(std::span<const uint16_t> tables, bool atOnce) {
+  kept_.clear();
   if (depth_ == 0 || atOnce) return locks_->releaseTables(tables);
   for (uint16_t table : tables)
     for (const LockName &name : locks_->heldOn(table))

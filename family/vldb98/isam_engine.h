@@ -8,6 +8,7 @@
 
 #include "vldb98/dialect.h"
 #include "vldb98/engine.h"
+#include "vldb98/kept_reads.h"
 #include "vldb98/rows.h"
 #include "vldb98/sql.h"
 
@@ -24,10 +25,12 @@ public:
   void setScope(uint16_t client, int year) override;
   bool read(ReadOp op, FileNumber file, const SCHLUESSEL *key, const SCHLUESSEL *upper, DATENBANK *record,
             bool &found) override;
+  bool readAhead(std::span<const LookUp> wanted) override;
   bool sum(FileNumber file, const SCHLUESSEL &lower, const SCHLUESSEL &upper, std::span<const int> fields,
            std::span<int64_t> sums) override;
   void setCurrent(int table, const DATENBANK &record) override;
   bool change(ChangeOp op, FileNumber file, DATENBANK *record) override;
+  bool insertAll(FileNumber file, const char *records, size_t count) override;
   bool deleteBeginning(FileNumber file, const SCHLUESSEL &key, int fields) override;
   bool transaction(TransactionOp op, bool snapshot) override;
   int transactionDepth() const override { return depth_; }
@@ -52,23 +55,40 @@ private:
     // By key index: the operations, then Next with a bound; all of them once more for reads that keep others from
     // writing.
     std::map<int, std::array<Statement, 2 * (kReadOps + 1)>> reads;
-    Statement insert, update, remove, greatest, clear;
+    Statement insert, update, remove, greatest, insertNumbered, clear;
+    std::map<std::array<int, 3>, Statement> blocks;     // by key index, operation (behind them: bounded Next) and rows
+    std::map<size_t, Statement> inserts;                // of several records, by their count
     std::map<std::pair<int, int>, Statement> deletions; // of what begins with a key: by key index and count of fields
     std::map<std::pair<int, std::vector<int>>, Statement> sums; // by key index and fields
     std::vector<char> current;                                  // empty: no current record
     int rangeKey = -1;                                          // key index of a running range
     SCHLUESSEL rangeUpper;
+    ReadBlock block; // only on servers
   };
 
   SqlStatement *prepared(Statement &statement, const std::string &text);
   SqlStatement *readStatement(const Table &table, const Key &key, ReadOp op, bool bounded);
+  /// Begins the parameters of a statement; bindScopeBehind stands behind others.
   int bindScope(SqlStatement &statement, const Table &table, int parameter);
+  int bindScopeBehind(SqlStatement &statement, const Table &table, int parameter);
   int bindKey(SqlStatement &statement, const Table &table, const std::vector<int> &fields, const SCHLUESSEL &values,
               int parameter);
   bool bindFields(SqlStatement &statement, const Table &table, const std::vector<int> &fields, const char *record,
                   int &parameter);
   bool bindRow(SqlStatement &statement, const Table &table, const char *record, int &parameter);
   bool readRow(SqlStatement &statement, const Table &table, TableState &state, DATENBANK &record);
+  /// What is read must still hold when it is written, where several write at once.
+  bool keepsRows() const { return dialect_.locksRows && depth_ > 0 && !snapshot_; }
+  const KeptReads::Answer *kept(ReadOp op, FileNumber file, const SCHLUESSEL &key) const;
+  bool readTogether(std::span<const LookUp> wanted);
+  bool step(ReadOp op, const Table &table, const Key &key, DATENBANK &record, bool &found);
+  bool readRange(const Table &table, const Key &key, const SCHLUESSEL &lower, const SCHLUESSEL &upper,
+                 DATENBANK &record, bool &found);
+  void deliverRow(const Table &table, DATENBANK &record, bool found);
+  bool readBlock(SqlStatement &statement, const Table &table, bool &found);
+  /// Rows of the table that were read for later are out of date.
+  void forgetAhead(const Table &table);
+  void forgetBlocks();
   bool execute(SqlStatement &statement);
   /// The database gave the running transaction up by itself: what is changed now would be committed at once.
   bool lostTransaction() { return depth_ > 0 && !connection_->inTransaction(); }
@@ -78,6 +98,9 @@ private:
   bool insertAssigned(const Table &table, DATENBANK &record);
   bool writeRow(const Table &table, const char *record);
   bool assignNumber(const Table &table, char *record);
+  SqlStatement *insertNumberedStatementOf(const Table &table);
+  bool insertNumbered(SqlStatement &statement, const Table &table, char *record);
+  bool writeRows(const Table &table, const char *records, size_t count);
   bool changeCurrent(ChangeOp op, const Table &table, DATENBANK *record);
 
   std::unique_ptr<SqlConnection> connection_;
@@ -86,6 +109,9 @@ private:
   std::array<TableState, kTableLimit> tables_;
   Statement tableExists_;
   Scratch scratch_;
+  std::vector<std::unique_ptr<Scratch>> rowScratch_; // of records that are inserted together
+  KeptReads kept_;
+  std::map<std::vector<std::pair<ReadOp, FileNumber>>, Statement> lookUps_; // by what is read together
   uint16_t client_ = 0;
   int year_ = 0;
   int depth_ = 0;

@@ -43,6 +43,18 @@ public:
   virtual std::string_view text(int column) = 0;
 };
 
+/// A statement must not stay open behind an operation: it would hold a read transaction.
+class Execution {
+public:
+  explicit Execution(SqlStatement &statement) : statement_(statement) {}
+  ~Execution() { statement_.reset(); }
+  Execution(const Execution &) = delete;
+  Execution &operator=(const Execution &) = delete;
+
+private:
+  SqlStatement &statement_;
+};
+
 class SqlConnection {
 public:
   virtual ~SqlConnection() = default;

@@ -69,15 +69,17 @@ std::string indexName(const Table &table, const Key &key) {
   return quoted(table.name + "_" + std::to_string(key.index));
 }
 
-// The table that a read of one row goes to, and its end.
-std::string from(const Dialect &dialect, const Table &table, const Key &key, bool forUpdate) {
-  std::string text = " FROM " + quoted(table.name);
-  if (dialect.useIndex)
-    text += filledIn(dialect.useIndex, key.index == 0 ? dialect.primaryIndex : indexName(table, key));
-  return forUpdate ? text + dialect.forUpdateAtTable : text;
+std::string usedIndex(const Dialect &dialect, const Table &table, const Key &key) {
+  if (!dialect.useIndex) return "";
+  return filledIn(dialect.useIndex, key.index == 0 ? dialect.primaryIndex : indexName(table, key));
 }
-std::string oneRow(const Dialect &dialect, bool forUpdate) {
-  return std::string(dialect.oneRowBehind) + (forUpdate ? dialect.forUpdateBehind : "");
+
+// The table that a read of rows goes to, and its end.
+std::string from(const Dialect &dialect, const Table &table, const Key &key, bool forUpdate) {
+  return " FROM " + quoted(table.name) + usedIndex(dialect, table, key) + (forUpdate ? dialect.forUpdateAtTable : "");
+}
+std::string atMost(const Dialect &dialect, int rows, bool forUpdate) {
+  return filledIn(dialect.rowsBehind, std::to_string(rows)) + (forUpdate ? dialect.forUpdateBehind : "");
 }
 
 Names rowConditions(const Table &table, const std::vector<int> &fields) {
@@ -87,6 +89,15 @@ Names rowConditions(const Table &table, const std::vector<int> &fields) {
 }
 
 } // namespace
+
+std::vector<int> fieldsBeforeAssigned(const Table &table) {
+  std::vector<int> fields;
+  for (int field : table.keys.front().fields) {
+    if (field == table.assigned) break;
+    fields.push_back(field);
+  }
+  return fields;
+}
 
 Names scopeColumns(const Table &table) {
   if (table.scope == Scope::Global) return {};
@@ -132,9 +143,9 @@ std::string clearStatement(const Table &table) {
 }
 
 std::string selectStatement(const Dialect &dialect, const Table &table, const Key &key, ReadOp op, bool bounded,
-                            bool forUpdate) {
+                            bool forUpdate, int rows, size_t inFront) {
   Names conditions = equalities(scopeColumns(table));
-  const size_t parameter = conditions.size() + 1;
+  const size_t parameter = inFront + conditions.size() + 1;
   Names keyColumns = columns(table, key.fields);
   Names order = columns(table, key.totalOrder);
   auto compare = [&](const Names &names, const char *comparison, size_t behind = 0) {
@@ -171,10 +182,39 @@ std::string selectStatement(const Dialect &dialect, const Table &table, const Ke
   }
   if (bounded) conditions.push_back(compare(keyColumns, "<=", order.size()));
   bool descending = op == ReadOp::Last || op == ReadOp::Le || op == ReadOp::Prev;
-  return std::string("SELECT ") + dialect.oneRowInFront +
+  return "SELECT " + filledIn(dialect.rowsInFront, std::to_string(rows)) +
          (op == ReadOp::Exists ? "1" : joined(allColumns(table), ",")) + from(dialect, table, key, forUpdate) +
          where(conditions) + (order.empty() ? "" : " ORDER BY " + joined(order, ",", descending ? " DESC" : "")) +
-         oneRow(dialect, forUpdate);
+         atMost(dialect, rows, forUpdate);
+}
+
+std::string lookUpsStatement(const Dialect &dialect, const std::vector<LookUpForm> &lookUps) {
+  std::string delivered, joins;
+  size_t parameters = 0;
+  for (size_t i = 0; i < lookUps.size(); ++i) {
+    const auto &[table, key, op] = lookUps[i];
+    const std::string alias = quoted("t" + std::to_string(i));
+    auto aliased = [&](const Names &names) {
+      Names all;
+      for (const std::string &name : names)
+        all.push_back(alias + "." + name);
+      return all;
+    };
+    const Names fields =
+        op == ReadOp::Exists ? columns(*table, {table->keys.front().fields.front()}) : allColumns(*table);
+    delivered += (i ? "," : "") + joined(aliased(fields), ",");
+    if (op == ReadOp::Le || op == ReadOp::Ge || !key->unique) {
+      joins += " LEFT JOIN (" + selectStatement(dialect, *table, *key, op, false, false, 1, parameters) + ") AS " +
+               alias + " ON 1=1";
+    } else {
+      Names compared = scopeColumns(*table);
+      append(compared, columns(*table, key->fields));
+      joins += " LEFT JOIN " + quoted(table->name) + " AS " + alias + usedIndex(dialect, *table, *key) + " ON " +
+               joined(equalities(aliased(compared)), " AND ");
+    }
+    parameters += scopeColumns(*table).size() + key->fields.size();
+  }
+  return "SELECT " + delivered + " FROM (SELECT 1 AS one) AS one" + joins;
 }
 
 std::string sumStatement(const Table &table, const Key &key, const std::vector<int> &fields) {
@@ -189,11 +229,22 @@ std::string sumStatement(const Table &table, const Key &key, const std::vector<i
   return "SELECT " + joined(sums, ",") + " FROM " + quoted(table.name) + where(conditions);
 }
 
-std::string insertStatement(const Table &table) {
+std::string insertStatement(const Table &table, size_t rows) {
   Names names = scopeColumns(table);
   append(names, allColumns(table));
-  return "INSERT INTO " + quoted(table.name) + " (" + joined(names, ",") + ") VALUES (" +
-         joined(Names(names.size(), "?"), ",") + ")";
+  const std::string row = "(" + joined(Names(names.size(), "?"), ",") + ")";
+  return "INSERT INTO " + quoted(table.name) + " (" + joined(names, ",") + ") VALUES " + joined(Names(rows, row), ",");
+}
+
+std::string insertNumberedStatement(const Dialect &dialect, const Table &table) {
+  Names names = scopeColumns(table);
+  append(names, allColumns(table));
+  const std::string assigned = columns(table, {table.assigned}).front();
+  Names values(names.size(), "?");
+  values[scopeColumns(table).size() + size_t(table.assigned)] = "COALESCE(MAX(" + assigned + "),0)+1";
+  return "INSERT INTO " + quoted(table.name) + " (" + joined(names, ",") + ") SELECT " + joined(values, ",") +
+         from(dialect, table, table.keys.front(), false) + where(rowConditions(table, fieldsBeforeAssigned(table))) +
+         " RETURNING " + assigned;
 }
 
 std::string updateStatement(const Table &table) {
@@ -206,15 +257,11 @@ std::string deleteStatement(const Table &table, const std::vector<int> &fields) 
 }
 
 std::string greatestStatement(const Dialect &dialect, const Table &table) {
-  Names conditions = equalities(scopeColumns(table));
-  for (int field : table.keys.front().fields) {
-    if (field == table.assigned) break;
-    append(conditions, equalities(columns(table, {field})));
-  }
   std::string assigned = columns(table, {table.assigned}).front();
-  return std::string("SELECT ") + dialect.oneRowInFront + assigned +
-         from(dialect, table, table.keys.front(), dialect.locksRows) + where(conditions) + " ORDER BY " + assigned +
-         " DESC" + oneRow(dialect, dialect.locksRows);
+  return "SELECT " + filledIn(dialect.rowsInFront, "1") + assigned +
+         from(dialect, table, table.keys.front(), dialect.locksRows) +
+         where(rowConditions(table, fieldsBeforeAssigned(table))) + " ORDER BY " + assigned + " DESC" +
+         atMost(dialect, 1, dialect.locksRows);
 }
 
 std::string lockStatement(const Dialect &dialect, size_t count) {

@@ -79,6 +79,9 @@ public:
   /// \param table  receives the table number: 0, 2, 3 or 16
   int UsedAndGetKnr(const char *account, uint8_t &found, DATENBANK &record, int32_t &table);
 
+  /// Tells a server what will be read, see Engine::readAhead.
+  int ReadAhead(std::span<const LookUp> wanted) { return engine_->readAhead(wanted); }
+
   // --- Changes ---
   /// Fails for a duplicate of a unique key. A number that the table assigns (payment terms, batches, batch postings,
   /// document links) is written back when the record carries 0, and so is the identifier of a batch posting that has
@@ -202,6 +205,7 @@ private:
   Outcome settle(const BATCHBUCHUNG &posting);
   Outcome settleOnce(const BATCHBUCHUNG &posting, std::chrono::milliseconds wait);
   bool markBatch(int32_t batch, bool holdsPostings);
+  template <class Record> bool insertAll(FileNumber file, const std::vector<Record> &records);
   template <class Record> int readLines(FileNumber file, std::vector<Record> &lines, const BATCHBUCHUNG &posting);
   template <class Work> int inTransaction(Work &&work);
   bool deletePosting(const BATCHBUCHUNG &posting);

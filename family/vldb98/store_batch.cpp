@@ -2,6 +2,7 @@
 #include "vldb98/store.h"
 
 #include <cstring>
+#include <limits>
 #include <type_traits>
 
 namespace vldb98 {
@@ -76,8 +77,6 @@ bool Store::writePosting(BATCHBUCHUNG &posting) {
     line.Stapel = posting.Stapel;
     line.Buchung = posting.Nr;
     line.Nr = number++;
-    record.Split = line;
-    if (!Insert(record, kSplit, ZELK_ENG_DEFAULT)) return false;
   }
   int32_t split = -1;
   for (KOBU &cost : costs_) {
@@ -86,10 +85,8 @@ bool Store::writePosting(BATCHBUCHUNG &posting) {
     cost.Stapel = posting.Stapel;
     cost.Buchung = posting.Nr;
     cost.Nr = number;
-    record.Kobu = cost;
-    if (!Insert(record, kKobu, ZELK_ENG_DEFAULT)) return false;
   }
-  return markBatch(posting.Stapel, true);
+  return insertAll(kSplit, lines_) && insertAll(kKobu, costs_) && markBatch(posting.Stapel, true);
 }
 
 bool Store::markBatch(int32_t batch, bool holdsPostings) {
@@ -103,14 +100,18 @@ bool Store::markBatch(int32_t batch, bool holdsPostings) {
   return Update(record, kStapel, ZELK_ENG_DEFAULT);
 }
 
+template <class Record> bool Store::insertAll(FileNumber file, const std::vector<Record> &records) {
+  return engine_->insertAll(file, reinterpret_cast<const char *>(records.data()), records.size());
+}
+
 template <class Record> int Store::readLines(FileNumber file, std::vector<Record> &lines, const BATCHBUCHUNG &posting) {
   DATENBANK record{};
   uint8_t found;
-  int done = GetGeExt(record, linesFrom(posting), found, file, ZELK_ENG_DEFAULT, 0);
+  constexpr int32_t greatest = std::numeric_limits<int32_t>::max();
+  int done = GetRangeExt(record, linesFrom(posting), linesFrom(posting).number(greatest).number(greatest), found, file,
+                         ZELK_ENG_DEFAULT);
   while (done && found) {
-    const Record &line = in<Record>(record);
-    if (line.Stapel != posting.Stapel || line.Buchung != posting.Nr) break;
-    lines.push_back(line);
+    lines.push_back(in<Record>(record));
     done = GetNextExt(record, found, file, ZELK_ENG_DEFAULT);
   }
   return done;

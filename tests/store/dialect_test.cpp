@@ -59,6 +59,18 @@ TEST(Dialects, WordTheirStatements) {
                              "@LockTimeout=?2; IF @answer>=0 SET @had=1; END; SELECT @had"},
       {unlockStatement(maria, 2), "DO RELEASE_LOCK(?1),RELEASE_LOCK(?2)"},
       {unlockStatement(ms, 1), "SET NOCOUNT ON; EXEC sp_releaseapplock @Resource=?1,@LockOwner='Session'"},
+      {lookUpsStatement(ms, {{findTable(kKombination), findTable(kKombination)->key(0), ReadOp::Exists},
+                             {findTable(kGeschaeftsjahr), findTable(kGeschaeftsjahr)->key(1), ReadOp::Le}}),
+       "SELECT \"t0\".\"Kostenart\",\"t1\".\"Jahr\",\"t1\".\"Beginn\",\"t1\".\"Ende\",\"t1\".\"Abgeschlossen\" FROM "
+       "(SELECT 1 AS one) AS one LEFT JOIN \"Kombination\" AS \"t0\" ON \"t0\".\"Mandant\"=? AND "
+       "\"t0\".\"Kostenart\"=? AND \"t0\".\"Kostenstelle\"=? LEFT JOIN (SELECT TOP 1 "
+       "\"Jahr\",\"Beginn\",\"Ende\",\"Abgeschlossen\" FROM \"Geschaeftsjahr\" WHERE \"Mandant\"=? AND "
+       "\"Beginn\"<=?5 ORDER BY \"Beginn\" DESC,\"Jahr\" DESC) AS \"t1\" ON 1=1"},
+      {insertStatement(*findTable(kKombination), 2),
+       "INSERT INTO \"Kombination\" (\"Mandant\",\"Kostenart\",\"Kostenstelle\") VALUES (?,?,?),(?,?,?)"},
+      {insertNumberedStatement(maria, *findTable(kDmsId)),
+       "INSERT INTO \"DmsId\" (\"Mandant\",\"Nr\",\"Id\",\"Kostenschablone\") SELECT ?,COALESCE(MAX(\"Nr\"),0)+1,?,? "
+       "FROM \"DmsId\" FORCE INDEX (PRIMARY) WHERE \"Mandant\"=? RETURNING \"Nr\""},
   };
   for (const auto &row : rows)
     EXPECT_EQ(row.made, row.expected);

@@ -36,12 +36,22 @@ public:
     found = false;
     return !fails() && inner_->read(op, file, key, upper, record, found);
   }
+  bool readAhead(std::span<const LookUp> wanted) override { return !fails() && inner_->readAhead(wanted); }
   bool sum(FileNumber file, const SCHLUESSEL &lower, const SCHLUESSEL &upper, std::span<const int> fields,
            std::span<int64_t> sums) override {
     return !fails() && inner_->sum(file, lower, upper, fields, sums);
   }
   bool change(ChangeOp op, FileNumber file, DATENBANK *record) override {
     return !fails() && inner_->change(op, file, record);
+  }
+  bool insertAll(FileNumber file, const char *records, size_t count) override {
+    // Each record is an operation, whatever the engine makes of them.
+    for (size_t i = 0; i < count; ++i)
+      if (fails()) {
+        inner_->insertAll(file, records, i);
+        return false;
+      }
+    return inner_->insertAll(file, records, count);
   }
   bool deleteBeginning(FileNumber file, const SCHLUESSEL &key, int fields) override {
     return !fails() && inner_->deleteBeginning(file, key, fields);
