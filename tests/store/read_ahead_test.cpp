@@ -126,6 +126,13 @@ TEST_F(ReadAhead, BlocksServeWalksUntilTheyAreOld) {
   // One row, ten, a hundred at a time: the last are 88 and the end.
   EXPECT_EQ(roundTrips() - before, 8u);
 
+  // A range that was read as a block does not bound a walk that goes on from one of its records.
+  ASSERT_TRUE(store->GetRangeExt(record, KeyBuilder().number(int32_t(100)), KeyBuilder().number(int32_t(101)), found,
+                                 kStapel, kDefault));
+  store->setCurrent(record, kStapel);
+  EXPECT_EQ(nextBatch(*store), 101);
+  EXPECT_EQ(nextBatch(*store), 102);
+
   // What the session changes itself is seen at once; what others change, within the life of a block.
   start();
   for (int32_t i : {101, 102, 103})
