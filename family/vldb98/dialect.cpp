@@ -82,12 +82,10 @@ Dialect mysqlFamily(const char *name, const char *createBehind) {
           .tableExists =
               "SELECT 1 FROM information_schema.tables WHERE table_schema=DATABASE() AND table_name=? LIMIT 1",
           .tablesEndTransactions = true,
-          // In what only MariaDB reads stands what only MariaDB knows. Its builds for Windows do not know the variables.
-          .whoIsThere =
-              "SELECT DATABASE(), VERSION(), CONCAT('' /*M!100500 , COALESCE((SELECT s.VARIABLE_VALUE "
-              "FROM information_schema.GLOBAL_STATUS s, information_schema.SESSION_VARIABLES v, "
-              "information_schema.GLOBAL_VARIABLES p WHERE v.VARIABLE_NAME='WSREP_ON' AND v.VARIABLE_VALUE='ON' AND "
-              "p.VARIABLE_NAME='WSREP_PROVIDER' AND p.VARIABLE_VALUE<>'none' AND s.VARIABLE_NAME='WSREP_READY'),'') */)",
+          // In what only MariaDB reads stands what only MariaDB knows.
+          .whoIsThere = "SELECT DATABASE(), VERSION(), "
+                        "CONCAT('' /*M!100500 , IF(@@wsrep_on AND @@wsrep_provider<>'none','cluster','') */)",
+          .isReady = "SELECT VARIABLE_VALUE='ON' FROM information_schema.GLOBAL_STATUS WHERE VARIABLE_NAME='WSREP_READY'",
           .setUp = setUpMysql,
           .begin = {"START TRANSACTION"},
           // The level holds for the next transaction only; below it there are no consistent snapshots.
@@ -131,6 +129,7 @@ const Dialect &sqliteDialect() {
                                .tableExists = "SELECT 1 FROM sqlite_schema WHERE type='table' AND name=?",
                                .tablesEndTransactions = false,
                                .whoIsThere = "",
+                               .isReady = "",
                                .setUp = noSetUp,
                                .begin = {},
                                .beginSnapshot = {},
@@ -182,6 +181,7 @@ const Dialect &mssqlDialect() {
       .tableExists = "SELECT 1 FROM INFORMATION_SCHEMA.TABLES WHERE TABLE_SCHEMA=SCHEMA_NAME() AND TABLE_NAME=?",
       .tablesEndTransactions = false,
       .whoIsThere = "SELECT DB_NAME(), '', ''",
+      .isReady = "",
       .setUp = setUpMssql,
       .begin = {"BEGIN TRANSACTION"},
       .beginSnapshot = {"SET TRANSACTION ISOLATION LEVEL SNAPSHOT; BEGIN TRANSACTION"},
