@@ -223,10 +223,18 @@ TEST_P(LockRows, LetOneOfTwoWritersFail) {
     // Who takes the lock anew goes on.
     ASSERT_TRUE(first->Lock(kSachkonto, nullptr, 0, kDefault));
     EXPECT_EQ(bool(first->Insert(own, kSachkonto, kDefault)), !goes);
-    // And again while the lock is held on.
+    // And again while the lock is held on, also behind a transaction that came to nothing, and with a lock out of it.
     DATENBANK more = account("71" + std::to_string(number));
+    ASSERT_TRUE(first->Transaktion(1, 0, kDefault) && first->Lock(kKreditor, nullptr, 0, kDefault));
+    ASSERT_TRUE(first->Insert(more, kSachkonto, kDefault) && first->Transaktion(4, 0, kDefault));
+    ASSERT_TRUE(other->Lock(kKreditor, nullptr, 0, kDefault));
     EXPECT_TRUE(first->Insert(more, kSachkonto, kDefault));
-    first->Unlock(kSachkonto, 0, kDefault);
+    DATENBANK late = account("61" + std::to_string(number));
+    EXPECT_FALSE(other->Insert(late, kSachkonto, kDefault));
+    for (FileNumber table : {kSachkonto, kKreditor}) {
+      first->Unlock(table, 0, kDefault);
+      other->Unlock(table, 0, kDefault);
+    }
   }
 }
 
