@@ -73,10 +73,12 @@ private:
     Rows rows;
     for (const LockName &name : names)
       rows[rowOf(name)];
-    if (named_ && !named_->acquire(names, LockMode::Exclusive)) return 0;
-    // A lock whose row is not had is none that somebody else holds, so it counts as taken: nothing can be written under
-    // it.
-    const bool had = writing_ ? connection_.inTransaction() && raise(rows) : note(rows);
+    const bool queued = !named_ || named_->acquire(names, LockMode::Exclusive);
+    const bool open = !writing_ || connection_.inTransaction();
+    if (!queued && (open || !connection_.usable())) return 0;
+    // A lock that is not had for another reason than that somebody else holds it counts as taken: nothing can be
+    // written under it.
+    const bool had = queued && open && (writing_ ? raise(rows) : note(rows));
     if (!had && writing_ && connection_.inTransaction()) connection_.collided();
     for (auto &[row, stand] : rows)
       if (!had) stand = {kNever, {}};

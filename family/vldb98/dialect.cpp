@@ -59,54 +59,52 @@ std::vector<std::string> setUpMssql(std::chrono::milliseconds wait) {
 }
 
 Dialect mysqlFamily(const char *name, const char *createBehind) {
-  return {.name = name,
-          .engine = ZELK_ENG_MYSQL,
-          .rowsInFront = "",
-          .rowsBehind = " LIMIT %d",
-          .comparesRows = false,
-          .useIndex = " FORCE INDEX (%s)",
-          .primaryIndex = "PRIMARY",
-          .forUpdateAtTable = "",
-          .forUpdateBehind = " FOR UPDATE",
-          .locksRows = true,
-          .remote = true,
-          .insertsDeliver = false,
-          .createInFront = "CREATE TABLE IF NOT EXISTS ",
-          .createBehind = createBehind,
-          .indexesInside = true,
-          .index = "KEY %s",
-          .uniqueIndex = "UNIQUE KEY %s",
-          .integers = {"SMALLINT", "SMALLINT", "INT", "INT"},
-          .money = "BIGINT",
-          .year = "SMALLINT",
-          .text = "VARCHAR(%d)",
-          .textBytesPerCharacter = 1,
-          .tableExists =
-              "SELECT 1 FROM information_schema.tables WHERE table_schema=DATABASE() AND table_name=? LIMIT 1",
-          .tablesEndTransactions = true,
-          // In what only MariaDB reads stands what only MariaDB knows. Its builds for Windows do not know the variables.
-          .whoIsThere =
-              "SELECT DATABASE(), VERSION(), CONCAT('' /*M!100500 , COALESCE((SELECT s.VARIABLE_VALUE "
-              "FROM information_schema.GLOBAL_STATUS s, information_schema.SESSION_VARIABLES v, "
-              "information_schema.GLOBAL_VARIABLES p WHERE v.VARIABLE_NAME='WSREP_ON' AND v.VARIABLE_VALUE='ON' AND "
-              "p.VARIABLE_NAME='WSREP_PROVIDER' AND p.VARIABLE_VALUE<>'none' AND s.VARIABLE_NAME='WSREP_READY'),'') */), "
-              "CONNECTION_ID()",
-          .setUp = setUpMysql,
-          .begin = {"START TRANSACTION"},
-          // The level holds for the next transaction only; below it there are no consistent snapshots.
-          .beginSnapshot = {"SET TRANSACTION ISOLATION LEVEL REPEATABLE READ",
-                            "START TRANSACTION WITH CONSISTENT SNAPSHOT"},
-          .commit = "COMMIT",
-          .rollback = "ROLLBACK",
-          .errors = kMysqlErrors,
-          .drivers = kMysqlDrivers,
-          // The connection's character set is also what 8-bit texts are in. (The driver for MariaDB miscounts UTF-16:
-          // it takes U+00D8 to U+00DB for halves of pairs.) 2: an update counts the rows that it found, also those that
-          // it left as they were.
-          .fixedOptions = "CHARSET=utf8mb4;OPTION=2;",
-          .loginTimeout = "CONN_TIMEOUT",
-          .takesUtf8 = true,
-          .portBehindHost = false};
+  return {
+      .name = name,
+      .engine = ZELK_ENG_MYSQL,
+      .rowsInFront = "",
+      .rowsBehind = " LIMIT %d",
+      .comparesRows = false,
+      .useIndex = " FORCE INDEX (%s)",
+      .primaryIndex = "PRIMARY",
+      .forUpdateAtTable = "",
+      .forUpdateBehind = " FOR UPDATE",
+      .locksRows = true,
+      .remote = true,
+      .insertsDeliver = false,
+      .createInFront = "CREATE TABLE IF NOT EXISTS ",
+      .createBehind = createBehind,
+      .indexesInside = true,
+      .index = "KEY %s",
+      .uniqueIndex = "UNIQUE KEY %s",
+      .integers = {"SMALLINT", "SMALLINT", "INT", "INT"},
+      .money = "BIGINT",
+      .year = "SMALLINT",
+      .text = "VARCHAR(%d)",
+      .textBytesPerCharacter = 1,
+      .tableExists = "SELECT 1 FROM information_schema.tables WHERE table_schema=DATABASE() AND table_name=? LIMIT 1",
+      .tablesEndTransactions = true,
+      // In what only MariaDB reads stands what only MariaDB knows.
+      .whoIsThere = "SELECT DATABASE(), VERSION(), "
+                    "CONCAT('' /*M!100500 , IF(@@wsrep_on AND @@wsrep_provider<>'none','cluster','') */), "
+                    "CONNECTION_ID()",
+      .isReady = "SELECT VARIABLE_VALUE='ON' FROM information_schema.GLOBAL_STATUS WHERE VARIABLE_NAME='WSREP_READY'",
+      .setUp = setUpMysql,
+      .begin = {"START TRANSACTION"},
+      // The level holds for the next transaction only; below it there are no consistent snapshots.
+      .beginSnapshot = {"SET TRANSACTION ISOLATION LEVEL REPEATABLE READ",
+                        "START TRANSACTION WITH CONSISTENT SNAPSHOT"},
+      .commit = "COMMIT",
+      .rollback = "ROLLBACK",
+      .errors = kMysqlErrors,
+      .drivers = kMysqlDrivers,
+      // The connection's character set is also what 8-bit texts are in. (The driver for MariaDB miscounts UTF-16:
+      // it takes U+00D8 to U+00DB for halves of pairs.) 2: an update counts the rows that it found, also those that
+      // it left as they were.
+      .fixedOptions = "CHARSET=utf8mb4;OPTION=2;",
+      .loginTimeout = "CONN_TIMEOUT",
+      .takesUtf8 = true,
+      .portBehindHost = false};
 }
 
 } // namespace
@@ -137,6 +135,7 @@ const Dialect &sqliteDialect() {
                                .tableExists = "SELECT 1 FROM sqlite_schema WHERE type='table' AND name=?",
                                .tablesEndTransactions = false,
                                .whoIsThere = "",
+                               .isReady = "",
                                .setUp = noSetUp,
                                .begin = {},
                                .beginSnapshot = {},
@@ -193,6 +192,7 @@ const Dialect &mssqlDialect() {
       .tableExists = "SELECT 1 FROM INFORMATION_SCHEMA.TABLES WHERE TABLE_SCHEMA=SCHEMA_NAME() AND TABLE_NAME=?",
       .tablesEndTransactions = false,
       .whoIsThere = "SELECT DB_NAME(), '', '', 0",
+      .isReady = "",
       .setUp = setUpMssql,
       .begin = {"BEGIN TRANSACTION"},
       .beginSnapshot = {"SET TRANSACTION ISOLATION LEVEL SNAPSHOT; BEGIN TRANSACTION"},

@@ -57,9 +57,10 @@ struct Dialect {
   bool tablesEndTransactions; ///< making or dropping a table commits
 
   // --- Sessions ---
-  /// Delivers the database, the version, of a node of a cluster whether it takes part in it (ON, OFF), else "", and the
-  /// connection's number or 0.
+  /// Delivers the database, the version, "" where the server is no node of a cluster, and the connection's number or 0.
+  /// What stands in a comment is left out where the server does not know it.
   const char *whoIsThere;
+  const char *isReady; ///< asks a node whether it takes part in the cluster: 1
   std::vector<std::string> (*setUp)(std::chrono::milliseconds wait); ///< statements behind the connection
   std::vector<std::string> begin, beginSnapshot;
   const char *commit, *rollback;

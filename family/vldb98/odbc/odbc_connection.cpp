@@ -182,16 +182,22 @@ bool Connection::connect(const ServerSettings &server) {
 
 bool Connection::setUp(std::chrono::milliseconds wait, std::string &database) {
   const bool microsoft = dialect_->engine == ZELK_ENG_MSSQL;
-  auto who = prepare(dialect_->whoIsThere);
+  std::string question = dialect_->whoIsThere;
+  auto who = prepare(question);
+  // Builds of MariaDB without Galera, as those for Windows, do not know the variables of clusters.
+  if (const size_t comment = question.find("/*"); !who && comment != question.npos)
+    who = prepare(question.erase(comment, question.find("*/") + 2 - comment));
   if (!who || who->step() != Step::Row || who->isNull(0)) return false;
   database = who->text(0);
   number_ = who->integer(3);
   if (!microsoft && who->text(1).find("MariaDB") != std::string_view::npos) dialect_ = &mariadbDialect();
   onCluster_ = !who->text(2).empty();
-  // A node that does not belong to the cluster, or not yet, has books of yesterday.
-  const bool ready = !onCluster_ || who->text(2) == "ON";
   who.reset();
-  if (!ready) return false;
+  if (onCluster_) {
+    // A node that does not belong to it, or not yet, has the books of yesterday.
+    auto ready = prepare(dialect_->isReady);
+    if (!ready || ready->step() != Step::Row || ready->integer(0) != 1) return false;
+  }
   for (const std::string &sql : dialect_->setUp(wait))
     if (!execute(sql)) return false;
   return true;
