@@ -14,6 +14,8 @@ public:
     Forward,
     CutBefore, ///< both connections end, and the server never sees the command
     CutBehind, ///< both end, when the server has answered and before the answer is handed on
+    Deadlock,  ///< the server never sees the command, and the client is told of error 1213, as a cluster does at a
+               ///< COMMIT
     Hold,      ///< the client's connection ends; the server's stays open, and gets the command with release()
   };
   /// Says what becomes of a command of the client: of all commands so far the n-th, from 1, with its bytes behind the

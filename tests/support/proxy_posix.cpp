@@ -22,6 +22,9 @@ namespace {
 // begins.
 constexpr size_t kHeader = 4;
 
+// The first packet of an answer: error 1213, its state and a text.
+constexpr std::string_view kDeadlock("\x11\0\0\x01\xff\xbd\x04#40001Deadlock", 21);
+
 class Socket {
 public:
   explicit Socket(int handle = -1) : handle_(handle) {}
@@ -125,6 +128,8 @@ bool Proxy::State::pass(Connection &connection, const std::string &packet) {
   case Fate::CutBehind:
     connection.cutAtAnswer = true;
     break;
+  case Fate::Deadlock:
+    return connection.client.send(kDeadlock);
   case Fate::Hold: {
     std::lock_guard guard(mutex);
     held.push_back({std::move(connection.server), packet});
