@@ -171,6 +171,7 @@ bool IsamEngine::sum(FileNumber file, const SCHLUESSEL &lower, const SCHLUESSEL 
 }
 
 bool IsamEngine::execute(SqlStatement &statement) {
+  if (lostTransaction()) return false;
   Execution execution(statement);
   return statement.step() == Step::Done;
 }

@@ -198,6 +198,7 @@ bool IsamEngine::insertNumbered(SqlStatement &statement, const Table &table, cha
     if (int(i) != table.assigned && !bindField(statement, parameter++, table.fields[i], record, scratch_)) return false;
   parameter = bindScopeBehind(statement, table, parameter);
   if (!bindFields(statement, table, fieldsBeforeAssigned(table), record, parameter)) return false;
+  if (lostTransaction()) return false;
   Execution execution(statement);
   if (statement.step() != Step::Row) return false;
   const auto number = int32_t(statement.integer(0));

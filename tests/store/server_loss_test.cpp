@@ -215,6 +215,13 @@ protected:
     return result;
   }
 
+  /// A posting changes the record of its batch only when it is the first.
+  void emptyBatch() {
+    auto other = session();
+    uint8_t found = 0;
+    ASSERT_TRUE(other->SetzeFista(1, found) && found && other->EmptyBat(3));
+  }
+
   std::atomic<int> attempts{0}; ///< that came to nothing
 };
 
@@ -232,11 +239,9 @@ TEST_F(ServerObstacles, AreMetOnceMore) {
     for (const auto &row : rows) {
       const std::string document = "e" + std::to_string(++posted);
       SCOPED_TRACE(std::string(event) + ", error " + std::to_string(row.error) + " times " + std::to_string(row.times));
-      // The document is a new one and the batch is empty, so that all of it is written.
-      auto other = session();
-      uint8_t found = 0;
-      ASSERT_TRUE(other->SetzeFista(1, found) && found && other->EmptyBat(3));
-      const std::string before = dump(*other, 1, {kStapel, kBatchbuchung, kSplit, kKobu});
+      // The document is a new one, so that all of it is written.
+      emptyBatch();
+      const std::string before = dump(*session(), 1, {kStapel, kBatchbuchung, kSplit, kKobu});
       ASSERT_TRUE(administrator->execute(std::string("CREATE TRIGGER obstacle BEFORE ") + event +
                                          " FOR EACH ROW BEGIN IF COALESCE(@met,0)<" + std::to_string(row.times) +
                                          " THEN SET @met=COALESCE(@met,0)+1; SIGNAL SQLSTATE '40001' SET MYSQL_ERRNO=" +
@@ -276,6 +281,7 @@ TEST_F(ServerObstacles, AreWaitedForInTime) {
   for (int leaves : {0, 1, 2}) { // after so many attempts; 0: never
     SCOPED_TRACE(leaves);
     const std::string document = "w" + std::to_string(leaves);
+    emptyBatch();
     ASSERT_TRUE(administrator->execute("START TRANSACTION"));
     ASSERT_TRUE(administrator->execute("UPDATE \"Stapel\" SET \"Name\"='x' WHERE \"Mandant\"=1 AND \"Nr\"=3"));
     auto undone = [&](int attempt) {
@@ -290,6 +296,7 @@ TEST_F(ServerObstacles, AreWaitedForInTime) {
 
 // Somebody who writes more, and so is the one that the server lets go on, holds the batch and wants the new posting.
 TEST_F(ServerObstacles, AreNotDeadlocks) {
+  emptyBatch();
   ASSERT_TRUE(administrator->begin(false));
   ASSERT_TRUE(administrator->execute("UPDATE \"Stapel\" SET \"Name\"='x' WHERE \"Mandant\"=1 AND \"Nr\"=3"));
   ASSERT_TRUE(administrator->execute("INSERT INTO \"Benutzer\" (\"Mandant\",\"Nr\",\"Name\") SELECT 9,seq,'' FROM "
