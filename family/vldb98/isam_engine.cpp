@@ -171,6 +171,7 @@ bool IsamEngine::sum(FileNumber file, const SCHLUESSEL &lower, const SCHLUESSEL 
 }
 
 bool IsamEngine::execute(SqlStatement &statement) {
+  // A step of several statements can lose its transaction among them, also while one of them is prepared.
   if (lostTransaction()) return false;
   Execution execution(statement);
   return statement.step() == Step::Done;

@@ -89,7 +89,6 @@ private:
   /// Rows of the table that were read for later are out of date.
   void forgetAhead(const Table &table);
   void forgetBlocks();
-  /// Executes a change. Between the operation's beginning and this, preparing the statement can end the transaction.
   bool execute(SqlStatement &statement);
   /// The database gave the running transaction up by itself: what is changed now would be committed at once.
   bool lostTransaction() { return depth_ > 0 && !connection_->inTransaction(); }
