@@ -69,21 +69,6 @@ protected:
     });
   }
 
-  /// Ends all connections of the library.
-  void endConnections() {
-    auto others = administrator->prepare("SELECT id FROM information_schema.processlist WHERE db=DATABASE() AND "
-                                         "id<>CONNECTION_ID()");
-    std::vector<std::string> ids;
-    while (others->step() == Step::Row)
-      ids.push_back(std::to_string(others->integer(0)));
-    others->reset();
-    for (const std::string &id : ids)
-      administrator->execute("KILL " + id);
-    // They are gone when the server has noticed.
-    for (bool left = true; left; others->reset())
-      left = others->step() == Step::Row;
-  }
-
   std::string protocol() const {
     std::ifstream file(folder() / "programm" / "ZELKPROT.TXT", std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
@@ -181,7 +166,7 @@ TEST_F(ServerLoss, LeavesNothingHalfDoneWhereverItHappens) {
     const std::string document = "n" + std::to_string(n);
     proxy->judge([this, noticed, at = noticed ? n : n - commands](int number, std::string_view) {
       if (number != at) return Fate::Forward;
-      if (noticed) endConnections();
+      if (noticed) endOtherConnections(*administrator);
       return noticed ? Fate::Forward : Fate::Hold;
     });
     const ZelkResult result = post(document);

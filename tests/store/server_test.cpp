@@ -18,22 +18,6 @@ std::unique_ptr<SqlConnection> administrator() {
   return openOdbc(serverDatabase(), std::chrono::seconds(10), ignored);
 }
 
-/// Ends every other connection to the database of the test, as a restart of the server or a network that fails would.
-void cutConnections() {
-  auto connection = administrator();
-  auto others = connection->prepare("SELECT id FROM information_schema.processlist WHERE db=DATABASE() AND "
-                                    "id<>CONNECTION_ID()");
-  std::vector<std::string> ids;
-  while (others->step() == Step::Row)
-    ids.push_back(std::to_string(others->integer(0)));
-  others->reset();
-  for (const std::string &id : ids)
-    connection->execute("KILL " + id);
-  // They are gone when the server has noticed.
-  for (int64_t left = 1; left > 0; others->reset())
-    left = others->step() == Step::Row;
-}
-
 class Server : public Books {
 protected:
   void SetUp() override {
@@ -107,7 +91,7 @@ TEST_F(Server, AsksForWhatIsMissingOnlyWithADialog) {
 TEST_F(Server, LosesNothingWithItsConnection) {
   ZELK_BUCHUNG posting = validPosting();
   ASSERT_EQ(ZELK_BuchungEinfuegen(&posting, 0), ZELK_OK);
-  cutConnections();
+  endOtherConnections(*administrator());
   EXPECT_EQ(ZELK_BuchungEinfuegen(&posting, 0), ZELKERR_Datenbank) << "neither skipped nor stored";
   EXPECT_EQ(ZELK_BuchungEinfuegen(&posting, 0), ZELK_OK);
   EXPECT_EQ(postingsOf(1, 3).size(), 2u);
@@ -119,7 +103,7 @@ TEST_F(Server, LosesNothingWithItsConnection) {
   ASSERT_TRUE(store->Transaktion(1, 0, kDefault) && store->Lock(kStapel, nullptr, 0, kDefault));
   DATENBANK batch{};
   ASSERT_TRUE(store->Insert(batch, kStapel, kDefault));
-  cutConnections();
+  endOtherConnections(*administrator());
   EXPECT_TRUE(store->usable());
   EXPECT_FALSE(store->Insert(batch, kStapel, kDefault));
   EXPECT_FALSE(store->usable());

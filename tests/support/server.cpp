@@ -88,6 +88,20 @@ void renewServerDatabase() {
   toBeEmptied = true;
 }
 
+void endOtherConnections(SqlConnection &administrator) {
+  auto others = administrator.prepare("SELECT id FROM information_schema.processlist WHERE db=DATABASE() AND "
+                                      "id<>CONNECTION_ID()");
+  std::vector<std::string> ids;
+  while (others->step() == Step::Row)
+    ids.push_back(std::to_string(others->integer(0)));
+  others->reset();
+  for (const std::string &id : ids)
+    administrator.execute("KILL " + id);
+  // They are gone when the server has noticed.
+  for (bool left = true; left; others->reset())
+    left = others->step() == Step::Row;
+}
+
 void writeServerSettings(const ServerSettings &server) {
   auto write = [](const char *key, const std::string &value) {
     MFWritePrivateProfileString(kServerSection, key, value.c_str(), "");

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "vldb98/server.h"
+#include "vldb98/sql.h"
 
 namespace test {
 
@@ -13,6 +14,10 @@ const vldb98::ServerSettings &serverDatabase();
 
 /// The next call of serverDatabase finds it empty.
 void renewServerDatabase();
+
+/// Ends every other connection to the database of the given one, as a restart of the server or a network that fails
+/// would.
+void endOtherConnections(vldb98::SqlConnection &administrator);
 
 /// Lets the library's settings lead to a server.
 void writeServerSettings(const vldb98::ServerSettings &server);
