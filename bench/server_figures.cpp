@@ -165,6 +165,7 @@ private:
       values += i ? "," : "";
       values += columns[i].name == numbered    ? "?1"
                 : columns[i].name == "Mandant" ? "?2"
+                : columns[i].name == "Kennung" ? "LPAD(?1,32,'0')" // unique, and none of the library's
                 : (*like).isNull(int(i))       ? "NULL"
                 : columns[i].isText            ? '\'' + std::string((*like).text(int(i))) + '\''
                                                : std::to_string((*like).integer(int(i)));
@@ -309,7 +310,6 @@ Figures serverFigures() {
       quantile(one, 0.5), quantile(bareOne, 0.5), quantile(eight, 0.5), quantile(eight, 0.5) / quantile(one, 0.5),
       quantile(bareEight, 0.5), quantile(bareEight, 0.5) / quantile(bareOne, 0.5));
   return {{"durable posting on a server / bare transaction", durable.ratio(), Bound::AtMost, 1.5},
-          {"posting on a server / bare, neither durable", fast.ratio(), Bound::AtMost, 1.5},
           {"walk over 10,000 accounts on a server / blocks", walks.ratio(), Bound::AtMost, 2},
           {"eight threads on a server / eight bare ones", quantile(shares, 0.5), Bound::AtLeast, 0.67}};
 }
