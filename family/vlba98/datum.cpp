@@ -119,14 +119,9 @@ std::optional<Datum> parseDatum(std::string_view external) {
   if (const auto pairs = readPairs(external))
     return checked(fromTwoDigitYear(pairs->third), pairs->second, pairs->first);
 
-  const std::size_t dot = external.find('.');
-  if (dot == std::string_view::npos) return std::nullopt;
-  const std::size_t dot2 = external.find('.', dot + 1);
-  if (dot2 == std::string_view::npos) return std::nullopt;
-  const std::string_view day = external.substr(0, dot), month = external.substr(dot + 1, dot2 - dot - 1),
-                         year = external.substr(dot2 + 1);
-  if (!IsZahl(day) || !IsZahl(month) || !IsZahl(year) || day.size() > 2 || month.size() > 2) return std::nullopt;
-  if (year.size() != 2 && year.size() != 4) return std::nullopt;
+  if ((external.size() != 8 && external.size() != 10) || external[2] != '.' || external[5] != '.') return std::nullopt;
+  const std::string_view day = external.substr(0, 2), month = external.substr(3, 2), year = external.substr(6);
+  if (!IsZahl(day) || !IsZahl(month) || !IsZahl(year)) return std::nullopt;
   return checked(year.size() == 2 ? fromTwoDigitYear(number(year)) : number(year), number(month), number(day));
 }
 

@@ -57,8 +57,8 @@ std::optional<Datum> addMonths(const Datum &datum, int months);
 /// The day n days on (back when negative). Nothing when the date is invalid or the result lies outside 1980 to 2079.
 std::optional<Datum> addDays(const Datum &datum, int days);
 
-/// A date as a user or an outside program writes it: "TTMMJJ", "TT.MM.JJ" or "TT.MM.JJJJ", with the dots also one-digit
-/// days and months. JJ is a calendar year as in external6. Nothing for any other text or no calendar day.
+/// A date as a user or an outside program writes it: "TTMMJJ", "TT.MM.JJ" or "TT.MM.JJJJ". JJ is a calendar year as in
+/// external6. Nothing for any other text, one-digit days and months among them, or no calendar day.
 std::optional<Datum> parseDatum(std::string_view external);
 
 // The texts of a date: an invalid date gives the empty text, and a text that is not exactly such a date gives nothing.

@@ -142,7 +142,7 @@ bool IsGeld(const char *text, int width, int leerErlaubt, int negativErlaubt, ch
   } else {
     const char *start = at;
     const auto amount = readAmount(at, static_cast<std::size_t>(width) - 3);
-    if (!amount) return refuse(at);
+    if (!amount) return refuse(*at != '\0' ? at : start);
     skipBlanks();
     if (*at != '\0') return refuse(at);
     if (*amount < 0 && !negativErlaubt) return refuse(start);

@@ -81,7 +81,7 @@ std::int64_t roundToFive(std::int64_t hundredths);
 ///                       when the text is refused
 /// \param rest           may be null; receives an empty text when all is well, otherwise the refused remainder of the
 ///                       text: from the first character that does not belong, or from the start of the number when
-///                       its value is refused
+///                       it breaks off or its value is refused (of an empty or blank text nothing remains)
 bool IsGeld(const char *text, int width, int leerErlaubt = 0, int negativErlaubt = 0, char *normalised = nullptr,
             const char **rest = nullptr);
 

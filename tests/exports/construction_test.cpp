@@ -72,7 +72,7 @@ TEST_F(Construction, Calls) {
 
 TEST_F(Construction, TakesWhatFits) {
   std::string fifty(50, 'x'), cut = fifty.substr(0, 35);
-  ASSERT_EQ(ZELK_SplitStart(1, 2, "21.1.2026", fifty.c_str(), 0, 0, fifty.c_str(), "01.02.2026", nullptr, 0, nullptr,
+  ASSERT_EQ(ZELK_SplitStart(1, 2, "21.01.2026", fifty.c_str(), 0, 0, fifty.c_str(), "01.02.2026", nullptr, 0, nullptr,
                             (fifty + "yz").c_str()),
             ZELK_OK);
   for (int i = 0; i < 15; ++i)

@@ -70,7 +70,7 @@ const Check kChecks[] = {
     {date("010125"), "1"},
     {date("311226"), "1"},
     {date("010127"), kDate},
-    {date("1.2.26"), "1"},
+    {date("1.2.26"), kDate},
     {date("300625", true), kDate},
     {date("010725", true), "1"},
     {date("300627", true), "1"},

@@ -35,7 +35,7 @@ TEST_F(Postings, SingleOneIsReadBackInEveryField) {
   const ZELK_BUCHUNG single = toSingle(kFull);
   const std::pair<const char *, std::function<ZelkResult()>> ways[] = {
       {"single", [&] { return ZELK_BuchungEinfuegen(&single, 1); }},
-      {"flat", [&] { return insertFlat(single, "28.2.2027", "01.03.27"); }},
+      {"flat", [&] { return insertFlat(single, "28.02.2027", "01.03.27"); }},
       {"split", [&] { return insertWhole(kFull); }}};
   for (const auto &[name, way] : ways) {
     SCOPED_TRACE(name);
@@ -87,7 +87,7 @@ TEST_F(Postings, FlatArguments) {
     const char *message;
   } rows[] = {{"210126", "", 1, ""},
               {" 21.01.2026 ", nullptr, 1, ""},
-              {"21.1.26", "1.2.2028", 1, ""},
+              {"21.01.26", "01.02.2028", 1, ""},
               {"", "", -11, "Das Buchungsdatum ist unzulässig!"},
               {nullptr, "", -11, "Das Buchungsdatum ist unzulässig!"},
               {"30.02.2026", "", -11, "Das Buchungsdatum ist unzulässig!"},
