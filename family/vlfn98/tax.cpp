@@ -83,7 +83,8 @@ std::optional<Steuerrechnung> rechneSteuer(int64_t gross, int64_t rate, std::opt
     result.tax = rounded(CalcSteuerAnteil(gross - rounded(*net), *key));
   }
   result.net = gross - result.tax;
-  bool signsDiffer = (gross <= 0 && result.net > 0) || (gross >= 0 && result.net < 0);
+  // What was reckoned stands, even where rounding to five hundredths made it more than the gross amount.
+  bool signsDiffer = given && ((gross <= 0 && result.net > 0) || (gross >= 0 && result.net < 0));
   if (signsDiffer || !withinRange(result.tax) || !withinRange(result.net)) return std::nullopt;
   return result;
 }
@@ -91,6 +92,7 @@ std::optional<Steuerrechnung> rechneSteuer(int64_t gross, int64_t rate, std::opt
 bool passtZumSteuersatz(int64_t gross, int64_t rate, int64_t given, const STEUSA &key) {
   constexpr int64_t tolerance = 5;
   if (rate == 0) return given == 0;
+  if ((given < 0 && gross > 0) || (given > 0 && gross < 0)) return false;
   auto isNear = [&](int64_t tax) {
     return std::abs(given - tax) <= tolerance || std::abs(given - CalcSteuerAnteil(tax, key)) <= tolerance;
   };

@@ -56,12 +56,13 @@ struct Steuerrechnung {
 /// \param given       tax amount that came with the posting; nothing: it is computed
 /// \param key         record of the posting's tax key; null: none
 /// \param roundToFive round tax and net amount to five hundredths
-/// \return nothing when the net amount would have another sign than the gross amount, or an amount its range left
+/// \return nothing when a tax amount that came with the posting gives the net amount another sign than the gross amount
+///         has, or when an amount leaves its range
 std::optional<Steuerrechnung> rechneSteuer(int64_t gross, int64_t rate, std::optional<int64_t> given,
                                            const vldb98::STEUSA *key, bool roundToFive);
 
-/// Whether a tax amount that came with a posting fits its gross amount and rate: within five hundredths of the tax or
-/// of its deductible share, which invoices that round line by line keep to.
+/// Whether a tax amount that came with a posting fits its gross amount and rate: of the same sign, and within five
+/// hundredths of the tax or of its deductible share, which invoices that round line by line keep to.
 bool passtZumSteuersatz(int64_t gross, int64_t rate, int64_t given, const vldb98::STEUSA &key);
 
 } // namespace vlfn98

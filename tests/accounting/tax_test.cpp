@@ -54,7 +54,7 @@ std::optional<Steuerrechnung> expected(int64_t gross, int64_t rate, std::optiona
     if (five) tax = toFive(tax);
   }
   int64_t net = gross - tax;
-  const bool signChanged = (gross >= 0 && net < 0) || (gross <= 0 && net > 0);
+  const bool signChanged = given && ((gross >= 0 && net < 0) || (gross <= 0 && net > 0));
   const bool fits = std::max(std::abs(net), std::abs(tax)) <= vlba98::maxGeld;
   if (signChanged || !fits) return std::nullopt;
   return Steuerrechnung{net, tax, excluded ? 0 : rate, withKey};
@@ -111,6 +111,7 @@ TEST(Tax, OfTheBook) {
       {119'00, 1900, kNone, &half, false, "10950 + 950 at 1900 with key"},
       {99'90, 810, kNone, &input, true, "9240 + 750 at 810 with key"}, // 92,41; 7,49 without rounding
       {99'92, 810, kNone, &input, true, "9247 + 745 at 810 with key"}, // 92,43 and so 92,45; 7,47
+      {3, 2500, kNone, &output, true, "-2 + 5 at 2500 with key"},
       {100'00, 1900, kNone, &eight, false, "10000 + 0 at 1900 with key"},
       {100'00, 1900, 15'97, &eight, false, "8403 + 1597 at 1900 with key"},
       {100'00, 1900, 19'00, &acquisition, false, "10000 + 0 at 0 with key"},
@@ -137,10 +138,16 @@ TEST(Tax, ThatIsGivenFitsWithinFiveHundredths) {
     int64_t gross, rate;
     const STEUSA *key;
     int64_t least, greatest; ///< tax amounts that fit: these, those in between, and none beside them
-  } rows[] = {{119'00, 1900, &whole, 18'95, 19'05},       {-119'00, 1900, &whole, -19'05, -18'95},
-              {100'00, 700, &whole, 6'49, 6'59},          {119'00, 1900, &half, 9'45, 9'55},
-              {119'00, 1900, &half, 18'95, 19'05},        {119'00, 0, &whole, 0, 0},
-              {100'00, 1900, &acquisition, 15'92, 16'02}, {100'00, 1900, &acquisition, 18'95, 19'05}};
+  } rows[] = {{119'00, 1900, &whole, 18'95, 19'05},
+              {-119'00, 1900, &whole, -19'05, -18'95},
+              {100'00, 700, &whole, 6'49, 6'59},
+              {119'00, 1900, &half, 9'45, 9'55},
+              {10, 1900, &whole, 0, 7},
+              {-10, 1900, &whole, -7, 0},
+              {119'00, 1900, &half, 18'95, 19'05},
+              {119'00, 0, &whole, 0, 0},
+              {100'00, 1900, &acquisition, 15'92, 16'02},
+              {100'00, 1900, &acquisition, 18'95, 19'05}};
   for (const auto &row : rows) {
     for (int64_t tax : {row.least, (row.least + row.greatest) / 2, row.greatest})
       EXPECT_TRUE(passtZumSteuersatz(row.gross, row.rate, tax, *row.key)) << tax;
