@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "frame/lifecycle.h"
 #include "netwr98/capture.h"
 #include "postings/insertion.h"
 #include "resources/strings.h"
@@ -41,6 +42,10 @@ ZelkResult Insertion::addCosts(Line &line) {
   bool income = isIncome(line.debit) || isIncome(line.credit);
   bool given =
       construction_ && nextCost_ < construction_->costs.size() && construction_->costs[nextCost_].line == line.index;
+  if (frame::programSettings().basicEdition) {
+    bool wanted = given || line.request.Kostenschablone != 0;
+    return wanted ? refuse(ZELKERR_uzl_Kostenrechnung, resources::kKostenBasis, line) : ZELK_OK;
+  }
   bool mandatory = false;
   if (income || given || line.request.Kostenschablone) {
     const FISTA_EXT *client = extension();
@@ -59,12 +64,13 @@ ZelkResult Insertion::addCosts(Line &line) {
     if (bothIncome) return refuse(ZELKERR_uzl_Kostenrechnung, resources::kGuvUmbuchung, line);
     return storeCosts(line, costs);
   }
-  // Between two income-statement accounts there is nothing to distribute, and opening and closing postings only carry
-  // balances on.
-  bool demanded = mandatory && income && !bothIncome && !posting_.Eroeffnung && !posting_.Abschluss;
-  if (!demanded) return ZELK_OK;
-  return refuse(ZELKERR_uzl_Kostenrechnung,
-                construction_ ? resources::kKostenstellenpflicht : resources::kKostenstellenpflichtSchablone, line);
+  // Opening and closing postings only carry balances on.
+  if (!mandatory || !income || posting_.Eroeffnung || posting_.Abschluss) return ZELK_OK;
+  // No cost centre would be taken between two income-statement accounts: the text says what to do instead.
+  int message = bothIncome      ? resources::kGuvUmbuchung
+                : construction_ ? resources::kKostenstellenpflicht
+                                : resources::kKostenstellenpflichtSchablone;
+  return refuse(ZELKERR_uzl_Kostenrechnung, message, line);
 }
 
 ZelkResult Insertion::checkCentres(const KOBU &cost, Refusal &refusal) {
@@ -151,16 +157,16 @@ ZelkResult Insertion::addGivenCosts(const Line &line, Kostenseite side, Costs &c
 }
 
 ZelkResult Insertion::addTemplateCosts(const Line &line, Kostenseite side, bool bothIncome, Costs &costs) {
-  // In this order: the template that the line names; the one of the account; the one of the captured document. Only the
-  // first is a demand; the others apply where they fit.
+  // The more specific one wins: the template that the line names; the one of the captured document; the one of the
+  // account. Only the first is a demand; the others apply where they fit.
   int32_t number = line.request.Kostenschablone;
   bool demanded = number != 0;
   if (!demanded) {
     if ((side != Kostenseite::Soll && side != Kostenseite::Haben) || bothIncome) return ZELK_OK;
-    number = (side == Kostenseite::Soll ? line.debit : line.credit)->ledger.Kostenschablone;
     uint8_t captured = 0;
-    if (number == 0 && !netwr98::OCR_IsBelegkontierungAktiv(store_, posting_.DMSNr, captured)) return ZELKERR_Datenbank;
+    if (!netwr98::OCR_IsBelegkontierungAktiv(store_, posting_.DMSNr, captured)) return ZELKERR_Datenbank;
     if (captured && !netwr98::OCR_GetBucDlg(store_, posting_.DMSNr, number)) return ZELKERR_Datenbank;
+    if (number == 0) number = (side == Kostenseite::Soll ? line.debit : line.credit)->ledger.Kostenschablone;
     if (number == 0) return ZELK_OK;
   }
   std::vector<KOSCHA_ZEILE> shares;

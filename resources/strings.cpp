@@ -97,6 +97,9 @@ constexpr Entry kEntries[] = {
      "Die Splitbuchung muss komplett durch Aufrufe per ZELK_SplitEinfuegenEx() zu Stande gekommen sein. Ein Vermischen "
      "der Aufrufe von ZELK_SplitEinfuegen() und ZELK_SplitEinfuegenEx() ist nicht zulässig."},
     {kKursUnzulaessig, "Der Kurs ist unzulässig! Erwartet wird eine Zahl größer 0 mit höchstens 6 Nachkommastellen."},
+    {kKursFehlt, "Der Kurs der Währung %s ist nicht hinterlegt!"},
+    {kKostenBasis, "In der Basisversion können keine Kostenstellen bebucht werden. Bitte übergeben Sie Ihre Buchungen "
+                   "ohne Kostenschablone."},
     {kSortierungUnzulaessig, "Die Sortierung ist unzulässig!"},
     {kZahlzielFehlt, "Das Zahlziel existiert nicht!"},
     {kNameZuLang, "Der Name ist zu lang!"},

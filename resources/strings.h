@@ -100,6 +100,8 @@ enum Message {
   kGuvUmbuchung = 1455,
   kSplitExVermischt = 1456,
   kKursUnzulaessig = 1457,
+  kKursFehlt = 1458,
+  kKostenBasis = 1459,
   kSortierungUnzulaessig = 1469,
   kZahlzielFehlt = 1474,
   kNameZuLang = 1475,

@@ -144,9 +144,10 @@ TEST_F(PostingCosts, TemplatesDistributeTheNetAmount) {
       {{"4600", "4120"}, ""},
       {{"4650", "1200"}, ""},
       {{"4650", "1200"}, "600:70,00/70,00% 300:30,00/30,00%", "210426"},
-      // The captured document's, where neither is there.
+      // The captured document's, which comes before the account's.
       {{"4210", "1200"}, kSpace, "210126", "Scan"},
-      {{"4600", "1200"}, kGoods, "210126", "Scan"},
+      {{"4600", "1200"}, kSpace, "210126", "Scan"},
+      {{"4600", "1200"}, kGoods, "210126", "Brief"},
       {{"4210", "1200", "100", "", "", {}, 3}, kGoods, "210126", "Scan"},
       {{"4610", "1200"}, "", "210126", "Scan"},
       {{"1000", "1200"}, "", "210126", "Scan"},
@@ -160,6 +161,16 @@ TEST_F(PostingCosts, TemplatesDistributeTheNetAmount) {
   // Those that are given come before any template.
   DraftLine given{"4600", "1200", "100", "", "", {{{"200"}, "100"}}, 1};
   EXPECT_EQ(distribute({1, 3, {given}}, Way::Pieces), "200:100,00/100,00%");
+  // The basic edition has no cost accounting: who asks for it is told, a default is left out, nothing is mandatory.
+  setting("MFIBU", "Edition", "Basis");
+  demandCostCentres();
+  for (Way way : {Way::Whole, Way::Pieces}) {
+    EXPECT_EQ(distribute({1, 3, {{"4210", "1200", "100", "", "", {}, 1}}}, way),
+              "-24 In der Basisversion können keine Kostenstellen bebucht werden. Bitte übergeben Sie Ihre Buchungen "
+              "ohne Kostenschablone.");
+    EXPECT_EQ(distribute({1, 3, {{"4600", "1200"}}}, way), "");
+    EXPECT_EQ(distribute({1, 3, {{"4120", "8400"}}}, way), "");
+  }
 }
 
 TEST_F(PostingCosts, MandatoryCostCentres) {
@@ -175,8 +186,9 @@ TEST_F(PostingCosts, MandatoryCostCentres) {
                       {{"4600", "1200"}, kGoods, kGoods},
                       {{"1200", "8400", "100", "", "", {}, 1}, kSpace, kSpace},
                       {{"1000", "1200"}, "", ""},
-                      {{"4120", "8400"}, "", ""},
+                      {{"4120", "8400"}, kIncome, kIncome},
                       {{"4120", "9000"}, "", kMandatory, 0, 1},
+                      {{"4120", "8400"}, "", kIncome, 0, 1},
                       {{"4120", ""}, "", "", 1, 0}};
   for (bool mandatory : {false, true}) {
     if (mandatory) demandCostCentres();
