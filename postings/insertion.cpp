@@ -1,6 +1,7 @@
 #include "postings/insertion.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 #include "frame/lifecycle.h"
@@ -39,6 +40,7 @@ ZelkResult Insertion::run() {
                                      &Insertion::replaceOpeningAccounts,
                                      &Insertion::checkPaymentSlip,
                                      &Insertion::registerDocument,
+                                     &Insertion::convertAccounts, // no check: for those below
                                      &Insertion::checkSplitShape,
                                      &Insertion::checkPaymentTerm,
                                      &Insertion::checkCurrency,
@@ -146,6 +148,14 @@ ZelkResult Insertion::registerDocument() {
   return ZELK_OK;
 }
 
+ZelkResult Insertion::convertAccounts() {
+  const int length = store_.HoleFista().Kontolaenge;
+  for (ZELK_TEILBUCHUNG &line : lines_)
+    for (const Side *side : kSides)
+      vlfn98::KonvertKonto(line.*side->account, length);
+  return ZELK_OK;
+}
+
 ZelkResult Insertion::checkSplitShape() {
   if (lines_.size() == 1) return ZELK_OK;
   const ZELK_TEILBUCHUNG &first = lines_.front();
@@ -153,7 +163,7 @@ ZelkResult Insertion::checkSplitShape() {
     return refuse(ZELKERR_uzl_Split, resources::kSplitErsteBuchung);
   auto sameThroughout = [&](const Side &side) {
     return std::all_of(lines_.begin() + 1, lines_.end(), [&](const ZELK_TEILBUCHUNG &line) {
-      return vlba98::trimmed(line.*side.account) == vlba98::trimmed(first.*side.account);
+      return std::strcmp(line.*side.account, first.*side.account) == 0;
     });
   };
   bool sameDebit = sameThroughout(kDebit), sameCredit = sameThroughout(kCredit);
@@ -217,10 +227,6 @@ ZelkResult Insertion::lookUp(const char (&number)[8], const Account *&account) {
 }
 
 ZelkResult Insertion::checkFirstAccounts() {
-  int length = store_.HoleFista().Kontolaenge;
-  for (ZELK_TEILBUCHUNG &line : lines_)
-    for (const Side *side : kSides)
-      vlfn98::KonvertKonto(line.*side->account, length);
   for (const Side *side : kSides) {
     const Account *account;
     if (ZelkResult result = lookUp(lines_.front().*side->account, account); result != ZELK_OK) return result;

@@ -81,6 +81,7 @@ private:
   ZelkResult replaceOpeningAccounts();
   ZelkResult checkPaymentSlip();
   ZelkResult registerDocument();
+  ZelkResult convertAccounts();
   ZelkResult checkSplitShape();
   ZelkResult checkPaymentTerm();
   ZelkResult checkCurrency();
