@@ -90,13 +90,13 @@ ZelkResult insert(ThreadContext &context, const ZELK_SPLITBUCHUNG *posting) {
     if (mayBeRepeated(*store, result) && attempt++ < kAttempts) continue;
     if (result == ZELKERR_Datenbank && store->outcomeUnknown()) noteUnknownOutcome(insertion.stored());
     // A person reads and answers without the locks, so that others go on posting.
-    if (result != ZELKERR_kein_Kurs || entered) {
-      const postings::Refusal &refusal = insertion.refusal();
-      return refusal.message ? refuse(context, result, refusal.message, refusal.fill, refusal.line) : result;
+    if (result == ZELKERR_kein_Kurs && !entered) {
+      missing = insertion.missingRate();
+      entered = postings::askForRate(missing, store->HoleFista().Waehrung);
+      if (entered) continue;
     }
-    missing = insertion.missingRate();
-    entered = postings::askForRate(missing, store->HoleFista().Waehrung);
-    if (!entered) return ZELKERR_kein_Kurs;
+    const postings::Refusal &refusal = insertion.refusal();
+    return refusal.message ? refuse(context, result, refusal.message, refusal.fill, refusal.line) : result;
   }
 }
 

@@ -145,7 +145,7 @@ ZelkResult Insertion::rate(vlfn98::Wechselkurs &rate) {
     if (!found) {
       vlba98::strncpy2(missingRate_.currency, posting_.Waehrung);
       vlba98::strncpy2(missingRate_.day, posting_.Belegdatum);
-      return ZELKERR_kein_Kurs;
+      return refuse(ZELKERR_kein_Kurs, resources::kKursFehlt, currencyAndDay(missingRate_));
     }
     rate_ = rate;
     vlfn98::formatKurs(rate.millionths, posting_.Kurs);

@@ -1,7 +1,5 @@
 #include "postings/rate_entry.h"
 
-#include <string>
-
 #include "frame/messages.h"
 #include "platform/ui.h"
 #include "vlba98/datum.h"
@@ -9,8 +7,20 @@
 
 namespace postings {
 
+namespace {
+
+vlba98::DatumText10 dayOf(const MissingRate &missing) {
+  return vlba98::toDisplay(*vlba98::fromReversed(missing.day));
+}
+
+} // namespace
+
+std::string currencyAndDay(const MissingRate &missing) {
+  return std::string(missing.currency) + " am " + dayOf(missing).data();
+}
+
 std::optional<vlfn98::Wechselkurs> askForRate(const MissingRate &missing, std::string_view ownCurrency) {
-  const auto day = vlba98::toDisplay(*vlba98::fromReversed(missing.day));
+  const auto day = dayOf(missing);
   std::string prompt(resources::text(resources::kKursEingabe));
   for (std::string_view value : {std::string_view(missing.currency), std::string_view(day.data()),
                                  vlba98::trimmed(ownCurrency), std::string_view(missing.currency)})

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "vlfn98/currency.h"
@@ -12,6 +13,9 @@ struct MissingRate {
   char currency[4];
   char day[7]; ///< reversed date
 };
+
+/// "GBP am 21.01.2026".
+std::string currencyAndDay(const MissingRate &missing);
 
 /// Asks for the rate until it has a right form. \param ownCurrency the client's \return nothing when none was entered
 std::optional<vlfn98::Wechselkurs> askForRate(const MissingRate &missing, std::string_view ownCurrency);

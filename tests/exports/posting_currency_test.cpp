@@ -81,15 +81,16 @@ TEST_F(PostingCurrency, InTheBasicEditionIsTheClientsOnly) {
 
 const std::string kAsked = "Für die Währung GBP ist am 21.01.2026 kein Kurs hinterlegt. Wie viele EUR sind eine "
                            "Einheit GBP wert?",
+                  kMissing = "Der Kurs der Währung GBP am 21.01.2026 ist nicht hinterlegt!",
                   kWrong =
                       "Der Kurs ist unzulässig! Erwartet wird eine Zahl größer 0 mit höchstens 6 Nachkommastellen.";
 
 TEST_F(PostingCurrency, MissingRateIsAskedForUntilItIsOne) {
   Draft draft{1, 3, {{"10010", "8400", "119,00", "19,00"}, {"10010", "8120"}}, "GBP"};
-  EXPECT_EQ(insert(draft, Way::Whole), "-65 " + kAsked) << "cancelled";
+  EXPECT_EQ(insert(draft, Way::Whole), "-65 " + kAsked + " | " + kMissing) << "cancelled";
   recorder.inputs = {"1.15", "-1"};
   EXPECT_EQ(insert(draft, Way::Pieces),
-            "-65 " + kAsked + " | " + kWrong + " | " + kAsked + " | " + kWrong + " | " + kAsked);
+            "-65 " + kAsked + " | " + kWrong + " | " + kAsked + " | " + kWrong + " | " + kAsked + " | " + kMissing);
   recorder.inputs = {"", " 1,15 ", "9"};
   EXPECT_EQ(insert(draft, Way::Pieces), "1 " + kAsked + " | " + kWrong + " | " + kAsked) << "once for all lines";
   EXPECT_EQ(conversionOf(last(draft)), "136,85-21,85 = 119,00-19,00 at 1,15/1");
