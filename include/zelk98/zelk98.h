@@ -739,7 +739,19 @@ ZELK_API ZelkResult ZELK_CALL ZELK_HoleAufbauID(int32_t *Art, char *Name, int32_
 
 /* --- Postings ------------------------------------------------------------------------------------------------------- */
 
-/* Inserts a posting into a batch: 1, or the code of the first check that refused it. */
+/* Inserts a posting into a batch: 1, or the code of the first check that refused it. 1 can mean that the posting was
+ * skipped: others held the client's tables for the whole waiting time (setting Sperrwartezeit of ZELK). The call protocol
+ * says so; the batch read back (ZELK_InitHoleBatch) tells for certain.
+ * Checked in this order: -38 Buchung is null; -37 a text does not end within its field; -5, -56, -103 client; -6 batch (it
+ * does not exist, or belongs to cost accounting); -11 Belegdatum (no date, or in no open fiscal year); -25
+ * Teilbuchungsanzahl; -10 an opening posting without exactly one empty account; -60 ESR; -26 shape of a split; -27
+ * Zahlungsziel; -83 Waehrung; -10 an account of the first line does not exist; -63 it has another currency than the
+ * posting; -62 Belegnummer is empty; -61 Valutadatum. Then line by line: -10 both accounts are the same; -8, -9 Sollkonto,
+ * Habenkonto (missing, locked, of another kind); -63 their currency; -12, -13, -14 form of Bruttobetrag, Steuersatz,
+ * Steuerbetrag; -82 Kostenschablone; -13, -14 tax where none may be, a rate that the tax key does not have, an amount that
+ * does not fit the rate or has another sign; -65 the currency has no exchange rate up to that day, and none was entered;
+ * -23, -97, -46, -99, -100, -47 cost postings; -24 costs that cannot be distributed, that are missing though the client
+ * demands them, or in the basic edition. */
 ZELK_API ZelkResult ZELK_CALL ZELK_BuchungEinfuegen(const ZELK_BUCHUNG *Buchung, int32_t Fehlermeldungen);
 ZELK_API ZelkResult ZELK_CALL ZELK_SplitBuchungEinfuegen(const ZELK_SPLITBUCHUNG *Buchung, int32_t Fehlermeldungen);
 
