@@ -50,7 +50,8 @@ public:
     ZELK_Attach(connect);
     if (!vldb98::IsZELKMode()) return;
     platform::currentDirectory(saved_);
-    databaseDirectory().enter(saved_);
+    // From a directory without a name (it was deleted) there is no way back.
+    if (*saved_) databaseDirectory().enter(saved_);
   }
   ~DirectoryGuard() {
     if (!*saved_) return;
