@@ -815,7 +815,8 @@ ZELK_API ZelkResult ZELK_CALL ZELK_InitHoleBatch(int32_t Mandantennummer, int32_
 ZELK_API ZelkResult ZELK_CALL ZELK_HoleBatch(ZELK_SPLITBUCHUNG *Buchung);
 
 /* Deliver the lines and the cost postings of the posting that ZELK_HoleBatch delivered last, one by one: 1 more follow,
- * 2 this was the last, 0 there is none, -39 after the last, -40 without ZELK_HoleBatch. */
+ * 2 this was the last, 0 there is none, -39 after the last, -40 without ZELK_HoleBatch or when the fetch of another kind was
+ * begun behind it. */
 ZELK_API ZelkResult ZELK_CALL ZELK_HoleBatchZeile(ZELK_BATCHZEILE *Zeile);
 ZELK_API ZelkResult ZELK_CALL ZELK_HoleBatchKobu(ZELK_BATCHKOBU *Kobu);
 
