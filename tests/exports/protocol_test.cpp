@@ -133,6 +133,12 @@ TEST_F(CallProtocol, HasAnEntryForEachCall) {
              "Mandantennummer: 9\nStapelnummer: 1\nFehlermeldungen: 1\n"
              "Fehlermeldungen:\n\tDer Mandant existiert nicht!\n",
              "-5 ZELKERR_uzl_Mandnr")},
+      {"a balance with the names of a fetch",
+       [] { ZELK_HoleKostenSaldo(1, nullptr, "4210", 0, 1, 2026, 0, 1, nullptr, 0, nullptr); },
+       entry("ZELK_HoleKostenSaldo",
+             "Mandantennummer: 1\nKontonummer: NULL\nKostenart: 4210\nAufbau: 0\nZeitraum: 1\nJahr: "
+             "2026\nFehlermeldungen: 0\nAusgabeart: 1\nEurosaldo: NULL\nDimension: 0\nKostref: NULL\n",
+             "1 ZELK_weitererDatensatz")},
       {"a number as result", [] { ZELK_HoleStartJahr(1); },
        entry("ZELK_HoleStartJahr", "Mandantennummer: 1\n", "2025")},
       {"engine as result", [] { ZELK_GetUsedEngine(); }, entry("ZELK_GetUsedEngine", "", "1 ZELK_ENG_BTRIEVE")},
