@@ -133,6 +133,18 @@ TEST_F(CallProtocol, HasAnEntryForEachCall) {
              "Mandantennummer: 9\nStapelnummer: 1\nFehlermeldungen: 1\n"
              "Fehlermeldungen:\n\tDer Mandant existiert nicht!\n",
              "-5 ZELKERR_uzl_Mandnr")},
+      {"line ends in the text of a refusal",
+       [] { ZELK_HoleKostenSaldo(1, "1\r\n\tRueckgabe", nullptr, 0, 1, 2026, 0, 1, nullptr, 0, nullptr); },
+       entry("ZELK_HoleKostenSaldo",
+             "Mandantennummer: 1\nKontonummer: 1???Rueckgabe\nKostenart: NULL\nAufbau: 0\nZeitraum: 1\nJahr: "
+             "2026\nFehlermeldungen: 0\nAusgabeart: 1\nEurosaldo: NULL\nDimension: 0\nKostref: NULL\n"
+             "Fehlermeldungen:\n\tDie Kostenstelle 1???Rueckgabe ist unzulässig!\n",
+             "-10 ZELKERR_uzl_Kontonr")},
+      {"a refusal of several lines", [] { ZELK_BuchungEinfuegen(nullptr, 0); },
+       entry("ZELK_BuchungEinfuegen",
+             "Fehlermeldungen: 0\nFehlermeldungen:\n\t" +
+                 std::regex_replace(std::string(resources::text(338)), std::regex("\n"), "\n\t") + "\n",
+             "-38 ZELKERR_nicht_moeglich")},
       {"a balance with the names of a fetch",
        [] { ZELK_HoleKostenSaldo(1, nullptr, "4210", 0, 1, 2026, 0, 1, nullptr, 0, nullptr); },
        entry("ZELK_HoleKostenSaldo",
@@ -195,18 +207,18 @@ TEST_F(CallProtocol, HasAnEntryForEachCall) {
 
 TEST_F(CallProtocol, ShowsFieldsAsTheirFlagsSay) {
   static constexpr frame::Export self{.name = "probe"};
-  const char full[4] = {'a', 'b', 'c', 'd'}, ended[6] = "xyz", hidden[4] = "h";
+  const char full[4] = {'a', '\n', '\r', 'd'}, ended[6] = "xyz", hidden[4] = "h";
   auto call = [&](const frame::Parameter &first) {
     frame::run(self, {first, frame::unprinted(frame::field("Zwei:", hidden)), frame::field("Drei:", ended, 6)},
                [](frame::ThreadContext *) -> ZelkResult { throw std::runtime_error("x"); });
   };
-  std::string dump = "Eins: abcd\nDrei: xyz\n";
+  std::string dump = "Eins: a??d\nDrei: xyz\n";
   EXPECT_EQ(trace([&] { call(frame::unchecked(frame::field("Eins:", full))); }),
             entry("probe", dump, "-2 ZELKERR_sonst"));
   // A text that does not end is refused, and the reason stands in the entry though nobody is shown it.
   EXPECT_EQ(trace([&] { call(frame::field("Eins:", full)); }),
             entry("probe",
-                  dump + "Fehlermeldungen:\n\tDer Text 'abcd' hat in der Struktur einen Überlauf verursacht. Die "
+                  dump + "Fehlermeldungen:\n\tDer Text 'a??d' hat in der Struktur einen Überlauf verursacht. Die "
                          "maximale Länge (3 Zeichen) wurde überschritten.\n",
                   "-37 ZELKERR_Ueberlauf"));
   EXPECT_EQ(recorder.takeText(), "");
