@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cstring>
 
+#include "odbc/connection_string.h"
 #include "platform/system.h"
 #include "vlba98/encoding.h"
 #include "vldb98/keys.h"
@@ -80,6 +81,8 @@ public:
       return bytes(engineName(p.number));
     case Parameter::Kind::Text:
       return text ? host(text, kLongestText) : bytes("NULL");
+    case Parameter::Kind::Options:
+      return text ? options({text, ::strnlen(text, kLongestText)}) : bytes("NULL");
     case Parameter::Kind::Field:
       return host(text, p.width);
     case Parameter::Kind::Given:
@@ -91,6 +94,11 @@ public:
   const std::string &text() const { return text_; }
 
 private:
+  Piece &options(std::string_view text) {
+    const std::string shown = vldb98::odbc::withoutSecrets(text);
+    return host(shown.data(), shown.size());
+  }
+
   std::string text_;
 };
 

@@ -154,10 +154,17 @@ TEST_F(CallProtocol, HasAnEntryForEachCall) {
       {"a number as result", [] { ZELK_HoleStartJahr(1); },
        entry("ZELK_HoleStartJahr", "Mandantennummer: 1\n", "2025")},
       {"engine as result", [] { ZELK_GetUsedEngine(); }, entry("ZELK_GetUsedEngine", "", "1 ZELK_ENG_BTRIEVE")},
-      {"engine as parameter, no password", [] { ZELK_SQLInit(2, 0, "127.0.0.1", nullptr, "geheim", 1, "", "x"); },
+      {"engine as parameter, no password",
+       [] {
+         ZELK_SQLInit(2, 0, "127.0.0.1", nullptr, "geheim", 1,
+                      "PWD=geheim;FORCETLS=1;;sslKeyPassword = {ge}};heim};Pwd=ge;heim;TLSKEY=pass;INITSTMT=SET "
+                      "PASSWORD='geheim';Kennwort={geheim;X=1",
+                      "x;passwd=geheim");
+       },
        entry("ZELK_SQLInit",
              "Enginetyp: ZELK_ENG_MYSQL\nDialog: 0\nHost: 127.0.0.1\nUser: NULL\nPasswort: gegeben\nPort: 1\nZusatz: "
-             "\nDatenbank: x\n",
+             "PWD=***;FORCETLS=1;;sslKeyPassword =***;Pwd=***;***;TLSKEY=***;INITSTMT=***;Kennwort=***\n"
+             "Datenbank: x;passwd=***\n",
              "-72 ZELKERR_Verbindungsfehler")},
       {"other engine", [] { ZELK_SQLInit(9, 1, nullptr, nullptr, nullptr, -1, nullptr, nullptr); },
        entry("ZELK_SQLInit",
