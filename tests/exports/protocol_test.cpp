@@ -3,6 +3,9 @@
 #include <fstream>
 #include <regex>
 #include <stdexcept>
+#if !defined(_WIN32)
+#include <sys/stat.h>
+#endif
 
 #include "frame/call.h"
 #include "frame/protocol.h"
@@ -281,24 +284,71 @@ TEST_F(CallProtocol, IsEmptiedByItsFirstUserOnly) {
     ASSERT_TRUE(MFWritePrivateProfileString("MFIBU", "TotalRecall", row.totalRecall, nullptr));
     ZELK_Detach();
     setUsers(row.before);
-    std::ofstream(file, std::ios::binary) << "frueher\r\n";
+    std::ofstream(file, std::ios::binary) << "Start des Protokolls. Systemdatum und Zeit: frueher\r\n";
     EXPECT_EQ(ZELK_ProtokollStart(), ZELK_OK);
-    EXPECT_EQ(textOf(file), (row.emptied ? "" : "frueher\n") + kStarted) << row.before << ' ' << row.totalRecall;
+    EXPECT_EQ(textOf(file), (row.emptied ? "" : kStart.substr(0, 44) + "frueher\n") + kStarted)
+        << row.before << ' ' << row.totalRecall;
     ZELK_ProtokollEnde();
     EXPECT_EQ(users(), row.before);
   }
 }
 
-TEST_F(CallProtocol, ThatCannotBeOpenedIsReported) {
-  fs::create_directories(folder() / "ordner");
-  ASSERT_EQ(choose(folder() / "ordner"), ZELK_OK);
-  EXPECT_EQ(ZELK_ProtokollStart(), ZELKERR_keine_Protokolldatei);
-  EXPECT_EQ(users(), 1u) << "stays counted";
-  EXPECT_EQ(ZELK_ProtokollStart(), ZELKERR_keine_Protokolldatei) << "not open";
-  ZELK_ProtokollEnde();
-  EXPECT_EQ(users(), 2u);
+TEST_F(CallProtocol, IsNeverAnotherFile) {
+  const fs::path foreign = folder() / "fremd.txt", database = dataFolder() / "MERKA.DB";
+  std::ofstream(foreign) << "Start des Protokolls, aber nicht dieses: Systemdatum und Zeit\n";
+  std::vector<fs::path> files = {folder(),
+                                 foreign,
+                                 database,
+                                 dataFolder() / "MERKA.DB-wal",
+                                 dataFolder() / "MERKA.LCK",
+                                 folder() / "merka.db-SHM"};
+#if !defined(_WIN32)
+  const fs::path link = folder() / "link", hardLink = folder() / "zweiter name", pipe = folder() / "pipe";
+  fs::create_symlink(dataFolder() / "MERKA.LCK", link);
+  if (fs::exists(database)) fs::create_hard_link(database, hardLink);
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  files.insert(files.end(), {link, hardLink, pipe, "/dev/null", folder() / "settings.ini",
+                             folder() / "settings.ini.lock", folder() / "VELTA_ZELK_MUTEX_PROTOKOLL_WRITE"});
+#endif
+  uint32_t counted = users();
+  for (const fs::path &other : files) {
+    ASSERT_EQ(choose(other), ZELK_OK);
+    EXPECT_EQ(ZELK_ProtokollStart(), ZELKERR_keine_Protokolldatei) << other;
+    EXPECT_EQ(bytesOf(other).find("Zeit: "), std::string::npos) << other;
+    ZELK_ProtokollEnde();
+    EXPECT_EQ(users(), ++counted) << "stays counted";
+  }
+  EXPECT_EQ(ZELK_InitHoleMandant(), ZELK_OK) << "the books are there";
   ASSERT_EQ(choose(file), ZELK_OK);
   EXPECT_EQ(ZELK_ProtokollStart(), ZELK_OK);
+}
+
+TEST_F(CallProtocol, BeginsAnewWhenItsFileIsGone) {
+  const fs::path moved = folder() / "alt.txt";
+  const std::string ended = entry("ZELK_BeendeHolen", "", "1 ZELK_OK");
+  const struct {
+    const char *what;
+    std::function<void(std::error_code &)> work;
+    std::string expected;
+  } rows[] = {{"emptied", [&](std::error_code &error) { fs::resize_file(file, 0, error); }, kStart + ended},
+              {"deleted", [&](std::error_code &error) { fs::remove(file, error); }, kStart + ended},
+              {"moved", [&](std::error_code &error) { fs::rename(file, moved, error); }, kStart + ended},
+              {"replaced",
+               [&](std::error_code &error) {
+                 std::ofstream(moved, std::ios::binary) << "fremd\r\n";
+                 fs::rename(moved, file, error);
+               },
+               "fremd\n"}};
+  for (const auto &row : rows) {
+    ASSERT_EQ(ZELK_ProtokollStart(), ZELK_OK) << row.what;
+    std::error_code error;
+    row.work(error);
+    ZELK_BeendeHolen();
+    // An open file may be protected from it.
+    EXPECT_EQ(textOf(file), error ? kStarted + ended : row.expected) << row.what;
+    ZELK_ProtokollEnde();
+    EXPECT_EQ(users(), 0u);
+  }
 }
 
 TEST_F(CallProtocol, LosesWholePiecesWhenTheDiskIsFull) {
@@ -349,9 +399,10 @@ ChildRole sharer("share the protocol", [](const std::string &expectedName) {
   ChildBooks books;
   char name[260] = "";
   if (ZELK_Protokoll(0, 4, name) != ZELK_OK || name != expectedName) return 1;
-  if (ZELK_ProtokollStart() != ZELK_OK || users() != 2) return 2;
+  const uint32_t others = users();
+  if (ZELK_ProtokollStart() != ZELK_OK || users() != others + 1) return 2;
   ZELK_BeendeHolen();
-  return ZELK_ProtokollEnde() == ZELK_OK && users() == 1 ? 0 : 3;
+  return ZELK_ProtokollEnde() == ZELK_OK && users() == others ? 0 : 3;
 });
 
 ChildRole dier("die with the protocol", [](const std::string &) -> int {
@@ -363,12 +414,17 @@ ChildRole dier("die with the protocol", [](const std::string &) -> int {
 });
 
 TEST_F(CallProtocol, IsSharedWithOtherProcesses) {
-  ASSERT_EQ(ZELK_ProtokollStart(), ZELK_OK);
-  EXPECT_EQ(runChild("share the protocol", file.string()), 0);
-  ZELK_BeendeHolen();
-  std::string ended = entry("ZELK_BeendeHolen", "", "1 ZELK_OK");
-  EXPECT_EQ(textOf(file), kStarted + kStarted + ended + kEnded + ended);
-  EXPECT_EQ(users(), 1u);
+  const std::string ended = entry("ZELK_BeendeHolen", "", "1 ZELK_OK");
+  // 0: the other one has settings of its own, in which nobody is counted.
+  for (uint32_t counted : {1u, 0u}) {
+    ASSERT_EQ(ZELK_ProtokollStart(), ZELK_OK);
+    setUsers(counted);
+    EXPECT_EQ(runChild("share the protocol", file.string()), 0);
+    ZELK_BeendeHolen();
+    EXPECT_EQ(textOf(file), kStarted + kStarted + ended + kEnded + ended) << counted;
+    EXPECT_EQ(users(), counted);
+    ZELK_ProtokollEnde();
+  }
 }
 
 TEST_F(CallProtocol, OutlivesTheDeathOfAProcess) {
