@@ -6,6 +6,7 @@
 
 #include "frame/call.h"
 #include "frame/fetch.h"
+#include "frame/messages.h"
 #include "frame/snapshot.h"
 #include "vlba98/text.h"
 #include "vlfn98/accounts.h"
@@ -124,7 +125,8 @@ ZelkResult ZELK_CALL ZELK_HoleFreieKontonr(int32_t Mandantennummer, int32_t Kont
               text("Nummer-Von:", NummerVon), text("Nummer-Bis:", NummerBis), out("Nummer-Out:", NummerOut)},
              [&](ThreadContext *context) -> ZelkResult {
                if (!vlfn98::isAccountKind(Kontoart) || Kontoart == ZELK_KOSTENSTELLE) return ZELKERR_uzl_Kontoart;
-               if (!NummerOut) return ZELKERR_nicht_moeglich;
+               if (!NummerOut)
+                 return refuse(*context, ZELKERR_nicht_moeglich, resources::textId(ZELKERR_nicht_moeglich));
                Store *store = context->session();
                if (!store) return ZELKERR_Datenbank;
                if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;

@@ -156,7 +156,7 @@ std::string_view given(const char *text) {
 ZelkResult ZELK_CALL ZELK_HoleKostenSaldo(int32_t Mandantennummer, const char *Kontonummer, const char *Kostenart,
                                           int32_t Aufbau, int32_t Zeitraum, int32_t Jahr, int32_t Fehlermeldungen,
                                           int32_t Ausgabeart, char *Eurosaldo, int32_t Dimension, const char *Kostref) {
-  static constexpr Export self{.name = "ZELK_HoleKostenSaldo"};
+  static constexpr Export self{.name = "ZELK_HoleKostenSaldo", .fetch = true};
   return run(self,
              {number("Mandantennummer:", Mandantennummer), text("Kontonummer:", Kontonummer),
               text("Kostenart:", Kostenart), number("Aufbau:", Aufbau), number("Zeitraum:", Zeitraum),

@@ -50,7 +50,8 @@ public:
     ZELK_Attach(connect);
     if (!vldb98::IsZELKMode()) return;
     platform::currentDirectory(saved_);
-    databaseDirectory().enter(saved_);
+    // From a directory without a name (it was deleted) there is no way back.
+    if (*saved_) databaseDirectory().enter(saved_);
   }
   ~DirectoryGuard() {
     if (!*saved_) return;
@@ -71,14 +72,19 @@ private:
   platform::DirectoryName saved_;
 };
 
-void reportOverflow(const Parameter &parameter, bool show) {
+std::string overflowText(std::string_view field) {
   std::string text(resources::text(resources::kTextUeberlauf));
-  auto *field = static_cast<const char *>(parameter.pointer);
   // The number first: the field's text may hold the mark.
-  text.replace(text.find("%i"), 2, std::to_string(parameter.width - 1));
-  text.replace(text.find("%s"), 2, vlba98::toUtf8(std::string_view(field, parameter.width)));
-  protocolRefusal(text);
-  if (show) platform::ui().message(kMessageCaption, text, platform::BoxIcon::Exclamation, platform::BoxButtons::Ok);
+  text.replace(text.find("%i"), 2, std::to_string(field.size() - 1));
+  return text.replace(text.find("%s"), 2, vlba98::toUtf8(field));
+}
+
+void reportOverflow(const Parameter &parameter, bool show) {
+  const std::string_view field(static_cast<const char *>(parameter.pointer), parameter.width);
+  if (protocolOpen()) protocolRefusal(overflowText(printable(field)));
+  if (show)
+    platform::ui().message(kMessageCaption, overflowText(field), platform::BoxIcon::Exclamation,
+                           platform::BoxButtons::Ok);
 }
 
 // \return the first field whose text does not end within its width
@@ -102,13 +108,14 @@ ZelkResult runBody(const Export &self, std::span<const Parameter> parameters, de
   ThreadContext *context = self.needsContext ? threadContext() : nullptr;
   if (self.needsContext && !context) return ZELKERR_Thread;
   const Parameter *flag = messagesFlag(parameters);
+  if (context && flag) context->fehlermeldungen = int32_t(flag->number);
   if (const Parameter *overflow = firstOverflow(parameters)) {
-    bool show = flag && flag->number;
-    if (show || protocolOpen()) reportOverflow(*overflow, show);
+    reportOverflow(*overflow, flag && flag->number);
     return ZELKERR_Ueberlauf;
   }
-  if (context && flag) context->fehlermeldungen = int32_t(flag->number);
   ZelkResult result = body(object, context);
+  // What a call has no message of its own for: it was given a null pointer.
+  if (context && flag && result == ZELKERR_nicht_moeglich) refuse(*context, result, resources::textId(result));
   // Whatever the database came to, the next call begins with a connection of its own. A connection can also be lost
   // behind what the call was to do.
   if (context && (result == ZELKERR_Datenbank || context->sessionLost())) context->closeSession();

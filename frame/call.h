@@ -33,6 +33,7 @@ struct Parameter {
     Number,
     Engine,   ///< a number that is shown as the name of an engine
     Text,     ///< a text that a host passes by pointer
+    Options,  ///< the same, shown without the values of its options that carry passwords
     Field,    ///< a text in an array of a record
     Given,    ///< shown only as given or null: what the call fills, and secrets
     Messages, ///< the messages flag
@@ -56,6 +57,10 @@ constexpr Parameter engine(const char *label, int32_t value) {
 /// A text that a host passes by pointer; may be null.
 inline Parameter text(const char *label, const char *value) {
   return {label, Parameter::Kind::Text, 0, 0, value};
+}
+/// A text that is, or may pass for, a part of a connection string; may be null.
+inline Parameter options(const char *label, const char *value) {
+  return {label, Parameter::Kind::Options, 0, 0, value};
 }
 /// A text in an array of a record, of which the width is known at run time.
 inline Parameter field(const char *label, const char *value, size_t width) {

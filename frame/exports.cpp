@@ -38,9 +38,9 @@ ZelkResult ZELK_CALL ZELK_SQLInit(int32_t engine, int32_t dialog, const char *Ho
                                   const char *Passwort, int32_t port, const char *Zusatz, const char *Datenbank) {
   static constexpr Export self{.name = "ZELK_SQLInit", .connect = false, .needsContext = false};
   return run(self,
-             {frame::engine("Enginetyp:", engine), number("Dialog:", dialog), text("Host:", Host), text("User:", User),
-              secret("Passwort:", Passwort), number("Port:", port), text("Zusatz:", Zusatz),
-              text("Datenbank:", Datenbank)},
+             {frame::engine("Enginetyp:", engine), number("Dialog:", dialog), options("Host:", Host),
+              options("User:", User), secret("Passwort:", Passwort), number("Port:", port), options("Zusatz:", Zusatz),
+              options("Datenbank:", Datenbank)},
              [&](ThreadContext *) -> ZelkResult {
                auto chosen = engine >= 1 && engine <= 3 ? vldb98::DBENGINE(engine) : vldb98::ZELK_ENG_DEFAULT;
                // The limit is one too high, so that 65536 becomes 0; hosts may count on it.

@@ -60,10 +60,8 @@ int showMessage(int message, std::string_view fill, int partial) {
 }
 
 ZelkResult refuse(const ThreadContext &context, ZelkResult code, int message, std::string_view fill, int partial) {
-  if (!context.fehlermeldungen && !protocolOpen()) return code;
-  std::string text = messageText(message, fill, partial);
-  protocolRefusal(text);
-  if (context.fehlermeldungen) showText(message, text);
+  if (protocolOpen()) protocolRefusal(messageText(message, printable(fill), partial));
+  if (context.fehlermeldungen) showText(message, messageText(message, fill, partial));
   return code;
 }
 

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cstring>
 
+#include "odbc/connection_string.h"
 #include "platform/system.h"
 #include "vlba98/encoding.h"
 #include "vldb98/keys.h"
@@ -31,6 +32,11 @@ const char *engineName(int64_t engine) {
   }
 }
 
+void makePrintable(std::string &text, size_t from) {
+  std::replace_if(
+      text.begin() + ptrdiff_t(from), text.end(), [](char c) { return uint8_t(c) < ' '; }, '?');
+}
+
 // A part of the file in the making: Windows-1252.
 class Piece {
 public:
@@ -53,13 +59,10 @@ public:
     text_.append(digits, end);
     return *this;
   }
-  // A host's text; a line end in it must not look like the end of the line.
   Piece &host(const char *text, size_t longest) {
-    const void *end = std::memchr(text, 0, longest);
     size_t before = text_.size();
-    text_.append(text, end ? size_t(static_cast<const char *>(end) - text) : longest);
-    std::replace_if(
-        text_.begin() + ptrdiff_t(before), text_.end(), [](char c) { return uint8_t(c) < ' '; }, '?');
+    text_.append(text, ::strnlen(text, longest));
+    makePrintable(text_, before);
     return *this;
   }
   Piece &origin() {
@@ -78,6 +81,8 @@ public:
       return bytes(engineName(p.number));
     case Parameter::Kind::Text:
       return text ? host(text, kLongestText) : bytes("NULL");
+    case Parameter::Kind::Options:
+      return text ? options({text, ::strnlen(text, kLongestText)}) : bytes("NULL");
     case Parameter::Kind::Field:
       return host(text, p.width);
     case Parameter::Kind::Given:
@@ -89,6 +94,11 @@ public:
   const std::string &text() const { return text_; }
 
 private:
+  Piece &options(std::string_view text) {
+    const std::string shown = vldb98::odbc::withoutSecrets(text);
+    return host(shown.data(), shown.size());
+  }
+
   std::string text_;
 };
 
@@ -143,15 +153,24 @@ void Protokoll::note(std::string_view line) {
   lines_ += Piece().utf8(line).lineEnd().text();
 }
 
+std::string printable(std::string_view text) {
+  std::string shown(text);
+  makePrintable(shown, 0);
+  return shown;
+}
+
 void protocolLine(std::string_view utf8) {
-  if (protocolOpen() && innermost) innermost->note(utf8);
+  if (protocolOpen() && innermost) innermost->note(printable(utf8));
 }
 
 void protocolRefusal(std::string_view utf8) {
   if (!protocolOpen() || !innermost) return;
   if (!innermost->refused_) innermost->note("Fehlermeldungen:");
   innermost->refused_ = true;
-  innermost->note("\t" + std::string(utf8));
+  for (size_t end = 0; end != utf8.npos; utf8.remove_prefix(std::min(end + 1, utf8.size()))) {
+    end = utf8.find('\n');
+    innermost->note("\t" + std::string(utf8.substr(0, end)));
+  }
 }
 
 } // namespace frame

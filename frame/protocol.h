@@ -42,10 +42,14 @@ private:
   std::string lines_; ///< Windows-1252
 };
 
+/// A host's text as the protocol shows it: control characters as question marks, so that none ends a line.
+std::string printable(std::string_view text);
+
 /// Notes a line in the entry of the thread's running call, in front of its result; nothing while no protocol is open.
 void protocolLine(std::string_view utf8);
 
-/// The same for the text of a refusal, which stands under "Fehlermeldungen:".
+/// The same for the text of a refusal, which stands under "Fehlermeldungen:", each of its lines in one of its own. What
+/// a host wrote of it has to be printable.
 void protocolRefusal(std::string_view utf8);
 
 } // namespace frame

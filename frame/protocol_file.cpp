@@ -5,8 +5,10 @@
 #include <mutex>
 
 #include "frame/lifecycle.h"
+#include "frame/own_files.h"
 #include "frame/settings.h"
 #include "platform/append_file.h"
+#include "platform/files.h"
 #include "platform/named_mutex.h"
 #include "platform/registry.h"
 #include "platform/system.h"
@@ -20,8 +22,16 @@ using platform::Hive;
 const char kDefaultName[] = "ZELKPROT.TXT";
 const char kKey[] = "Software\\Velta\\ZELK";
 const char kValue[] = "Protokolldatei"; // for the machine the number of users, for the user the file's name
-const char kRegistryMutex[] = "VELTA_ZELK_MUTEX_PROTOKOLL_REGISTRY";
-const char kWriteMutex[] = "VELTA_ZELK_MUTEX_PROTOKOLL_WRITE";
+const char kStart[] = "Start des Protokolls. Systemdatum und Zeit:";
+const char kEnd[] = "Ende des Protokolls. Systemdatum und Zeit:";
+
+std::string header(const char *text) {
+  platform::LocalTime now = platform::localTime();
+  char line[100];
+  std::snprintf(line, sizeof line, "%s %02d.%02d.%04d %02d:%02d:%02d\r\n", text, now.day, now.month, now.year, now.hour,
+                now.minute, now.second);
+  return line;
+}
 
 // Held for a scope; does nothing where the system has no such mutex to give.
 class Held {
@@ -39,6 +49,13 @@ private:
   platform::NamedMutex *mutex_;
 };
 
+// A protocol or a file that can become one, and nothing that somebody keeps for another use.
+std::unique_ptr<platform::AppendFile> openProtocol(const std::string &path) {
+  if (isOwnFile(path)) return nullptr;
+  auto file = platform::AppendFile::open(path);
+  return file && file->isEmptyOrBeginsWith(kStart) ? std::move(file) : nullptr;
+}
+
 class ProtocolFile {
 public:
   std::mutex mutex; // of all below
@@ -47,16 +64,18 @@ public:
   bool isOpen() const { return file_ != nullptr; }
 
   bool open(bool keepContent) {
-    auto registry = platform::NamedMutex::open(kRegistryMutex);
+    auto registry = platform::NamedMutex::open(kProtocolRegistryMutex);
     Held held(registry.get());
     uint32_t users = platform::readRegistryNumber(Hive::LocalMachine, kKey, kValue).value_or(0);
     // Where the users cannot be counted, nobody knows to be the first.
     bool counted = platform::writeRegistryNumber(Hive::LocalMachine, kKey, kValue, users + 1);
-    if (!writeMutex_) writeMutex_ = platform::NamedMutex::open(kWriteMutex);
-    file_ = platform::AppendFile::open(name);
+    if (!writeMutex_) writeMutex_ = platform::NamedMutex::open(kProtocolWriteMutex);
+    // Calls that end the protocol run in another directory than the one that started it.
+    path_ = platform::absolutePath(name);
+    file_ = openProtocol(path_);
     if (!file_) return false;
-    // Still under the mutex of the counter, so that nobody has written to the file meanwhile.
-    if (counted && users == 0 && !keepContent) file_->empty();
+    // Programs with other settings count by themselves; the file knows of theirs, too.
+    file_->join(counted && users == 0 && !keepContent);
     detail::protocolIsOpen = true;
     return true;
   }
@@ -64,20 +83,34 @@ public:
   ZelkResult write(std::string_view piece, Flush flush = Flush::Now) {
     if (!file_) return ZELKERR_keine_Protokolldatei;
     Held held(writeMutex_.get());
-    return file_->append(piece, flush == Flush::Now) ? ZELK_OK : ZELKERR_keine_Protokolldatei;
+    const auto state = file_->state();
+    if (state == platform::AppendFile::State::Gone && !begin()) return ZELKERR_keine_Protokolldatei;
+    const bool whole = state == platform::AppendFile::State::Filled || piece.starts_with(kStart);
+    const bool written = file_->append(whole ? piece : header(kStart).append(piece), flush == Flush::Now);
+    return written ? ZELK_OK : ZELKERR_keine_Protokolldatei;
   }
 
   void close() {
     if (!file_) return;
     detail::protocolIsOpen = false;
     file_.reset();
-    auto registry = platform::NamedMutex::open(kRegistryMutex);
+    auto registry = platform::NamedMutex::open(kProtocolRegistryMutex);
     Held held(registry.get());
     uint32_t users = platform::readRegistryNumber(Hive::LocalMachine, kKey, kValue).value_or(0);
     if (users > 0) platform::writeRegistryNumber(Hive::LocalMachine, kKey, kValue, users - 1);
   }
 
 private:
+  // In place of one that was deleted or moved away. Until that succeeds, each piece tries it anew.
+  bool begin() {
+    auto fresh = openProtocol(path_);
+    if (!fresh) return false;
+    fresh->join(false);
+    file_ = std::move(fresh);
+    return true;
+  }
+
+  std::string path_; // of the open file, from the root
   std::unique_ptr<platform::AppendFile> file_;
   std::unique_ptr<platform::NamedMutex> writeMutex_; // kept open from one write to the next
 };
@@ -86,17 +119,6 @@ ProtocolFile &protocolFile() {
   static ProtocolFile instance;
   return instance;
 }
-
-std::string header(const char *text) {
-  platform::LocalTime now = platform::localTime();
-  char line[100];
-  std::snprintf(line, sizeof line, "%s %02d.%02d.%04d %02d:%02d:%02d\r\n", text, now.day, now.month, now.year, now.hour,
-                now.minute, now.second);
-  return line;
-}
-
-const char kStart[] = "Start des Protokolls. Systemdatum und Zeit:";
-const char kEnd[] = "Ende des Protokolls. Systemdatum und Zeit:";
 
 bool askedForBySetting() {
   std::string value = setting("ZELK", "Protokoll", 5);

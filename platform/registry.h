@@ -24,6 +24,10 @@ bool writeRegistryNumber(Hive hive, const std::string &key, const std::string &n
 /// The names of the values of a key.
 std::vector<std::string> registryValueNames(Hive hive, const std::string &key);
 
+/// The file that the registry lies in; those beside it whose names begin with its name belong to it. Empty where it is
+/// the system's own.
+std::string registryFile();
+
 /// How many keys lie directly under a key; 0 when it is missing.
 int registrySubkeyCount(Hive hive, const std::string &key);
 

@@ -49,8 +49,8 @@ void fill(ZELK_BATCHKOBU &out, const KOBU &stored) {
 // Delivers the next one of a list in the posting that was delivered last.
 template <class Out, class Record>
 ZelkResult deliver(ThreadContext &context, Out *out, const std::vector<Record> &list, size_t &next) {
+  if (context.fetch.kind != kBatchbuchung || !context.delivered.any) return ZELKERR_keinInit;
   if (!out) return ZELKERR_nicht_moeglich;
-  if (!context.delivered.any) return ZELKERR_keinInit;
   if (next == list.size()) return list.empty() ? ZELK_keinKonto : ZELKERR_keinDatensatz;
   fill(*out, list[next++]);
   return next == list.size() ? ZELK_letzterDatensatz : ZELK_OK;

@@ -446,11 +446,13 @@ ZELK_API int32_t ZELK_CALL MFWritePrivateProfileString(const char *Section, cons
 
 /* For support: while the protocol is open, every call of the process is written to a text file (Windows-1252) with its
  * parameters, the texts of its refusals and its result; passwords are not. All processes share the file: the first one
- * that starts the protocol empties it (unless the setting TotalRecall of MFIBU is 98), the others append. The setting
- * Protokoll of ZELK, beginning with j, starts it with the first call, in ZELKPROT.TXT of the program directory. */
+ * that starts the protocol empties it (unless the setting TotalRecall of MFIBU is 98), the others append. Only a file that
+ * is new, empty or begins with the start header is ever written or emptied, none of the database's or the settings'. One
+ * that is deleted, moved or emptied meanwhile is begun anew. The setting Protokoll of ZELK, beginning with j, starts it
+ * with the first call, in ZELKPROT.TXT of the program directory. */
 
 /* Starts the protocol in that file when the setting asks for it or no file was ever chosen, else in the one chosen. 1;
- * -58 when the file cannot be written; -59, and one more start header in the file, when it is started already. */
+ * -58 when the file cannot be written, or is none for it; -59, and one more start header in the file, when it is started already. */
 ZELK_API ZelkResult ZELK_CALL ZELK_ProtokollStart(void);
 
 /* Ends the protocol of this process. Always 1, in every state of the library. */
@@ -827,7 +829,8 @@ ZELK_API ZelkResult ZELK_CALL ZELK_InitHoleBatch(int32_t Mandantennummer, int32_
 ZELK_API ZelkResult ZELK_CALL ZELK_HoleBatch(ZELK_SPLITBUCHUNG *Buchung);
 
 /* Deliver the lines and the cost postings of the posting that ZELK_HoleBatch delivered last, one by one: 1 more follow,
- * 2 this was the last, 0 there is none, -39 after the last, -40 without ZELK_HoleBatch. */
+ * 2 this was the last, 0 there is none, -39 after the last, -40 without ZELK_HoleBatch or when the fetch of another kind was
+ * begun behind it. */
 ZELK_API ZelkResult ZELK_CALL ZELK_HoleBatchZeile(ZELK_BATCHZEILE *Zeile);
 ZELK_API ZelkResult ZELK_CALL ZELK_HoleBatchKobu(ZELK_BATCHKOBU *Kobu);
 

@@ -112,6 +112,10 @@ std::vector<std::string> registryValueNames(Hive hive, const std::string &key) {
   return names;
 }
 
+std::string registryFile() {
+  return settingsPath();
+}
+
 int registrySubkeyCount(Hive hive, const std::string &key) {
   CSimpleIniA ini;
   if (!load(ini, settingsPath())) return 0;

@@ -77,6 +77,10 @@ std::vector<std::string> registryValueNames(Hive hive, const std::string &path) 
   }
 }
 
+std::string registryFile() {
+  return "";
+}
+
 int registrySubkeyCount(Hive hive, const std::string &path) {
   Key key(hive, path, KEY_READ);
   DWORD count = 0;

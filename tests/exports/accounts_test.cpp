@@ -236,6 +236,8 @@ TEST_F(Accounts, FetchesTellTheirKindApart) {
   ZELK_PEKO personal;
   ZELK_KOST centre;
   ZELK_SPLITBUCHUNG posting;
+  ZELK_BATCHZEILE line;
+  ZELK_BATCHKOBU cost;
   ZELK_BUCHUNG inserted = validPosting();
   ASSERT_EQ(ZELK_BuchungEinfuegen(&inserted, 0), ZELK_OK);
   const std::function<ZelkResult()> fetches[] = {
@@ -253,7 +255,10 @@ TEST_F(Accounts, FetchesTellTheirKindApart) {
                                                [] { return ZELK_InitHoleBatch(1, 3, 0); }};
   for (size_t i = 0; i < std::size(inits); ++i)
     for (size_t j = 0; j < std::size(fetches); ++j) {
+      ASSERT_TRUE(ZELK_InitHoleBatch(1, 3, 0) == ZELK_OK && ZELK_HoleBatch(&posting) > 0);
       ASSERT_EQ(inits[i](), ZELK_OK);
+      EXPECT_EQ(ZELK_HoleBatchZeile(&line), ZELKERR_keinInit) << i;
+      EXPECT_EQ(ZELK_HoleBatchKobu(&cost), ZELKERR_keinInit) << i;
       bool same = i == j || (i + j == 3 && i != 0 && j != 0);
       ZelkResult result = fetches[j]();
       EXPECT_EQ(result > 0 ? ZELK_OK : result, same ? ZELK_OK : ZELKERR_keinInit) << i << ' ' << j;

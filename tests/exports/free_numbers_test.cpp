@@ -3,6 +3,7 @@
 #include <cstring>
 #include <sstream>
 
+#include "resources/strings.h"
 #include "support/books.h"
 
 namespace test {
@@ -132,13 +133,13 @@ TEST_F(FreeNumbers, AreRefused) {
     int32_t client, kind;
     bool buffer;
     ZelkResult result;
-    const char *message;
+    std::string_view message;
   } rows[] = {{1, 8, true, ZELKERR_uzl_Kontoart, ""},
               {1, 0, true, ZELKERR_uzl_Kontoart, ""},
               {1, 3, true, ZELKERR_uzl_Kontoart, ""},
               {99, 16, true, ZELKERR_uzl_Kontoart, ""},
               {1, 8, false, ZELKERR_uzl_Kontoart, ""},
-              {1, 1, false, ZELKERR_nicht_moeglich, ""},
+              {1, 1, false, ZELKERR_nicht_moeglich, resources::text(338)},
               {99, 1, true, ZELKERR_uzl_Mandnr, "Der Mandant existiert nicht!"}};
   // The flag is that of the thread's last call that takes one, whatever is called in between.
   for (int32_t flag : {1, 0, -1})

@@ -1,6 +1,7 @@
 // Payment terms: every check in its order, what is stored, finding them again.
 #include <cstring>
 
+#include "resources/strings.h"
 #include "support/books.h"
 #include "vlba98/encoding.h"
 
@@ -190,6 +191,7 @@ TEST_F(PaymentTerms, AreFound) {
     EXPECT_EQ(recorder.takeText(), row.message);
   }
   EXPECT_EQ(ZELK_HoleZahlungsziel(1, 1, nullptr, 1), ZELKERR_nicht_moeglich);
+  EXPECT_EQ(recorder.takeText(), resources::text(338));
   const struct {
     int32_t client;
     const char *name;

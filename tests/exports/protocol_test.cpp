@@ -3,6 +3,9 @@
 #include <fstream>
 #include <regex>
 #include <stdexcept>
+#if !defined(_WIN32)
+#include <sys/stat.h>
+#endif
 
 #include "frame/call.h"
 #include "frame/protocol.h"
@@ -102,6 +105,8 @@ TEST_F(CallProtocol, HasAnEntryForEachCall) {
   char text[260] = "nicht gelesen";
   int32_t year = 0;
   uint32_t number = 0;
+  const std::string balance = "Aufbau: 0\nZeitraum: 1\nJahr: 2026\nFehlermeldungen: 0\nAusgabeart: 1\nEurosaldo: NULL\n"
+                              "Dimension: 0\nKostref: NULL\n";
   const struct {
     const char *what;
     std::function<void()> call;
@@ -124,22 +129,40 @@ TEST_F(CallProtocol, HasAnEntryForEachCall) {
       {"null text, neutral result", [] { ZELK_ExistiertKonto(1, "4711", 1, -2, nullptr); },
        entry("ZELK_ExistiertKonto",
              "Mandantennummer: 1\nKontonummer: 4711\nKontoart: 1\nDimension: -2\nKostref: NULL\n", "0 ZELK_keinKonto")},
-      {"line ends in a text", [] { ZELK_ExistiertKonto(1, "1\r\nRückgabe", 7, 0, ""); },
-       entry("ZELK_ExistiertKonto",
-             "Mandantennummer: 1\nKontonummer: 1??RÃ¼ckgabe\nKontoart: 7\nDimension: 0\nKostref: \n",
-             "-7 ZELKERR_uzl_Kontoart")},
       {"text of a refusal", [] { ZELK_InitHoleBatch(9, 1, 1); },
        entry("ZELK_InitHoleBatch",
              "Mandantennummer: 9\nStapelnummer: 1\nFehlermeldungen: 1\n"
              "Fehlermeldungen:\n\tDer Mandant existiert nicht!\n",
              "-5 ZELKERR_uzl_Mandnr")},
+      {"line ends in a text, and in the refusal that names it",
+       [] { ZELK_HoleKostenSaldo(1, "1\r\n\tRückgabe", nullptr, 0, 1, 2026, 0, 1, nullptr, 0, nullptr); },
+       entry("ZELK_HoleKostenSaldo",
+             "Mandantennummer: 1\nKontonummer: 1???RÃ¼ckgabe\nKostenart: NULL\n" + balance +
+                 "Fehlermeldungen:\n\tDie Kostenstelle 1???RÃ¼ckgabe ist unzulässig!\n",
+             "-10 ZELKERR_uzl_Kontonr")},
+      {"a refusal of several lines", [] { ZELK_BuchungEinfuegen(nullptr, 0); },
+       entry("ZELK_BuchungEinfuegen",
+             "Fehlermeldungen: 0\nFehlermeldungen:\n\t" +
+                 std::regex_replace(std::string(resources::text(338)), std::regex("\n"), "\n\t") + "\n",
+             "-38 ZELKERR_nicht_moeglich")},
+      {"a balance with the names of a fetch",
+       [] { ZELK_HoleKostenSaldo(1, nullptr, "4210", 0, 1, 2026, 0, 1, nullptr, 0, nullptr); },
+       entry("ZELK_HoleKostenSaldo", "Mandantennummer: 1\nKontonummer: NULL\nKostenart: 4210\n" + balance,
+             "1 ZELK_weitererDatensatz")},
       {"a number as result", [] { ZELK_HoleStartJahr(1); },
        entry("ZELK_HoleStartJahr", "Mandantennummer: 1\n", "2025")},
       {"engine as result", [] { ZELK_GetUsedEngine(); }, entry("ZELK_GetUsedEngine", "", "1 ZELK_ENG_BTRIEVE")},
-      {"engine as parameter, no password", [] { ZELK_SQLInit(2, 0, "127.0.0.1", nullptr, "geheim", 1, "", "x"); },
+      {"engine as parameter, no password",
+       [] {
+         ZELK_SQLInit(2, 0, "127.0.0.1", nullptr, "geheim", 1,
+                      "PWD=geheim;FORCETLS=1;;sslKeyPassword = {ge}};heim};Pwd=ge;heim;TLSKEY=pass;INITSTMT=SET "
+                      "PASSWORD='geheim';Kennwort={geheim;X=1",
+                      "x;passwd=geheim");
+       },
        entry("ZELK_SQLInit",
              "Enginetyp: ZELK_ENG_MYSQL\nDialog: 0\nHost: 127.0.0.1\nUser: NULL\nPasswort: gegeben\nPort: 1\nZusatz: "
-             "\nDatenbank: x\n",
+             "PWD=***;FORCETLS=1;;sslKeyPassword =***;Pwd=***;***;TLSKEY=***;INITSTMT=***;Kennwort=***\n"
+             "Datenbank: x;passwd=***\n",
              "-72 ZELKERR_Verbindungsfehler")},
       {"other engine", [] { ZELK_SQLInit(9, 1, nullptr, nullptr, nullptr, -1, nullptr, nullptr); },
        entry("ZELK_SQLInit",
@@ -189,18 +212,18 @@ TEST_F(CallProtocol, HasAnEntryForEachCall) {
 
 TEST_F(CallProtocol, ShowsFieldsAsTheirFlagsSay) {
   static constexpr frame::Export self{.name = "probe"};
-  const char full[4] = {'a', 'b', 'c', 'd'}, ended[6] = "xyz", hidden[4] = "h";
+  const char full[4] = {'a', '\n', '\r', 'd'}, ended[6] = "xyz", hidden[4] = "h";
   auto call = [&](const frame::Parameter &first) {
     frame::run(self, {first, frame::unprinted(frame::field("Zwei:", hidden)), frame::field("Drei:", ended, 6)},
                [](frame::ThreadContext *) -> ZelkResult { throw std::runtime_error("x"); });
   };
-  std::string dump = "Eins: abcd\nDrei: xyz\n";
+  std::string dump = "Eins: a??d\nDrei: xyz\n";
   EXPECT_EQ(trace([&] { call(frame::unchecked(frame::field("Eins:", full))); }),
             entry("probe", dump, "-2 ZELKERR_sonst"));
   // A text that does not end is refused, and the reason stands in the entry though nobody is shown it.
   EXPECT_EQ(trace([&] { call(frame::field("Eins:", full)); }),
             entry("probe",
-                  dump + "Fehlermeldungen:\n\tDer Text 'abcd' hat in der Struktur einen Überlauf verursacht. Die "
+                  dump + "Fehlermeldungen:\n\tDer Text 'a??d' hat in der Struktur einen Überlauf verursacht. Die "
                          "maximale Länge (3 Zeichen) wurde überschritten.\n",
                   "-37 ZELKERR_Ueberlauf"));
   EXPECT_EQ(recorder.takeText(), "");
@@ -256,24 +279,71 @@ TEST_F(CallProtocol, IsEmptiedByItsFirstUserOnly) {
     ASSERT_TRUE(MFWritePrivateProfileString("MFIBU", "TotalRecall", row.totalRecall, nullptr));
     ZELK_Detach();
     setUsers(row.before);
-    std::ofstream(file, std::ios::binary) << "frueher\r\n";
+    std::ofstream(file, std::ios::binary) << "Start des Protokolls. Systemdatum und Zeit: frueher\r\n";
     EXPECT_EQ(ZELK_ProtokollStart(), ZELK_OK);
-    EXPECT_EQ(textOf(file), (row.emptied ? "" : "frueher\n") + kStarted) << row.before << ' ' << row.totalRecall;
+    EXPECT_EQ(textOf(file), (row.emptied ? "" : kStart.substr(0, 44) + "frueher\n") + kStarted)
+        << row.before << ' ' << row.totalRecall;
     ZELK_ProtokollEnde();
     EXPECT_EQ(users(), row.before);
   }
 }
 
-TEST_F(CallProtocol, ThatCannotBeOpenedIsReported) {
-  fs::create_directories(folder() / "ordner");
-  ASSERT_EQ(choose(folder() / "ordner"), ZELK_OK);
-  EXPECT_EQ(ZELK_ProtokollStart(), ZELKERR_keine_Protokolldatei);
-  EXPECT_EQ(users(), 1u) << "stays counted";
-  EXPECT_EQ(ZELK_ProtokollStart(), ZELKERR_keine_Protokolldatei) << "not open";
-  ZELK_ProtokollEnde();
-  EXPECT_EQ(users(), 2u);
+TEST_F(CallProtocol, IsNeverAnotherFile) {
+  const fs::path foreign = folder() / "fremd.txt", database = dataFolder() / "MERKA.DB";
+  std::ofstream(foreign) << "Start des Protokolls, aber nicht dieses: Systemdatum und Zeit\n";
+  std::vector<fs::path> files = {folder(),
+                                 foreign,
+                                 database,
+                                 dataFolder() / "MERKA.DB-wal",
+                                 dataFolder() / "MERKA.LCK",
+                                 folder() / "merka.db-SHM"};
+#if !defined(_WIN32)
+  const fs::path link = folder() / "link", hardLink = folder() / "zweiter name", pipe = folder() / "pipe";
+  fs::create_symlink(dataFolder() / "MERKA.LCK", link);
+  if (fs::exists(database)) fs::create_hard_link(database, hardLink);
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  files.insert(files.end(), {link, hardLink, pipe, "/dev/null", folder() / "settings.ini",
+                             folder() / "settings.ini.lock", folder() / "VELTA_ZELK_MUTEX_PROTOKOLL_WRITE"});
+#endif
+  uint32_t counted = users();
+  for (const fs::path &other : files) {
+    ASSERT_EQ(choose(other), ZELK_OK);
+    EXPECT_EQ(ZELK_ProtokollStart(), ZELKERR_keine_Protokolldatei) << other;
+    EXPECT_EQ(bytesOf(other).find("Zeit: "), std::string::npos) << other;
+    ZELK_ProtokollEnde();
+    EXPECT_EQ(users(), ++counted) << "stays counted";
+  }
+  EXPECT_EQ(ZELK_InitHoleMandant(), ZELK_OK) << "the books are there";
   ASSERT_EQ(choose(file), ZELK_OK);
   EXPECT_EQ(ZELK_ProtokollStart(), ZELK_OK);
+}
+
+TEST_F(CallProtocol, BeginsAnewWhenItsFileIsGone) {
+  const fs::path moved = folder() / "alt.txt";
+  const std::string ended = entry("ZELK_BeendeHolen", "", "1 ZELK_OK");
+  const struct {
+    const char *what;
+    std::function<void(std::error_code &)> work;
+    std::string expected;
+  } rows[] = {{"emptied", [&](std::error_code &error) { fs::resize_file(file, 0, error); }, kStart + ended},
+              {"deleted", [&](std::error_code &error) { fs::remove(file, error); }, kStart + ended},
+              {"moved", [&](std::error_code &error) { fs::rename(file, moved, error); }, kStart + ended},
+              {"replaced",
+               [&](std::error_code &error) {
+                 std::ofstream(moved, std::ios::binary) << "fremd\r\n";
+                 fs::rename(moved, file, error);
+               },
+               "fremd\n"}};
+  for (const auto &row : rows) {
+    ASSERT_EQ(ZELK_ProtokollStart(), ZELK_OK) << row.what;
+    std::error_code error;
+    row.work(error);
+    ZELK_BeendeHolen();
+    // An open file may be protected from it.
+    EXPECT_EQ(textOf(file), error ? kStarted + ended : row.expected) << row.what;
+    ZELK_ProtokollEnde();
+    EXPECT_EQ(users(), 0u);
+  }
 }
 
 TEST_F(CallProtocol, LosesWholePiecesWhenTheDiskIsFull) {
@@ -324,9 +394,10 @@ ChildRole sharer("share the protocol", [](const std::string &expectedName) {
   ChildBooks books;
   char name[260] = "";
   if (ZELK_Protokoll(0, 4, name) != ZELK_OK || name != expectedName) return 1;
-  if (ZELK_ProtokollStart() != ZELK_OK || users() != 2) return 2;
+  const uint32_t others = users();
+  if (ZELK_ProtokollStart() != ZELK_OK || users() != others + 1) return 2;
   ZELK_BeendeHolen();
-  return ZELK_ProtokollEnde() == ZELK_OK && users() == 1 ? 0 : 3;
+  return ZELK_ProtokollEnde() == ZELK_OK && users() == others ? 0 : 3;
 });
 
 ChildRole dier("die with the protocol", [](const std::string &) -> int {
@@ -338,12 +409,17 @@ ChildRole dier("die with the protocol", [](const std::string &) -> int {
 });
 
 TEST_F(CallProtocol, IsSharedWithOtherProcesses) {
-  ASSERT_EQ(ZELK_ProtokollStart(), ZELK_OK);
-  EXPECT_EQ(runChild("share the protocol", file.string()), 0);
-  ZELK_BeendeHolen();
-  std::string ended = entry("ZELK_BeendeHolen", "", "1 ZELK_OK");
-  EXPECT_EQ(textOf(file), kStarted + kStarted + ended + kEnded + ended);
-  EXPECT_EQ(users(), 1u);
+  const std::string ended = entry("ZELK_BeendeHolen", "", "1 ZELK_OK");
+  // 0: the other one has settings of its own, in which nobody is counted.
+  for (uint32_t counted : {1u, 0u}) {
+    ASSERT_EQ(ZELK_ProtokollStart(), ZELK_OK);
+    setUsers(counted);
+    EXPECT_EQ(runChild("share the protocol", file.string()), 0);
+    ZELK_BeendeHolen();
+    EXPECT_EQ(textOf(file), kStarted + kStarted + ended + kEnded + ended) << counted;
+    EXPECT_EQ(users(), counted);
+    ZELK_ProtokollEnde();
+  }
 }
 
 TEST_F(CallProtocol, OutlivesTheDeathOfAProcess) {

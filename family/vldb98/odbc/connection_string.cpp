@@ -12,30 +12,43 @@ std::string upper(std::string_view text) {
   return result;
 }
 
-// The names of the options in a connection string, in capitals.
+// Takes the first option, without the semicolon behind it, off a connection string.
+std::string_view takeOption(std::string_view &text) {
+  size_t end = text.find_first_of("=;");
+  if (end != text.npos && text[end] == '=') {
+    end = std::min(text.find_first_not_of(' ', end + 1), text.size());
+    // A doubled brace is one of the value's.
+    if (text.substr(end).starts_with('{'))
+      for (++end; end < text.size() && (text[end] != '}' || text.substr(end, 2) == "}}"); ++end)
+        if (text[end] == '}') ++end;
+    end = text.find(';', std::min(end, text.size()));
+  }
+  const std::string_view option = text.substr(0, end);
+  text.remove_prefix(end == text.npos ? text.size() : end + 1);
+  return option;
+}
+
+// In capitals; empty for what is no option.
+std::string nameOf(std::string_view option) {
+  const size_t equals = option.find('=');
+  std::string name = upper(option.substr(0, equals == option.npos ? 0 : equals));
+  name.erase(0, name.find_first_not_of(' '));
+  return name.erase(name.find_last_not_of(' ') + 1);
+}
+
 std::vector<std::string> optionsIn(std::string_view text) {
   std::vector<std::string> names;
-  while (!text.empty()) {
-    const size_t equals = text.find('=');
-    if (equals == std::string_view::npos) break;
-    std::string_view name = text.substr(0, equals);
-    while (!name.empty() && (name.front() == ' ' || name.front() == ';'))
-      name.remove_prefix(1);
-    while (!name.empty() && name.back() == ' ')
-      name.remove_suffix(1);
-    names.push_back(upper(name));
-    text.remove_prefix(equals + 1);
-    size_t end = 0;
-    if (text.starts_with('{')) {
-      // A doubled brace is one of the value's.
-      for (end = 1; end < text.size() && (text[end] != '}' || text.substr(end, 2) == "}}"); ++end)
-        if (text[end] == '}') ++end;
-    }
-    end = text.find(';', std::min(end, text.size()));
-    if (end == std::string_view::npos) break;
-    text.remove_prefix(end + 1);
-  }
+  while (!text.empty())
+    if (std::string name = nameOf(takeOption(text)); !name.empty()) names.push_back(std::move(name));
   return names;
+}
+
+// Of any driver, and of statements that an option lets it execute.
+bool carriesSecret(std::string_view option) {
+  const std::string text = upper(option);
+  auto holds = [&](const char *mark) { return text.find(mark) != text.npos; };
+  return nameOf(option) == "PW" || holds("PWD") || holds("PASS") || holds("KENNWORT") || holds("SECRET") ||
+         holds("TOKEN") || holds("IDENTIFIED");
 }
 
 } // namespace
@@ -49,6 +62,24 @@ std::string braced(std::string_view value) {
     if (c == '}') text += c;
   }
   return text += '}';
+}
+
+std::string withoutSecrets(std::string_view text) {
+  std::string shown;
+  bool behindSecret = false;
+  while (!text.empty()) {
+    const size_t before = text.size();
+    const std::string_view option = takeOption(text);
+    const bool separated = before - text.size() > option.size();
+    const size_t value = option.find('=') + 1; // 0: this is no option
+    // It can be the rest of a secret that should have stood in braces.
+    const bool secret = value ? carriesSecret(option) : behindSecret && !option.empty();
+    if (value) behindSecret = secret;
+    shown += secret ? option.substr(0, value) : option;
+    if (secret) shown += "***";
+    if (separated) shown += ';';
+  }
+  return shown;
 }
 
 std::string chooseDriver(const Dialect &dialect, const std::vector<std::string> &installed) {

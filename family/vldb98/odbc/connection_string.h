@@ -17,6 +17,9 @@ inline constexpr unsigned kLoginSeconds = 5;
 /// zero byte, at which drivers stop reading.
 std::string braced(std::string_view value);
 
+/// A connection string, or a part of one, that people may read: "***" in place of each value that carries a password.
+std::string withoutSecrets(std::string_view text);
+
 /// The driver whose name begins as the dialect would like it best; its best one's beginning where none does. Those for
 /// 8-bit texts are left out.
 std::string chooseDriver(const Dialect &dialect, const std::vector<std::string> &installed);
