@@ -74,7 +74,7 @@ Table historicalItems(int number, const char *name) {
        {1, false, {"Konto"}},
        {4, false, {"Belegnummer"}},
        {9, false, {"OPBelegnummer"}},
-       {12, false, {"Belegdatum"}}});
+       {12, false, {"Zahldatum"}}});
 }
 
 } // namespace

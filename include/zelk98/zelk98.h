@@ -624,8 +624,8 @@ ZELK_API ZelkResult ZELK_CALL ZELK_HoleOP(
 
 /* Reads the items as they were after each payment, with that payment: from the client's first fiscal year to its
  * current one, within a year in the order of what is selected. The first of these that is given (neither null nor
- * empty) selects: Buchungsdatum - document dates from that day on in every year (TTMMJJ, TT.MM.JJ, TT.MM.JJJJ; -64
- * for no date); Belegnr, OPBelegnr - items of that number, 16 characters count; Kontonummer - items of that account.
+ * empty) selects: Buchungsdatum - payments from that day on (TTMMJJ, TT.MM.JJ, TT.MM.JJJJ; -64 for no date); Belegnr,
+ * OPBelegnr - items of that number, 16 characters count, blanks in front too; Kontonummer - items of that account.
  * Without any all are read, in the order of their numbers. Results as for ZELK_InitHoleOP and ZELK_HoleOP, but -40
  * after the last; -96 in the basic edition.
  * Beside the buffers named there: Benutzer (name of the user who entered the payment, empty when there is none) 41

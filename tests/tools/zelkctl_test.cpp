@@ -153,6 +153,7 @@ TEST_F(Zelkctl, ShowsItemsAndDunningLevels) {
     if (table == vldb98::kHistOPDebitor) {
       record.Ophistorie.Zeile = 1;
       put(record.Ophistorie.Zahlung, gross);
+      put(record.Ophistorie.Zahldatum, number == 5 ? "460101" : "460301");
     }
     ASSERT_TRUE(store->Insert(record, vldb98::FileNumber(table), vldb98::ZELK_ENG_DEFAULT));
   };
@@ -175,7 +176,7 @@ TEST_F(Zelkctl, ShowsItemsAndDunningLevels) {
   EXPECT_OUTCOME("op 1 10010 --csv", 0, ";\"mit;\"\"Zeichen\"\"\";;-12,50;-0,05;EUR;");
   EXPECT_OUTCOME("op 1 --historisch", 0,
                  "\nSumme                                                       77,00    0,00\n");
-  EXPECT_OUTCOME("op 1 10020 --historisch --ab 01.01.2026", 0,
+  EXPECT_OUTCOME("op 1 --historisch --ab 01.02.2026", 0,
                  "\nSumme                                                        7,00    0,00\n");
   EXPECT_OUTCOME("op 1 10020 --historisch --beleg R-5", 0, "Es gibt keine solchen historischen Posten.");
   EXPECT_OUTCOME("op 1 --historisch --op R-6 --csv", 0, ";Zahlbelegnummer;");

@@ -211,7 +211,8 @@ int main(int argc, char **argv) {
       ->check(CLI::IsMember({"debi", "kred"}).description(""));
   CLI::Option *historical = openItems->add_flag("--historisch", items.historical,
                                                 "Die Posten, wie sie nach jeder Zahlung waren, aller Geschäftsjahre");
-  openItems->add_option("--ab", items.from, "Nur historische ab diesem Belegdatum")->needs(historical);
+  openItems->add_option("--ab", items.from, "Nur historische, die an diesem Tag oder später bezahlt wurden")
+      ->needs(historical);
   openItems->add_option("--beleg", items.document, "Nur historische mit dieser Belegnummer")->needs(historical);
   openItems->add_option("--op", items.openItem, "Nur historische mit dieser OP-Belegnummer")->needs(historical);
   openItems->add_flag("--csv", items.csv, "Alle Angaben als CSV-Datei ausgeben");

@@ -59,7 +59,7 @@ int listTerms(int32_t client);
 struct ItemQuery {
   std::string account, kind; ///< kind: "debi" or "kred"
   bool historical = false;
-  std::string from, document, openItem; ///< of historical ones: first document date, numbers
+  std::string from, document, openItem; ///< of historical ones: first day of payment, numbers
   bool csv = false;
 };
 int listItems(int32_t client, const ItemQuery &query);
