@@ -108,6 +108,8 @@ TEST_F(Zelkctl, ShowsFiguresAndStructures) {
       {"saldo 1 --datum 30.04.2024", 0, "Es gibt keine Konten."},
       {"saldo 1 1000 --datum 31.02.2026", 2, "-64 ZELKERR_uzl_Datum"},
       {"saldo 1 --art kost", 0, "5001      1"},
+      {"saldo 1 --art kost", 0, "0,00        0,00\nSumme     2 "},
+      {"saldo 1 --art kost --csv --dimension 2", 0, "Euro-Saldo\nNORD;2;;NORD;"},
       {"saldo 1 5001 --dimension 1", 0, "Papier und Schreibwaren"},
       {"saldo 1 5001", 2, "-10 ZELKERR_uzl_Kontonr"},
       {"saldo 1 漢", 2, "KONTO 漢"},

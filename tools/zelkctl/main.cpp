@@ -229,8 +229,8 @@ int main(int argc, char **argv) {
         ->check(CLI::IsMember({"sako", "kred", "debi", "kost"}).description(""))
         ->group(kOptions);
   };
-  auto costCentreOptions = [&](CLI::App *sub) {
-    sub->add_option("--dimension", figures.dimension, "Dimension der Kostenstelle; Vorgabe: 0")->group(kOptions);
+  auto costCentreOptions = [&](CLI::App *sub, const char *dimension = "Dimension der Kostenstelle; Vorgabe: 0") {
+    sub->add_option("--dimension", figures.dimension, dimension)->group(kOptions);
     sub->add_option("--kostref", figures.reference, "Referenz der Kostenstelle")->group(kOptions);
   };
   auto csvOption = [&](CLI::App *sub) {
@@ -244,7 +244,7 @@ int main(int argc, char **argv) {
   kindOption(balances, kindOfAccount);
   balances->add_option("--datum", figures.date, "Saldo am Ende dieses Tages; Vorgabe: der des laufenden Geschäftsjahrs")
       ->group(kOptions);
-  costCentreOptions(balances);
+  costCentreOptions(balances, "Dimension der Kostenstelle; Vorgabe: 0, ohne Konto alle, mit einer Summe für jede");
   csvOption(balances);
 
   CLI::App *turnover = verb(app, "umsatz", "Die Umsätze eines Kontos nach Monaten, Quartalen und im Jahr zeigen",

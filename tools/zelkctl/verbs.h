@@ -71,7 +71,7 @@ struct FigureQuery {
   std::string kind;    ///< "sako", "kred", "debi" or "kost"; empty: that of the account, without one sako
   std::string date;    ///< of a balance; empty: the current fiscal year
   std::optional<int32_t> year;
-  int32_t dimension = 0; ///< of cost centres
+  std::optional<int32_t> dimension; ///< of cost centres
   std::string reference;
   int32_t order = 0; ///< of budget values
   std::string from;
