@@ -284,6 +284,12 @@ struct KOSTENBUCHUNG {
   char Belegnummer[17];
   char Bemerkung[41];
   char Bemerkung2[41];
+  char Kostref1[8]; // references of the cost centres whose costs it has moved (key texts); blank = none
+  char Kostref2[8];
+  char Kostref3[8];
+  char Kostref4[8];
+  char Kostref5[8];
+  char Kostref6[8];
 };
 
 // Open item of a personal account.

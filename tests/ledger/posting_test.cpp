@@ -98,14 +98,27 @@ TEST_F(Ledger, MovesTheAccountsOfEachKindOfPosting) {
 TEST_F(Ledger, BringsCostsToCostCentres) {
   change(1, kSteusa, KeyBuilder().number(int16_t(8)).text("410101", 6),
          [](DATENBANK &record) { record.Steusa.Anteil = 33; });
+  openYear(1, 2026);
+  FISTA_EXT client{};
+  uint8_t found = 0;
+  ASSERT_TRUE(store_->GetExtFista(client, found) && found);
+  client.Dimension3 = client.Dimension4 = 2;
+  ASSERT_TRUE(store_->SetExtFista(client));
+  for (const char *reference : {"R2     ", "R1     "}) {
+    DATENBANK record{};
+    put(record.Kost.Nr, "900    ");
+    put(record.Kost.Kostref, reference);
+    ASSERT_TRUE(store_->Insert(record, kKost, ZELK_ENG_DEFAULT));
+  }
   Draft debit = of("4910", "1000", "100,00"), credit = of("1000", "4910", "30,00"),
-        acquired = of("3425", "70180", "100,00", "19,00");
+        acquired = of("3425", "70180", "100,00", "19,00"), twice = of("4910", "1000", "7,00");
   debit.lines.front().costs = {{.centres = {"400", "5001"}, .amount = "60,00", .kind = 2},
                                {.centres = {"420"}, .amount = "40,00", .kind = 1}};
   credit.lines.front().costs = {{.centres = {"420"}, .amount = "30,00"}};
   acquired.lines.front().costs = {{.centres = {"400"}, .amount = "60,00"}, {.centres = {"420"}, .amount = "40,00"}};
-  insertAll({debit, credit, acquired});
-  ASSERT_EQ(post().years.at(2026).costs, 5u);
+  twice.lines.front().costs = {{.centres = {"900", "", "NORD", "NORD"}, .amount = "7,00"}};
+  insertAll({debit, credit, acquired, twice});
+  ASSERT_EQ(post().years.at(2026).costs, 6u);
   std::string postings, centres;
   openYear(1, 2026);
   eachRow(*store_, kKostenbuchung, [&](const DATENBANK &record) {
@@ -115,12 +128,33 @@ TEST_F(Ledger, BringsCostsToCostCentres) {
                 ' ' + plain(cost.Betrag) + ' ' + std::to_string(cost.Flags) + "; ";
   });
   EXPECT_EQ(postings, "1.0 4910 400 60,00 2; 1.1 4910 420 40,00 1; 2.0 4910 420 30,00 32; "
-                      "3.0 3425 400 67,64 0; 3.1 3425 420 45,09 0; ");
+                      "3.0 3425 400 67,64 0; 3.1 3425 420 45,09 0; 4.0 4910 900 7,00 0; ");
   eachRow(*store_, kKost, [&](const DATENBANK &record) {
     if (*record.Kost.Kosten[0])
       centres += std::string(vlba98::trimmed(record.Kost.Nr)) + ' ' + plain(record.Kost.Kosten[0]) + "; ";
   });
-  EXPECT_EQ(centres, "400 127,64; 420 55,09; 5001 60,00; ");
+  EXPECT_EQ(centres, "400 127,64; 420 55,09; 5001 60,00; 900 7,00; NORD 7,00; ");
+  // All evaluations agree, and the references of a number add up to what was posted.
+  const struct {
+    const char *centre, *reference;
+    int32_t dimension;
+    std::string costs;
+  } rows[] = {{"NORD", "", 2, "7,00 7,00 7,00"},  {"900", "", 0, "7,00 7,00 7,00"}, {"900", "R1", 0, "7,00 7,00 7,00"},
+              {"900", "R2", 0, "0,00 0,00 0,00"}, {"900", "R9", 0, "-23 -23 -10"},  {"900", "R1", -1, "-23 -23 7,00"},
+              {"900", "R2", -1, "-23 -23 0,00"},  {"900", "R9", -1, "-23 -23 -10"}};
+  for (const auto &row : rows) {
+    char text[3][16];
+    const ZelkResult results[] = {
+        ZELK_HoleUmsatz(1, row.centre, ZELK_KOSTENSTELLE, 18, 2026, 0, 2, nullptr, nullptr, nullptr, nullptr, nullptr,
+                        text[0], row.dimension, row.reference),
+        ZELK_HoleSaldo(1, row.centre, ZELK_KOSTENSTELLE, 0, 2, text[1], nullptr, "21.01.2026", row.dimension,
+                       row.reference),
+        ZELK_HoleKostenSaldo(1, row.centre, nullptr, 0, 17, 2026, 0, 2, text[2], row.dimension, row.reference)};
+    std::string all;
+    for (int i = 0; i < 3; ++i)
+      all += (i ? " " : "") + (results[i] == ZELK_OK ? std::string(text[i]) : std::to_string(results[i]));
+    EXPECT_EQ(all, row.costs) << row.centre << ' ' << row.reference << ' ' << row.dimension;
+  }
 }
 
 TEST_F(Ledger, OpensAndSettlesItems) {

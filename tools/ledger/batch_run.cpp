@@ -1,5 +1,6 @@
 #include "ledger/batch_run.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <utility>
@@ -29,6 +30,11 @@ constexpr int16_t kLessensCosts = 32; // KOSTENBUCHUNG.Flags
 template <class Record> auto centresOf(Record &record) {
   return std::array{record.Kostenstelle1, record.Kostenstelle2, record.Kostenstelle3,
                     record.Kostenstelle4, record.Kostenstelle5, record.Kostenstelle6};
+}
+
+auto referencesOf(KOSTENBUCHUNG &record) {
+  return std::array{record.Kostref1, record.Kostref2, record.Kostref3,
+                    record.Kostref4, record.Kostref5, record.Kostref6};
 }
 
 /// The cost postings of a line. They name shares of its net amount, and together they are what the line has brought to
@@ -256,12 +262,16 @@ private:
     vlba98::strncpy2(written.Bemerkung, cost.Bemerkung);
     vlba98::strncpy2(written.Bemerkung2, cost.Bemerkung2);
     const Amount moved = costs.onCredit ? Amount{-amount.own, -amount.euro} : amount;
+    std::vector<CostCentre *> centres; // that it names, each once
     for (int n = 0; n < vlfn98::kKostenstellen; ++n) {
       const char *number = centresOf(cost)[size_t(n)];
       std::memcpy(centresOf(written)[size_t(n)], number, sizeof written.Kostenstelle1);
       if (vlba98::trimmed(number).empty()) continue;
-      chart_.moveCosts(chart_.centre(year, vlfn98::kostDimension(chart_.extension(), n), number), year,
-                       posting.Belegdatum, moved);
+      CostCentre &centre = chart_.centre(year, vlfn98::kostDimension(chart_.extension(), n), number);
+      std::memcpy(referencesOf(written)[size_t(n)], centre.record.Kostref, sizeof written.Kostref1);
+      if (std::find(centres.begin(), centres.end(), &centre) != centres.end()) continue;
+      centres.push_back(&centre);
+      chart_.moveCosts(centre, year, posting.Belegdatum, moved);
     }
     DATENBANK record{};
     record.Kostenbuchung = written;
