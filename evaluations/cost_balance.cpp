@@ -66,23 +66,23 @@ int numbersOf(Store &store, int32_t structure, std::set<std::string> &numbers) {
   return done;
 }
 
-/// The cost centres of the open year that a call asks for, in a set that restricts the postings.
+/// The cost centres of the open year that a call asks for, as what restricts the postings.
 class CostCentres {
 public:
   CostCentres(Store &store, const Request &request) : store_(store), request_(request) {}
 
-  /// \param numbers stays nothing when the call does not restrict the cost centres
-  Outcome select(std::optional<std::set<std::string>> &numbers) {
+  /// \param selection its cost centres stay nothing when the call does not restrict them
+  Outcome select(vlfn98::Kostenauswahl &selection) {
     if (request_.structure >= int32_t(kStructureTables.size()))
       return inadmissible(ZELKERR_uzl_Kontonr, "Der Aufbau ist");
     uint8_t referenced = 0;
     const bool hasDimension = request_.dimension >= 0 && request_.dimension < kDimensionen;
-    if (hasDimension && !request_.reference.empty() && !vlfn98::IsKostrefActive(store_, referenced))
-      return {ZELKERR_Datenbank};
+    if (!request_.reference.empty() && !vlfn98::IsKostrefActive(store_, referenced)) return {ZELKERR_Datenbank};
     if (request_.structure > 0 && !numbersOf(store_, request_.structure, inStructure_)) return {ZELKERR_Datenbank};
     if (request_.costCentre.empty() && request_.structure <= 0 && !referenced) return {};
 
-    numbers.emplace();
+    auto &numbers = selection.costCentres.emplace();
+    if (referenced) selection.reference = request_.reference;
     DATENBANK record{};
     uint8_t found;
     // In the order of numbers, from the one asked for.
@@ -98,11 +98,11 @@ public:
       const bool wanted = (!hasDimension || centre.Dimension == request_.dimension) &&
                           (!referenced || vlba98::trimmed(centre.Kostref) == request_.reference) &&
                           (request_.structure <= 0 || inStructure_.count(std::string(number)));
-      if (wanted) numbers->emplace(number);
+      if (wanted) numbers.emplace(number);
       done = store_.GetNextExt(record, found, kKost, ZELK_ENG_DEFAULT);
     }
     if (!done) return {ZELKERR_Datenbank};
-    return numbers->empty() ? inadmissible(ZELKERR_uzl_Kontonr, "Die Kostenstelle ist") : Outcome{};
+    return numbers.empty() ? inadmissible(ZELKERR_uzl_Kontonr, "Die Kostenstelle ist") : Outcome{};
   }
 
 private:
@@ -120,7 +120,7 @@ Outcome select(Store &store, const Request &request, vlfn98::Kostenauswahl &sele
     return {ZELKERR_Datenbank};
   if (!exists || request.costType.size() >= sizeof SACHKONTO::Nr)
     return inadmissible(ZELKERR_uzl_Kontonr, "Die Kostenart ist");
-  return CostCentres(store, request).select(selection.costCentres);
+  return CostCentres(store, request).select(selection);
 }
 
 Outcome costsOf(Store &store, const Request &request, int64_t &euro) {

@@ -50,9 +50,9 @@ ZelkResult select(ThreadContext &context, const Request &request, ItemSelection 
     auto date = vlba98::parseDatum(text);
     if (!date) return refuse(context, ZELKERR_uzl_Datum, resources::kDatumUnzulaessig);
     selection = openitems::selectBy(By::Date, vlba98::toReversed(*date).data());
-  } else if (auto document = openitems::given(request.document); !document.empty()) {
+  } else if (auto document = openitems::givenNumber(request.document); !document.empty()) {
     selection = openitems::selectBy(By::Document, document);
-  } else if (auto openItem = openitems::given(request.openItem); !openItem.empty()) {
+  } else if (auto openItem = openitems::givenNumber(request.openItem); !openItem.empty()) {
     selection = openitems::selectBy(By::OpenItem, openItem);
   } else if (auto account = openitems::given(request.account); !account.empty()) {
     if (account.size() > openitems::kAccountWidth)

@@ -1,6 +1,6 @@
 #include "openitems/selection.h"
 
-#include <cstring>
+#include <cstddef>
 
 #include "vlba98/text.h"
 
@@ -22,16 +22,24 @@ constexpr Rule kRules[] = {{By::Nothing, 0, 0, 0, false},
                            {By::Account, 1, offsetof(OPBELEG, Konto), sizeof(OPBELEG::Konto), true},
                            {By::Document, 4, offsetof(OPBELEG, Belegnummer), sizeof(OPBELEG::Belegnummer), true},
                            {By::OpenItem, 9, offsetof(OPBELEG, OPBelegnummer), sizeof(OPBELEG::OPBelegnummer), true},
-                           {By::Date, 12, offsetof(OPBELEG, Belegdatum), sizeof(OPBELEG::Belegdatum), false}};
+                           {By::Date, 12, offsetof(OPHISTORIE, Zahldatum), sizeof(OPHISTORIE::Zahldatum), false}};
 
 const Rule &ruleOf(By by) {
   return kRules[size_t(by)];
+}
+
+std::string_view withoutTrailingBlanks(std::string_view text) {
+  return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
 } // namespace
 
 std::string_view given(const char *text) {
   return vlba98::trimmed(text ? text : "");
+}
+
+std::string_view givenNumber(const char *text) {
+  return withoutTrailingBlanks(text ? text : "");
 }
 
 ItemSelection selectBy(By by, std::string_view value) {
@@ -48,7 +56,8 @@ FileNumber fileOf(int table, const ItemSelection &selection) {
 
 bool holds(const ItemSelection &selection, const DATENBANK &item) {
   const Rule &rule = ruleOf(selection.by);
-  return !rule.sameValue || std::strcmp(item.bytes + rule.offset, selection.value) == 0;
+  // A number and the same with blanks behind it stand next to each other in the key.
+  return !rule.sameValue || withoutTrailingBlanks(item.bytes + rule.offset) == withoutTrailingBlanks(selection.value);
 }
 
 ZelkResult findFirst(Store &store, const ItemSelection &selection, int table, DATENBANK &item) {

@@ -13,6 +13,9 @@ using frame::ItemSelection;
 /// What a host gave, without the blanks around; empty when it gave nothing.
 std::string_view given(const char *text);
 
+/// The same of the number of a document, which blanks in front are part of.
+std::string_view givenNumber(const char *text);
+
 /// Most characters of an account number.
 constexpr size_t kAccountWidth = 7;
 

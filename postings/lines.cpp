@@ -208,6 +208,7 @@ ZelkResult Insertion::addLine(Line &line) {
   vlba98::formatGeld(line.ownGross - line.ownNet, stored.Steuerbetrag);
   vlba98::formatGeld(line.amounts.rate, stored.Steuersatz, vlba98::satzWidth);
   stored.Steuerschluessel = line.tax.key;
+  if (line.tax.key != 0) vlba98::strncpy2(stored.Schluesselsatz, line.taxKey.Satz);
   stored.Steuerseite = int16_t(line.tax.side);
   if (foreign_) {
     vlba98::strncpy2(stored.BruttoFW, request.Bruttobetrag);

@@ -200,7 +200,7 @@ struct SPLIT {
   char Netto[13];
   int16_t Steuerschluessel;
   int16_t Steuerseite;   // 0 none, 1 credit, 2 debit
-  char Steuersatz[6];    // rate
+  char Steuersatz[6];    // rate of the tax in the gross amount
   char Steuerbetrag[13]; // money
   char BruttoFW[13];     // money in the posting's foreign currency; empty = in the client's
   char SteuerFW[13];
@@ -208,8 +208,9 @@ struct SPLIT {
   char Text[36];
   char Text2[36];
   int32_t Kostenschablone;
-  int32_t Bewegungsart; // kind of a fixed-asset movement, 0 = none
-  int32_t DMSNr;        // identifier of a document of this line, 0 = none
+  int32_t Bewegungsart;   // kind of a fixed-asset movement, 0 = none
+  int32_t DMSNr;          // identifier of a document of this line, 0 = none
+  char Schluesselsatz[6]; // rate of the tax key, whether or not the gross amount holds tax; empty = no key
 };
 
 // Cost posting of a line of a batch posting.
@@ -283,6 +284,12 @@ struct KOSTENBUCHUNG {
   char Belegnummer[17];
   char Bemerkung[41];
   char Bemerkung2[41];
+  char Kostref1[8]; // references of the cost centres whose costs it has moved (key texts); blank = none
+  char Kostref2[8];
+  char Kostref3[8];
+  char Kostref4[8];
+  char Kostref5[8];
+  char Kostref6[8];
 };
 
 // Open item of a personal account.

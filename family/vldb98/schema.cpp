@@ -159,7 +159,8 @@ std::vector<Table> declareTables() {
                             NUMBER(R, Steuerschluessel), NUMBER(R, Steuerseite),  MONEY(R, Steuersatz),
                             MONEY(R, Steuerbetrag),      MONEY(R, BruttoFW),      MONEY(R, SteuerFW),
                             DATE(R, Faelligkeit),        TEXT(R, Text),           TEXT(R, Text2),
-                            NUMBER(R, Kostenschablone),  NUMBER(R, Bewegungsart), NUMBER(R, DMSNr)},
+                            NUMBER(R, Kostenschablone),  NUMBER(R, Bewegungsart), NUMBER(R, DMSNr),
+                            MONEY(R, Schluesselsatz)},
                            {{0, true, {"Stapel", "Buchung", "Nr"}}}));
   }
   {

@@ -74,7 +74,7 @@ Table historicalItems(int number, const char *name) {
        {1, false, {"Konto"}},
        {4, false, {"Belegnummer"}},
        {9, false, {"OPBelegnummer"}},
-       {12, false, {"Belegdatum"}}});
+       {12, false, {"Zahldatum"}}});
 }
 
 } // namespace
@@ -131,11 +131,13 @@ std::vector<Table> ledgerTables() {
   {
     using R = KOSTENBUCHUNG;
     tables.push_back(table(kKostenbuchung, "Kostenbeleg", Scope::FiscalYear, sizeof(R),
-                           {NUMBER(R, Nr), NUMBER(R, Zeile), DATE(R, Datum), KEYTEXT(R, Kostenart),
-                            KEYTEXT(R, Kostenstelle1), KEYTEXT(R, Kostenstelle2), KEYTEXT(R, Kostenstelle3),
-                            KEYTEXT(R, Kostenstelle4), KEYTEXT(R, Kostenstelle5), KEYTEXT(R, Kostenstelle6),
-                            NUMBER(R, Flags), MONEY(R, Betrag), MONEY(R, EuroBetrag), MONEY(R, Menge), TEXT(R, Einheit),
-                            TEXT(R, Belegnummer), TEXT(R, Bemerkung), TEXT(R, Bemerkung2)},
+                           joined({{NUMBER(R, Nr), NUMBER(R, Zeile), DATE(R, Datum), KEYTEXT(R, Kostenart),
+                                    KEYTEXT(R, Kostenstelle1), KEYTEXT(R, Kostenstelle2), KEYTEXT(R, Kostenstelle3),
+                                    KEYTEXT(R, Kostenstelle4), KEYTEXT(R, Kostenstelle5), KEYTEXT(R, Kostenstelle6),
+                                    NUMBER(R, Flags), MONEY(R, Betrag), MONEY(R, EuroBetrag), MONEY(R, Menge),
+                                    TEXT(R, Einheit), TEXT(R, Belegnummer), TEXT(R, Bemerkung), TEXT(R, Bemerkung2)},
+                                   {KEYTEXT(R, Kostref1), KEYTEXT(R, Kostref2), KEYTEXT(R, Kostref3),
+                                    KEYTEXT(R, Kostref4), KEYTEXT(R, Kostref5), KEYTEXT(R, Kostref6)}}),
                            {{0, true, {"Nr", "Zeile"}}, {1, false, {"Datum"}}}));
   }
   tables.push_back(historicalItems(kHistOPDebitor, "HistOPDebitor"));

@@ -1,7 +1,6 @@
 #include "vlfn98/cost_postings.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "vlba98/geld.h"
 #include "vlba98/text.h"
@@ -16,7 +15,7 @@ namespace {
 constexpr int16_t kLessensCosts = 32;
 constexpr int kDimensions = 6;
 
-// The cost centres of a posting that may be the one asked for.
+// The cost centres of a posting that may be the one asked for. However many of them it names, the posting counts once.
 class NamedCentres {
 public:
   NamedCentres(const FISTA_EXT &client, int32_t dimension) {
@@ -24,10 +23,16 @@ public:
       counts_[n] = dimension < 0 || dimension >= kDimensions || kostDimension(client, n) == dimension;
   }
   template <class Wanted> bool any(const KOSTENBUCHUNG &posting, Wanted &&wanted) const {
-    const char *const named[kKostenstellen] = {posting.Kostenstelle1, posting.Kostenstelle2, posting.Kostenstelle3,
-                                               posting.Kostenstelle4, posting.Kostenstelle5, posting.Kostenstelle6};
+    struct Named {
+      const char *number, *reference;
+    };
+    const Named named[kKostenstellen] = {
+        {posting.Kostenstelle1, posting.Kostref1}, {posting.Kostenstelle2, posting.Kostref2},
+        {posting.Kostenstelle3, posting.Kostref3}, {posting.Kostenstelle4, posting.Kostref4},
+        {posting.Kostenstelle5, posting.Kostref5}, {posting.Kostenstelle6, posting.Kostref6}};
     for (int n = 0; n < kKostenstellen; ++n)
-      if (counts_[n] && wanted(std::string(vlba98::trimmed(named[n])))) return true;
+      if (counts_[n] && wanted(std::string(vlba98::trimmed(named[n].number)), vlba98::trimmed(named[n].reference)))
+        return true;
     return false;
   }
 
@@ -64,8 +69,9 @@ int SummeDerKostenbuchungen(Store &store, const Zeitspanne &days, const Kostenau
   const NamedCentres centres(client, selection.dimension);
   auto counts = [&](const KOSTENBUCHUNG &posting) {
     if (!selection.costType.empty() && vlba98::trimmed(posting.Kostenart) != selection.costType) return false;
-    return !selection.costCentres ||
-           centres.any(posting, [&](const std::string &number) { return selection.costCentres->count(number) > 0; });
+    return !selection.costCentres || centres.any(posting, [&](const std::string &number, std::string_view reference) {
+      return selection.costCentres->count(number) > 0 && (!selection.reference || reference == *selection.reference);
+    });
   };
   auto key = [](const vlba98::Datum &day) { return KeyBuilder().text(vlba98::toReversed(day).data(), 6); };
   DATENBANK record{};
@@ -79,13 +85,9 @@ int SummeDerKostenbuchungen(Store &store, const Zeitspanne &days, const Kostenau
 }
 
 int GetKostMonatsWerte(Store &store, const KOST &centre, const Zeitspanne &days, Werte &values) {
-  KOST first{};
-  uint8_t exists;
-  values = {};
-  if (!IsKostenstelle(store, centre.Nr, centre.Dimension, first, exists)) return 0;
-  if (!exists || std::strcmp(first.Kostref, centre.Kostref) != 0) return 1;
   Kostenauswahl selection;
   selection.costCentres = {std::string(vlba98::trimmed(centre.Nr))};
+  selection.reference = vlba98::trimmed(centre.Kostref);
   selection.dimension = centre.Dimension;
   return SummeDerKostenbuchungen(store, days, selection, values);
 }

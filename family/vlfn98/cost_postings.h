@@ -18,6 +18,7 @@ int IsKostrefActive(vldb98::Store &store, uint8_t &active);
 struct Kostenauswahl {
   std::string costType;                             ///< general-ledger account; empty: all
   std::optional<std::set<std::string>> costCentres; ///< nothing: all
+  std::optional<std::string> reference;             ///< of the cost centres; nothing: any
   int32_t dimension = 0; ///< in which the cost centre is named, 0 to 5; any other value: in whichever
 };
 
@@ -26,9 +27,7 @@ struct Kostenauswahl {
 int SummeDerKostenbuchungen(vldb98::Store &store, const Zeitspanne &days, const Kostenauswahl &selection,
                             Werte &values);
 
-/// The same of the cost postings that name a cost centre. They name it by its number: where cost centres of a dimension
-/// differ in their reference only, postings belong to the first of them.
-/// \return 0 when the store failed
+/// The same of the cost postings that have moved the costs of a cost centre. \return 0 when the store failed
 int GetKostMonatsWerte(vldb98::Store &store, const vldb98::KOST &centre, const Zeitspanne &days, Werte &values);
 
 } // namespace vlfn98

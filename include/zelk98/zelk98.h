@@ -626,8 +626,8 @@ ZELK_API ZelkResult ZELK_CALL ZELK_HoleOP(
 
 /* Reads the items as they were after each payment, with that payment: from the client's first fiscal year to its
  * current one, within a year in the order of what is selected. The first of these that is given (neither null nor
- * empty) selects: Buchungsdatum - document dates from that day on in every year (TTMMJJ, TT.MM.JJ, TT.MM.JJJJ; -64
- * for no date); Belegnr, OPBelegnr - items of that number, 16 characters count; Kontonummer - items of that account.
+ * empty) selects: Buchungsdatum - payments from that day on (TTMMJJ, TT.MM.JJ, TT.MM.JJJJ; -64 for no date); Belegnr,
+ * OPBelegnr - items of that number, 16 characters count, blanks in front too; Kontonummer - items of that account.
  * Without any all are read, in the order of their numbers. Results as for ZELK_InitHoleOP and ZELK_HoleOP, but -40
  * after the last; -96 in the basic edition.
  * Beside the buffers named there: Benutzer (name of the user who entered the payment, empty when there is none) 41
@@ -698,10 +698,10 @@ ZELK_API ZelkResult ZELK_CALL ZELK_HoleSaldo(int32_t Mandantennummer, const char
 /* Delivers what the cost postings of a fiscal year add up to, in Euro, those that lessen costs subtracted. Kontonummer (cost
  * centre), Kostenart (cost type): at least one of them; null or empty: all. Aufbau: 1 to 32, the class of a report structure
  * whose visible account lines name the cost centres that count; 0 or less: all. Dimension: 0 to 5, in which the cost centres
- * are named; any other value: in whichever. Kostref: only cost centres of that reference, where the client uses references
- * and the dimension is given; null or empty: all. Zeitraum: 1 to 12 a month, 13 to 16 a quarter, 17 the year. Jahr: four
- * digits, from the client's first to its current one. -20 Ausgabeart; -10 Kontonummer, Kostenart or Aufbau: missing, too
- * long or without a cost centre; -5 client; -44 Jahr or Zeitraum. */
+ * are named; any other value: in whichever. Kostref: only what moved cost centres of that reference, where the client uses
+ * references; null or empty: all. A cost posting counts once. Zeitraum: 1 to 12 a month, 13 to 16 a quarter, 17 the year.
+ * Jahr: four digits, from the client's first to its current one. -20 Ausgabeart; -10 Kontonummer, Kostenart or Aufbau:
+ * missing, too long or without a cost centre; -5 client; -44 Jahr or Zeitraum. */
 ZELK_API ZelkResult ZELK_CALL ZELK_HoleKostenSaldo(int32_t Mandantennummer, const char *Kontonummer,
                                                    const char *Kostenart, int32_t Aufbau, int32_t Zeitraum, int32_t Jahr,
                                                    int32_t Fehlermeldungen, int32_t Ausgabeart, char *Eurosaldo,

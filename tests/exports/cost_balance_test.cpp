@@ -11,8 +11,8 @@ using namespace vldb98;
 /// A cost posting as the test keeps it.
 struct Cost {
   vlba98::Datum day;
-  std::string type, centres[6];
-  int64_t own, euro; // with its sign
+  std::string type, centres[6], reference; // of the fourth cost centre
+  int64_t own, euro;                       // with its sign
 };
 
 class CostBalance : public Ledger {
@@ -26,7 +26,7 @@ protected:
     KOSTENBUCHUNG row{};
     ASSERT_TRUE(other->Transaktion(1, 0, ZELK_ENG_DEFAULT));
     for (int i = 0; i < 300; ++i) {
-      Cost cost{*vlba98::addDays({year, 1, 1}, int(random() % 365)), types[random() % 3], {}, 0, 0};
+      Cost cost{*vlba98::addDays({year, 1, 1}, int(random() % 365)), types[random() % 3], {}, "", 0, 0};
       for (int n = 0; n < 6; ++n)
         cost.centres[n] = centres[n][random() % centres[n].size()];
       ++row.Nr;
@@ -38,6 +38,8 @@ protected:
       put(row.Kostenstelle4, padded(cost.centres[3]));
       put(row.Kostenstelle5, padded(cost.centres[4]));
       put(row.Kostenstelle6, padded(cost.centres[5]));
+      cost.reference = random() % 2 ? "R1" : "R2";
+      put(row.Kostref4, padded(cost.reference));
       row.Flags = int16_t(random() % 3 + (random() % 4 ? 0 : 32));
       const int64_t own = int64_t(random() % 100000) - 10000, euro = own + 7;
       put(row.Betrag, internalForm(own));
@@ -82,7 +84,7 @@ TEST_F(CostBalance, AddsUpWhatIsSelected) {
   post(2025);
   post(2026);
   open(1, 2026);
-  addCentre("NORD", 3, "R1");
+  addCentre("R", 3, "R1");
   addCentre("R", 3, "R2");
   addLine(1, 0, "100");
   addLine(2, 1, "200");
@@ -100,14 +102,15 @@ TEST_F(CostBalance, AddsUpWhatIsSelected) {
                       {"100 ", "4600", 0, 0, nullptr, {"100"}},
                       {"100", "4600", -5, -1, "", {"100"}}, // in whichever dimension
                       {"5001", "", 0, 1, "", {"5001"}},
-                      {"5002", "4210", 0, 6, "R1", {"5002"}},
+                      {"5002", "4210", 0, 6, "", {"5002"}},
                       {"SUED", "", 0, 2, "", {"SUED"}},
                       {"", "4920", 0, 0, "", {}},
-                      {nullptr, "4920", 0, 9, "R1", {}},
+                      {nullptr, "4920", 0, 9, "R1", {"R"}},
                       {"", "4920", 7, 0, "", {"200"}},
                       {"", "4920", 7, 1, "", {"5002"}},
                       {"200", "", 7, 0, "", {"200"}},
                       {"R", "", 0, 3, "", {"R"}},
+                      {"R", "", 0, 3, "R1", {"R"}},
                       {"", "4600", 0, 3, "R2", {"R"}},
                       {"R", "4600", 0, 3, "R2", {"R"}}};
   for (const Row &row : rows)
@@ -121,7 +124,8 @@ TEST_F(CostBalance, AddsUpWhatIsSelected) {
         bool named = row.numbers.empty();
         for (int n = 0; n < 6; ++n)
           if (row.dimension == n || row.dimension < 0 || row.dimension > 5)
-            named = named || (std::count(row.numbers.begin(), row.numbers.end(), cost.centres[n]) > 0);
+            named = named || (std::count(row.numbers.begin(), row.numbers.end(), cost.centres[n]) > 0 &&
+                              (!row.reference || !*row.reference || (n == 3 && cost.reference == row.reference)));
         if (counts && named) sum += cost.euro;
       }
       std::string balance;
@@ -135,7 +139,8 @@ TEST_F(CostBalance, AddsUpWhatIsSelected) {
   ASSERT_EQ(euroBalance("200", "", 0, 17, 2025, 0, "R1", with), ZELK_OK);
   ASSERT_EQ(euroBalance("200", "", 0, 17, 2025, 0, "", without), ZELK_OK);
   EXPECT_EQ(with, without);
-  EXPECT_EQ(euroBalance("200", "", 0, 17, 2026, 0, "R1", with), ZELKERR_uzl_Kontonr);
+  for (int32_t dimension : {0, 9})
+    EXPECT_EQ(euroBalance("200", "", 0, 17, 2026, dimension, "R1", with), ZELKERR_uzl_Kontonr);
 }
 
 TEST_F(CostBalance, IsRefused) {

@@ -100,8 +100,8 @@ TEST_F(ItemWalks, OverYearsAreThoseOfTheModel) {
   std::vector<Item> model;
   for (int number = 1; number <= 120; ++number) {
     Item item{oneOf({"10010", "10020", "10030"}),
-              oneOf({"R-1", "R-10", "R-2", "1234567890123456"}),
-              oneOf({"O-1", "O-2", "o-1"}),
+              oneOf({"R-1", "R-10", "R-2", " R-1", "R-1 ", "1234567890123456"}),
+              oneOf({"O-1", "O-2", "o-1", " O-1"}),
               oneOf({"440131", "441231", "450115", "460121", "460301"}),
               "",
               number,
@@ -111,7 +111,7 @@ TEST_F(ItemWalks, OverYearsAreThoseOfTheModel) {
     model.push_back(item);
     OPHISTORIE history = paymentOf(itemOf(number, item.account, item.document), item.line);
     put(history.OP.OPBelegnummer, item.openItem);
-    put(history.OP.Belegdatum, item.date);
+    put(history.Zahldatum, item.date);
     name(history.OP, item.name);
     insert(kHistOPDebitor, history, std::to_string(item.year).c_str());
     name(history.OP, "creditor");
@@ -127,7 +127,11 @@ TEST_F(ItemWalks, OverYearsAreThoseOfTheModel) {
       {nullptr, nullptr, nullptr, nullptr, [](const Item &) { return true; }, unordered},
       {"10020", "", "", "", [](const Item &item) { return item.account == "10020"; }, unordered},
       {"10020", "", "", "O-1", [](const Item &item) { return item.openItem == "O-1"; }, unordered},
-      {"10020", "", "R-1", "O-1", [](const Item &item) { return item.document == "R-1"; }, unordered},
+      {"", "", "", " O-1  ", [](const Item &item) { return item.openItem == " O-1"; }, unordered},
+      {"", "", " R-1", "O-1", [](const Item &item) { return item.document == " R-1"; }, unordered},
+      {"10020", "", "R-1", "O-1",
+       [](const Item &item) { return item.document == "R-1" || item.document == "R-1 "; }, // blanks behind do not count
+       [](const Item &item) { return item.document; }},
       {"", "", "12345678901234567", "", [](const Item &item) { return item.document == "1234567890123456"; },
        unordered},
       {"10020", "15.01.2025", "R-1", "O-1", [](const Item &item) { return item.date >= "450115"; },

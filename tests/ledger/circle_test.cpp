@@ -160,7 +160,7 @@ protected:
   void compareEntries(const Cast &cast, const Reckoning &reckoning) {
     std::map<std::tuple<AccountKey, Day, int>, std::pair<int64_t, int64_t>> entries, expected;
     for (int year : reckoning.years()) {
-      std::map<int32_t, int64_t> balances;
+      std::map<int32_t, std::pair<int64_t, int64_t>> balances;
       openYear(uint16_t(cast.client), year);
       eachRow(*store_, kBuchungsbeleg, [&](const DATENBANK &record) {
         const BUCHUNGSBELEG row = record.Buchungsbeleg;
@@ -169,10 +169,12 @@ protected:
         auto &sum = entries[{{row.Kontotabelle, number(row.Konto)}, day, row.Art}];
         sum.first += own;
         sum.second += euro;
-        if (row.Kontotabelle == kSachkonto) balances[row.Nr] += own;
+        if (row.Kontotabelle != kSachkonto) return;
+        balances[row.Nr].first += own;
+        balances[row.Nr].second += euro;
       });
       for (auto [entry, balance] : balances)
-        EXPECT_EQ(balance, 0) << year << ' ' << entry;
+        EXPECT_EQ(balance, std::pair(int64_t{0}, int64_t{0})) << year << ' ' << entry;
     }
     for (const auto &[account, moves] : reckoning.moves)
       for (const Move &move : moves) {

@@ -56,6 +56,9 @@ TEST_F(Ledger, MovesTheAccountsOfEachKindOfPosting) {
       {"acquisition sent back", of("70180", "3425", "100,00", "19,00"),
        "2:70180 S 100,00 8/19,00; 0:3425 H 100,00 8/19,00; 0:1574 H 7,60 8/19,00; 0:1774 S 19,00 8/19,00; "
        "0:3425 H 11,40 8/19,00; 0:1610 S 100,00 8/19,00"},
+      {"acquisition at a former rate", of("3425", "70180", "100,00", "16,00"),
+       "0:3425 S 100,00 8/16,00; 2:70180 H 100,00 8/16,00; 0:1574 S 16,00 8/16,00; 0:1774 H 16,00 8/16,00; "
+       "0:1610 H 100,00 8/16,00"},
       {"tax-free", of("8400", "10010", "50,00"), "0:8400 S 50,00; 3:10010 H 50,00; 0:1400 H 50,00"},
       {"discount", split,
        "0:1200 S 98,00; 3:10020 H 98,00; 0:1400 H 98,00; "
@@ -79,13 +82,13 @@ TEST_F(Ledger, MovesTheAccountsOfEachKindOfPosting) {
   ASSERT_EQ(post(2, 2).state, ledger::Outcome::Posted);
   EXPECT_EQ(journal(1, 2026), expected[0]);
   EXPECT_EQ(journal(2, 2025), expected[1]); // its fiscal year begins in July
-  // 21 January is the seventh month of that year; Euro at 0,935 for one.
+  // 21 January is the seventh month of that year; what was posted in Euro is its own value.
   openYear(2, 2025);
   DATENBANK record{};
   uint8_t found = 0;
   ASSERT_TRUE(store_->UsedGet(record, KeyBuilder().account("3200"), found, kSachkonto, ZELK_ENG_DEFAULT) && found);
   EXPECT_EQ(plain(record.Sachkonto.Werte.Monat[6].Haben), "93,08");
-  EXPECT_EQ(plain(record.Sachkonto.EuroWerte.Monat[6].Haben), "99,55");
+  EXPECT_EQ(plain(record.Sachkonto.EuroWerte.Monat[6].Haben), "100,00");
   ASSERT_TRUE(store_->UsedGet(record, KeyBuilder().number(2), found, kStapel, ZELK_ENG_DEFAULT) && found);
   EXPECT_EQ(record.Stapel.Gecleart, 1);
   EXPECT_EQ(record.Stapel.Bebucht, 0);
@@ -93,12 +96,29 @@ TEST_F(Ledger, MovesTheAccountsOfEachKindOfPosting) {
 }
 
 TEST_F(Ledger, BringsCostsToCostCentres) {
-  Draft debit = of("4910", "1000", "100,00"), credit = of("1000", "4910", "30,00");
+  change(1, kSteusa, KeyBuilder().number(int16_t(8)).text("410101", 6),
+         [](DATENBANK &record) { record.Steusa.Anteil = 33; });
+  openYear(1, 2026);
+  FISTA_EXT client{};
+  uint8_t found = 0;
+  ASSERT_TRUE(store_->GetExtFista(client, found) && found);
+  client.Dimension3 = client.Dimension4 = 2;
+  ASSERT_TRUE(store_->SetExtFista(client));
+  for (const char *reference : {"R2     ", "R1     "}) {
+    DATENBANK record{};
+    put(record.Kost.Nr, "900    ");
+    put(record.Kost.Kostref, reference);
+    ASSERT_TRUE(store_->Insert(record, kKost, ZELK_ENG_DEFAULT));
+  }
+  Draft debit = of("4910", "1000", "100,00"), credit = of("1000", "4910", "30,00"),
+        acquired = of("3425", "70180", "100,00", "19,00"), twice = of("4910", "1000", "7,00");
   debit.lines.front().costs = {{.centres = {"400", "5001"}, .amount = "60,00", .kind = 2},
                                {.centres = {"420"}, .amount = "40,00", .kind = 1}};
   credit.lines.front().costs = {{.centres = {"420"}, .amount = "30,00"}};
-  insertAll({debit, credit});
-  ASSERT_EQ(post().years.at(2026).costs, 3u);
+  acquired.lines.front().costs = {{.centres = {"400"}, .amount = "60,00"}, {.centres = {"420"}, .amount = "40,00"}};
+  twice.lines.front().costs = {{.centres = {"900", "", "NORD", "NORD"}, .amount = "7,00"}};
+  insertAll({debit, credit, acquired, twice});
+  ASSERT_EQ(post().years.at(2026).costs, 6u);
   std::string postings, centres;
   openYear(1, 2026);
   eachRow(*store_, kKostenbuchung, [&](const DATENBANK &record) {
@@ -107,12 +127,34 @@ TEST_F(Ledger, BringsCostsToCostCentres) {
                 std::string(vlba98::trimmed(cost.Kostenart)) + ' ' + std::string(vlba98::trimmed(cost.Kostenstelle1)) +
                 ' ' + plain(cost.Betrag) + ' ' + std::to_string(cost.Flags) + "; ";
   });
-  EXPECT_EQ(postings, "1.0 4910 400 60,00 2; 1.1 4910 420 40,00 1; 2.0 4910 420 30,00 32; ");
+  EXPECT_EQ(postings, "1.0 4910 400 60,00 2; 1.1 4910 420 40,00 1; 2.0 4910 420 30,00 32; "
+                      "3.0 3425 400 67,64 0; 3.1 3425 420 45,09 0; 4.0 4910 900 7,00 0; ");
   eachRow(*store_, kKost, [&](const DATENBANK &record) {
     if (*record.Kost.Kosten[0])
       centres += std::string(vlba98::trimmed(record.Kost.Nr)) + ' ' + plain(record.Kost.Kosten[0]) + "; ";
   });
-  EXPECT_EQ(centres, "400 60,00; 420 10,00; 5001 60,00; ");
+  EXPECT_EQ(centres, "400 127,64; 420 55,09; 5001 60,00; 900 7,00; NORD 7,00; ");
+  // All evaluations agree, and the references of a number add up to what was posted.
+  const struct {
+    const char *centre, *reference;
+    int32_t dimension;
+    std::string costs;
+  } rows[] = {{"NORD", "", 2, "7,00 7,00 7,00"},  {"900", "", 0, "7,00 7,00 7,00"}, {"900", "R1", 0, "7,00 7,00 7,00"},
+              {"900", "R2", 0, "0,00 0,00 0,00"}, {"900", "R9", 0, "-23 -23 -10"},  {"900", "R1", -1, "-23 -23 7,00"},
+              {"900", "R2", -1, "-23 -23 0,00"},  {"900", "R9", -1, "-23 -23 -10"}};
+  for (const auto &row : rows) {
+    char text[3][16];
+    const ZelkResult results[] = {
+        ZELK_HoleUmsatz(1, row.centre, ZELK_KOSTENSTELLE, 18, 2026, 0, 2, nullptr, nullptr, nullptr, nullptr, nullptr,
+                        text[0], row.dimension, row.reference),
+        ZELK_HoleSaldo(1, row.centre, ZELK_KOSTENSTELLE, 0, 2, text[1], nullptr, "21.01.2026", row.dimension,
+                       row.reference),
+        ZELK_HoleKostenSaldo(1, row.centre, nullptr, 0, 17, 2026, 0, 2, text[2], row.dimension, row.reference)};
+    std::string all;
+    for (int i = 0; i < 3; ++i)
+      all += (i ? " " : "") + (results[i] == ZELK_OK ? std::string(text[i]) : std::to_string(results[i]));
+    EXPECT_EQ(all, row.costs) << row.centre << ' ' << row.reference << ' ' << row.dimension;
+  }
 }
 
 TEST_F(Ledger, OpensAndSettlesItems) {
@@ -193,9 +235,15 @@ TEST_F(Ledger, TellsWhatAnItemIs) {
   payment.number = "BA-1";
   payment.date = "020226";
   payment.lines.front().text = "Anzahlung";
-  insertAll({bill, payment});
+  Draft credit = of("70020", "3400", "10,00");
+  credit.number = "GS-1";
+  credit.term = 4;
+  insertAll({bill, payment, credit});
   ASSERT_EQ(post(1, 3, 0).items.payments, 1u);
   openYear(1, 2026);
+  eachRow(*store_, kOPKreditor, [&](const DATENBANK &record) {
+    EXPECT_EQ(*record.Opbeleg.Faelligkeit == 0, std::string(record.Opbeleg.Belegnummer) == "GS-1");
+  });
   eachRow(*store_, kHistOPKreditor, [&](const DATENBANK &record) {
     const OPHISTORIE it = record.Ophistorie;
     std::string texts;

@@ -138,7 +138,10 @@ void Reckoning::post(const std::string &file) {
     std::vector<ItemMove> itemMoves;
     const Row *line = nullptr;
     for (size_t i = first; i < end; ++i) {
-      if (!at(rows[i], "Bruttobetrag").empty()) postLine(head, *(line = &rows[i]), itemMoves);
+      if (!at(rows[i], "Bruttobetrag").empty()) {
+        postLine(head, *(line = &rows[i]), itemMoves);
+        costsSoFar_ = euroSoFar_ = 0;
+      }
       if (!at(rows[i], "Kostenstelle").empty()) postCosts(head, rows[i], *line);
     }
     for (const ItemMove &itemMove : itemMoves)
@@ -146,10 +149,10 @@ void Reckoning::post(const std::string &file) {
   }
 }
 
-void Reckoning::move(const Head &head, const std::string &account, bool debit, int64_t own) {
+void Reckoning::move(const Head &head, const std::string &account, bool debit, int64_t own, int64_t euro) {
   const int table = tableOf(account);
-  moves[{table, account}].push_back({head.day, head.year, head.month, head.art, debit, own, toEuro(own)});
-  if (table != kLedger) move(head, accounts_.at(account).at("Sammelkonto"), debit, own);
+  moves[{table, account}].push_back({head.day, head.year, head.month, head.art, debit, own, euro});
+  if (table != kLedger) move(head, accounts_.at(account).at("Sammelkonto"), debit, own, euro);
 }
 
 void Reckoning::postLine(const Head &head, const Row &line, std::vector<ItemMove> &itemMoves) {
@@ -175,15 +178,20 @@ void Reckoning::postLine(const Head &head, const Row &line, std::vector<ItemMove
     if (kind == 3 || kind == 4) {
       const int64_t own = toOwn(gross, head), owed = quotient(own * rate, 10000);
       const int64_t deducted = quotient(owed * share, 100);
-      move(head, key->at("Gegenkonto"), taxSide == 1, deducted);
-      move(head, key->at("Steuerkonto"), taxSide == 0, owed);
-      if (owed != deducted) move(head, account[taxSide], taxSide == 1, owed - deducted);
+      // Only in books in Euro.
+      move(head, key->at("Gegenkonto"), taxSide == 1, deducted, deducted);
+      move(head, key->at("Steuerkonto"), taxSide == 0, owed, owed);
+      if (owed != deducted) move(head, account[taxSide], taxSide == 1, owed - deducted, owed - deducted);
     }
   }
   const int64_t ownGross = toOwn(gross, head), ownTax = toOwn(tax, head);
-  for (int side : {0, 1})
-    move(head, account[side], side == 1, key && side == taxSide ? ownGross - ownTax : ownGross);
-  if (ownTax != 0) move(head, key->at("Steuerkonto"), taxSide == 1, ownTax);
+  const bool inEuro = head.currency == "EUR";
+  const int64_t euroGross = inEuro ? gross : toEuro(ownGross), euroTax = inEuro ? tax : toEuro(ownTax);
+  for (int side : {0, 1}) {
+    const bool taxed = key && side == taxSide;
+    move(head, account[side], side == 1, taxed ? ownGross - ownTax : ownGross, taxed ? euroGross - euroTax : euroGross);
+  }
+  if (ownTax != 0) move(head, key->at("Steuerkonto"), taxSide == 1, ownTax, euroTax);
 
   for (int side : {0, 1}) {
     const int table = tableOf(account[side]);
@@ -207,8 +215,12 @@ void Reckoning::postLine(const Head &head, const Row &line, std::vector<ItemMove
 void Reckoning::postCosts(const Head &head, const Row &row, const Row &line) {
   const std::string &debit = at(line, "Sollkonto"), &credit = at(line, "Habenkonto");
   const bool onDebit = number(accounts_.at(debit), "Kostenart") != 0;
-  const int64_t own = cents(at(row, "Kostenbetrag")) * (onDebit ? 1 : -1);
-  CostMove cost{head.day, head.year, head.month, onDebit ? debit : credit, {}, own, toEuro(own)};
+  const int64_t own = cents(at(row, "Kostenbetrag")), whole = cents(line.at("Bruttobetrag"));
+  // In Euro the lines with costs, which are free of tax, are shared out up to each place.
+  const int64_t euroUpTo = quotient(toEuro(whole) * (costsSoFar_ += own), whole), euro = euroUpTo - euroSoFar_;
+  euroSoFar_ = euroUpTo;
+  const int sign = onDebit ? 1 : -1;
+  CostMove cost{head.day, head.year, head.month, onDebit ? debit : credit, {}, sign * own, sign * euro};
   for (const char *column : {"Kostenstelle", "Kostenträger"})
     if (!at(row, column).empty()) cost.centres.push_back(at(row, column));
   costs.push_back(cost);

@@ -85,7 +85,7 @@ private:
                     Day day) const;
   int64_t toEuro(int64_t own) const;
   int64_t toOwn(int64_t foreign, const Head &head) const;
-  void move(const Head &head, const std::string &account, bool debit, int64_t own);
+  void move(const Head &head, const std::string &account, bool debit, int64_t own, int64_t euro);
   void postLine(const Head &head, const Row &line, std::vector<ItemMove> &itemMoves);
   void postCosts(const Head &head, const Row &row, const Row &line);
   void postItem(const Head &head, const ItemMove &itemMove);
@@ -93,6 +93,7 @@ private:
   Row client_;
   std::map<std::string, Row> accounts_;
   std::vector<Row> taxKeys_, rates_, fiscalYears_;
+  int64_t costsSoFar_ = 0, euroSoFar_ = 0; ///< of the line
 };
 
 } // namespace test

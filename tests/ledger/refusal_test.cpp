@@ -1,6 +1,7 @@
 // What stands in the way of a batch, and that nothing has changed then.
 #include "ledger/ledger_books.h"
 
+#include "support/items.h"
 #include "vlba98/geld.h"
 
 namespace test {
@@ -29,8 +30,12 @@ protected:
     draft.lines = {{.debit = "3425", .credit = "70180", .gross = "50,00", .rate = "19,00"}};
     insertDraft(draft);
     draft.number = "B-4";
-    draft.lines = {{.debit = "4910", .credit = "1000", .gross = "10,00"}};
-    draft.lines.front().costs = {{.centres = {"400"}, .amount = "10,00"}};
+    draft.lines = {{.debit = "4910", .credit = "1000", .gross = "6,00"},
+                   {.debit = "4910", .credit = "1000", .gross = "4,00"}};
+    draft.lines.front().costs = {{.centres = {"400"}, .amount = "6,00"}};
+    insertDraft(draft);
+    draft.number = "B-5"; // nothing stands in its way
+    draft.lines = {{.debit = "1210", .credit = "1000", .gross = "5,00"}};
     insertDraft(draft);
   }
 
@@ -133,7 +138,21 @@ TEST_F(LedgerRefusals, ChangeNothing) {
                              "2 B-2: Habenkonto 10010 ist im Geschäftsjahr 2026 gesperrt.\n");
   for (int year : {2025, 2026})
     changeIn(year, kDebitor, account("10010"), [](DATENBANK &r) { r.Personenkonto.Gesperrt = 0; });
-  EXPECT_EQ(post(1, 3, 1).state, ledger::Outcome::Posted);
+  // What the first of two items has become is undone with the refusal of the second.
+  for (auto [table, person, left] :
+       {std::tuple{int(kOPDebitor), "10010", "999999999-00"}, {int(kOPKreditor), "70010", "999999985-00"}}) {
+    DATENBANK record{};
+    record.Opbeleg = itemOf(900 + table, person, "X");
+    put(record.Opbeleg.Ausstand, left);
+    ASSERT_TRUE(store_->Insert(record, FileNumber(table), ZELK_ENG_DEFAULT));
+  }
+  Draft both, one;
+  both.openItem = one.openItem = "X";
+  both.lines = {{.debit = "70010", .credit = "10010", .gross = "10,00"}};
+  one.lines = {{.debit = "70010", .credit = "1200", .gross = "5,00"}};
+  ASSERT_EQ(insertWhole(both), ZELK_OK);
+  ASSERT_EQ(insertWhole(one), ZELK_OK);
+  EXPECT_EQ(inWords(post()), "6 B-1: Der offene Posten überschreitet 999.999.999,99.\n");
 }
 
 TEST_F(LedgerRefusals, AFailingDatabaseChangesNothing) {

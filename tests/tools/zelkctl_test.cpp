@@ -108,6 +108,8 @@ TEST_F(Zelkctl, ShowsFiguresAndStructures) {
       {"saldo 1 --datum 30.04.2024", 0, "Es gibt keine Konten."},
       {"saldo 1 1000 --datum 31.02.2026", 2, "-64 ZELKERR_uzl_Datum"},
       {"saldo 1 --art kost", 0, "5001      1"},
+      {"saldo 1 --art kost", 0, "0,00        0,00\nSumme     2 "},
+      {"saldo 1 --art kost --csv --dimension 2", 0, "Euro-Saldo\nNORD;2;;NORD;"},
       {"saldo 1 5001 --dimension 1", 0, "Papier und Schreibwaren"},
       {"saldo 1 5001", 2, "-10 ZELKERR_uzl_Kontonr"},
       {"saldo 1 漢", 2, "KONTO 漢"},
@@ -153,6 +155,7 @@ TEST_F(Zelkctl, ShowsItemsAndDunningLevels) {
     if (table == vldb98::kHistOPDebitor) {
       record.Ophistorie.Zeile = 1;
       put(record.Ophistorie.Zahlung, gross);
+      put(record.Ophistorie.Zahldatum, number == 5 ? "460101" : "460301");
     }
     ASSERT_TRUE(store->Insert(record, vldb98::FileNumber(table), vldb98::ZELK_ENG_DEFAULT));
   };
@@ -175,7 +178,7 @@ TEST_F(Zelkctl, ShowsItemsAndDunningLevels) {
   EXPECT_OUTCOME("op 1 10010 --csv", 0, ";\"mit;\"\"Zeichen\"\"\";;-12,50;-0,05;EUR;");
   EXPECT_OUTCOME("op 1 --historisch", 0,
                  "\nSumme                                                       77,00    0,00\n");
-  EXPECT_OUTCOME("op 1 10020 --historisch --ab 01.01.2026", 0,
+  EXPECT_OUTCOME("op 1 --historisch --ab 01.02.2026", 0,
                  "\nSumme                                                        7,00    0,00\n");
   EXPECT_OUTCOME("op 1 10020 --historisch --beleg R-5", 0, "Es gibt keine solchen historischen Posten.");
   EXPECT_OUTCOME("op 1 --historisch --op R-6 --csv", 0, ";Zahlbelegnummer;");

@@ -1,11 +1,14 @@
 #include "ledger/batch_run.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
+#include <utility>
 
 #include "ledger/refusal.h"
 #include "vlba98/encoding.h"
 #include "vlba98/geld.h"
+#include "vlba98/muldiv.h"
 #include "vlba98/text.h"
 #include "vldb98/guards.h"
 #include "vlfn98/client.h"
@@ -28,6 +31,21 @@ template <class Record> auto centresOf(Record &record) {
   return std::array{record.Kostenstelle1, record.Kostenstelle2, record.Kostenstelle3,
                     record.Kostenstelle4, record.Kostenstelle5, record.Kostenstelle6};
 }
+
+auto referencesOf(KOSTENBUCHUNG &record) {
+  return std::array{record.Kostref1, record.Kostref2, record.Kostref3,
+                    record.Kostref4, record.Kostref5, record.Kostref6};
+}
+
+/// The cost postings of a line. They name shares of its net amount, and together they are what the line has brought to
+/// its cost type: that bears more where some of the tax is not deductible.
+struct CostsOfLine {
+  const SPLIT *line;
+  bool onCredit;      ///< the cost type stands in credit, so they lessen its costs
+  Amount whole = {};  ///< what the cost type bears
+  Amount shared = {}; ///< what the cost postings so far bear of it
+  int64_t part = 0, partForEuro = 0;
+};
 
 Art artOf(const BATCHBUCHUNG &posting) {
   return posting.Eroeffnung ? Art::Opening : posting.Abschluss ? Art::Closing : Art::OfTheYear;
@@ -54,7 +72,9 @@ public:
       if (!found) break;
       try {
         post(posting);
+        chart_.keep();
       } catch (const Refusal &refusal) {
+        chart_.takeBack();
         outcome_.refused.push_back({posting.Nr, vlba98::toUtf8(posting.Belegnummer), refusal.text});
       }
     }
@@ -114,7 +134,8 @@ private:
     figures.postings = 1;
     figures.entries = movements.size();
     for (const Movement &movement : movements)
-      if (movement.account->table == kSachkonto) (movement.debit ? figures.debit : figures.credit) += movement.amount;
+      if (movement.account->table == kSachkonto)
+        (movement.debit ? figures.debit : figures.credit) += movement.amount.own;
     if (figures.debit != figures.credit) throw Refusal{"Soll und Haben der Buchung sind nicht gleich."};
 
     const int32_t entry = chart_.nextEntry(year);
@@ -122,10 +143,8 @@ private:
     int32_t row = 0;
     for (const Movement &movement : movements)
       writeEntry(year, posting, movement, entry, row++);
-    for (size_t i = 0; i < store_.costCount(); ++i)
-      postCosts(year, posting, *store_.costAt(i), entry, figures);
-    for (const ItemMovement &item : itemMovementsOf(movements))
-      items_.post(year, posting, item);
+    postCosts(year, posting, movements, entry, figures);
+    items_.post(year, posting, itemMovementsOf(movements));
     YearFigures &sum = outcome_.years[year.record.Jahr];
     sum.postings += figures.postings;
     sum.entries += figures.entries;
@@ -135,7 +154,7 @@ private:
   }
 
   void writeEntry(Year &year, const BATCHBUCHUNG &posting, const Movement &movement, int32_t entry, int32_t row) {
-    const Amount amount = chart_.valued(movement.amount);
+    const Amount &amount = movement.amount;
     chart_.move(*movement.account, year, artOf(posting), posting.Belegdatum, movement.debit, amount);
     const SPLIT &line = *movement.line;
     DATENBANK record{};
@@ -177,10 +196,10 @@ private:
     return chart_.account(year, kSachkonto, number, "Konto").record.Sachkonto;
   }
 
-  void postCosts(Year &year, const BATCHBUCHUNG &posting, const KOBU &cost, int32_t entry, YearFigures &figures) {
+  CostsOfLine costsOf(Year &year, int32_t number, const std::vector<Movement> &movements) {
     const SPLIT *line = nullptr;
     for (size_t i = 0; !line && i < store_.lineCount(); ++i)
-      if (store_.PSplit(i)->Nr == cost.Split) line = store_.PSplit(i);
+      if (store_.PSplit(i)->Nr == number) line = store_.PSplit(i);
     if (!line) throw Refusal{"Eine Kostenbuchung gehört zu keiner Zeile der Buchung."};
     const auto debit = generalLedgerAccount(year, line->Sollart, line->Sollkonto);
     const auto credit = generalLedgerAccount(year, line->Habenart, line->Habenkonto);
@@ -188,15 +207,53 @@ private:
                                                   chart_.mandatoryCostCentres());
     if (side != vlfn98::Kostenseite::Soll && side != vlfn98::Kostenseite::Haben)
       throw Refusal{"Die Kostenbuchung hat keine eindeutige Kostenart."};
-    const bool onCredit = side == vlfn98::Kostenseite::Haben;
-    const Amount amount = chart_.valued(valueOf(cost.Betrag));
+    CostsOfLine costs{line, side == vlfn98::Kostenseite::Haben};
+    const Account &costType =
+        chart_.account(year, kSachkonto, costs.onCredit ? line->Habenkonto : line->Sollkonto, "Konto");
+    for (const Movement &movement : movements)
+      if (movement.line == line && movement.account == &costType) {
+        const int sign = movement.debit == costs.onCredit ? -1 : 1;
+        costs.whole.own += sign * movement.amount.own;
+        costs.whole.euro += sign * movement.amount.euro;
+      }
+    return costs;
+  }
 
+  // What a cost posting bears: the share up to it, less what those before it bear, so that nothing is left by rounding.
+  Amount shareOf(CostsOfLine &costs, const BATCHBUCHUNG &posting, const KOBU &cost) const {
+    const bool inEuro = isInEuro(posting, *costs.line);
+    const int64_t own = valueOf(cost.Betrag), forEuro = inEuro ? valueOf(cost.BetragFW) : own;
+    const int64_t net = valueOf(costs.line->Netto);
+    const int64_t netForEuro = inEuro ? valueOf(costs.line->BruttoFW) - valueOf(costs.line->SteuerFW) : net;
+    costs.part += own;
+    costs.partForEuro += forEuro;
+    constexpr auto commercially = vlba98::Rounding::halfAwayFromZero;
+    const auto upTo = vlba98::mulDiv(costs.whole.own, costs.part, net, commercially);
+    const auto euroUpTo = vlba98::mulDiv(costs.whole.euro, costs.partForEuro, netForEuro, commercially);
+    if (!upTo || !euroUpTo) return chart_.valued(own); // shares of nothing
+    const Amount before = std::exchange(costs.shared, {*upTo, *euroUpTo});
+    return {*upTo - before.own, *euroUpTo - before.euro};
+  }
+
+  void postCosts(Year &year, const BATCHBUCHUNG &posting, const std::vector<Movement> &movements, int32_t entry,
+                 YearFigures &figures) {
+    std::optional<CostsOfLine> costs;
+    for (size_t i = 0; i < store_.costCount(); ++i) {
+      const KOBU &cost = *store_.costAt(i); // they stand line by line
+      if (!costs || costs->line->Nr != cost.Split) costs = costsOf(year, cost.Split, movements);
+      const Amount amount = shareOf(*costs, posting, cost);
+      writeCost(year, posting, *costs, cost, amount, entry, int32_t(figures.costs++));
+    }
+  }
+
+  void writeCost(Year &year, const BATCHBUCHUNG &posting, const CostsOfLine &costs, const KOBU &cost,
+                 const Amount &amount, int32_t entry, int32_t row) {
     KOSTENBUCHUNG written{};
     written.Nr = entry;
-    written.Zeile = int32_t(figures.costs++);
+    written.Zeile = row;
     vlba98::strncpy2(written.Datum, posting.Belegdatum);
-    vlba98::strncpy2(written.Kostenart, onCredit ? line->Habenkonto : line->Sollkonto);
-    written.Flags = int16_t(cost.Kostenkennung | (onCredit ? kLessensCosts : 0));
+    vlba98::strncpy2(written.Kostenart, costs.onCredit ? costs.line->Habenkonto : costs.line->Sollkonto);
+    written.Flags = int16_t(cost.Kostenkennung | (costs.onCredit ? kLessensCosts : 0));
     vlba98::formatGeld(amount.own, written.Betrag);
     vlba98::formatGeld(amount.euro, written.EuroBetrag);
     vlba98::strncpy2(written.Menge, cost.Menge);
@@ -204,13 +261,18 @@ private:
     vlba98::strncpy2(written.Belegnummer, posting.Belegnummer);
     vlba98::strncpy2(written.Bemerkung, cost.Bemerkung);
     vlba98::strncpy2(written.Bemerkung2, cost.Bemerkung2);
-    for (size_t n = 0; n < vlfn98::kKostenstellen; ++n)
-      std::memcpy(centresOf(written)[n], centresOf(cost)[n], sizeof written.Kostenstelle1);
-    const Amount costs = onCredit ? Amount{-amount.own, -amount.euro} : amount;
-    for (int n = 0; n < vlfn98::kKostenstellen; ++n)
-      if (const char *number = centresOf(written)[size_t(n)]; !vlba98::trimmed(number).empty())
-        chart_.moveCosts(chart_.centre(year, vlfn98::kostDimension(chart_.extension(), n), number), year,
-                         posting.Belegdatum, costs);
+    const Amount moved = costs.onCredit ? Amount{-amount.own, -amount.euro} : amount;
+    std::vector<CostCentre *> centres; // that it names, each once
+    for (int n = 0; n < vlfn98::kKostenstellen; ++n) {
+      const char *number = centresOf(cost)[size_t(n)];
+      std::memcpy(centresOf(written)[size_t(n)], number, sizeof written.Kostenstelle1);
+      if (vlba98::trimmed(number).empty()) continue;
+      CostCentre &centre = chart_.centre(year, vlfn98::kostDimension(chart_.extension(), n), number);
+      std::memcpy(referencesOf(written)[size_t(n)], centre.record.Kostref, sizeof written.Kostref1);
+      if (std::find(centres.begin(), centres.end(), &centre) != centres.end()) continue;
+      centres.push_back(&centre);
+      chart_.moveCosts(centre, year, posting.Belegdatum, moved);
+    }
     DATENBANK record{};
     record.Kostenbuchung = written;
     chart_.open(year);

@@ -22,17 +22,11 @@ std::string utf8(const char *text) {
   return vlba98::toUtf8(vlba98::trimmed(text));
 }
 
-template <size_t N> void add(char (&sum)[N], int64_t amount, const std::string &of) {
-  if (amount == 0) return;
-  if (!vlba98::formatGeld(vlba98::parseGeld(sum).value_or(0) + amount, sum))
-    throw Refusal{of + ": der Wert überschreitet 999.999.999,99."};
-}
-
-void addPair(KONTOWERTE &values, Art art, int month, bool debit, int64_t amount, const std::string &of) {
+auto &fieldOf(KONTOWERTE &values, Art art, int month, bool debit) {
   WERTEPAAR &pair = art == Art::Opening   ? values.Eroeffnung
                     : art == Art::Closing ? values.Abschluss
                                           : values.Monat[month - 1];
-  add(debit ? pair.Soll : pair.Haben, amount, of);
+  return debit ? pair.Soll : pair.Haben;
 }
 
 std::string nameOf(const Account &account) {
@@ -172,12 +166,25 @@ int Chart::monthOf(const Year &year, const char *reversedDate) {
   return vlfn98::BuchungsMonat(year.record, *day);
 }
 
+void Chart::add(MoneyText &sum, int64_t amount, const std::string &of) {
+  if (amount == 0) return;
+  const std::string former = sum;
+  if (!vlba98::formatGeld(vlba98::parseGeld(sum).value_or(0) + amount, sum))
+    throw Refusal{of + ": der Wert überschreitet 999.999.999,99."};
+  former_.emplace_back(&sum, former);
+}
+
+void Chart::takeBack() {
+  for (; !former_.empty(); former_.pop_back())
+    vlba98::strncpy2(*former_.back().first, former_.back().second);
+}
+
 void Chart::move(Account &account, const Year &year, Art art, const char *reversedDate, bool debit,
                  const Amount &amount) {
   int month = monthOf(year, reversedDate);
   auto addTo = [&](auto &record) {
-    addPair(record.Werte, art, month, debit, amount.own, nameOf(account));
-    addPair(record.EuroWerte, art, month, debit, amount.euro, nameOf(account));
+    add(fieldOf(record.Werte, art, month, debit), amount.own, nameOf(account));
+    add(fieldOf(record.EuroWerte, art, month, debit), amount.euro, nameOf(account));
   };
   if (account.table == kSachkonto)
     addTo(account.record.Sachkonto);

@@ -5,6 +5,7 @@
 #include <map>
 #include <string>
 #include <tuple>
+#include <vector>
 
 #include "vlba98/datum.h"
 #include "vldb98/store.h"
@@ -74,11 +75,18 @@ public:
   void move(Account &account, const Year &year, Art art, const char *reversedDate, bool debit, const Amount &amount);
   void moveCosts(CostCentre &centre, const Year &year, const char *reversedDate, const Amount &amount);
 
+  /// Takes back what was moved since the last call of either function: a refused posting leaves nothing behind.
+  void takeBack();
+  void keep() { former_.clear(); }
+
   /// Writes every account and cost centre that was moved.
   void write();
 
 private:
+  using MoneyText = char[13];
+
   static int monthOf(const Year &year, const char *reversedDate);
+  void add(MoneyText &sum, int64_t amount, const std::string &of);
 
   vldb98::Store &store_;
   int firstYear_;
@@ -86,7 +94,8 @@ private:
   vldb98::FISTA_EXT extension_{};
   std::map<int, Year> years_;
   std::map<std::tuple<int16_t, std::string, int64_t>, vldb98::STEUSA> taxKeys_;
-  std::map<int32_t, vldb98::ZAHLZIEL> terms_; ///< number 0 in the record: there is none
+  std::map<int32_t, vldb98::ZAHLZIEL> terms_;               ///< number 0 in the record: there is none
+  std::vector<std::pair<MoneyText *, std::string>> former_; ///< values that were moved, and what they were
 };
 
 } // namespace ledger

@@ -1,5 +1,7 @@
 #include "ledger/entry.h"
 
+#include <cstring>
+
 #include "ledger/refusal.h"
 #include "vlba98/geld.h"
 #include "vlba98/text.h"
@@ -21,62 +23,84 @@ int tableOfKind(int16_t kind) {
   return vlfn98::KzFromZELKArt(vlfn98::KontoArtToZELKKontoArt(kind));
 }
 
+/// An amount of a line.
+struct Value {
+  Amount amount;
+  std::optional<int64_t> foreign;
+
+  Value operator-(const Value &other) const {
+    Value less{{amount.own - other.amount.own, amount.euro - other.amount.euro}, std::nullopt};
+    if (foreign) less.foreign = *foreign - other.foreign.value_or(0);
+    return less;
+  }
+};
+
 class Line {
 public:
   Line(Chart &chart, Year &year, const BATCHBUCHUNG &posting, const SPLIT &line)
       : chart_(chart), year_(year), posting_(posting), line_(line),
         debit_(&chart.account(year, tableOfKind(line.Sollart), line.Sollkonto, "Sollkonto")),
         credit_(&chart.account(year, tableOfKind(line.Habenart), line.Habenkonto, "Habenkonto")),
-        rate_(valueOf(line.Steuersatz)) {}
+        rate_(valueOf(line.Steuersatz)), inEuro_(isInEuro(posting, line)) {}
 
   std::vector<Movement> movements() {
-    const int64_t gross = valueOf(line_.Brutto), net = valueOf(line_.Netto), tax = valueOf(line_.Steuerbetrag);
-    std::optional<int64_t> foreignGross, foreignTax;
-    if (*line_.BruttoFW) {
-      foreignGross = valueOf(line_.BruttoFW);
-      foreignTax = valueOf(line_.SteuerFW);
-    }
+    const Value gross = stored(line_.Brutto, line_.BruttoFW), tax = stored(line_.Steuerbetrag, line_.SteuerFW);
+    const Value net = gross - tax;
     const auto side = vlfn98::Steuerseite(line_.Steuerseite);
-    if (net + tax != gross || (tax != 0 && side == vlfn98::Steuerseite::Keine))
+    if (valueOf(line_.Netto) != net.amount.own || (tax.amount.own != 0 && side == vlfn98::Steuerseite::Keine))
       throw Refusal{"Netto- und Steuerbetrag ergeben nicht den Bruttobetrag."};
-    std::optional<int64_t> foreignNet;
-    if (foreignGross) foreignNet = *foreignGross - *foreignTax;
     taxOnDebit_ = side == vlfn98::Steuerseite::Soll;
     const bool taxOnCredit = side == vlfn98::Steuerseite::Haben;
-    add(*debit_, true, taxOnDebit_ ? net : gross, taxOnDebit_ ? foreignNet : foreignGross);
-    add(*credit_, false, taxOnCredit ? net : gross, taxOnCredit ? foreignNet : foreignGross);
-    if (side != vlfn98::Steuerseite::Keine && line_.Steuerschluessel != 0) addTax(gross, tax, foreignTax);
+    add(*debit_, true, taxOnDebit_ ? net : gross);
+    add(*credit_, false, taxOnCredit ? net : gross);
+    if (side != vlfn98::Steuerseite::Keine && line_.Steuerschluessel != 0) addTax(gross, tax);
     addControlAccounts();
     return std::move(movements_);
   }
 
 private:
-  // \param debit the side; the contra account is that of the other one
-  void add(Account &account, bool debit, int64_t amount, std::optional<int64_t> foreign) {
-    movements_.push_back(
-        {&account, debit ? credit_ : debit_, debit, amount, foreign, line_.Steuerschluessel, rate_, &line_});
+  // An amount that comes in Euro is its own value there, not what the client's rate makes of its conversion.
+  Amount valued(int64_t own, std::optional<int64_t> foreign) const {
+    return inEuro_ && foreign ? Amount{own, *foreign} : chart_.valued(own);
   }
 
-  void addTax(int64_t gross, int64_t tax, std::optional<int64_t> foreignTax) {
-    const bool reckoned = tax == 0 && rate_ == 0; // where the gross amount holds no tax its rate is not kept
-    const STEUSA key = chart_.taxKey(line_.Steuerschluessel, posting_.Belegdatum, reckoned ? -1 : rate_);
+  Value stored(const char *own, const char *foreign) const {
+    const std::optional<int64_t> inCurrency = *line_.BruttoFW ? std::optional(valueOf(foreign)) : std::nullopt;
+    return {valued(valueOf(own), inCurrency), inCurrency};
+  }
+
+  // \param debit the side; the contra account is that of the other one
+  void add(Account &account, bool debit, const Value &value) {
+    movements_.push_back({&account, debit ? credit_ : debit_, debit, value.amount, value.foreign,
+                          line_.Steuerschluessel, rate_, &line_});
+  }
+
+  void addTax(const Value &gross, const Value &tax) {
+    // Where the gross amount holds no tax, the line has no rate of it: that of its key is the one it was accepted with.
+    const bool excluded = tax.amount.own == 0 && rate_ == 0;
+    const STEUSA key =
+        chart_.taxKey(line_.Steuerschluessel, posting_.Belegdatum, excluded ? valueOf(line_.Schluesselsatz) : rate_);
     if (key.Art == kErwerb || key.Art == kReverseCharge) return addTaxOwed(gross, key);
-    if (tax != 0) add(taxAccount(key, key.Steuerkonto, "Steuerkonto"), taxOnDebit_, tax, foreignTax);
+    if (tax.amount.own != 0) add(taxAccount(key, key.Steuerkonto, "Steuerkonto"), taxOnDebit_, tax);
   }
 
   // The recipient owes the tax and deducts it; what cannot be deducted is part of the costs.
-  void addTaxOwed(int64_t gross, const STEUSA &key) {
+  void addTaxOwed(const Value &gross, const STEUSA &key) {
     if (isBlank(key.Steuerkonto) && isBlank(key.Gegenkonto)) return;
-    const auto owed = vlba98::percentOf(gross, valueOf(key.Satz));
-    if (!owed) throw Refusal{"Der Steuerbetrag überschreitet 999.999.999,99."};
-    if (*owed == 0) return;
-    const int64_t deducted = vlfn98::CalcSteuerAnteil(*owed, key);
     rate_ = valueOf(key.Satz);
+    const auto tax = vlba98::percentOf(gross.amount.own, rate_);
+    if (!tax) throw Refusal{"Der Steuerbetrag überschreitet 999.999.999,99."};
+    if (*tax == 0) return;
+    const auto foreignTax = gross.foreign ? vlba98::percentOf(*gross.foreign, rate_) : std::nullopt;
+    const auto deductedOf = [&](int64_t amount) { return vlfn98::CalcSteuerAnteil(amount, key); };
+    const Value owed{valued(*tax, foreignTax), std::nullopt};
+    const Value deducted{valued(deductedOf(*tax), foreignTax ? std::optional(deductedOf(*foreignTax)) : std::nullopt),
+                         std::nullopt};
     for (Movement &movement : movements_)
       movement.rate = rate_;
-    add(taxAccount(key, key.Gegenkonto, "Gegenkonto"), taxOnDebit_, deducted, std::nullopt);
-    add(taxAccount(key, key.Steuerkonto, "Steuerkonto"), !taxOnDebit_, *owed, std::nullopt);
-    if (deducted != *owed) add(taxOnDebit_ ? *debit_ : *credit_, taxOnDebit_, *owed - deducted, std::nullopt);
+    add(taxAccount(key, key.Gegenkonto, "Gegenkonto"), taxOnDebit_, deducted);
+    add(taxAccount(key, key.Steuerkonto, "Steuerkonto"), !taxOnDebit_, owed);
+    if (deducted.amount.own != *tax) add(taxOnDebit_ ? *debit_ : *credit_, taxOnDebit_, owed - deducted);
   }
 
   Account &taxAccount(const STEUSA &key, const char *number, const char *name) {
@@ -104,6 +128,7 @@ private:
   const SPLIT &line_;
   Account *debit_, *credit_;
   int64_t rate_;
+  bool inEuro_;
   bool taxOnDebit_ = false;
   std::vector<Movement> movements_;
 };
@@ -112,6 +137,10 @@ private:
 
 int64_t valueOf(const char *money) {
   return vlba98::parseGeld(money).value_or(0);
+}
+
+bool isInEuro(const BATCHBUCHUNG &posting, const SPLIT &line) {
+  return *line.BruttoFW && std::strcmp(posting.Waehrung, "EUR") == 0;
 }
 
 std::vector<Movement> movementsOf(Chart &chart, Year &year, const BATCHBUCHUNG &posting, const SPLIT &line) {

@@ -13,7 +13,7 @@ struct Movement {
   Account *account;
   Account *contra;
   bool debit;
-  int64_t amount;                 ///< in the client's currency; below zero for a reversal
+  Amount amount;                  ///< below zero for a reversal
   std::optional<int64_t> foreign; ///< the same in the posting's currency
   int16_t taxKey;
   int64_t rate;
@@ -23,7 +23,11 @@ struct Movement {
 /// The amount of a money text; an empty one is zero.
 int64_t valueOf(const char *money);
 
-/// The movements of a line: its two accounts, the tax accounts, and the control accounts of personal accounts.
+/// Whether the amounts of a line come in Euro beside those in the client's currency.
+bool isInEuro(const vldb98::BATCHBUCHUNG &posting, const vldb98::SPLIT &line);
+
+/// The movements of a line: its two accounts, the tax accounts, and the control accounts of personal accounts. Over the
+/// general ledger they balance, in the client's currency and in Euro.
 /// \throws Refusal when the line cannot be posted
 std::vector<Movement> movementsOf(Chart &chart, Year &year, const vldb98::BATCHBUCHUNG &posting,
                                   const vldb98::SPLIT &line);

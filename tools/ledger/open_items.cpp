@@ -76,7 +76,7 @@ std::vector<ItemMovement> itemMovementsOf(const std::vector<Movement> &movements
       item->first = movement.line;
     }
     const bool usual = movement.debit == (movement.account->table == kDebitor);
-    const int64_t amount = usual ? movement.amount : -movement.amount;
+    const int64_t amount = usual ? movement.amount.own : -movement.amount.own;
     item->amount += amount;
     if (isIncome(*movement.contra)) item->discount += amount;
     if (movement.foreign) item->foreign = item->foreign.value_or(0) + (usual ? *movement.foreign : -*movement.foreign);
@@ -91,26 +91,37 @@ std::vector<ItemMovement> itemMovementsOf(const std::vector<Movement> &movements
   return items;
 }
 
-void OpenItems::post(const Year &year, const BATCHBUCHUNG &posting, const ItemMovement &movement) {
+void OpenItems::post(const Year &year, const BATCHBUCHUNG &posting, const std::vector<ItemMovement> &movements) {
+  std::vector<Change> changes;
+  for (const ItemMovement &movement : movements)
+    if (auto change = reckon(year, posting, movement)) changes.push_back(*change);
+  for (Change &change : changes)
+    write(year, change);
+}
+
+std::optional<OpenItems::Change> OpenItems::reckon(const Year &year, const BATCHBUCHUNG &posting,
+                                                   const ItemMovement &movement) {
   // Opening balances bring items into the client's first year only: later ones carry forward what is open already.
-  if (posting.Abschluss || (posting.Eroeffnung && !chart_.isFirst(year)) || movement.amount == 0) return;
+  if (posting.Abschluss || (posting.Eroeffnung && !chart_.isFirst(year)) || movement.amount == 0) return std::nullopt;
   const char *account = movement.account->record.Personenkonto.Nr;
   DATENBANK item{};
   uint8_t found = 0;
   const char *number = itemNumber(posting);
   must(store_.GetGeExt(item, KeyBuilder().text(number, sizeof(OPBELEG::OPBelegnummer) - 1).account(account), found,
                        fileNumber(tableOfItems(*movement.account), kByNumber), ZELK_ENG_DEFAULT, 0));
-  if (found && std::strcmp(item.Opbeleg.OPBelegnummer, number) == 0 && std::strcmp(item.Opbeleg.Konto, account) == 0)
-    change(year, posting, movement, item);
+  const bool known =
+      found && std::strcmp(item.Opbeleg.OPBelegnummer, number) == 0 && std::strcmp(item.Opbeleg.Konto, account) == 0;
+  Change result{tableOfItems(*movement.account), tableOfHistory(*movement.account), item.Opbeleg, !known, {}};
+  if (known)
+    change(posting, movement, result);
   else
-    create(posting, movement);
+    result.item = created(posting, movement);
+  return result;
 }
 
-void OpenItems::create(const BATCHBUCHUNG &posting, const ItemMovement &movement) {
-  DATENBANK record{};
+OPBELEG OpenItems::created(const BATCHBUCHUNG &posting, const ItemMovement &movement) {
   const PERSONENKONTO account = movement.account->record.Personenkonto;
   OPBELEG item{};
-  item.Nr = nextNumber();
   vlba98::strncpy2(item.Konto, account.Nr);
   vlba98::strncpy2(item.Kuerzel, account.Kuerzel);
   vlba98::strncpy2(item.Name, account.Name);
@@ -123,9 +134,8 @@ void OpenItems::create(const BATCHBUCHUNG &posting, const ItemMovement &movement
   put(item.Brutto, movement.amount);
   put(item.Ausstand, movement.amount);
   if (movement.foreign) {
-    const bool euro = std::strcmp(posting.Waehrung, "EUR") == 0;
     vlba98::strncpy2(item.Waehrung, posting.Waehrung);
-    item.Waehrungsindex = euro ? kEuro : kOtherCurrency;
+    item.Waehrungsindex = isInEuro(posting, *movement.first) ? kEuro : kOtherCurrency;
     put(item.BetragFW, *movement.foreign);
     put(item.Ausstand2, *movement.foreign);
   }
@@ -135,24 +145,23 @@ void OpenItems::create(const BATCHBUCHUNG &posting, const ItemMovement &movement
   putBlank(item.Skontokonto2);
   if (movement.rates.size() > 0) putRate(item.Steuersatz1, movement.rates[0]);
   if (movement.rates.size() > 1) putRate(item.Steuersatz2, movement.rates[1]);
-  vlba98::strncpy2(item.Faelligkeit, movement.first->Faelligkeit);
   item.Zahlungsziel = posting.Zahlungsziel ? posting.Zahlungsziel : account.Zahlungsziel;
   const auto from = vlba98::fromReversed(*posting.Valutadatum ? posting.Valutadatum : posting.Belegdatum);
   // What is owed the other way round, a credit note, is not due and knows no discount.
-  if (const ZAHLZIEL *term = chart_.term(item.Zahlungsziel); term && from && movement.amount > 0) {
+  if (movement.amount < 0) return item;
+  vlba98::strncpy2(item.Faelligkeit, movement.first->Faelligkeit);
+  if (const ZAHLZIEL *term = chart_.term(item.Zahlungsziel); term && from) {
     putDiscount(item.Skontodatum1, item.Skontosatz1, term->Skontotage1, term->Skontosatz1, *from);
     putDiscount(item.Skontodatum2, item.Skontosatz2, term->Skontotage2, term->Skontosatz2, *from);
     if (!*item.Faelligkeit)
       if (auto due = vlfn98::faelligkeit(*term, *from))
         vlba98::strncpy2(item.Faelligkeit, vlba98::toReversed(*due).data());
   }
-  record.Opbeleg = item;
-  must(store_.Insert(record, FileNumber(tableOfItems(*movement.account)), ZELK_ENG_DEFAULT));
-  ++counts_.created;
+  return item;
 }
 
-void OpenItems::change(const Year &year, const BATCHBUCHUNG &posting, const ItemMovement &movement, DATENBANK &record) {
-  OPBELEG item = record.Opbeleg;
+void OpenItems::change(const BATCHBUCHUNG &posting, const ItemMovement &movement, Change &change) {
+  OPBELEG &item = change.item;
   const int64_t gross = valueOf(item.Brutto), before = valueOf(item.Ausstand), after = before + movement.amount;
   const bool raises = sameSign(movement.amount, gross) && sameSign(movement.amount, before);
   if (*item.BetragFW) {
@@ -164,26 +173,15 @@ void OpenItems::change(const Year &year, const BATCHBUCHUNG &posting, const Item
     if (raises) put(item.BetragFW, moved(item.BetragFW, gross + movement.amount, gross));
   }
   put(item.Ausstand, after);
-  if (raises) put(item.Brutto, gross + movement.amount);
-  const auto table = FileNumber(tableOfItems(*movement.account));
-  if (after == 0) {
-    must(store_.Delete(table, ZELK_ENG_DEFAULT));
-    ++counts_.settled;
-  } else {
-    record.Opbeleg = item;
-    must(store_.Update(record, table, ZELK_ENG_DEFAULT));
-  }
   if (raises)
-    ++counts_.raised;
+    put(item.Brutto, gross + movement.amount);
   else
-    writeHistory(year, posting, movement, item);
+    change.payment = paymentOf(posting, movement, item);
 }
 
-void OpenItems::writeHistory(const Year &year, const BATCHBUCHUNG &posting, const ItemMovement &movement,
-                             const OPBELEG &item) {
+OPHISTORIE OpenItems::paymentOf(const BATCHBUCHUNG &posting, const ItemMovement &movement, const OPBELEG &item) {
   OPHISTORIE payment{};
   payment.OP = item;
-  payment.Zeile = greatestInHistory(tableOfHistory(*movement.account), item.Nr) + 1;
   put(payment.Zahlung, movement.discount - movement.amount);
   if (movement.discount != 0) put(payment.Skontobetrag, -movement.discount);
   vlba98::strncpy2(payment.Zahldatum, posting.Belegdatum);
@@ -192,10 +190,34 @@ void OpenItems::writeHistory(const Year &year, const BATCHBUCHUNG &posting, cons
   vlba98::strncpy2(payment.Zahltext, movement.first->Text);
   vlba98::strncpy2(payment.Zahltext2, movement.first->Text2);
   if (const ZAHLZIEL *term = chart_.term(item.Zahlungsziel)) payment.Zahlungsart = term->Zahlungsart;
+  return payment;
+}
+
+void OpenItems::write(const Year &year, Change &change) {
+  const auto table = FileNumber(change.table), history = FileNumber(change.history);
   DATENBANK record{};
-  record.Ophistorie = payment;
+  if (change.isNew) change.item.Nr = nextNumber();
+  record.Opbeleg = change.item;
+  if (change.isNew) {
+    must(store_.Insert(record, table, ZELK_ENG_DEFAULT));
+    ++counts_.created;
+    return;
+  }
+  store_.setCurrent(record, table);
+  if (valueOf(change.item.Ausstand) == 0) {
+    must(store_.Delete(table, ZELK_ENG_DEFAULT));
+    ++counts_.settled;
+  } else {
+    must(store_.Update(record, table, ZELK_ENG_DEFAULT));
+  }
+  if (!change.payment) {
+    ++counts_.raised;
+    return;
+  }
+  change.payment->Zeile = greatestInHistory(change.history, change.item.Nr) + 1;
+  record.Ophistorie = *change.payment;
   chart_.open(year);
-  must(store_.Insert(record, FileNumber(tableOfHistory(*movement.account)), ZELK_ENG_DEFAULT));
+  must(store_.Insert(record, history, ZELK_ENG_DEFAULT));
   ++counts_.payments;
 }
 

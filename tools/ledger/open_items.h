@@ -36,15 +36,24 @@ public:
   /// \param user number of the user who posts
   OpenItems(vldb98::Store &store, Chart &chart, int32_t user) : store_(store), chart_(chart), user_(user) {}
 
-  void post(const Year &year, const vldb98::BATCHBUCHUNG &posting, const ItemMovement &movement);
+  /// Posts what a posting does to items: all of it or, with a refusal, nothing.
+  void post(const Year &year, const vldb98::BATCHBUCHUNG &posting, const std::vector<ItemMovement> &movements);
   const ItemCounts &counts() const { return counts_; }
 
 private:
-  void create(const vldb98::BATCHBUCHUNG &posting, const ItemMovement &movement);
-  void change(const Year &year, const vldb98::BATCHBUCHUNG &posting, const ItemMovement &movement,
-              vldb98::DATENBANK &item);
-  void writeHistory(const Year &year, const vldb98::BATCHBUCHUNG &posting, const ItemMovement &movement,
-                    const vldb98::OPBELEG &item);
+  /// What becomes of an item.
+  struct Change {
+    int table, history; ///< of the item and of its payments
+    vldb98::OPBELEG item;
+    bool isNew;
+    std::optional<vldb98::OPHISTORIE> payment;
+  };
+  std::optional<Change> reckon(const Year &year, const vldb98::BATCHBUCHUNG &posting, const ItemMovement &movement);
+  vldb98::OPBELEG created(const vldb98::BATCHBUCHUNG &posting, const ItemMovement &movement);
+  void change(const vldb98::BATCHBUCHUNG &posting, const ItemMovement &movement, Change &change);
+  vldb98::OPHISTORIE paymentOf(const vldb98::BATCHBUCHUNG &posting, const ItemMovement &movement,
+                               const vldb98::OPBELEG &item);
+  void write(const Year &year, Change &change);
   int32_t nextNumber();
   int32_t greatestInHistory(int table, int32_t item);
 

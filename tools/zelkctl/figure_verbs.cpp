@@ -36,8 +36,8 @@ int32_t kindOf(int32_t client, const FigureQuery &query, const Question &questio
   for (const KindName &each : kKinds)
     if (query.kind == each.name) return each.kind;
   for (const KindName &each : kKinds)
-    if (!question.account.empty() && ZELK_ExistiertKonto(client, question.account.c_str(), each.kind, query.dimension,
-                                                         question.reference.c_str()) == ZELK_OK)
+    if (!question.account.empty() && ZELK_ExistiertKonto(client, question.account.c_str(), each.kind,
+                                                         question.dimension, question.reference.c_str()) == ZELK_OK)
       return each.kind;
   return ZELK_SACHKONTO;
 }
@@ -60,8 +60,8 @@ bool understand(int32_t client, const FigureQuery &query, Question &question) {
     }
     target = *text;
   }
+  question.dimension = query.dimension.value_or(0);
   question.kind = kindOf(client, query, question);
-  question.dimension = query.dimension;
   return true;
 }
 
@@ -132,9 +132,15 @@ int showBalances(int32_t client, const FigureQuery &query) {
   std::vector<TextTable::Column> columns{{"Konto"}, {"Kürzel"}, {"Name"}, {"Saldo", true}, {"Euro-Saldo", true}};
   if (centres) columns.insert(columns.begin() + 1, {{"Dim.", true}, {"Ref."}});
   TextTable table(columns);
-  int64_t sum = 0, euroSum = 0;
+  struct Sum {
+    int64_t own = 0, euro = 0;
+  };
+  std::map<int32_t, Sum> sums; // what a cost posting costs stands in every dimension that it names
   ZelkResult failure = ZELK_OK;
   auto add = [&](const Account &account) {
+    if (centres && ((query.dimension && account.dimension != *query.dimension) ||
+                    (!asked.reference.empty() && account.reference != asked.reference)))
+      return true;
     char balance[kAmountSize], euro[kAmountSize];
     ZelkResult result = ZELK_HoleSaldo(client, account.number.c_str(), asked.kind, 0, kPlainAmounts, balance, euro,
                                        asked.date.c_str(), account.dimension, account.reference.c_str());
@@ -149,8 +155,9 @@ int showBalances(int32_t client, const FigureQuery &query) {
                                  shown(account.name.c_str()), amount(balance, query.csv), amount(euro, query.csv)};
     if (centres) row.insert(row.begin() + 1, {std::to_string(account.dimension), shown(account.reference.c_str())});
     table.add(std::move(row));
-    sum += hundredths(balance);
-    euroSum += hundredths(euro);
+    Sum &sum = sums[account.dimension];
+    sum.own += hundredths(balance);
+    sum.euro += hundredths(euro);
     return true;
   };
   ZelkResult walked = ZELK_OK;
@@ -176,13 +183,15 @@ int showBalances(int32_t client, const FigureQuery &query) {
     std::puts("Es gibt keine Konten.");
     return kDone;
   }
-  if (!query.csv && table.rows() > 1) {
-    std::vector<std::string> row(columns.size());
-    row.front() = "Summe";
-    row[columns.size() - 2] = grouped(sum);
-    row.back() = grouped(euroSum);
-    table.add(std::move(row));
-  }
+  if (!query.csv && table.rows() > 1)
+    for (const auto &[dimension, sum] : sums) {
+      std::vector<std::string> row(columns.size());
+      row.front() = "Summe";
+      if (centres) row[1] = std::to_string(dimension);
+      row[columns.size() - 2] = grouped(sum.own);
+      row.back() = grouped(sum.euro);
+      table.add(std::move(row));
+    }
   print(table, query.csv);
   return kDone;
 }

@@ -2,7 +2,6 @@
 #include <cstdio>
 #include <cstring>
 
-#include "vlba98/datum.h"
 #include "vlba98/encoding.h"
 #include "zelk98/zelk98.h"
 #include "zelkctl/amounts.h"
@@ -182,16 +181,13 @@ std::vector<std::string> sumRow(const std::vector<Column> &columns,
   return row;
 }
 
-// What was asked for, in Windows-1252. The library selects by one of them; all hold.
+// What was asked for beside the day, in Windows-1252. The library selects by one of them; all hold.
 struct Filter {
   std::string account, document, openItem;
-  std::optional<vlba98::Datum> from;
 
   bool holds(const Item &item) const {
     auto same = [](const std::string &wanted, const char *value) { return wanted.empty() || wanted == value; };
-    if (!same(account, item.account) || !same(document, item.document) || !same(openItem, item.openItem)) return false;
-    auto date = vlba98::parseDatum(item.date);
-    return !from || (date && *date >= *from);
+    return same(account, item.account) && same(document, item.document) && same(openItem, item.openItem);
   }
 };
 
@@ -222,7 +218,6 @@ int listItems(int32_t client, const ItemQuery &query) {
     if (!text) return complainOfCharacters(option, value);
     target = *text;
   }
-  filter.from = vlba98::parseDatum(date);
   const int32_t kind = kindOf(client, query, filter.account);
   ZelkResult result = query.historical ? ZELK_InitHoleHistOP(client, filter.account.c_str(), kind, date.c_str(),
                                                              filter.document.c_str(), filter.openItem.c_str(), 0)

@@ -211,7 +211,8 @@ int main(int argc, char **argv) {
       ->check(CLI::IsMember({"debi", "kred"}).description(""));
   CLI::Option *historical = openItems->add_flag("--historisch", items.historical,
                                                 "Die Posten, wie sie nach jeder Zahlung waren, aller Geschäftsjahre");
-  openItems->add_option("--ab", items.from, "Nur historische ab diesem Belegdatum")->needs(historical);
+  openItems->add_option("--ab", items.from, "Nur historische, die an diesem Tag oder später bezahlt wurden")
+      ->needs(historical);
   openItems->add_option("--beleg", items.document, "Nur historische mit dieser Belegnummer")->needs(historical);
   openItems->add_option("--op", items.openItem, "Nur historische mit dieser OP-Belegnummer")->needs(historical);
   openItems->add_flag("--csv", items.csv, "Alle Angaben als CSV-Datei ausgeben");
@@ -228,8 +229,8 @@ int main(int argc, char **argv) {
         ->check(CLI::IsMember({"sako", "kred", "debi", "kost"}).description(""))
         ->group(kOptions);
   };
-  auto costCentreOptions = [&](CLI::App *sub) {
-    sub->add_option("--dimension", figures.dimension, "Dimension der Kostenstelle; Vorgabe: 0")->group(kOptions);
+  auto costCentreOptions = [&](CLI::App *sub, const char *dimension = "Dimension der Kostenstelle; Vorgabe: 0") {
+    sub->add_option("--dimension", figures.dimension, dimension)->group(kOptions);
     sub->add_option("--kostref", figures.reference, "Referenz der Kostenstelle")->group(kOptions);
   };
   auto csvOption = [&](CLI::App *sub) {
@@ -243,7 +244,7 @@ int main(int argc, char **argv) {
   kindOption(balances, kindOfAccount);
   balances->add_option("--datum", figures.date, "Saldo am Ende dieses Tages; Vorgabe: der des laufenden Geschäftsjahrs")
       ->group(kOptions);
-  costCentreOptions(balances);
+  costCentreOptions(balances, "Dimension der Kostenstelle; Vorgabe: 0, ohne Konto alle, mit einer Summe für jede");
   csvOption(balances);
 
   CLI::App *turnover = verb(app, "umsatz", "Die Umsätze eines Kontos nach Monaten, Quartalen und im Jahr zeigen",

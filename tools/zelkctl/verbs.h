@@ -59,7 +59,7 @@ int listTerms(int32_t client);
 struct ItemQuery {
   std::string account, kind; ///< kind: "debi" or "kred"
   bool historical = false;
-  std::string from, document, openItem; ///< of historical ones: first document date, numbers
+  std::string from, document, openItem; ///< of historical ones: first day of payment, numbers
   bool csv = false;
 };
 int listItems(int32_t client, const ItemQuery &query);
@@ -71,7 +71,7 @@ struct FigureQuery {
   std::string kind;    ///< "sako", "kred", "debi" or "kost"; empty: that of the account, without one sako
   std::string date;    ///< of a balance; empty: the current fiscal year
   std::optional<int32_t> year;
-  int32_t dimension = 0; ///< of cost centres
+  std::optional<int32_t> dimension; ///< of cost centres
   std::string reference;
   int32_t order = 0; ///< of budget values
   std::string from;
