@@ -45,7 +45,7 @@ TEST_F(ClientFolder, IsLoadedWholeOrNotAtAll) {
       {"sachkonto.csv", "Nr;Name;GuV\n1000;Kasse;2\n", "erwartet wird 0 oder 1"},
       {"sachkonto.csv", "Nr;Name;Jahr\n1000;Kasse;2031\n", "Jahr 2031 ist keines der Geschäftsjahre"},
       {"debitor.csv", "Nr;Name;Kreditlimit\n10000;Kunde;1,500.00\n", "erwartet wird ein Betrag"},
-      {"debitor.csv", "Nr;Name\n10000\n", "Die Zeile hat 1 Felder, die Kopfzeile 2."},
+      {"debitor.csv", "Nr;Name\n10000\n", "Die Zeile hat 1 Feld, die Kopfzeile 2."},
       {"debitor.csv", "Nr;Name;Sammelkonto\n10000;Kunde;1400\n", "Zeile 2: Sammelkonto 1400 gibt es nicht"},
       {"debitor.csv", "Nr;Name;Zahlungsziel\n10000;Kunde;4\n", "Zahlungsziel 4 gibt es nicht"},
       {"aufbau0.csv", "Nr;Vater;Name\n1;0;Bilanz\n2;9;Aktiva\n", "Die Zeile 9 (Vater) gibt es nicht."},

@@ -7,12 +7,12 @@
 #include <set>
 
 #include "platform/files.h"
+#include "vlba98/csv.h"
 #include "vlba98/datum.h"
 #include "vlba98/encoding.h"
 #include "vlba98/geld.h"
 #include "vlba98/text.h"
 #include "zelkctl/console.h"
-#include "zelkctl/csv.h"
 #include "zelkctl/folder_rules.h"
 #include "zelkctl/provision.h"
 #include "zelkctl/values.h"
@@ -136,7 +136,7 @@ private:
   }
 
   void readTable(const std::string &name, const Table &table) {
-    CsvFile csv = readCsv(platform::withSeparator(folder_) + name);
+    vlba98::CsvFile csv = vlba98::readCsv(platform::withSeparator(folder_) + name);
     if (!csv.problem.empty()) return problem(name, 0, csv.problem);
     std::vector<int> fieldOf;
     int yearColumn = -1;
@@ -151,7 +151,7 @@ private:
     }
     LoadedTable &loaded = tables_[table.number];
     loaded = {&table, name, {}};
-    for (const CsvRow &row : csv.rows) {
+    for (const vlba98::CsvRow &row : csv.rows) {
       if (!row.problem.empty()) {
         problem(name, row.line, row.problem);
         continue;
