@@ -601,10 +601,11 @@ ZELK_API ZelkResult ZELK_CALL ZELK_HoleZZnr(int32_t Mandantennummer, const char 
  * this was the last, -40 without Init, -39 after the last). Every out pointer may be null. Should the database fail
  * (-3), the next fetch delivers the same item.
  * Buffers: account numbers (without blanks) 8 bytes, Kuerzel 9, Name 41, document numbers 17, dates ("TT.MM.JJJJ",
- * empty when there is none) 11, rates ("03,00", empty when there is none) 6, Text and Text2 36, amounts 16, Waehrung
+ * empty when there is none) 11, rates ("03,00", empty when there is none) 6, Text and Text2 36, amounts 14, Waehrung
  * 4, Bemerkung 41, DMSID 51.
  * Ausgabeart: form of the amounts, 1 to 3 (-20 for another one where Bruttobetrag or Ausstand is wanted; taken for 3
- * in the others): 1 "+000001234,50" (led by "-" below zero, by "0" for zero), 2 "1234,50", 3 "1.234,50". Amounts are
+ * in the others): 1 "+000001234,50" (led by "-" below zero, by "0" for zero), 2 "1234,50", 3 "1.234,50", but
+ * "-12345678,90" where grouping would take more than 13 characters. Amounts are
  * in the client's currency, above zero what a debtor owes or is owed to a creditor; Ausstand2 (zero when the item is
  * in the client's currency) and GWBetrag (empty then) are what is left and the gross amount in the foreign one.
  * Mahnstufe: dunning level, 65535 when dunning is blocked (then Mahnsperre is 1); of a creditor's item it is not
@@ -666,9 +667,9 @@ ZELK_API ZelkResult ZELK_CALL ZELK_ErmittleBonitaet(void *HandleParent, int32_t 
 /* --- Balances and turnover ------------------------------------------------------------------------------------------ */
 
 /* Amounts are delivered in the form that Ausgabeart names, shown for -1234,50: 1 a sign ("-", "+", or "0" for zero) and
- * twelve characters, "-000001234,50"; 2 plain, "-1234,50"; 3 with grouping, "-1.234,50". Any other value: -20. Each buffer
- * has 16 bytes (14 suffice for amounts below ten million); null: not delivered. An amount beyond 999.999.999,99 is refused
- * with -2, and nothing is delivered.
+ * twelve characters, "-000001234,50"; 2 plain, "-1234,50"; 3 with grouping, "-1.234,50", but "-12345678,90" where that would take more
+ * than 13 characters. Any other value: -20. Each buffer has 14 bytes; null: not delivered. An amount beyond 999.999.999,99
+ * is refused with -2, and nothing is delivered.
  *
  * Months are months of the fiscal year: 1 is the one in which it begins. */
 
@@ -715,7 +716,7 @@ ZELK_API ZelkResult ZELK_CALL ZELK_InitHoleSollwerte(int32_t Mandantennummer, in
 
 /* Delivers the budget values of the account under the cursor and moves on: 1 more follow, 2 this was the last, -40, -39 as
  * for accounts, -20 Ausgabeart. Kontonummer: 8 bytes, Kuerzel: 9 bytes, Name: 41 bytes. pszMon1 to pszMon12: the months,
- * pszGesamt: the year, 16 bytes each. plSWinEuro: 1 when they are in Euro, 0 in the client's currency. Each may be null. */
+ * pszGesamt: the year, 14 bytes each. plSWinEuro: 1 when they are in Euro, 0 in the client's currency. Each may be null. */
 ZELK_API ZelkResult ZELK_CALL ZELK_HoleSollwerte(char *Kontonummer, char *Kuerzel, char *Name, int32_t Ausgabeart,
                                                  char *pszMon1, char *pszMon2, char *pszMon3, char *pszMon4,
                                                  char *pszMon5, char *pszMon6, char *pszMon7, char *pszMon8,
