@@ -258,6 +258,8 @@ TEST_F(Batches, WaitForTheirTables) {
   for (int table : {kBatchbuchung, kSplit, kStapel, kKobu}) {
     ASSERT_TRUE(other->Lock(FileNumber(table), nullptr, 0, ZELK_ENG_DEFAULT));
     EXPECT_EQ(ZELK_LoescheStapel(1, 8, 1, 1), ZELKERR_Datenbank) << table;
+    for (int32_t refused : {99, 1, 9}) // waits for nobody
+      EXPECT_EQ(ZELK_LoescheStapel(1, refused, 1, 0), ZELKERR_uzl_Stapelnr) << table;
     if (table == kStapel) {
       EXPECT_EQ(ZELK_Stapel(kCreate, 1, 0, "Neu", 0, 0, 0, 1), ZELKERR_Datenbank);
     }
