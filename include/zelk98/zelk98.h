@@ -570,7 +570,8 @@ ZELK_API ZelkResult ZELK_CALL ZELK_HoleStapelNr(void *HandleParent, int32_t Mand
 /* --- Payment terms -------------------------------------------------------------------------------------------------- */
 
 /* Creates a payment term (Aktion 1) or changes one (2): its number, or the code of the first check that refused it.
- * Zahlzielnummer: the term to change. Name: short name, not that of another term of the client; 10 characters count.
+ * Zahlzielnummer: the term to change. Name: short name, not that of another term of the client; white space around it does
+ * not count, of the rest 10 characters do.
  * Skontotage1, Skontotage2: discount periods, 0 to 999 days, the second longer than the first or 0 = no second discount.
  * Skontosatz1, Skontosatz2: discount rates ("3,00"), 5 characters count; null or empty: none; the first greater than the
  * second. Zahltage: net payment period, 0 to 999 days. TagInMonat: 0 to 31. MonatePlus: 0 to 99. Bemerkung: 40 characters
