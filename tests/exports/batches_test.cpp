@@ -155,6 +155,10 @@ TEST_F(Batches, AreCreatedAndChanged) {
       {kChange, 5, "Vorjahr", 0, 0, 0, 5, "Vorjahr 0 gesperrt"},
       {kChange, 9, "Quartal", 0, 0, 0, 9, "Quartal 0"}, // cleared
       {kChange, 10, "Kosten", 0, 0, 0, 10, "Kosten 0"}, // of the cost-accounting product
+      // Behind the greatest number there is none: the lowest that is free.
+      {kCreate, INT32_MAX, "Letzter", 0, 0, 0, INT32_MAX, "Letzter 0"},
+      {kCreate, 0, "Lücke", 0, 0, 0, 13, "Lücke 0"},
+      {kCreate, 0, "Nächste", 0, 0, 0, 14, "Nächste 0"},
   };
   for (const auto &row : rows) {
     SCOPED_TRACE(row.name);
