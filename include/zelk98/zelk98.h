@@ -518,7 +518,8 @@ ZELK_API ZelkResult ZELK_CALL ZELK_HoleKonto(void *HandleParent, int32_t Mandant
                                              const char *Von, const char *Bis, char *Kontonummer, char *Name,
                                              char *Kuerzel, int32_t Dimension, const char *Kostref);
 
-/* Proposes a free account number of a kind (1, 2 or 4; else -7) behind the greatest one in use. NummerVon, NummerBis:
+/* Proposes a free account number of a kind (1, 2 or 4; else -7) behind the greatest one in use, which no account
+ * has in any fiscal year of the client (cost centres do not count). NummerVon, NummerBis:
  * bounds of the range, at most 7 characters; null or empty: none. When the range is used up at its end, a gap within it is
  * proposed, the bounds themselves excepted. NummerOut: 8 bytes. 1 proposed, -37 no free number, -38 NummerOut is null.
  * Nothing is reserved. Shows its refusals when the thread's last call with Fehlermeldungen passed the flag set. */
