@@ -659,7 +659,8 @@ ZELK_API ZelkResult ZELK_CALL ZELK_HoleAktMahnstufe(int32_t Mandantennummer, con
  * Nothing is stored. Suchtyp: 0 to 3, as the source understands it (-102). Datum: TT.MM.JJJJ, of any year (-64); null
  * or empty: not known. Of Name and Zusatz 40 characters count, Strasse, Ort and Vorname 30, PLZ 6, Registernummer 20;
  * each may be null.
- * This library brings no source along: none is found then. */
+ * The source is the file bonitaet.csv in the program directory (docs/betrieb.md). Without it: 0, and nothing is changed.
+ * With a mistake in it: -2, nothing is changed, and the call protocol names the line. */
 ZELK_API ZelkResult ZELK_CALL ZELK_ErmittleBonitaet(void *HandleParent, int32_t Mandantennummer, int32_t Kontoart,
                                                     const char *Kontonr, int32_t Suchtyp, const char *Name,
                                                     const char *Zusatz, const char *Strasse, const char *PLZ,
