@@ -15,6 +15,7 @@
 #include "zelkctl/console.h"
 #include "zelkctl/folder_rules.h"
 #include "zelkctl/provision.h"
+#include "zelkctl/structure.h"
 #include "zelkctl/values.h"
 #include "zelkctl/verbs.h"
 
@@ -264,20 +265,11 @@ private:
   void linkStructures() {
     for (auto &[number, table] : tables_) {
       if (std::find(kStructureTables.begin(), kStructureTables.end(), number) == kStructureTables.end()) continue;
-      std::map<int32_t, AUFBAU *> lines, lastChild;
+      std::vector<AUFBAU *> lines;
       for (LoadedRow &row : table.rows)
-        lines[row.record.Aufbau.Nr] = &row.record.Aufbau;
-      for (LoadedRow &row : table.rows) {
-        AUFBAU &line = row.record.Aufbau;
-        if (line.Vater == 0) continue;
-        if (!lines.count(line.Vater)) {
-          problem(table.file, row.line, "Die Zeile " + std::to_string(line.Vater) + " (Vater) gibt es nicht.");
-          continue;
-        }
-        AUFBAU *&last = lastChild[line.Vater];
-        (last ? last->Naechste : lines[line.Vater]->Kind) = line.Nr;
-        last = &line;
-      }
+        lines.push_back(&row.record.Aufbau);
+      for (const StructureProblem &one : linkStructure(lines))
+        problem(table.file, one.line < lines.size() ? table.rows[one.line].line : 0, one.text);
     }
   }
 
