@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "vlba98/text.h"
 #include "zelk98/zelk98.h"
 #include "zelkctl/console.h"
 #include "zelkctl/posting_file.h"
@@ -87,8 +88,9 @@ public:
     int code = report(file, stopped);
     // The library reports success also for a posting that it skips because its tables stayed locked by others.
     if (long after = countPostings(client_, batch_); after - before < long(inserted_)) {
-      complain("Achtung: der Stapel hat nur " + std::to_string(after - before) +
-               " Buchungen mehr als zuvor. Die anderen wurden übersprungen, da die Tabellen gesperrt waren.");
+      complain("Achtung: der Stapel hat nur " +
+               vlba98::counted(size_t(std::max(after - before, 0L)), "Buchung", "Buchungen") +
+               " mehr als zuvor. Was fehlt, wurde übersprungen, da die Tabellen gesperrt waren.");
       return kFailed;
     }
     return code;
@@ -148,8 +150,9 @@ private:
       refused_.print();
       std::puts("");
     }
-    std::printf("Stapel %d: %zu Zeilen gelesen, %zu Buchungen: %zu gebucht, %zu abgelehnt.\n", int(batch_), file.rows,
-                file.postings.size(), inserted_, refused_.rows());
+    std::printf("Stapel %d: %s gelesen, %s: %zu gebucht, %zu abgelehnt.\n", int(batch_),
+                vlba98::counted(file.rows, "Zeile", "Zeilen").c_str(),
+                vlba98::counted(file.postings.size(), "Buchung", "Buchungen").c_str(), inserted_, refused_.rows());
     if (stopped > 0) {
       complain("Abgebrochen in Zeile " + std::to_string(stopped) + ": die Zeilen dahinter wurden nicht gebucht.");
       return kFailed;
