@@ -218,6 +218,18 @@ TEST_F(Zelkctl, SwitchesAndShowsTheCallProtocol) {
   EXPECT_OUTCOME("protokoll zeigen " + quoted(folder() / "programm" / "ZELKPROT.TXT"), 0, "Ende des Protokolls.");
 }
 
+#ifdef __linux__
+TEST_F(Zelkctl, SaysWhenItsOutputIsLost) {
+  provisionByProgram();
+  ASSERT_EQ(run("anlegen " + sample("musterhandel")).code, 0);
+  for (const char *arguments : {"--hilfe", "mandanten", "konten 1", "op 1 --csv", "stapel leeren 1 8"})
+    EXPECT_EQ(runProgram(ZELK_ZELKCTL, arguments, "/dev/full"), 3) << arguments;
+  // A pipe without a reader.
+  const std::string shell = "-c 'mkfifo \"$1\"; exec 3<>\"$1\" 4>\"$1\" 3<&-; \"$0\" konten 1 >&4' " ZELK_ZELKCTL " ";
+  EXPECT_EQ(runProgram("/bin/sh", shell + quoted(folder() / "pipe"), (folder() / "output.txt").string()), 3);
+}
+#endif
+
 TEST_F(Zelkctl, SaysWhatIsWrongWithTheCommand) {
   for (const char *arguments : {"", "buchen", "buchen 1 drei x.csv", "konten 1 --art farben", "konten 1 --sortierung 3",
                                 "tanzen", "konten 1 2"}) {

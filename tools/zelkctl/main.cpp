@@ -55,11 +55,16 @@ std::string germanError(const CLI::App *app, const CLI::Error &error) {
 
 int main(int argc, char **argv) {
   using namespace zelkctl;
+  watchOutput();
   CLI::App app("Richtet Bücher ein und bedient die Schnittstelle zelk98.", "zelkctl");
   app.set_help_flag("--hilfe,-h", "Diese Hilfe zeigen")->group(kOptions);
   app.set_version_flag("--version", std::string("zelkctl ") + ZELK_VERSION, "Die Version zeigen")->group(kOptions);
   app.formatter(std::make_shared<GermanFormatter>());
   app.failure_message(germanError);
+  app.footer(
+      "Exitcodes: 0 getan; 1 etwas wurde abgelehnt, das Übrige ist getan; 2 nicht oder nicht zu Ende getan;\n"
+      "3 die Ausgabe konnte nicht geschrieben werden (Datenträger voll, Leser fort), in den Büchern ist getan, was\n"
+      "zu tun war.");
   app.allow_windows_style_options(false); // "/" begins a path
   app.require_subcommand(1);
 
@@ -310,7 +315,7 @@ int main(int argc, char **argv) {
   try {
     app.parse(int(pointers.size()), pointers.data());
   } catch (const CLI::ParseError &error) {
-    return app.exit(error) == 0 ? kDone : kFailed;
+    return finishOutput(app.exit(error) == 0 ? kDone : kFailed);
   }
   int exitCode = kFailed;
   try {
@@ -320,5 +325,5 @@ int main(int argc, char **argv) {
   }
   // Closes the database, which folds its log into the file.
   ZELK_Detach();
-  return exitCode;
+  return finishOutput(exitCode);
 }
