@@ -17,6 +17,7 @@ TEST_F(Zelkctl, NamesEachRefusalAndPostsTheRest) {
     const char *lines, *code, *field; // code empty: zelkctl refuses the rows itself
   };
   const Refusal refusals[] = {{"3", "-10 ", "Sollkonto, Habenkonto"},
+                              {"3", "-10 ", "F26-002  Soll 4999  "},
                               {"5", "-12 ", "Bruttobetrag"},
                               {"7", "-11 ", "Belegdatum"},
                               {"9", "-37 ", "Text "},

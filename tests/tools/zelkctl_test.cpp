@@ -231,13 +231,25 @@ TEST_F(Zelkctl, SaysWhenItsOutputIsLost) {
 #endif
 
 TEST_F(Zelkctl, SaysWhatIsWrongWithTheCommand) {
-  for (const char *arguments : {"", "buchen", "buchen 1 drei x.csv", "konten 1 --art farben", "konten 1 --sortierung 3",
-                                "tanzen", "konten 1 2"}) {
-    Outcome outcome = run(arguments);
-    EXPECT_EQ(outcome.code, 2) << arguments;
-    EXPECT_NE(outcome.text.find("Hilfe: zelkctl --hilfe"), std::string::npos) << outcome.text;
+  const struct {
+    const char *arguments, *text;
+  } rows[] = {{"", "Es fehlt eine Angabe: BEFEHL\nHilfe: zelkctl --hilfe\n"},
+              {"buchen", "Es fehlt eine Angabe: MANDANT\nHilfe: zelkctl buchen --hilfe\n"},
+              {"buchen 1 drei x.csv", "Eine Angabe ist keine Zahl: STAPEL = drei\n"},
+              {"konten 1 --art farben", "Eine Angabe ist nicht zulässig: --art: farben; zulässig: {"},
+              {"konten 1 --sortierung 3", "Eine Angabe ist nicht zulässig: --sortierung: "},
+              {"tanzen", "Unbekannter Befehl: tanzen\nHilfe: zelkctl --hilfe\n"},
+              {"--tanzen", "Unbekannte Option: --tanzen\n"},
+              {"zahlungsziel tanzen 1", "Unbekannter Befehl: zahlungsziel tanzen\nHilfe: zelkctl zahlungsziel --hilfe"},
+              {"stapel tanzen", "Eine Angabe ist weder Befehl noch Zahl: MANDANT = tanzen\n"},
+              {"konten 1 2", "Eine Angabe ist unbekannt oder zu viel: 2\n"},
+              {"konten 1 --farbe rot", "Unbekannte Option: --farbe\n"}};
+  for (const auto &row : rows) {
+    SCOPED_TRACE(row.arguments);
+    EXPECT_OUTCOME(row.arguments, 2, row.text);
   }
   EXPECT_OUTCOME("--hilfe", 0, "einrichten");
+  EXPECT_OUTCOME("stapel loeschen --help", 0, "STAPEL");
   EXPECT_OUTCOME("buchen --hilfe", 0, "STAPEL");
   EXPECT_OUTCOME("--version", 0, "zelkctl ");
 }

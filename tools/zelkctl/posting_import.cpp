@@ -35,10 +35,48 @@ std::string meaning(ZelkResult result, const ZELK_BUCHUNG &posting, const char *
     return "Soll- und Habenkontonummern sind gleich.";
   if (result == ZELKERR_kein_Kurs) return "Zum Belegdatum ist für die Währung kein Kurs gespeichert.";
   if (result == ZELKERR_uzl_Kostenrechnung)
-    return "Die Kostenrechnung lässt dies nicht zu: Kostenart und Kostenstelle passen nicht zusammen, oder es fehlt eine "
+    return "Die Kostenrechnung lässt dies nicht zu: Kostenart und Kostenstelle passen nicht zusammen, oder es fehlt "
+           "eine "
            "Kostenstelle.";
   std::string all = shown(text);
   return all.substr(0, all.find('\n'));
+}
+
+// "Soll 1200, Haben 8400": the accounts that a refusal is about. Of a code that refuses one side only those of that
+// side; of codes that refuse accounts only those that there are not, unless all are there.
+std::string accountsOf(int32_t client, const FilePosting &posting, ZelkResult code) {
+  struct Side {
+    const char *name;
+    const char *(*account)(const ZELK_BUCHUNG &);
+    ZelkResult refusesTheOther;
+  };
+  static constexpr Side sides[] = {
+      {"Soll ", [](const ZELK_BUCHUNG &line) -> const char * { return line.Sollkonto; }, ZELKERR_uzl_Habenkontonr},
+      {"Haben ", [](const ZELK_BUCHUNG &line) -> const char * { return line.Habenkonto; }, ZELKERR_uzl_Sollkontonr}};
+  const bool ofAccounts =
+      code == ZELKERR_uzl_Kontonr || code == ZELKERR_uzl_Sollkontonr || code == ZELKERR_uzl_Habenkontonr;
+  auto exists = [&](const char *account) {
+    for (int32_t kind : {ZELK_SACHKONTO, ZELK_KREDITOR, ZELK_DEBITOR})
+      if (ZELK_ExistiertKonto(client, account, kind, 0, nullptr) == ZELK_OK) return true;
+    return false;
+  };
+  std::vector<std::string> all, missing;
+  for (const PostingRow &row : posting.rows)
+    for (const Side &side : sides) {
+      const char *account = side.account(row.posting);
+      if (!*account || code == side.refusesTheOther) continue;
+      const std::string text = side.name + shown(account);
+      if (std::find(all.begin(), all.end(), text) != all.end()) continue;
+      all.push_back(text);
+      if (ofAccounts && !exists(account)) missing.push_back(text);
+    }
+  constexpr size_t shownAtMost = 4;
+  std::string text;
+  for (const std::string &one : missing.empty() ? all : missing) {
+    if (&one - (missing.empty() ? all : missing).data() == shownAtMost) return text + ", …";
+    text += (text.empty() ? "" : ", ") + one;
+  }
+  return text;
 }
 
 ZelkResult addRow(const PostingRow &row) {
@@ -141,7 +179,9 @@ private:
     if (code != 0) ZELK_HoleFehlertext(code, name, nullptr);
     std::string lines = std::to_string(posting.firstLine);
     if (posting.lastLine != posting.firstLine) lines += "-" + std::to_string(posting.lastLine);
-    refused_.add({lines, code ? std::to_string(code) : "", shown(name), field, text});
+    const std::string document = posting.rows.empty() ? "" : shown(posting.rows.front().posting.Belegnummer);
+    refused_.add({lines, code ? std::to_string(code) : "", shown(name), document, accountsOf(client_, posting, code),
+                  field, text});
     return true;
   }
 
@@ -162,7 +202,7 @@ private:
 
   int32_t client_, batch_;
   size_t inserted_ = 0;
-  TextTable refused_{{{"Zeile", true}, {"Code", true}, {"Name"}, {"Feld"}, {"Grund"}}};
+  TextTable refused_{{{"Zeile", true}, {"Code", true}, {"Name"}, {"Beleg"}, {"Konten"}, {"Feld"}, {"Grund"}}};
 };
 
 } // namespace
