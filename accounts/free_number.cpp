@@ -3,11 +3,13 @@
 #include <cstdlib>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "frame/call.h"
 #include "frame/fetch.h"
 #include "frame/messages.h"
 #include "frame/snapshot.h"
+#include "vlba98/datum.h"
 #include "vlba98/text.h"
 #include "vlfn98/accounts.h"
 
@@ -36,33 +38,74 @@ std::string padded(std::string number) {
   return number;
 }
 
+// Goes through the client's fiscal years, and back to the one that was open.
+class OtherYears {
+public:
+  explicit OtherYears(Store &store) : store_(store), open_(store.HoleOpenJahr()) {}
+
+  // \return false when the store failed
+  bool read() {
+    DATENBANK record{};
+    uint8_t found;
+    int done = store_.GetFirstExt(record, found, kGeschaeftsjahr, ZELK_ENG_DEFAULT, 0);
+    for (; done && found; done = store_.GetNextExt(record, found, kGeschaeftsjahr, ZELK_ENG_DEFAULT)) {
+      char code[3];
+      if (vlba98::itotwo(record.Geschaeftsjahr.Jahr - vlba98::firstYear, code) && code != open_) codes_.push_back(code);
+    }
+    return done;
+  }
+
+  // Whether the number is an account's in one of them. \return false when the store failed
+  bool use(const std::string &candidate, bool &used) {
+    used = false;
+    bool done = true;
+    for (size_t i = 0; done && !used && i < codes_.size(); ++i) {
+      uint8_t kind = 0;
+      int32_t where;
+      DATENBANK record{};
+      done = store_.SetzeOpenJahr(codes_[i].c_str()) &&
+             store_.UsedAndGetKnr(padded(candidate).c_str(), kind, record, where);
+      used = done && kind != 0 && kind != kOnlyCostCentre;
+    }
+    return (codes_.empty() || store_.SetzeOpenJahr(open_.c_str())) && done;
+  }
+
+private:
+  Store &store_;
+  std::string open_;
+  std::vector<std::string> codes_;
+};
+
 struct Search {
   Store &store;
   int table;
   std::string from, to;
+  OtherYears others{store};
 
   bool bounded() const { return !from.empty() && !to.empty(); }
 
   // \return 1; -37 when there is no free number, -3 when the store failed
-  ZelkResult run(std::string &proposal) const;
+  ZelkResult run(std::string &proposal);
 
 private:
   std::string firstOfTable() const;
-  ZelkResult behind(const std::string &greatest, std::string &proposal) const;
-  ZelkResult gap(std::string &proposal) const;
+  ZelkResult behind(const std::string &greatest, std::string &proposal);
+  ZelkResult gap(std::string &proposal);
 };
 
-ZelkResult Search::run(std::string &proposal) const {
+ZelkResult Search::run(std::string &proposal) {
   DATENBANK record{};
   uint8_t found;
   FileNumber file = FileNumber(table);
   int done = bounded() ? store.GetLeExt(record, KeyBuilder().account(to), found, file, ZELK_ENG_DEFAULT, kWaitForWriter)
                        : store.GetLastExt(record, found, file, ZELK_ENG_DEFAULT, kWaitForWriter);
-  if (!done) return ZELKERR_Datenbank;
+  if (!done || !others.read()) return ZELKERR_Datenbank;
   std::string greatest = table == kSachkonto ? record.Sachkonto.Nr : record.Personenkonto.Nr;
   if (found && !(bounded() && greatest < padded(from))) return behind(std::string(vlba98::trimmed(greatest)), proposal);
   proposal = bounded() ? from : firstOfTable();
-  return ZELK_OK;
+  bool elsewhere;
+  if (!others.use(proposal, elsewhere)) return ZELKERR_Datenbank;
+  return elsewhere ? behind(std::string(proposal), proposal) : ZELK_OK;
 }
 
 // The first number of an empty table. Personal accounts have one digit more than the general ledger.
@@ -73,7 +116,7 @@ std::string Search::firstOfTable() const {
   return std::string(table == kDebitor ? "1" : "7").append(std::min(length + 1, kWidth) - 1, '0');
 }
 
-ZelkResult Search::behind(const std::string &greatest, std::string &proposal) const {
+ZelkResult Search::behind(const std::string &greatest, std::string &proposal) {
   size_t lastOther = greatest.find_last_not_of("0123456789");
   std::string prefix = lastOther == std::string::npos ? "" : greatest.substr(0, lastOther + 1);
   int64_t number = std::atoll(greatest.c_str() + prefix.size());
@@ -88,15 +131,17 @@ ZelkResult Search::behind(const std::string &greatest, std::string &proposal) co
     int32_t where;
     DATENBANK record{};
     if (!store.UsedAndGetKnr(padded(candidate).c_str(), used, record, where)) return ZELKERR_Datenbank;
-    if (used == 0 || used == kOnlyCostCentre) {
-      proposal = candidate;
-      return ZELK_OK;
-    }
+    bool elsewhere = false;
+    if (used != 0 && used != kOnlyCostCentre) continue;
+    if (!others.use(candidate, elsewhere)) return ZELKERR_Datenbank;
+    if (elsewhere) continue;
+    proposal = candidate;
+    return ZELK_OK;
   }
 }
 
 // Between the bounds, themselves excepted.
-ZelkResult Search::gap(std::string &proposal) const {
+ZelkResult Search::gap(std::string &proposal) {
   int32_t low = std::atoi(from.c_str()), high = std::atoi(to.c_str());
   if (high < low) std::swap(low, high);
   if (!store.Lock(FileNumber(table), nullptr, kWaitMode, ZELK_ENG_DEFAULT)) return ZELKERR_Datenbank;
@@ -106,10 +151,11 @@ ZelkResult Search::gap(std::string &proposal) const {
       std::string candidate = std::to_string(number);
       if (!store.Used(KeyBuilder().account(candidate), used, FileNumber(table), ZELK_ENG_DEFAULT))
         return ZELKERR_Datenbank;
-      if (!used) {
-        proposal = candidate;
-        return ZELK_OK;
-      }
+      bool elsewhere = false;
+      if (!used && !others.use(candidate, elsewhere)) return ZELKERR_Datenbank;
+      if (used || elsewhere) continue;
+      proposal = candidate;
+      return ZELK_OK;
     }
     return ZELKERR_Ueberlauf;
   });

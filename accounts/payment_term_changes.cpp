@@ -1,12 +1,13 @@
 // Creating and changing payment terms.
-#include <cstring>
+#include <string>
 #include <string_view>
 
 #include "frame/call.h"
-#include "frame/fetch.h"
 #include "frame/locked_tables.h"
 #include "vlba98/geld.h"
 #include "vlba98/text.h"
+#include "vlfn98/client.h"
+#include "vlfn98/terms.h"
 
 using namespace frame;
 using namespace vldb98;
@@ -22,7 +23,7 @@ constexpr size_t kShortNameWidth = sizeof(ZAHLZIEL::Kuerzel) - 1;
 // What a host asks for; texts that it left out are empty.
 struct Request {
   int32_t action, number;
-  const char *shortName;
+  std::string shortName; // as it is stored
   int32_t discountDays1;
   const char *discountRate1;
   int32_t discountDays2;
@@ -117,7 +118,7 @@ Outcome checkDueDate(const Request &request, ZAHLZIEL &term) {
 
 // With the table locked. The result is the number of the term.
 Outcome save(Store &store, const Request &request) {
-  if (!*request.shortName) return {ZELKERR_uzl_Kuerzel, resources::kKuerzelFehlt};
+  if (request.shortName.empty()) return {ZELKERR_uzl_Kuerzel, resources::kKuerzelFehlt};
   if (Outcome identity = checkIdentity(store, request); identity.result != ZELK_OK) return identity;
   DATENBANK record{};
   ZAHLZIEL &term = record.Zahlziel;
@@ -154,12 +155,12 @@ ZelkResult ZELK_CALL ZELK_Zahlungsziel(int32_t Mandantennummer, int32_t Aktion, 
              [&](ThreadContext *context) -> ZelkResult {
                Store *store = context->session();
                if (!store) return ZELKERR_Datenbank;
-               if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
+               if (int32_t opened = vlfn98::HoleMandantenDaten(*store, Mandantennummer); opened < 1) return opened;
                if (Aktion != kCreate && Aktion != kChange)
                  return refuse(*context, ZELKERR_sonst, resources::kUnzulaessigeAktion);
                Request request{Aktion,
                                Zahlzielnummer,
-                               orEmpty(Name),
+                               vlfn98::storedShortName(Name),
                                Skontotage1,
                                orEmpty(Skontosatz1),
                                Skontotage2,

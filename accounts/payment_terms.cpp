@@ -5,6 +5,7 @@
 #include "frame/snapshot.h"
 #include "vlba98/text.h"
 #include "vlfn98/client.h"
+#include "vlfn98/terms.h"
 
 using namespace frame;
 using namespace vldb98;
@@ -73,7 +74,7 @@ ZelkResult ZELK_CALL ZELK_HoleZZnr(int32_t Mandantennummer, const char *Name) {
                if (int32_t opened = vlfn98::HoleMandantenDaten(*store, Mandantennummer); opened < 1) return opened;
                DATENBANK record{};
                uint8_t found;
-               SCHLUESSEL key = KeyBuilder().text(Name ? Name : "", sizeof(ZAHLZIEL::Kuerzel) - 1);
+               SCHLUESSEL key = KeyBuilder().text(vlfn98::storedShortName(Name), sizeof(ZAHLZIEL::Kuerzel) - 1);
                if (!store->UsedGet(record, key, found, fileNumber(kZahlziel, 1), ZELK_ENG_DEFAULT))
                  return ZELKERR_Datenbank;
                return found ? ZelkResult(record.Zahlziel.Nr) : ZELK_keinKonto;

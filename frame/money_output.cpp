@@ -14,7 +14,11 @@ void formatAmount(int32_t form, char *buffer, const char *internal) {
   char digits[vlba98::geldWidth + 1] = "";
   vlba98::formatGeld(value, digits);
   if (form != kFixedForm && form != kPlainForm) {
-    vlba98::MakeGeld(buffer, digits, 1);
+    char display[vlba98::geldDisplaySize];
+    vlba98::MakeGeld(display, digits, 1);
+    // Hosts were promised this size; an amount that is hard to read is better than bytes behind their buffer.
+    if (std::strlen(display) >= kAmountSize) vlba98::MakeGeld(display, digits, 0);
+    std::memcpy(buffer, display, std::strlen(display) + 1);
     return;
   }
   digits[vlba98::geldWidth - 3] = vlba98::HoleDezimalTrenner();

@@ -3,19 +3,55 @@
 
 #include "frame/call.h"
 #include "frame/fetch.h"
+#include "frame/lifecycle.h"
 #include "frame/locked_tables.h"
+#include "frame/messages.h"
 #include "frame/notification.h"
+#include "frame/protocol.h"
 #include "openitems/selection.h"
+#include "vlba98/encoding.h"
 #include "vlfn98/accounts.h"
 #include "vlfn98/dates.h"
 
 using namespace frame;
 using namespace vldb98;
+using vlfn98::Rating;
 using vlfn98::RatingRequest;
 
 namespace {
 
 constexpr int32_t kLastSearchType = 3;
+const char kRatingFile[] = "bonitaet.csv";
+
+// What a host has that installed no source: the file in the program directory, if somebody keeps one.
+class RatingFile final : public vlfn98::RatingSource {
+public:
+  explicit RatingFile(const ThreadContext &context) : context_(context) {}
+
+  std::optional<Rating> rate(const RatingRequest &request) override {
+    auto answer = vlfn98::rateFromFile(programSettings().programDirectory + kRatingFile, request);
+    if (!answer || !answer->problem.empty() || !vlfn98::isRating(answer->ratingClass)) return answer;
+    const std::string shown = std::to_string(answer->ratingClass) + " " + answer->text;
+    protocolLine("Bonität: " + vlba98::toUtf8(shown));
+    if ((request.options & vlfn98::kShowRating) && context_.fehlermeldungen) showMessage(resources::kBonitaet, shown);
+    return answer;
+  }
+
+private:
+  const ThreadContext &context_;
+};
+
+// Asks the source. \return -2 when it cannot tell; 0 when there is none
+ZelkResult ask(const ThreadContext &context, const RatingRequest &request, Rating &rating) {
+  RatingFile file(context);
+  const std::optional<Rating> answer = vlfn98::PruefeBonitaet(request, file);
+  if (!answer) return ZELK_keinKonto;
+  if (!answer->problem.empty())
+    return refuse(context, ZELKERR_sonst, resources::kBonitaetUnlesbar,
+                  vlba98::toWindows1252(answer->problem).value_or(""));
+  rating = *answer;
+  return ZELK_OK;
+}
 
 // Reads an account of the open year. \return 1, -10, -3
 Outcome readAccount(Store &store, int table, std::string_view number, DATENBANK &account) {
@@ -56,8 +92,8 @@ ZelkResult rateAccount(ThreadContext &context, Store &store, RatingRequest &requ
   if (Outcome read = readAccount(store, table, number, record); read.result != ZELK_OK)
     return read.message ? refuse(context, read.result, read.message) : read.result;
   request.party = record.Personenkonto;
-  char rating[sizeof(PERSONENKONTO::Bonitaet)];
-  vlfn98::PruefeBonitaet(request, rating);
+  Rating rating;
+  if (ZelkResult asked = ask(context, request, rating); asked != ZELK_OK) return asked;
 
   // The source may have called the library, which then stands in another client or year, or in another session.
   Store *now = context.session();
@@ -66,7 +102,7 @@ ZelkResult rateAccount(ThreadContext &context, Store &store, RatingRequest &requ
   const FileNumber tables[] = {FileNumber(table)};
   PERSONENKONTO changed;
   ZelkResult result =
-      changeLocked(context, *now, tables, [&] { return writeRating(*now, table, number, rating, changed); });
+      changeLocked(context, *now, tables, [&] { return writeRating(*now, table, number, rating.text, changed); });
   if (result == ZELK_OK) notifyAccount(*now, request.kind, changed);
   return result;
 }
@@ -77,8 +113,9 @@ ZelkResult rateParty(ThreadContext &context, const RatingRequest &request) {
     return refuse(context, ZELKERR_uzl_BonitaetSuchTyp, resources::kUnzulaessig, "Der Suchtyp ist");
   if (*request.date && !vlfn98::IsDatumLong(request.date))
     return refuse(context, ZELKERR_uzl_Datum, resources::kDatumUnzulaessig);
-  char rating[sizeof(PERSONENKONTO::Bonitaet)];
-  return vlfn98::isRating(vlfn98::PruefeBonitaet(request, rating)) ? ZELK_OK : ZELK_keinKonto;
+  Rating rating;
+  if (ZelkResult asked = ask(context, request, rating); asked != ZELK_OK) return asked;
+  return vlfn98::isRating(rating.ratingClass) ? ZELK_OK : ZELK_keinKonto;
 }
 
 } // namespace

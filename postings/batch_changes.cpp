@@ -88,8 +88,8 @@ Outcome save(Store &store, const Request &request) {
   return {written ? ZELK_OK : ZELKERR_Datenbank};
 }
 
-// With all tables of a batch locked.
-Outcome remove(Store &store, int32_t number, bool withBatch) {
+// The batch becomes the current record of its table.
+Outcome checkDeletable(Store &store, int32_t number) {
   STAPEL batch{};
   bool exists = false;
   if (ZelkResult read = readBatch(store, number, batch, exists); read != ZELK_OK) return {read};
@@ -97,6 +97,12 @@ Outcome remove(Store &store, int32_t number, bool withBatch) {
   if (!batch.VonExtern) return {ZELKERR_uzl_Stapelnr, resources::kStapelNichtVonExtern};
   if (batch.Gecleart) return {ZELKERR_uzl_Stapelnr, resources::kStapelGecleart};
   if (batch.Passwort[0]) return {ZELKERR_uzl_Stapelnr, resources::kStapelPasswortLoeschen};
+  return {};
+}
+
+// With all tables of a batch locked.
+Outcome remove(Store &store, int32_t number, bool withBatch) {
+  if (Outcome checked = checkDeletable(store, number); checked.result != ZELK_OK) return checked;
   if (!store.Transaktion(1, 0, ZELK_ENG_DEFAULT)) return {ZELKERR_Datenbank};
   // The batch stays the current record of its table.
   bool done = store.EmptyBat(number) && (!withBatch || store.Delete(kStapel, ZELK_ENG_DEFAULT));
@@ -138,6 +144,10 @@ ZelkResult ZELK_CALL ZELK_LoescheStapel(int32_t Mandant, int32_t Stapel, int32_t
                Store *store = context->session();
                if (!store) return ZELKERR_Datenbank;
                if (ZelkResult opened = openClient(*context, *store, Mandant); opened <= 0) return opened;
+               // What is refused waits for nobody. Until the tables are locked the batch may change, so it is looked at
+               // again then.
+               if (Outcome checked = checkDeletable(*store, Stapel); checked.result != ZELK_OK)
+                 return checked.message ? refuse(*context, checked.result, checked.message) : checked.result;
                return changeLocked(*context, *store, kDeletionTables,
                                    [&] { return remove(*store, Stapel, mitStapel != 0); });
              });

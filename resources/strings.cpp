@@ -35,6 +35,7 @@ constexpr Entry kEntries[] = {
     {kKeinDatensatz, "ZELK_keinDatensatz"},
     {97, "ALLGEMEINE FEHLERTEXTE"},
     {297, "ZELK-Fehlertexte (lang):"},
+    {kBonitaet, "Bonität: %s"},
     {kBitteAuswaehlen, "Bitte wählen Sie einen Eintrag aus der Listbox aus."},
     {kGibtEsNicht, "Der %s existiert nicht!"},
     {kIstUnzulaessig, "Der %s ist unzulässig!"},
@@ -123,6 +124,7 @@ constexpr Entry kEntries[] = {
     {kKostenstelleOderKostenart,
      "Es muss mindestens eine Kostenstelle/ein Kostenträger oder eine Kostenart angegeben werden."},
     {kBetragZuGross, "Der ermittelte Betrag ist größer als 999.999.999,99 und kann nicht übergeben werden!"},
+    {kBonitaetUnlesbar, "Die Bonität kann nicht ermittelt werden (bonitaet.csv): %s"},
     {kZelkoutStart, "Der ZELKOUT-Prozess kann nicht gestartet werden. Veränderungen im Datenbestand können nicht an "
                     "die abhängigen Anwendungen mitgeteilt werden."},
     {kZelkoutUnvollstaendig,

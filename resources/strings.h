@@ -54,6 +54,7 @@ enum DialogText {
 
 /// Messages from 1000 on. A group of 200 shares one style of message box.
 enum Message {
+  kBonitaet = 1010,
   kBitteAuswaehlen = 1401,
   kGibtEsNicht = 1408,
   kIstUnzulaessig = 1410,
@@ -123,6 +124,7 @@ enum Message {
   kKlasseUnzulaessig = 1532,
   kKostenstelleOderKostenart = 1533,
   kBetragZuGross = 1534,
+  kBonitaetUnlesbar = 1541,
   kZelkoutStart = 1552,
   kZelkoutUnvollstaendig = 1553,
   kTextUeberlauf = 1608,

@@ -47,6 +47,10 @@ std::string_view trimmed(std::string_view text) {
   return strip(text, " ");
 }
 
+std::string counted(std::size_t count, const char *one, const char *many) {
+  return std::to_string(count) + " " + (count == 1 ? one : many);
+}
+
 void trimSpaces(char *text) {
   keepOnly(text, trimmed(text));
 }

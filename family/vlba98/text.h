@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace vlba98 {
@@ -39,6 +40,9 @@ void trimSpaces(char *text);
 
 /// The part of the text without the blanks in front and behind.
 std::string_view trimmed(std::string_view text);
+
+/// A number of things as a sentence names it: "1 Zeile", "2 Zeilen", "0 Zeilen".
+std::string counted(std::size_t count, const char *one, const char *many);
 
 /// Removes blanks, tabs and line ends in front and behind; a text of nothing else becomes empty.
 void KillWhiteSpaces(char *text);

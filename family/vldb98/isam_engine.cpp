@@ -237,7 +237,8 @@ bool IsamEngine::insertAssigned(const Table &table, DATENBANK &record) {
   if (dialect_.insertsDeliver)
     if (SqlStatement *statement = insertNumberedStatementOf(table)) {
       if (insertNumbered(*statement, table, record.bytes)) return true;
-      if (connection_->failure() != Failure::Duplicate) return false;
+      // Behind the greatest number that there can be, a server refuses the next one by its range.
+      if (connection_->failure() != Failure::Duplicate && connection_->failure() != Failure::Other) return false;
     }
   // Where several write at once, another one can have inserted the same number between the read and the write, which
   // the greatest number of then tells from a second key that is in use.
@@ -263,10 +264,25 @@ bool IsamEngine::assignNumber(const Table &table, char *record) {
   if (step == Step::Failed) return false;
   int64_t next = step == Step::Row ? statement->integer(0) + 1 : 1;
   const Field &field = table.fields[size_t(table.assigned)];
-  if (next > INT32_MAX) return false;
+  if (next > INT32_MAX) next = lowestFreeNumber(table, record);
+  if (next < 1 || next > INT32_MAX) return false;
   int32_t number = int32_t(next);
   std::memcpy(record + field.offset, &number, sizeof number);
   return true;
+}
+
+int64_t IsamEngine::lowestFreeNumber(const Table &table, const char *record) {
+  TableState &state = tables_[size_t(table.number)];
+  SqlStatement *statement = prepared(state.assigned, state.assigned ? std::string() : assignedStatement(table));
+  if (!statement) return 0;
+  int parameter = bindScope(*statement, table, 1);
+  if (!bindFields(*statement, table, fieldsBeforeAssigned(table), record, parameter)) return 0;
+  Execution execution(*statement);
+  int64_t lowest = 1;
+  Step step;
+  while ((step = statement->step()) == Step::Row && statement->integer(0) <= lowest)
+    if (statement->integer(0) == lowest) ++lowest;
+  return step == Step::Failed ? 0 : lowest;
 }
 
 bool IsamEngine::changeCurrent(ChangeOp op, const Table &table, DATENBANK *record) {

@@ -55,7 +55,7 @@ private:
     // By key index: the operations, then Next with a bound; all of them once more for reads that keep others from
     // writing.
     std::map<int, std::array<Statement, 2 * (kReadOps + 1)>> reads;
-    Statement insert, update, remove, greatest, insertNumbered, clear;
+    Statement insert, update, remove, greatest, assigned, insertNumbered, clear;
     std::map<std::array<int, 3>, Statement> blocks;     // by key index, operation (behind them: bounded Next) and rows
     std::map<size_t, Statement> inserts;                // of several records, by their count
     std::map<std::pair<int, int>, Statement> deletions; // of what begins with a key: by key index and count of fields
@@ -98,6 +98,8 @@ private:
   bool insertAssigned(const Table &table, DATENBANK &record);
   bool writeRow(const Table &table, const char *record);
   bool assignNumber(const Table &table, char *record);
+  /// \return 0 when the statement failed
+  int64_t lowestFreeNumber(const Table &table, const char *record);
   SqlStatement *insertNumberedStatementOf(const Table &table);
   bool insertNumbered(SqlStatement &statement, const Table &table, char *record);
   bool writeRows(const Table &table, const char *records, size_t count);

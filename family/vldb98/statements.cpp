@@ -264,6 +264,12 @@ std::string greatestStatement(const Dialect &dialect, const Table &table) {
          atMost(dialect, 1, dialect.locksRows);
 }
 
+std::string assignedStatement(const Table &table) {
+  std::string assigned = columns(table, {table.assigned}).front();
+  return "SELECT " + assigned + " FROM " + quoted(table.name) +
+         where(rowConditions(table, fieldsBeforeAssigned(table))) + " ORDER BY " + assigned;
+}
+
 std::string lockStatement(const Dialect &dialect, size_t count) {
   const std::string wait = "?" + std::to_string(count + 1);
   std::string text;

@@ -54,6 +54,8 @@ std::string updateStatement(const Table &table);
 std::string deleteStatement(const Table &table, const std::vector<int> &fields);
 /// The greatest value of the assigned field. Parameters: the scope, then the primary key's fields before it.
 std::string greatestStatement(const Dialect &dialect, const Table &table);
+/// All its values in ascending order. Parameters as above.
+std::string assignedStatement(const Table &table);
 
 /// Takes named locks of a server in their order until one is not had in time. Parameters: the names, then the time to
 /// wait in milliseconds. Delivers one row, the count of locks taken.

@@ -24,11 +24,11 @@ void setRatingSource(RatingSource *source) {
   installed = source;
 }
 
-int32_t PruefeBonitaet(const RatingRequest &request, char (&text)[8]) {
+std::optional<Rating> PruefeBonitaet(const RatingRequest &request, RatingSource &otherwise) {
   RatingSource *source = installed;
-  Rating rating = source ? source->rate(request) : Rating{};
-  vlba98::strncpy2(text, isRating(rating.ratingClass) ? rating.text : "");
-  return rating.ratingClass;
+  std::optional<Rating> rating = (source ? *source : otherwise).rate(request);
+  if (rating && !isRating(rating->ratingClass)) *rating->text = 0;
+  return rating;
 }
 
 int PekoProtokoll(Store &store, int table, const char *account, int16_t action, const char *yearCode,

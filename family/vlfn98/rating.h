@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <string>
 
 #include "vldb98/store.h"
 
@@ -24,8 +26,9 @@ struct RatingRequest {
 
 /// The answer of a source.
 struct Rating {
-  int32_t ratingClass = 0; ///< 1 to 3; any other: no rating
-  char text[8] = "";       ///< as it is stored in the account
+  int32_t ratingClass = 0;  ///< 1 to 3; any other: no rating
+  char text[8] = "";        ///< as it is stored in the account
+  std::string problem = {}; ///< German, why the source cannot tell, so that nothing is changed; empty: it can
 };
 
 constexpr bool isRating(int32_t ratingClass) {
@@ -37,14 +40,23 @@ class RatingSource {
 public:
   virtual ~RatingSource() = default;
   /// Called without locks and transactions, on the thread of the request; it may take its time and show dialogs.
-  virtual Rating rate(const RatingRequest &request) = 0;
+  /// \return nothing where ratings are not kept at all
+  virtual std::optional<Rating> rate(const RatingRequest &request) = 0;
 };
 
-/// Installs the source of the process, which must outlive it; null: the one that finds no rating.
+/// Installs the source of the process, which must outlive it; null: none.
 void setRatingSource(RatingSource *source);
 
-/// Asks the source. \return the rating class
-int32_t PruefeBonitaet(const RatingRequest &request, char (&text)[8]);
+/// Asks the source that is installed, else the one given. \return its answer, without a text where that is no rating
+std::optional<Rating> PruefeBonitaet(const RatingRequest &request, RatingSource &otherwise);
+
+/// Ratings that people keep in a CSV file (semicolon, UTF-8, a header row). A row rates the account of its Konto, the
+/// party of its Registernummer, or whoever agrees with all that it says of Name, Vorname, Zusatz, Strasse, PLZ and Ort;
+/// the first of them has precedence, and of several rows the first one. Mandant: only that client's. Klasse: 1 to 3,
+/// another number or nothing: no rating. Text: what is stored. A row with a mistake, wherever it stands, is a problem.
+/// \param path UTF-8
+/// \return nothing when there is no such file
+std::optional<Rating> rateFromFile(const std::string &path, const RatingRequest &request);
 
 /// Actions of the account-change protocol.
 constexpr int16_t kBonitaetGeaendert = 10;

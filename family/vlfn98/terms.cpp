@@ -3,9 +3,22 @@
 #include <algorithm>
 #include <cstring>
 
+#include "vlba98/text.h"
+
 using namespace vldb98;
 
 namespace vlfn98 {
+
+std::string storedShortName(const char *given) {
+  std::string name = given ? given : "";
+  // What is cut off may have stood behind a blank.
+  for (size_t width : {name.size(), sizeof(ZAHLZIEL::Kuerzel) - 1}) {
+    name.resize(std::min(name.size(), width));
+    vlba98::KillWhiteSpaces(name.data());
+    name.resize(std::strlen(name.c_str()));
+  }
+  return name;
+}
 
 int IsZahlziel(Store &store, int32_t number, uint8_t &exists) {
   return store.Used(KeyBuilder().number(number), exists, kZahlziel, ZELK_ENG_DEFAULT);

@@ -3,11 +3,16 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 #include "vlba98/datum.h"
 #include "vldb98/store.h"
 
 namespace vlfn98 {
+
+/// A short name as it is stored: without the white space around it, and no longer than its field. \param given may be
+/// null
+std::string storedShortName(const char *given);
 
 /// Whether the open client has a payment term of the number. \return 0 when the store failed
 int IsZahlziel(vldb98::Store &store, int32_t number, uint8_t &exists);

@@ -520,7 +520,8 @@ ZELK_API ZelkResult ZELK_CALL ZELK_HoleKonto(void *HandleParent, int32_t Mandant
                                              const char *Von, const char *Bis, char *Kontonummer, char *Name,
                                              char *Kuerzel, int32_t Dimension, const char *Kostref);
 
-/* Proposes a free account number of a kind (1, 2 or 4; else -7) behind the greatest one in use. NummerVon, NummerBis:
+/* Proposes a free account number of a kind (1, 2 or 4; else -7) behind the greatest one in use, which no account
+ * has in any fiscal year of the client (cost centres do not count). NummerVon, NummerBis:
  * bounds of the range, at most 7 characters; null or empty: none. When the range is used up at its end, a gap within it is
  * proposed, the bounds themselves excepted. NummerOut: 8 bytes. 1 proposed, -37 no free number, -38 NummerOut is null.
  * Nothing is reserved. Shows its refusals when the thread's last call with Fehlermeldungen passed the flag set. */
@@ -572,7 +573,8 @@ ZELK_API ZelkResult ZELK_CALL ZELK_HoleStapelNr(void *HandleParent, int32_t Mand
 /* --- Payment terms -------------------------------------------------------------------------------------------------- */
 
 /* Creates a payment term (Aktion 1) or changes one (2): its number, or the code of the first check that refused it.
- * Zahlzielnummer: the term to change. Name: short name, not that of another term of the client; 10 characters count.
+ * Zahlzielnummer: the term to change. Name: short name, not that of another term of the client; white space around it does
+ * not count, of the rest 10 characters do.
  * Skontotage1, Skontotage2: discount periods, 0 to 999 days, the second longer than the first or 0 = no second discount.
  * Skontosatz1, Skontosatz2: discount rates ("3,00"), 5 characters count; null or empty: none; the first greater than the
  * second. Zahltage: net payment period, 0 to 999 days. TagInMonat: 0 to 31. MonatePlus: 0 to 99. Bemerkung: 40 characters
@@ -603,10 +605,11 @@ ZELK_API ZelkResult ZELK_CALL ZELK_HoleZZnr(int32_t Mandantennummer, const char 
  * this was the last, -40 without Init, -39 after the last). Every out pointer may be null. Should the database fail
  * (-3), the next fetch delivers the same item.
  * Buffers: account numbers (without blanks) 8 bytes, Kuerzel 9, Name 41, document numbers 17, dates ("TT.MM.JJJJ",
- * empty when there is none) 11, rates ("03,00", empty when there is none) 6, Text and Text2 36, amounts 16, Waehrung
+ * empty when there is none) 11, rates ("03,00", empty when there is none) 6, Text and Text2 36, amounts 14, Waehrung
  * 4, Bemerkung 41, DMSID 51.
  * Ausgabeart: form of the amounts, 1 to 3 (-20 for another one where Bruttobetrag or Ausstand is wanted; taken for 3
- * in the others): 1 "+000001234,50" (led by "-" below zero, by "0" for zero), 2 "1234,50", 3 "1.234,50". Amounts are
+ * in the others): 1 "+000001234,50" (led by "-" below zero, by "0" for zero), 2 "1234,50", 3 "1.234,50", but
+ * "-12345678,90" where grouping would take more than 13 characters. Amounts are
  * in the client's currency, above zero what a debtor owes or is owed to a creditor; Ausstand2 (zero when the item is
  * in the client's currency) and GWBetrag (empty then) are what is left and the gross amount in the foreign one.
  * Mahnstufe: dunning level, 65535 when dunning is blocked (then Mahnsperre is 1); of a creditor's item it is not
@@ -658,7 +661,8 @@ ZELK_API ZelkResult ZELK_CALL ZELK_HoleAktMahnstufe(int32_t Mandantennummer, con
  * Nothing is stored. Suchtyp: 0 to 3, as the source understands it (-102). Datum: TT.MM.JJJJ, of any year (-64); null
  * or empty: not known. Of Name and Zusatz 40 characters count, Strasse, Ort and Vorname 30, PLZ 6, Registernummer 20;
  * each may be null.
- * This library brings no source along: none is found then. */
+ * The source is the file bonitaet.csv in the program directory (docs/betrieb.md). Without it: 0, and nothing is changed.
+ * With a mistake in it: -2, nothing is changed, and the call protocol names the line. */
 ZELK_API ZelkResult ZELK_CALL ZELK_ErmittleBonitaet(void *HandleParent, int32_t Mandantennummer, int32_t Kontoart,
                                                     const char *Kontonr, int32_t Suchtyp, const char *Name,
                                                     const char *Zusatz, const char *Strasse, const char *PLZ,
@@ -668,9 +672,9 @@ ZELK_API ZelkResult ZELK_CALL ZELK_ErmittleBonitaet(void *HandleParent, int32_t 
 /* --- Balances and turnover ------------------------------------------------------------------------------------------ */
 
 /* Amounts are delivered in the form that Ausgabeart names, shown for -1234,50: 1 a sign ("-", "+", or "0" for zero) and
- * twelve characters, "-000001234,50"; 2 plain, "-1234,50"; 3 with grouping, "-1.234,50". Any other value: -20. Each buffer
- * has 16 bytes (14 suffice for amounts below ten million); null: not delivered. An amount beyond 999.999.999,99 is refused
- * with -2, and nothing is delivered.
+ * twelve characters, "-000001234,50"; 2 plain, "-1234,50"; 3 with grouping, "-1.234,50", but "-12345678,90" where that would take more
+ * than 13 characters. Any other value: -20. Each buffer has 14 bytes; null: not delivered. An amount beyond 999.999.999,99
+ * is refused with -2, and nothing is delivered.
  *
  * Months are months of the fiscal year: 1 is the one in which it begins. */
 
@@ -717,7 +721,7 @@ ZELK_API ZelkResult ZELK_CALL ZELK_InitHoleSollwerte(int32_t Mandantennummer, in
 
 /* Delivers the budget values of the account under the cursor and moves on: 1 more follow, 2 this was the last, -40, -39 as
  * for accounts, -20 Ausgabeart. Kontonummer: 8 bytes, Kuerzel: 9 bytes, Name: 41 bytes. pszMon1 to pszMon12: the months,
- * pszGesamt: the year, 16 bytes each. plSWinEuro: 1 when they are in Euro, 0 in the client's currency. Each may be null. */
+ * pszGesamt: the year, 14 bytes each. plSWinEuro: 1 when they are in Euro, 0 in the client's currency. Each may be null. */
 ZELK_API ZelkResult ZELK_CALL ZELK_HoleSollwerte(char *Kontonummer, char *Kuerzel, char *Name, int32_t Ausgabeart,
                                                  char *pszMon1, char *pszMon2, char *pszMon3, char *pszMon4,
                                                  char *pszMon5, char *pszMon6, char *pszMon7, char *pszMon8,

@@ -4,9 +4,9 @@
 #include <thread>
 
 #include "support/books.h"
+#include "vlba98/csv.h"
 #include "vlba98/encoding.h"
 #include "vlfn98/accounts.h"
-#include "zelkctl/csv.h"
 
 namespace test {
 namespace {
@@ -139,11 +139,11 @@ Walked walk(int32_t client, int32_t kind, int32_t order, const char *from) {
 
 /// The same from the file that the client was loaded from, in the wanted order.
 std::vector<std::string> fromFile(const std::string &client, const std::string &table, int32_t order) {
-  zelkctl::CsvFile file = zelkctl::readCsv((sourceFolder() / "samples" / client / (table + ".csv")).string());
+  vlba98::CsvFile file = vlba98::readCsv((sourceFolder() / "samples" / client / (table + ".csv")).string());
   EXPECT_EQ(file.problem, "");
   int columns[] = {file.column("Nr"), file.column("Kuerzel"), file.column("Name")}, year = file.column("Jahr");
   std::vector<std::vector<std::string>> rows;
-  for (const zelkctl::CsvRow &row : file.rows) {
+  for (const vlba98::CsvRow &row : file.rows) {
     if (year >= 0 && row.values[size_t(year)] == "2025") continue;
     std::vector<std::string> values;
     for (int column : columns)
@@ -376,7 +376,7 @@ TEST_F(Accounts, LockedTableRefusesTheWalk) {
 }
 
 TEST_F(Accounts, BatchesAreListed) {
-  zelkctl::CsvFile file = zelkctl::readCsv((sourceFolder() / "samples" / "musterhandel" / "stapel.csv").string());
+  vlba98::CsvFile file = vlba98::readCsv((sourceFolder() / "samples" / "musterhandel" / "stapel.csv").string());
   ASSERT_EQ(file.rows.size(), 10u);
   ZELK_BUCHUNG posting = validPosting();
   ASSERT_EQ(ZELK_BuchungEinfuegen(&posting, 0), ZELK_OK);

@@ -155,6 +155,10 @@ TEST_F(Batches, AreCreatedAndChanged) {
       {kChange, 5, "Vorjahr", 0, 0, 0, 5, "Vorjahr 0 gesperrt"},
       {kChange, 9, "Quartal", 0, 0, 0, 9, "Quartal 0"}, // cleared
       {kChange, 10, "Kosten", 0, 0, 0, 10, "Kosten 0"}, // of the cost-accounting product
+      // Behind the greatest number there is none: the lowest that is free.
+      {kCreate, INT32_MAX, "Letzter", 0, 0, 0, INT32_MAX, "Letzter 0"},
+      {kCreate, 0, "Lücke", 0, 0, 0, 13, "Lücke 0"},
+      {kCreate, 0, "Nächste", 0, 0, 0, 14, "Nächste 0"},
   };
   for (const auto &row : rows) {
     SCOPED_TRACE(row.name);
@@ -258,6 +262,8 @@ TEST_F(Batches, WaitForTheirTables) {
   for (int table : {kBatchbuchung, kSplit, kStapel, kKobu}) {
     ASSERT_TRUE(other->Lock(FileNumber(table), nullptr, 0, ZELK_ENG_DEFAULT));
     EXPECT_EQ(ZELK_LoescheStapel(1, 8, 1, 1), ZELKERR_Datenbank) << table;
+    for (int32_t refused : {99, 1, 9}) // waits for nobody
+      EXPECT_EQ(ZELK_LoescheStapel(1, refused, 1, 0), ZELKERR_uzl_Stapelnr) << table;
     if (table == kStapel) {
       EXPECT_EQ(ZELK_Stapel(kCreate, 1, 0, "Neu", 0, 0, 0, 1), ZELKERR_Datenbank);
     }

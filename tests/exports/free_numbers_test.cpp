@@ -16,17 +16,25 @@ class FreeNumbers : public Books {
 protected:
   std::unique_ptr<Store> other = session();
 
-  /// \param accounts blank-separated, each led by the letter of its table (S, K, D; C a cost centre), "_" for a blank
+  /// \param accounts blank-separated, each led by the letter of its table (S, K, D; C a cost centre), "_" for a blank;
+  /// behind "<" those of the year before
   void give(int16_t length, const std::string &accounts) {
     uint8_t found;
     ASSERT_TRUE(other->SetzeFista(1, found) && found);
     FIRMENSTAMM client = other->HoleFista();
     client.Kontolaenge = length;
     ASSERT_TRUE(other->SaveFista(client));
-    for (int table : {kSachkonto, kKreditor, kDebitor, kKost})
-      ASSERT_TRUE(other->DeleteTable(table));
+    for (const char *year : {"45", "46"}) {
+      ASSERT_TRUE(other->SetzeOpenJahr(year));
+      for (int table : {kSachkonto, kKreditor, kDebitor, kKost})
+        ASSERT_TRUE(other->DeleteTable(table));
+    }
     std::istringstream words(accounts);
     for (std::string word; words >> word;) {
+      if (word == "<") {
+        ASSERT_TRUE(other->SetzeOpenJahr("45"));
+        continue;
+      }
       std::string number = word.substr(1);
       std::replace(number.begin(), number.end(), '_', ' ');
       number.resize(7, ' ');
@@ -73,6 +81,13 @@ TEST_F(FreeNumbers, AreProposed) {
       {4, "D10000 K10001 S10002", D, nullptr, nullptr, "10003"},
       {4, "D10000 C10001", D, nullptr, nullptr, "10001"},
       {4, "D10000 C10001 K10001", D, nullptr, nullptr, "10002"},
+      // So are those of another fiscal year, which do not count as the greatest ones.
+      {4, "D10000 < D10001 D10002 D10009", D, nullptr, nullptr, "10003"},
+      {4, "D10000 < K10001 C10002", D, nullptr, nullptr, "10002"},
+      {4, "< D10000", D, nullptr, nullptr, "10001"},
+      {4, "< D20000", D, "20000", "29999", "20001"},
+      {4, "D20003 < D20001", D, "20000", "20003", "20002"},
+      {4, "D20003 < D20001 D20002", D, "20000", "20003", nullptr},
       // Letters.
       {4, "DK100", D, nullptr, nullptr, "K101"},
       {4, "DABC", D, nullptr, nullptr, "ABC1"},

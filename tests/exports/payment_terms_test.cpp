@@ -63,11 +63,18 @@ TEST_F(PaymentTerms, AreCheckedInTheirOrder) {
     ZelkResult result;
     const char *message;
   } rows[] = {
-      {{.action = 3, .name = "", .client = 99}, ZELKERR_uzl_Mandnr, "Der Mandant existiert nicht!"},
+      {{.action = 3, .name = "", .client = 99}, ZELKERR_uzl_Mandnr, ""},
       {{.action = 0, .name = ""}, ZELKERR_sonst, "Unzulässige Aktion!"},
       {{.action = 3, .name = ""}, ZELKERR_sonst, "Unzulässige Aktion!"},
       {{.action = 2, .number = 99, .name = ""}, ZELKERR_uzl_Kuerzel, "Fehlendes Kürzel!"},
       {{.name = nullptr}, ZELKERR_uzl_Kuerzel, "Fehlendes Kürzel!"},
+      {{.name = " \t          X", .days1 = -1}, ZELKERR_uzl_Skontotage, kPeriod}, // trimmed, then cut
+      {{.name = " \t\r\n ", .days1 = -1}, ZELKERR_uzl_Kuerzel, "Fehlendes Kürzel!"},
+      {{.name = " SOFORT ", .days1 = -1}, ZELKERR_ZZ_existiert, "Das Zahlungsziel existiert bereits!"},
+      {{.name = "10T3 20T2 und mehr", .days1 = -1}, ZELKERR_ZZ_existiert, "Das Zahlungsziel existiert bereits!"},
+      {{.action = 2, .number = 2, .name = "\tSOFORT", .days1 = -1},
+       ZELKERR_Kuerzel_existiert,
+       "Das Kürzel existiert bereits!"},
       {{.name = "SOFORT", .days1 = -1}, ZELKERR_ZZ_existiert, "Das Zahlungsziel existiert bereits!"},
       {{.number = 1, .name = "SOFORT", .days1 = -1}, ZELKERR_ZZ_existiert, "Das Zahlungsziel existiert bereits!"},
       {{.action = 2, .number = 99, .name = "SOFORT", .days1 = -1},
@@ -146,7 +153,7 @@ TEST_F(PaymentTerms, AreStoredAsGiven) {
       {{.action = 2, .number = 9, .name = "C", .days = 7}, "9 C 0/00,00 0/ 7 0+0 (0) "},
       {{.action = 2, .number = 4, .name = "10T3 20T2!", .remark = "x"}, "4 10T3 20T2! 0/00,00 0/ 0 0+0 (0) x"},
       {{.action = 2, .number = 9, .name = "c"}, "9 c 0/00,00 0/ 0 0+0 (0) "}, // capitals count
-      {{.name = "C"}, "12 C 0/00,00 0/ 0 0+0 (0) "},
+      {{.name = " C\n"}, "12 C 0/00,00 0/ 0 0+0 (0) "},
   };
   for (const auto &row : rows) {
     SCOPED_TRACE(std::to_string(&row - rows));
@@ -197,8 +204,8 @@ TEST_F(PaymentTerms, AreFound) {
     const char *name;
     ZelkResult result;
   } names[] = {
-      {1, "SOFORT", 1}, {1, "30 NETTO", 2}, {2, "30 NETTO", 1}, {1, "10T3 20T2 und mehr", 0},      {1, "30", 0},
-      {1, "sofort", 0}, {1, "", 0},         {1, nullptr, 0},    {99, "SOFORT", ZELKERR_uzl_Mandnr}};
+      {1, "SOFORT", 1}, {1, " 30 NETTO", 2}, {2, "30 NETTO", 1}, {1, "10T3 20T2 und mehr", 4},      {1, "30", 0},
+      {1, "sofort", 0}, {1, "", 0},          {1, nullptr, 0},    {99, "SOFORT", ZELKERR_uzl_Mandnr}};
   for (const auto &row : names)
     EXPECT_EQ(ZELK_HoleZZnr(row.client, row.name), row.result) << (row.name ? row.name : "null");
   uint8_t found;

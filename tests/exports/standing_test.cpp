@@ -1,4 +1,5 @@
 // The standing of a personal account: dunning level and credit rating.
+#include <fstream>
 #include <stdexcept>
 
 #include "support/dependants.h"
@@ -18,7 +19,7 @@ class Agency final : public vlfn98::RatingSource {
 public:
   Agency() { vlfn98::setRatingSource(this); }
   ~Agency() override { vlfn98::setRatingSource(nullptr); }
-  Rating rate(const RatingRequest &request) override {
+  std::optional<Rating> rate(const RatingRequest &request) override {
     asked.push_back(request);
     if (meanwhile) meanwhile();
     return answer;
@@ -181,9 +182,53 @@ TEST_F(Standing, PartiesWithoutAccountAreRated) {
   EXPECT_EQ(asked.parent, &window);
   EXPECT_EQ(asked.kind, 0);
   EXPECT_EQ(asked.searchType, 3);
+}
+
+TEST_F(Standing, RatingsMayStandInAFile) {
+  ASSERT_EQ(ZELK_InitHoleKonto(1, 4, 0, nullptr, 1), 1); // messages from here on
+  ASSERT_EQ(rate(4, "10010"), 1);
   vlfn98::setRatingSource(nullptr);
-  EXPECT_EQ(rateParty(0, nullptr), 0);
-  EXPECT_EQ(rate(4, "10010"), 1);
+  auto problem = [](const char *text) {
+    return std::string("-2 Die Bonität kann nicht ermittelt werden (bonitaet.csv): ") + text;
+  };
+  auto party = [](const char *name, const char *postalCode, const char *registerNumber) {
+    return ZELK_ErmittleBonitaet(nullptr, 1, 0, nullptr, 0, name, nullptr, nullptr, postalCode, nullptr, nullptr,
+                                 nullptr, registerNumber);
+  };
+  const std::string head = "Mandant;Konto;Registernummer;Name;PLZ;Klasse;Text\n";
+  const struct {
+    const char *file;    ///< null: none; without its header
+    std::string account; ///< what rating 10010 comes to
+    const char *stored;  ///< and leaves behind the rating B2
+    std::string party;   ///< what rating a party comes to
+  } rows[] = {
+      {nullptr, "0", "B2", "0"},
+      {"", "1", "", "0"},
+      {"2;10010;;;;1;A1\n1;10011;;Öko;;1;A1\n", "1", "", "1 Bonität: 1 A1"},
+      {"1; 10010 ;;;;3;C\n;10010;;;;1;A1\n", "1 Bonität: 3 C", "C", "0"},
+      {";;HRB 7;;;2;Reg\n;;HRB 8;Öko;;1;A\n;10010;;;;0;A1\n", "1", "", "1 Bonität: 2 Reg"},
+      {";;;Öko;99999;1;A1\n;;;Öko;04109;;\n;;;Öko;04109;1;A1\n", "1", "", "0"},
+      {";;;Öko;04109;3;C3\n;;;Ahorn;;2;ABCDEFG\n", "1 Bonität: 2 ABCDEFG", "ABCDEFG", "1 Bonität: 3 C3"},
+      {";10010;;;;1;A1\n;;;;04109;1;A1\n", problem("Zeile 3: Konto, Registernummer und Name fehlen."), "B2", "-2"},
+      {";10010;;;;1a;A1\n", problem("Zeile 2: Mandant und Klasse müssen ganze Zahlen sein."), "B2", "-2"},
+      {";10010;;;;1;ABCDEFGH\n", problem("Zeile 2: Text hat mehr als 7 Zeichen."), "B2", "-2"},
+      {";10010;;;;1\n", problem("Zeile 2: Die Zeile hat 6 Felder, die Kopfzeile 7."), "B2", "-2"},
+  };
+  for (const auto &row : rows) {
+    SCOPED_TRACE(row.file ? row.file : "(none)");
+    change(1, kDebitor, KeyBuilder().account("10010"), [](DATENBANK &record) {
+      put(record.Personenkonto.Bonitaet, "B2");
+      put(record.Personenkonto.Name, "Ahorn");
+    });
+    if (row.file) std::ofstream(folder() / "programm" / "bonitaet.csv", std::ios::binary) << head << row.file;
+    const size_t before = entries().size();
+    EXPECT_EQ(outcome(rate(4, "10010")), row.account);
+    EXPECT_EQ(ratingOf(kDebitor, "10010"), row.stored);
+    EXPECT_EQ(entries().size() - before, row.account[0] == '1');
+    EXPECT_EQ(outcome(party("\xD6ko", "04109", "HRB 7")).substr(0, row.party.size()), row.party);
+  }
+  std::ofstream(folder() / "programm" / "bonitaet.csv") << "Konto;Klasse;Limit\n";
+  EXPECT_EQ(outcome(rate(4, "10010")), problem("Die Spalte \"Limit\" gibt es nicht."));
 }
 
 TEST_F(Standing, SourceMayTakeItsTime) {

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <stdexcept>
 
-#include "zelkctl/csv.h"
+#include "vlba98/csv.h"
 
 namespace test {
 namespace {
@@ -34,10 +34,10 @@ int tableOf(const std::string &account) {
 }
 
 std::vector<Row> readRows(const std::string &path) {
-  const zelkctl::CsvFile file = zelkctl::readCsv(path);
+  const vlba98::CsvFile file = vlba98::readCsv(path);
   if (!file.problem.empty()) throw std::runtime_error(path + ": " + file.problem);
   std::vector<Row> rows;
-  for (const zelkctl::CsvRow &values : file.rows) {
+  for (const vlba98::CsvRow &values : file.rows) {
     Row &row = rows.emplace_back();
     for (size_t i = 0; i < file.columns.size(); ++i)
       row[file.columns[i]] = values.values[i];

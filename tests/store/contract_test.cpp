@@ -324,9 +324,10 @@ TEST_P(Contract, InsertAssignsNumbers) {
   EXPECT_EQ(inserted(kStapel, 9), 9);
   EXPECT_EQ(inserted(kStapel, 0), 10);
   EXPECT_EQ(inserted(kStapel, 9), -1);
-  // The greatest number there is counts; none is left behind the last. A refused record keeps its number.
+  // A refused record keeps its number. Behind the greatest number there is, the lowest free one follows.
   EXPECT_EQ(inserted(kStapel, INT32_MAX), INT32_MAX);
-  EXPECT_EQ(inserted(kStapel, 0), -1);
+  EXPECT_EQ(inserted(kStapel, 0), 3);
+  EXPECT_EQ(inserted(kStapel, 0), 4);
 
   record = {};
   std::set<std::string> identifiers;

@@ -17,6 +17,7 @@ TEST_F(Zelkctl, NamesEachRefusalAndPostsTheRest) {
     const char *lines, *code, *field; // code empty: zelkctl refuses the rows itself
   };
   const Refusal refusals[] = {{"3", "-10 ", "Sollkonto, Habenkonto"},
+                              {"3", "-10 ", "F26-002  Soll 4999  "},
                               {"5", "-12 ", "Bruttobetrag"},
                               {"7", "-11 ", "Belegdatum"},
                               {"9", "-37 ", "Text "},
@@ -103,6 +104,8 @@ TEST_F(Zelkctl, RefusesFilesThatAreNoPostings) {
   EXPECT_OUTCOME("buchen 1 3 " + write("fremd.csv", header + ";Farbe\n"), 2, "Die Spalte \"Farbe\" gibt es nicht.");
   EXPECT_OUTCOME("buchen 9 3 " + write("gut.csv", header + "\n21.01.2026;B1;1200;1000;5,00\n"), 2,
                  "Abgebrochen in Zeile 2");
+  EXPECT_OUTCOME("buchen 1 3 " + quoted(folder() / "gut.csv"), 0,
+                 "1 Zeile gelesen, 1 Buchung: 1 gebucht, 0 abgelehnt.");
   EXPECT_OUTCOME("buchen 1 99 " + quoted(folder() / "gut.csv"), 2, "-6");
   // A date is a date as a whole, not where its beginning is one; a number is one of 32 bits.
   EXPECT_OUTCOME(

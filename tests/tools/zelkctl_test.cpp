@@ -71,6 +71,9 @@ TEST_F(Zelkctl, KeepsBatchesAndPaymentTerms) {
       {"zahlungsziel aendern 1 NEU --skontotage2 20 --skontosatz2 2 --bemerkung Öfter", 0, "Zahlungsziel 6 geändert."},
       {"zahlungsziel aendern 1 6 --kuerzel \"30 NETTO\"", 2, "-32 ZELKERR_Kuerzel_existiert"},
       {"zahlungsziel zeigen 1 NEU", 0, "Skonto 2:     20 Tage 2,00 %"},
+      {"zahlungsziel aendern 1 NEU --skontotage1 1", 0, "Zahlungsziel 6 geändert."},
+      {"zahlungsziel zeigen 1 NEU", 0, "Skonto 1:     1 Tag 3,00 %"},
+      {"zahlungsziel aendern 1 NEU --skontotage1 10", 0, "Zahlungsziel 6 geändert."},
       {"zahlungsziel zeigen 1 FEHLT", 2, "-27 ZELKERR_uzl_Zahlungsziel"},
       {"zahlungsziel liste 1", 0, "6  NEU        10 Tage 3,00 %  20 Tage 2,00 %        30"},
       {"zahlungsziel liste 9", 2, "-5 ZELKERR_uzl_Mandnr"},
@@ -218,14 +221,38 @@ TEST_F(Zelkctl, SwitchesAndShowsTheCallProtocol) {
   EXPECT_OUTCOME("protokoll zeigen " + quoted(folder() / "programm" / "ZELKPROT.TXT"), 0, "Ende des Protokolls.");
 }
 
+#ifdef __linux__
+TEST_F(Zelkctl, SaysWhenItsOutputIsLost) {
+  provisionByProgram();
+  ASSERT_EQ(run("anlegen " + sample("musterhandel")).code, 0);
+  for (const char *arguments : {"--hilfe", "mandanten", "konten 1", "op 1 --csv", "stapel leeren 1 8"})
+    EXPECT_EQ(runProgram(ZELK_ZELKCTL, arguments, "/dev/full"), 3) << arguments;
+  // A pipe without a reader.
+  const std::string shell = "-c 'mkfifo \"$1\"; exec 3<>\"$1\" 4>\"$1\" 3<&-; \"$0\" konten 1 >&4' " ZELK_ZELKCTL " ";
+  EXPECT_EQ(runProgram("/bin/sh", shell + quoted(folder() / "pipe"), (folder() / "output.txt").string()), 3);
+}
+#endif
+
 TEST_F(Zelkctl, SaysWhatIsWrongWithTheCommand) {
-  for (const char *arguments : {"", "buchen", "buchen 1 drei x.csv", "konten 1 --art farben", "konten 1 --sortierung 3",
-                                "tanzen", "konten 1 2"}) {
-    Outcome outcome = run(arguments);
-    EXPECT_EQ(outcome.code, 2) << arguments;
-    EXPECT_NE(outcome.text.find("Hilfe: zelkctl --hilfe"), std::string::npos) << outcome.text;
+  const struct {
+    const char *arguments, *text;
+  } rows[] = {{"", "Es fehlt eine Angabe: BEFEHL\nHilfe: zelkctl --hilfe\n"},
+              {"buchen", "Es fehlt eine Angabe: MANDANT\nHilfe: zelkctl buchen --hilfe\n"},
+              {"buchen 1 drei x.csv", "Eine Angabe ist keine Zahl: STAPEL = drei\n"},
+              {"konten 1 --art farben", "Eine Angabe ist nicht zulässig: --art: farben; zulässig: {"},
+              {"konten 1 --sortierung 3", "Eine Angabe ist nicht zulässig: --sortierung: "},
+              {"tanzen", "Unbekannter Befehl: tanzen\nHilfe: zelkctl --hilfe\n"},
+              {"--tanzen", "Unbekannte Option: --tanzen\n"},
+              {"zahlungsziel tanzen 1", "Unbekannter Befehl: zahlungsziel tanzen\nHilfe: zelkctl zahlungsziel --hilfe"},
+              {"stapel tanzen", "Eine Angabe ist weder Befehl noch Zahl: MANDANT = tanzen\n"},
+              {"konten 1 2", "Eine Angabe ist unbekannt oder zu viel: 2\n"},
+              {"konten 1 --farbe rot", "Unbekannte Option: --farbe\n"}};
+  for (const auto &row : rows) {
+    SCOPED_TRACE(row.arguments);
+    EXPECT_OUTCOME(row.arguments, 2, row.text);
   }
   EXPECT_OUTCOME("--hilfe", 0, "einrichten");
+  EXPECT_OUTCOME("stapel loeschen --help", 0, "STAPEL");
   EXPECT_OUTCOME("buchen --hilfe", 0, "STAPEL");
   EXPECT_OUTCOME("--version", 0, "zelkctl ");
 }

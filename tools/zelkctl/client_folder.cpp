@@ -7,14 +7,15 @@
 #include <set>
 
 #include "platform/files.h"
+#include "vlba98/csv.h"
 #include "vlba98/datum.h"
 #include "vlba98/encoding.h"
 #include "vlba98/geld.h"
 #include "vlba98/text.h"
 #include "zelkctl/console.h"
-#include "zelkctl/csv.h"
 #include "zelkctl/folder_rules.h"
 #include "zelkctl/provision.h"
+#include "zelkctl/structure.h"
 #include "zelkctl/values.h"
 #include "zelkctl/verbs.h"
 
@@ -136,7 +137,7 @@ private:
   }
 
   void readTable(const std::string &name, const Table &table) {
-    CsvFile csv = readCsv(platform::withSeparator(folder_) + name);
+    vlba98::CsvFile csv = vlba98::readCsv(platform::withSeparator(folder_) + name);
     if (!csv.problem.empty()) return problem(name, 0, csv.problem);
     std::vector<int> fieldOf;
     int yearColumn = -1;
@@ -151,7 +152,7 @@ private:
     }
     LoadedTable &loaded = tables_[table.number];
     loaded = {&table, name, {}};
-    for (const CsvRow &row : csv.rows) {
+    for (const vlba98::CsvRow &row : csv.rows) {
       if (!row.problem.empty()) {
         problem(name, row.line, row.problem);
         continue;
@@ -264,20 +265,11 @@ private:
   void linkStructures() {
     for (auto &[number, table] : tables_) {
       if (std::find(kStructureTables.begin(), kStructureTables.end(), number) == kStructureTables.end()) continue;
-      std::map<int32_t, AUFBAU *> lines, lastChild;
+      std::vector<AUFBAU *> lines;
       for (LoadedRow &row : table.rows)
-        lines[row.record.Aufbau.Nr] = &row.record.Aufbau;
-      for (LoadedRow &row : table.rows) {
-        AUFBAU &line = row.record.Aufbau;
-        if (line.Vater == 0) continue;
-        if (!lines.count(line.Vater)) {
-          problem(table.file, row.line, "Die Zeile " + std::to_string(line.Vater) + " (Vater) gibt es nicht.");
-          continue;
-        }
-        AUFBAU *&last = lastChild[line.Vater];
-        (last ? last->Naechste : lines[line.Vater]->Kind) = line.Nr;
-        last = &line;
-      }
+        lines.push_back(&row.record.Aufbau);
+      for (const StructureProblem &one : linkStructure(lines))
+        problem(table.file, one.line < lines.size() ? table.rows[one.line].line : 0, one.text);
     }
   }
 

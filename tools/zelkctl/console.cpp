@@ -1,11 +1,13 @@
 #include "zelkctl/console.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 
 #include "platform/system.h"
 #include "vlba98/encoding.h"
+#include "zelkctl/verbs.h"
 
 namespace zelkctl {
 namespace {
@@ -62,8 +64,8 @@ void TextTable::print() const {
     rules.emplace_back(each, '-');
   printRow(titles, columns_, widths);
   printRow(rules, columns_, widths);
-  for (const auto &row : rows_)
-    printRow(row, columns_, widths);
+  for (size_t i = 0; i < rows_.size() && !std::ferror(stdout); ++i)
+    printRow(rows_[i], columns_, widths);
 }
 
 void TextTable::printCsv() const {
@@ -81,8 +83,8 @@ void TextTable::printCsv() const {
     std::puts(line.c_str());
   };
   printValues(columns_.size(), [&](size_t i) { return columns_[i].title; });
-  for (const auto &row : rows_)
-    printValues(row.size(), [&](size_t i) { return row[i]; });
+  for (size_t at = 0; at < rows_.size() && !std::ferror(stdout); ++at)
+    printValues(rows_[at].size(), [&](size_t i) { return rows_[at][i]; });
 }
 
 Progress::Progress(std::string what, size_t total)
@@ -104,6 +106,22 @@ void Progress::advance() {
 
 std::string shown(const char *text) {
   return vlba98::toUtf8(text);
+}
+
+void watchOutput() {
+#ifdef SIGPIPE
+  // A handler, unlike SIG_IGN, is not handed on to programs that the library starts.
+  std::signal(SIGPIPE, [](int) {});
+#endif
+}
+
+int finishOutput(int exitCode) {
+  // A failed write leaves its mark in the stream, whoever made it.
+  if (std::fflush(stdout) == 0 && !std::ferror(stdout)) return exitCode;
+  complain(
+      "Die Ausgabe konnte nicht vollständig geschrieben werden: der Datenträger ist voll, oder das Programm, das sie "
+      "liest, hat aufgehört.");
+  return kUnwritten;
 }
 
 void complain(const std::string &text) {

@@ -49,6 +49,13 @@ private:
 /// A text from the library, Windows-1252, as UTF-8 for the terminal.
 std::string shown(const char *text);
 
+/// From now on a reader that goes away is an error of the write, not the end of the program.
+void watchOutput();
+
+/// To be asked when everything is printed. \return the exit code, or kUnwritten, and said so, when standard output
+/// could not be written to its end
+int finishOutput(int exitCode);
+
 /// Says what went wrong, on standard error.
 void complain(const std::string &text);
 

@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <limits>
 
+#include "vlba98/text.h"
 #include "vldb98/copy.h"
 #include "zelkctl/console.h"
 #include "zelkctl/provision.h"
@@ -70,8 +71,8 @@ int copyClient(int32_t client, const std::string &target, bool remove) {
     rows += one.rows;
   }
   table.print();
-  std::printf("\nMandant %d: %llu Zeilen kopiert und verglichen.\n", int(client),
-              static_cast<unsigned long long>(rows));
+  std::printf("\nMandant %d: %s kopiert und verglichen.\n", int(client),
+              vlba98::counted(size_t(rows), "Zeile", "Zeilen").c_str());
   if (!remove) return kDone;
   bool unchanged = false;
   if (removeCopied(*from, uint16_t(client), copied, unchanged) && unchanged) {

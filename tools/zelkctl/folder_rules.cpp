@@ -8,6 +8,7 @@
 #include "vlba98/text.h"
 #include "vlfn98/costs.h"
 #include "vlfn98/currency.h"
+#include "vlfn98/terms.h"
 
 using namespace vldb98;
 
@@ -51,6 +52,8 @@ bool isCurrency(const char *code) {
 bool isBlank(const char *text) {
   return vlba98::trimmed(text).empty();
 }
+
+constexpr int kAnyStructure = -1;
 
 struct Rule {
   int table;
@@ -100,6 +103,11 @@ const Rule kRules[] = {
      [](const DATENBANK &r) { return vlfn98::isKostenkennung(r.KoschaZeile.Kostenkennung); }},
     {kKoschaZeile, "Anteil muss über null liegen.",
      [](const DATENBANK &r) { return vlba98::parseGeld(r.KoschaZeile.Anteil).value_or(0) > 0; }},
+    {kZahlziel, "Kuerzel hat am Anfang oder Ende Leerzeichen.",
+     [](const DATENBANK &r) { return vlfn98::storedShortName(r.Zahlziel.Kuerzel) == r.Zahlziel.Kuerzel; }},
+    {kAnyStructure, "Flags muss von 0 bis 7 gehen.", [](const DATENBANK &r) { return within(r.Aufbau.Flags, 0, 7); }},
+    {kAnyStructure, "Flags2 muss 0 oder 4 sein.",
+     [](const DATENBANK &r) { return r.Aufbau.Flags2 == 0 || r.Aufbau.Flags2 == 4; }},
 };
 
 } // namespace
@@ -110,6 +118,8 @@ std::span<const Reference> references() {
 
 std::vector<std::string> brokenRules(int table, const DATENBANK &row) {
   std::vector<std::string> broken;
+  if (std::find(kStructureTables.begin(), kStructureTables.end(), table) != kStructureTables.end())
+    table = kAnyStructure;
   for (const Rule &rule : kRules)
     if (rule.table == table && !rule.kept(row)) broken.push_back(rule.broken);
   return broken;

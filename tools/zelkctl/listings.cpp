@@ -5,6 +5,7 @@
 #include "vlba98/datum.h"
 #include "vlba98/encoding.h"
 #include "vlba98/geld.h"
+#include "vlba98/text.h"
 #include "zelk98/zelk98.h"
 #include "zelkctl/console.h"
 #include "zelkctl/verbs.h"
@@ -84,10 +85,6 @@ template <class Record> ZelkResult readAll(ZelkResult(ZELK_CALL *next)(Record *)
 ZelkResult readDetails(PostingDetails &details) {
   ZelkResult result = readAll(&ZELK_HoleBatchZeile, details.lines);
   return result < 0 ? result : readAll(&ZELK_HoleBatchKobu, details.costs);
-}
-
-std::string counted(size_t count, const std::string &what, const char *plural) {
-  return std::to_string(count) + " " + what + (count == 1 ? "" : plural);
 }
 
 std::string shortDate(const char *external) {
@@ -288,8 +285,9 @@ int showBatch(int32_t client, int32_t batch) {
   }
   if (result < 0) return complainOf("stapel", result);
   table.print();
-  std::printf("\n%s, %s, %s\n", counted(postings, "Buchung", "en").c_str(), counted(lines, "Zeile", "n").c_str(),
-              counted(costs, "Kostenbuchung", "en").c_str());
+  std::printf("\n%s, %s, %s\n", vlba98::counted(postings, "Buchung", "Buchungen").c_str(),
+              vlba98::counted(lines, "Zeile", "Zeilen").c_str(),
+              vlba98::counted(costs, "Kostenbuchung", "Kostenbuchungen").c_str());
   return kDone;
 }
 

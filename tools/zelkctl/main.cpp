@@ -36,9 +36,20 @@ std::string germanError(const CLI::App *app, const CLI::Error &error) {
     const char *error, *german;
   };
   static constexpr Sentence sentences[] = {{"RequiredError", "Es fehlt eine Angabe"},
-                                           {"ExtrasError", "Eine Angabe ist unbekannt oder zu viel"},
+                                           {"RequiresError", "Eine Angabe fehlt zu einer anderen"},
                                            {"ConversionError", "Eine Angabe ist keine Zahl"},
                                            {"ValidationError", "Eine Angabe ist nicht zulässig"}};
+  const CLI::App *command = app;
+  std::string path;
+  while (!command->get_subcommands().empty()) {
+    command = command->get_subcommands().front();
+    path += command->get_name() + " ";
+  }
+  const std::string help = "\nHilfe: " + app->get_name() + " " + path + "--hilfe\n";
+  const bool hasCommands = !command->get_subcommands([](const CLI::App *) { return true; }).empty();
+  const std::vector<std::string> unknown = app->remaining(true);
+  if (!unknown.empty() && unknown.front().substr(0, 1) == "-") return "Unbekannte Option: " + unknown.front() + help;
+  if (!unknown.empty() && hasCommands) return "Unbekannter Befehl: " + path + unknown.front() + help;
   std::string text = "Eine Angabe passt nicht", what = error.what();
   for (const Sentence &sentence : sentences)
     if (error.get_name() == sentence.error) text = sentence.german;
@@ -48,18 +59,27 @@ std::string germanError(const CLI::App *app, const CLI::Error &error) {
     if (size_t at = what.find(english); at != std::string::npos) what.erase(at, english.size());
   if (size_t at = what.find(" requires "); at != std::string::npos) what.replace(at, 10, " nur mit ");
   if (size_t at = what.find(" not in "); at != std::string::npos) what.replace(at, 8, "; zulässig: ");
-  return text + ": " + what + "\nHilfe: " + app->get_name() + " --hilfe\n";
+  // Its name is that of the command.
+  if (dynamic_cast<const CLI::ExtrasError *>(&error)) text = "Eine Angabe ist unbekannt oder zu viel";
+  if (hasCommands && error.get_name() == std::string("ConversionError"))
+    text = "Eine Angabe ist weder Befehl noch Zahl";
+  return text + ": " + what + help;
 }
 
 } // namespace
 
 int main(int argc, char **argv) {
   using namespace zelkctl;
+  watchOutput();
   CLI::App app("Richtet Bücher ein und bedient die Schnittstelle zelk98.", "zelkctl");
-  app.set_help_flag("--hilfe,-h", "Diese Hilfe zeigen")->group(kOptions);
+  app.set_help_flag("--hilfe,--help,-h", "Diese Hilfe zeigen")->group(kOptions);
   app.set_version_flag("--version", std::string("zelkctl ") + ZELK_VERSION, "Die Version zeigen")->group(kOptions);
   app.formatter(std::make_shared<GermanFormatter>());
   app.failure_message(germanError);
+  app.footer(
+      "Exitcodes: 0 getan; 1 etwas wurde abgelehnt, das Übrige ist getan; 2 nicht oder nicht zu Ende getan;\n"
+      "3 die Ausgabe konnte nicht geschrieben werden (Datenträger voll, Leser fort), in den Büchern ist getan, was\n"
+      "zu tun war.");
   app.allow_windows_style_options(false); // "/" begins a path
   app.require_subcommand(1);
 
@@ -311,7 +331,7 @@ int main(int argc, char **argv) {
   try {
     app.parse(int(pointers.size()), pointers.data());
   } catch (const CLI::ParseError &error) {
-    return app.exit(error) == 0 ? kDone : kFailed;
+    return finishOutput(app.exit(error) == 0 ? kDone : kFailed);
   }
   int exitCode = kFailed;
   try {
@@ -321,5 +341,5 @@ int main(int argc, char **argv) {
   }
   // Closes the database, which folds its log into the file.
   ZELK_Detach();
-  return exitCode;
+  return finishOutput(exitCode);
 }

@@ -60,7 +60,7 @@ std::string numberOrEmpty(int32_t number) {
 
 std::string discount(int32_t days, std::string rate) {
   vlba98::KillNull(rate.data());
-  return days ? std::to_string(days) + " Tage " + rate.c_str() + " %" : "";
+  return days ? vlba98::counted(size_t(days), "Tag ", "Tage ") + rate.c_str() + " %" : "";
 }
 
 } // namespace

@@ -5,10 +5,10 @@
 #include <cstring>
 #include <map>
 
+#include "vlba98/csv.h"
 #include "vlba98/datum.h"
 #include "vlba98/encoding.h"
 #include "vlba98/text.h"
-#include "zelkctl/csv.h"
 #include "zelkctl/values.h"
 
 namespace zelkctl {
@@ -124,13 +124,13 @@ void refuse(FilePosting &posting, std::string problem, std::string field = "", Z
 
 class Reader {
 public:
-  explicit Reader(const CsvFile &csv) : csv_(csv), splitColumn_(csv.column(kSplit)) {
+  explicit Reader(const vlba98::CsvFile &csv) : csv_(csv), splitColumn_(csv.column(kSplit)) {
     for (const std::string &name : csv.columns)
       columns_.push_back(findColumn(name));
   }
 
   std::vector<FilePosting> read() {
-    for (const CsvRow &row : csv_.rows) {
+    for (const vlba98::CsvRow &row : csv_.rows) {
       std::string split = splitColumn_ >= 0 && row.problem.empty() ? row.values[size_t(splitColumn_)] : "";
       if (split.empty() || postings_.empty() || postings_.back().split != split) {
         postings_.push_back({row.line, row.line, {}, !split.empty(), split, "", "", 0});
@@ -152,7 +152,7 @@ private:
       refuse(postings_[index], "Die Zeilen der Splitbuchung \"" + split + "\" stehen nicht beisammen.", kSplit);
   }
 
-  void add(FilePosting &posting, const CsvRow &row) {
+  void add(FilePosting &posting, const vlba98::CsvRow &row) {
     if (!row.problem.empty()) return refuse(posting, row.problem);
     PostingRow added;
     for (size_t i = 0; i < columns_.size(); ++i) {
@@ -197,14 +197,14 @@ private:
              column.name);
   }
 
-  const CsvFile &csv_;
+  const vlba98::CsvFile &csv_;
   int splitColumn_;
   std::vector<const Column *> columns_;
   std::vector<FilePosting> postings_;
   std::map<std::string, size_t> splits_;
 };
 
-std::string checkColumns(const CsvFile &csv) {
+std::string checkColumns(const vlba98::CsvFile &csv) {
   for (const std::string &name : csv.columns)
     if (name != kSplit && !findColumn(name)) return "Die Spalte \"" + name + "\" gibt es nicht.";
   for (const Column &column : kColumns)
@@ -215,7 +215,7 @@ std::string checkColumns(const CsvFile &csv) {
 } // namespace
 
 PostingFile readPostings(const std::string &path) {
-  CsvFile csv = readCsv(path);
+  vlba98::CsvFile csv = vlba98::readCsv(path);
   PostingFile file;
   file.problem = csv.problem.empty() ? checkColumns(csv) : csv.problem;
   if (!file.problem.empty()) return file;

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "vlba98/text.h"
 #include "zelk98/zelk98.h"
 #include "zelkctl/console.h"
 #include "zelkctl/posting_file.h"
@@ -34,10 +35,48 @@ std::string meaning(ZelkResult result, const ZELK_BUCHUNG &posting, const char *
     return "Soll- und Habenkontonummern sind gleich.";
   if (result == ZELKERR_kein_Kurs) return "Zum Belegdatum ist für die Währung kein Kurs gespeichert.";
   if (result == ZELKERR_uzl_Kostenrechnung)
-    return "Die Kostenrechnung lässt dies nicht zu: Kostenart und Kostenstelle passen nicht zusammen, oder es fehlt eine "
+    return "Die Kostenrechnung lässt dies nicht zu: Kostenart und Kostenstelle passen nicht zusammen, oder es fehlt "
+           "eine "
            "Kostenstelle.";
   std::string all = shown(text);
   return all.substr(0, all.find('\n'));
+}
+
+// "Soll 1200, Haben 8400": the accounts that a refusal is about. Of a code that refuses one side only those of that
+// side; of codes that refuse accounts only those that there are not, unless all are there.
+std::string accountsOf(int32_t client, const FilePosting &posting, ZelkResult code) {
+  struct Side {
+    const char *name;
+    const char *(*account)(const ZELK_BUCHUNG &);
+    ZelkResult refusesTheOther;
+  };
+  static constexpr Side sides[] = {
+      {"Soll ", [](const ZELK_BUCHUNG &line) -> const char * { return line.Sollkonto; }, ZELKERR_uzl_Habenkontonr},
+      {"Haben ", [](const ZELK_BUCHUNG &line) -> const char * { return line.Habenkonto; }, ZELKERR_uzl_Sollkontonr}};
+  const bool ofAccounts =
+      code == ZELKERR_uzl_Kontonr || code == ZELKERR_uzl_Sollkontonr || code == ZELKERR_uzl_Habenkontonr;
+  auto exists = [&](const char *account) {
+    for (int32_t kind : {ZELK_SACHKONTO, ZELK_KREDITOR, ZELK_DEBITOR})
+      if (ZELK_ExistiertKonto(client, account, kind, 0, nullptr) == ZELK_OK) return true;
+    return false;
+  };
+  std::vector<std::string> all, missing;
+  for (const PostingRow &row : posting.rows)
+    for (const Side &side : sides) {
+      const char *account = side.account(row.posting);
+      if (!*account || code == side.refusesTheOther) continue;
+      const std::string text = side.name + shown(account);
+      if (std::find(all.begin(), all.end(), text) != all.end()) continue;
+      all.push_back(text);
+      if (ofAccounts && !exists(account)) missing.push_back(text);
+    }
+  constexpr size_t shownAtMost = 4;
+  std::string text;
+  for (const std::string &one : missing.empty() ? all : missing) {
+    if (&one - (missing.empty() ? all : missing).data() == shownAtMost) return text + ", …";
+    text += (text.empty() ? "" : ", ") + one;
+  }
+  return text;
 }
 
 ZelkResult addRow(const PostingRow &row) {
@@ -87,8 +126,9 @@ public:
     int code = report(file, stopped);
     // The library reports success also for a posting that it skips because its tables stayed locked by others.
     if (long after = countPostings(client_, batch_); after - before < long(inserted_)) {
-      complain("Achtung: der Stapel hat nur " + std::to_string(after - before) +
-               " Buchungen mehr als zuvor. Die anderen wurden übersprungen, da die Tabellen gesperrt waren.");
+      complain("Achtung: der Stapel hat nur " +
+               vlba98::counted(size_t(std::max(after - before, 0L)), "Buchung", "Buchungen") +
+               " mehr als zuvor. Was fehlt, wurde übersprungen, da die Tabellen gesperrt waren.");
       return kFailed;
     }
     return code;
@@ -139,7 +179,9 @@ private:
     if (code != 0) ZELK_HoleFehlertext(code, name, nullptr);
     std::string lines = std::to_string(posting.firstLine);
     if (posting.lastLine != posting.firstLine) lines += "-" + std::to_string(posting.lastLine);
-    refused_.add({lines, code ? std::to_string(code) : "", shown(name), field, text});
+    const std::string document = posting.rows.empty() ? "" : shown(posting.rows.front().posting.Belegnummer);
+    refused_.add({lines, code ? std::to_string(code) : "", shown(name), document, accountsOf(client_, posting, code),
+                  field, text});
     return true;
   }
 
@@ -148,8 +190,9 @@ private:
       refused_.print();
       std::puts("");
     }
-    std::printf("Stapel %d: %zu Zeilen gelesen, %zu Buchungen: %zu gebucht, %zu abgelehnt.\n", int(batch_), file.rows,
-                file.postings.size(), inserted_, refused_.rows());
+    std::printf("Stapel %d: %s gelesen, %s: %zu gebucht, %zu abgelehnt.\n", int(batch_),
+                vlba98::counted(file.rows, "Zeile", "Zeilen").c_str(),
+                vlba98::counted(file.postings.size(), "Buchung", "Buchungen").c_str(), inserted_, refused_.rows());
     if (stopped > 0) {
       complain("Abgebrochen in Zeile " + std::to_string(stopped) + ": die Zeilen dahinter wurden nicht gebucht.");
       return kFailed;
@@ -159,7 +202,7 @@ private:
 
   int32_t client_, batch_;
   size_t inserted_ = 0;
-  TextTable refused_{{{"Zeile", true}, {"Code", true}, {"Name"}, {"Feld"}, {"Grund"}}};
+  TextTable refused_{{{"Zeile", true}, {"Code", true}, {"Name"}, {"Beleg"}, {"Konten"}, {"Feld"}, {"Grund"}}};
 };
 
 } // namespace

@@ -8,8 +8,9 @@
 namespace zelkctl {
 
 constexpr int kDone = 0;
-constexpr int kRefused = 1; ///< something was refused, and said so; what was not refused is done
-constexpr int kFailed = 2;  ///< nothing could be done, or not to its end
+constexpr int kRefused = 1;   ///< something was refused, and said so; what was not refused is done
+constexpr int kFailed = 2;    ///< nothing could be done, or not to its end
+constexpr int kUnwritten = 3; ///< standard output could not be written; what was to be done in the books is as always
 
 // Below the exports: the stand-ins for the accounting program.
 int provision(const std::string &directory);

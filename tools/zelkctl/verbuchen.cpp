@@ -6,6 +6,7 @@
 #include "ledger/batch_run.h"
 #include "platform/system.h"
 #include "vlba98/datum.h"
+#include "vlba98/text.h"
 #include "zelkctl/amounts.h"
 #include "zelkctl/console.h"
 #include "zelkctl/provision.h"
@@ -57,9 +58,11 @@ int report(const ledger::Order &order, const ledger::Outcome &outcome) {
     postings += figures.postings;
   }
   years.print();
-  std::printf("\nOffene Posten: %zu angelegt, %zu erhöht, %zu Zahlungen, %zu ausgeglichen.\n", outcome.items.created,
-              outcome.items.raised, outcome.items.payments, outcome.items.settled);
-  std::printf("%s: %zu Buchungen verbucht, der Stapel ist geleert.\n", batch.c_str(), postings);
+  std::printf("\nOffene Posten: %zu angelegt, %zu erhöht, %s, %zu ausgeglichen.\n", outcome.items.created,
+              outcome.items.raised, vlba98::counted(outcome.items.payments, "Zahlung", "Zahlungen").c_str(),
+              outcome.items.settled);
+  std::printf("%s: %s verbucht, der Stapel ist geleert.\n", batch.c_str(),
+              vlba98::counted(postings, "Buchung", "Buchungen").c_str());
   return kDone;
 }
 

@@ -1,9 +1,9 @@
 // CSV files as people write them.
 #include <gtest/gtest.h>
 
-#include "zelkctl/csv.h"
+#include "vlba98/csv.h"
 
-namespace zelkctl {
+namespace vlba98 {
 namespace {
 
 std::string flat(const CsvFile &file) {
@@ -36,7 +36,7 @@ TEST(Csv, Reads) {
       {"a;b\n;\n", "2:[][] "},
       {"a;b\n\xC3\xA4;\xE2\x82\xAC\n", "2:[\xC3\xA4][\xE2\x82\xAC] "},
       {"a;b\n1\n1;2;3\n5;6\n",
-       "2:!Die Zeile hat 1 Felder, die Kopfzeile 2. 3:!Die Zeile hat 3 Felder, die Kopfzeile 2. 4:[5][6] "},
+       "2:!Die Zeile hat 1 Feld, die Kopfzeile 2. 3:!Die Zeile hat 3 Felder, die Kopfzeile 2. 4:[5][6] "},
       {"a;b\n\"open;2\n", "2:!Ein Anführungszeichen wird nicht geschlossen. "},
       {"a;b\n\"x\"y;2\n3;4\n", "2:!Hinter einem Anführungszeichen steht weiterer Text. 3:[3][4] "},
       {"a;b\nGr\xFC\xDF"
@@ -51,4 +51,4 @@ TEST(Csv, Reads) {
 }
 
 } // namespace
-} // namespace zelkctl
+} // namespace vlba98

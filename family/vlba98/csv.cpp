@@ -1,11 +1,12 @@
-#include "zelkctl/csv.h"
+#include "vlba98/csv.h"
 
 #include <algorithm>
 
 #include "platform/files.h"
 #include "vlba98/encoding.h"
+#include "vlba98/text.h"
 
-namespace zelkctl {
+namespace vlba98 {
 namespace {
 
 class Parser {
@@ -71,10 +72,10 @@ bool isEmptyLine(const CsvRow &row) {
 void check(CsvRow &row, size_t columns) {
   if (!row.problem.empty()) return;
   if (row.values.size() != columns)
-    row.problem = "Die Zeile hat " + std::to_string(row.values.size()) + " Felder, die Kopfzeile " +
+    row.problem = "Die Zeile hat " + counted(row.values.size(), "Feld", "Felder") + ", die Kopfzeile " +
                   std::to_string(columns) + ".";
   for (const std::string &value : row.values)
-    if (!vlba98::toWindows1252(value)) {
+    if (!toWindows1252(value)) {
       row.problem = "Ein Feld ist kein UTF-8 oder hat ein Zeichen, das es in Windows-1252 nicht gibt.";
       return;
     }
@@ -117,4 +118,4 @@ CsvFile readCsv(const std::string &path) {
   return missing;
 }
 
-} // namespace zelkctl
+} // namespace vlba98

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace zelkctl {
+namespace vlba98 {
 
 struct CsvRow {
   int line;                        ///< of the file where the row begins, from 1
@@ -31,4 +31,4 @@ CsvFile parseCsv(std::string_view text);
 /// The same from a file. \param path UTF-8
 CsvFile readCsv(const std::string &path);
 
-} // namespace zelkctl
+} // namespace vlba98
