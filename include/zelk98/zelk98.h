@@ -18,6 +18,8 @@
  *     under construction; they end with the thread.
  *  7. Start. There is no start call: the first call finds the program directory in the settings and opens the database.
  *     Without the settings every working function returns -36 ZELKERR_Ini; without the database -3 ZELKERR_Datenbank.
+ *     A host that frees the library calls ZELK_Detach before, when its other threads that have called have ended: the
+ *     library itself stays in the process, and attached with its database open where it was not detached.
  *  8. Fehlermeldungen. Where a function takes this flag, non-zero shows each refusal as a message box, too.
  *  9. No exception leaves the library; what would be one is -2 ZELKERR_sonst.
  */
