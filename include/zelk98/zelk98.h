@@ -407,11 +407,12 @@ ZELK_API void ZELK_CALL ZELK_InitDLLs(void);
 ZELK_API void ZELK_CALL ZELK_FreeDLLs(void);
 
 /* Hands a change over to the notification process; for libraries of the product family, since the record lies in the
- * record store's layout. The insertion of a posting does it by itself.
+ * record store's layout. The insertion of a posting and the deletion of a batch do it by themselves.
  * Aktion: 1 new, 2 changed, 3 deleted. Art: 1 general-ledger account, 2 creditor, 4 debtor, 16 posting; for another one,
  * and a null Satz, the change goes without a payload. Wert: head of the payload. Start: postings only, first line to be
  * handed over, from 0; a change carries ten. The lines of a posting are those that the calling thread's session has in
- * memory for it. A change that cannot be handed over in time is told to the user, and none is handed over after it. */
+ * memory for it, else those in the books of the client Wert; a posting without Nr stands for all of its Stapel. A change
+ * that cannot be handed over in time is told to the user, and none is handed over after it. */
 ZELK_API void ZELK_CALL ZELK_Out(int32_t Aktion, int32_t Art, int32_t Wert, const void *Satz, int16_t Start);
 
 /* The engine in use: 1 embedded database, 2 MySQL, 3 MSSQL. */

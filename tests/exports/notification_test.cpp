@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <thread>
 
 #include "support/dependants.h"
 
@@ -171,27 +172,44 @@ TEST_F(Notification, CarriesAccountsAndPartsOfPostings) {
   ZELK_Out(2, ZELK_KREDITOR, -1, &person, 0);
   ZELK_Out(7, 8, 5, &person, 0);
   // The posting whose lines the session has in memory, from a line on; and another one, to which they do not belong.
-  auto lineOf = [](int32_t number, int16_t start) {
+  // Then one that has to be read, since another client's has taken its place or the thread is new.
+  auto lineOf = [](int32_t number, int16_t start, int32_t client = 1) {
     DATENBANK posting{};
     posting.Batchbuchung.Stapel = 3;
     posting.Batchbuchung.Nr = number;
     put(posting.Batchbuchung.Belegnummer, "X");
     put(posting.Batchbuchung.Belegdatum, "460121");
-    ZELK_Out(2, 16, 1, &posting, start);
+    ZELK_Out(2, 16, client, &posting, start);
   };
   lineOf(1, 10);
   lineOf(1, 11);
   lineOf(1, 12);
   lineOf(2, 0);
+  ZELK_BUCHUNG other = validPosting();
+  other.Mandantennummer = 2;
+  put(other.Sollkonto, "1020");
+  ASSERT_EQ(ZELK_BuchungEinfuegen(&other, 0), ZELK_OK);
+  lineOf(1, 11);
+  lineOf(1, 0, 2);
+  std::thread(lineOf, 1, 11, 1).join();
+  ASSERT_EQ(ZELK_Stapel(1, 1, 50, "Shop", 0, 0, 0, 0), ZELK_OK);
+  for (int32_t withBatch : {0, 1})
+    EXPECT_EQ(ZELK_LoescheStapel(1, 50, withBatch, 0), ZELK_OK);
+  EXPECT_EQ(ZELK_LoescheStapel(1, 50, 1, 0), ZELKERR_uzl_Stapelnr);
   ZELK_Detach();
   std::vector<std::string> expected = printedFor("B-12", 12);
-  for (const char *line : {"gelöscht Sachkonto 1 1200 [BANK] Geschäftskonto €",
-                           "neu Debitor 2 10010 [AHORN] Ahorn blatt, Berlin, Sammelkonto 1400",
-                           "geändert Kreditor -1 10010 [AHORN] Ahorn blatt, Berlin, Sammelkonto 1400", "Aktion 7 Art 8",
-                           "geändert Buchung 1/3 X 210126 EUR: 1200 an 1000 000000011,00 Teil 11; 1200 an 1000 "
-                           "000000012,00 Teil 12",
-                           "geändert Buchung 1/3 X 210126 EUR: 1200 an 1000 000000012,00 Teil 12",
-                           "geändert Buchung 1/3 X 210126 EUR:", "geändert Buchung 1/3 X 210126 EUR:", "Ende"})
+  for (const char *line :
+       {"gelöscht Sachkonto 1 1200 [BANK] Geschäftskonto €",
+        "neu Debitor 2 10010 [AHORN] Ahorn blatt, Berlin, Sammelkonto 1400",
+        "geändert Kreditor -1 10010 [AHORN] Ahorn blatt, Berlin, Sammelkonto 1400", "Aktion 7 Art 8",
+        "geändert Buchung 1/3 X 210126 EUR: 1200 an 1000 000000011,00 Teil 11; 1200 an 1000 "
+        "000000012,00 Teil 12",
+        "geändert Buchung 1/3 X 210126 EUR: 1200 an 1000 000000012,00 Teil 12", "geändert Buchung 1/3 X 210126 EUR:",
+        "geändert Buchung 1/3 X 210126 EUR:", "neu Buchung 2/3 B-1 210126 CHF: 1020 an 1000 000000100,00 Bareinzahlung",
+        "geändert Buchung 1/3 X 210126 EUR: 1200 an 1000 000000012,00 Teil 12",
+        "geändert Buchung 2/3 X 210126 CHF: 1020 an 1000 000000100,00 Bareinzahlung",
+        "geändert Buchung 1/3 X 210126 EUR: 1200 an 1000 000000012,00 Teil 12", "gelöscht alle Buchungen 1/50",
+        "gelöscht alle Buchungen 1/50", "Ende"})
     expected.push_back(line);
   EXPECT_EQ(lines(), expected);
 }
