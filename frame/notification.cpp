@@ -84,14 +84,17 @@ template <class NextBlock> void handOverAll(NextBlock &&nextBlock) {
 // The end of a process that may still be at work on its last change.
 void end(platform::PeerProcess &process, bool enabled, Wait wait) {
   if (enabled) {
-    if (!process.waitReady(wait.milliseconds())) showMessage(resources::kZelkoutUnvollstaendig);
-    // The command alone: a process that is late may still be reading its last change.
+    const auto ready = [&] { return process.waitReady(wait.milliseconds()); };
+    if (!ready()) {
+      showMessage(resources::kZelkoutUnvollstaendig);
+      // Waited for once more: until it is ready, the block is its last change's, and what it answers is that change.
+      if (!ready()) return;
+    }
     static_cast<ZELK_OUT_BLOCK *>(process.block())->Befehl = 0;
-    // Reset, so that it is the answer to this that is waited for.
     process.resetReady();
     process.setSubmit();
     // One that does not answer is at work on something, and left to it.
-    if (!process.waitReady(wait.milliseconds())) return;
+    if (!ready()) return;
   }
   process.terminate();
 }
@@ -162,6 +165,10 @@ void notifyAccount(const vldb98::Store &store, int32_t kind, const vldb98::PERSO
 using frame::notification;
 
 void ZELK_CALL ZELK_InitDLLs() try {
+  const bool first = frame::initialisationStatus() == 0;
+  ZELK_Attach(true);
+  // The attach has started the process, or told that it could not.
+  if (first && frame::initialisationStatus() == ZELK_OK) return;
   ZELK_FreeDLLs();
   if (!frame::startNotification()) frame::showMessage(resources::kZelkoutStart);
 } catch (...) {

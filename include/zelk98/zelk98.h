@@ -402,7 +402,7 @@ ZELK_API int ZELK_CALL ZELK_Attach(bool connect);
 ZELK_API int ZELK_CALL ZELK_Detach(void);
 
 /* Start and end the notification of dependent applications; called by attach and detach. Where none is registered,
- * nothing is started. A start ends the notification process of an earlier one first. */
+ * nothing is started. A start ends the notification process of an earlier one first; as the first call it attaches. */
 ZELK_API void ZELK_CALL ZELK_InitDLLs(void);
 ZELK_API void ZELK_CALL ZELK_FreeDLLs(void);
 

@@ -9,6 +9,7 @@
 namespace test {
 namespace {
 
+using namespace std::string_literals;
 using namespace vldb98;
 using Notification = Dependants;
 
@@ -42,6 +43,7 @@ TEST_F(Notification, StartsNothingWhereNobodyIsRegistered) {
 TEST_F(Notification, HandsPostingsOverTenLinesAtATime) {
   registerApplications();
   install();
+  ZELK_InitDLLs(); // the very first call of the process
   std::vector<std::string> expected;
   for (int count : {1, 10, 12, 25}) {
     std::string document = "B-" + std::to_string(count);
@@ -251,6 +253,8 @@ TEST_F(Notification, LaysAccountsOutForThePeer) {
   EXPECT_EQ(firstDifference(blocks[0], ledger), sizeof ledger);
   EXPECT_EQ(firstDifference(blocks[1], person), sizeof person);
   EXPECT_EQ(blocks[2].Befehl, 0);
+  EXPECT_TRUE(eventually([&] { return !processRuns(peerId()); })) << "which does not end by itself";
+  EXPECT_FALSE(hasZombie());
 }
 
 TEST_F(Notification, TellsOfAMissingProgramOnceAndPostsOn) {
@@ -307,18 +311,6 @@ TEST_F(Notification, WaitsForEachApplicationAsLongAsTheSettingSays) {
   }
 }
 
-TEST_F(Notification, EndsTheProcessThatAnswers) {
-  registerApplications();
-  installStubborn("abschrift");
-  EXPECT_EQ(post("A"), ZELK_OK);
-  EXPECT_TRUE(eventually([&] { return processRuns(peerId()); }));
-  ZELK_Detach();
-  EXPECT_TRUE(eventually([&] { return !processRuns(peerId()); }));
-  EXPECT_FALSE(hasZombie());
-  EXPECT_EQ(recorder.takeText(), "");
-  EXPECT_EQ(outputText().size(), 2 * sizeof(ZELK_OUT_BLOCK)) << "the change and the end";
-}
-
 TEST_F(Notification, LeavesTheProcessThatDoesNotAnswerRunning) {
   registerApplications();
   setTimeout("10");
@@ -346,6 +338,37 @@ TEST_F(Notification, LeavesTheProcessThatDoesNotAnswerRunning) {
   }
 }
 
+TEST_F(Notification, LeavesTheBlockToAProcessThatReadsIt) {
+  registerApplications();
+  setTimeout("10");
+  const std::filesystem::path go = output().string() + ".weiter";
+  auto letGo = [&] {
+    std::ofstream(go, std::ios::binary) << "x";
+    EXPECT_TRUE(eventually([&] { return !std::filesystem::exists(go); }));
+  };
+  std::string expected;
+  for (bool inTime : {false, true}) {
+    installStubborn("langsam");
+    ZELK_Attach(true);
+    ASSERT_TRUE(eventually([&] { return peerId() != 0; }));
+    EXPECT_EQ(post("A"), ZELK_OK);
+    if (inTime) recorder.whileShown = letGo;
+    ZELK_Detach();
+    EXPECT_EQ(recorder.takeText(), kIncomplete);
+    if (!inTime) {
+      letGo();
+      endProcess(peerId());
+    }
+    EXPECT_TRUE(eventually([&] { return !processRuns(peerId()); }));
+    // The change as it was handed over, and the end only behind it.
+    expected += inTime ? "\1\0"s : "\1"s;
+    std::string commands, text = outputText();
+    for (size_t i = 0; i < text.size(); i += sizeof(ZELK_OUT_BLOCK))
+      commands += text[i];
+    EXPECT_EQ(commands, expected);
+  }
+}
+
 struct ChildBooks : Environment {
   void TestBody() override {}
 };
@@ -366,6 +389,22 @@ TEST_F(Notification, ProcessEndsWithItsHost) {
 }
 
 #if !defined(_WIN32)
+TEST_F(Notification, EndsNoProcessByItsNumber) {
+  registerApplications();
+  install();
+  // One descriptor more each time: once it is started, and the handle of the process is what is wanting.
+  bool started = false;
+  for (int count = 4; !started && count < 200; ++count) {
+    ASSERT_TRUE(limitDescriptors(count));
+    ZELK_Attach(false);
+    started = recorder.takeText().empty() && ZELK_Status() == ZELK_OK;
+    limitDescriptors(0);
+    ZELK_Detach();
+  }
+  EXPECT_TRUE(started);
+  EXPECT_TRUE(eventually([&] { return lines() == std::vector<std::string>{"Ende", "Ende"}; }));
+}
+
 TEST_F(Notification, ProcessInheritsNothingElse) {
   registerApplications();
   setTimeout("10");

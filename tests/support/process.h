@@ -38,6 +38,10 @@ private:
 /// Handles or descriptors that this process has open.
 int openHandles();
 
+/// From now on this process has no descriptor of that number or a greater one; 0: as many as before. \return false
+/// where the system has no such limit
+bool limitDescriptors(int count);
+
 /// From now on no file of this process can be written beyond so many bytes, as on a full disk; 0: as far as it was.
 /// \return false where the system has no such limit
 bool limitFileSize(uint64_t bytes);

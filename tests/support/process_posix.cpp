@@ -100,6 +100,14 @@ int openHandles() {
   return int(std::distance(begin(all), end(all)));
 }
 
+bool limitDescriptors(int count) {
+  struct rlimit limit {};
+  ::getrlimit(RLIMIT_NOFILE, &limit);
+  static const rlim_t before = limit.rlim_cur;
+  limit.rlim_cur = count ? rlim_t(count) : before;
+  return ::setrlimit(RLIMIT_NOFILE, &limit) == 0;
+}
+
 int runSelf(const std::string &role, const std::string &argument) {
   std::string roleEntry = "ZELK_TEST_CHILD=" + role, argumentEntry = "ZELK_TEST_ARGUMENT=" + argument;
   std::vector<char *> environment{roleEntry.data(), argumentEntry.data()};

@@ -133,6 +133,10 @@ int openHandles() {
   return count;
 }
 
+bool limitDescriptors(int) {
+  return false;
+}
+
 int runSelf(const std::string &role, const std::string &argument) {
   static std::mutex environmentInUse;
   wchar_t path[1024];
