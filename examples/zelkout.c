@@ -135,6 +135,10 @@ static void print_person(FILE *out, const char *kind, const ZELK_OUT_PERSONENKON
 
 static void print_posting(FILE *out, const ZELK_SPLITBUCHUNG *posting) {
   int i;
+  if (!*posting->Belegdatum) { /* every posting has one: this is all postings of a batch */
+    fprintf(out, " alle Buchungen %d/%d", (int)posting->Mandantennummer, (int)posting->Stapelnummer);
+    return;
+  }
   fprintf(out, " Buchung %d/%d ", (int)posting->Mandantennummer, (int)posting->Stapelnummer);
   PRINT(out, posting, Belegnummer);
   fputc(' ', out);

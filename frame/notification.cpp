@@ -18,6 +18,7 @@
 #include "platform/peer_process.h"
 #include "platform/registry.h"
 #include "platform/system.h"
+#include "vlfn98/client.h"
 
 namespace frame {
 namespace {
@@ -83,16 +84,35 @@ template <class NextBlock> void handOverAll(NextBlock &&nextBlock) {
 // The end of a process that may still be at work on its last change.
 void end(platform::PeerProcess &process, bool enabled, Wait wait) {
   if (enabled) {
-    if (!process.waitReady(wait.milliseconds())) showMessage(resources::kZelkoutUnvollstaendig);
-    // The command alone: a process that is late may still be reading its last change.
+    const auto ready = [&] { return process.waitReady(wait.milliseconds()); };
+    if (!ready()) {
+      showMessage(resources::kZelkoutUnvollstaendig);
+      // Waited for once more: until it is ready, the block is its last change's, and what it answers is that change.
+      if (!ready()) return;
+    }
     static_cast<ZELK_OUT_BLOCK *>(process.block())->Befehl = 0;
-    // Reset, so that it is the answer to this that is waited for.
     process.resetReady();
     process.setSubmit();
     // One that does not answer is at work on something, and left to it.
-    if (!process.waitReady(wait.milliseconds())) return;
+    if (!ready()) return;
   }
   process.terminate();
+}
+
+// The session of the calling thread with the client open and the lines of a posting in memory, as far as there are any;
+// null when there is no such client, and for all postings of a batch.
+vldb98::Store *sessionWithLines(int32_t client, const vldb98::BATCHBUCHUNG &posting) {
+  ThreadContext *context = posting.Nr != 0 ? threadContext() : nullptr;
+  vldb98::Store *store = context ? context->session() : nullptr;
+  if (!store || (store->HoleFista().Nummer != client && vlfn98::HoleMandantenDaten(*store, client) != ZELK_OK))
+    return nullptr;
+  const vldb98::SPLIT *first = store->PSplit(0);
+  if (first && first->Stapel == posting.Stapel && first->Buchung == posting.Nr) return store;
+  vldb98::BATCHBUCHUNG stored;
+  uint8_t found;
+  // No lines are better than some of them.
+  if (!store->ReadBat(stored, posting.Stapel, posting.Nr, found)) store->SplitFree();
+  return store;
 }
 
 } // namespace
@@ -130,18 +150,14 @@ void notifyPosting(vldb98::Store &store, const vldb98::BATCHBUCHUNG &posting) no
   }
 }
 
+void notifyBatchEmptied(const vldb98::Store &store, int32_t batch) noexcept {
+  vldb98::BATCHBUCHUNG all{};
+  all.Stapel = batch;
+  ZELK_Out(kDeleted, kPostingChange, store.HoleFista().Nummer, &all, 0);
+}
+
 void notifyAccount(const vldb98::Store &store, int32_t kind, const vldb98::PERSONENKONTO &account) noexcept {
-  if (!notification().enabled.load(std::memory_order_acquire)) return;
-  try {
-    bool more = true;
-    handOverAll([&](ZELK_OUT_BLOCK &block) {
-      if (!std::exchange(more, false)) return false;
-      block = changeBlock(kChanged, kind, store.HoleFista().Nummer, &account, nullptr, 0);
-      return true;
-    });
-  } catch (...) {
-    // Nor does what was changed depend on it.
-  }
+  ZELK_Out(kChanged, kind, store.HoleFista().Nummer, &account, 0);
 }
 
 } // namespace frame
@@ -149,6 +165,10 @@ void notifyAccount(const vldb98::Store &store, int32_t kind, const vldb98::PERSO
 using frame::notification;
 
 void ZELK_CALL ZELK_InitDLLs() try {
+  const bool first = frame::initialisationStatus() == 0;
+  ZELK_Attach(true);
+  // The attach has started the process, or told that it could not.
+  if (first && frame::initialisationStatus() == ZELK_OK) return;
   ZELK_FreeDLLs();
   if (!frame::startNotification()) frame::showMessage(resources::kZelkoutStart);
 } catch (...) {
@@ -171,8 +191,9 @@ void ZELK_CALL ZELK_FreeDLLs() try {
 
 void ZELK_CALL ZELK_Out(int32_t Aktion, int32_t Art, int32_t Wert, const void *Satz, int16_t Start) try {
   if (!notification().enabled.load(std::memory_order_acquire)) return;
-  frame::ThreadContext *context = Art == frame::kPostingChange ? frame::threadContext() : nullptr;
-  vldb98::Store *store = context ? context->session() : nullptr;
+  vldb98::Store *store = nullptr;
+  if (Art == frame::kPostingChange && Satz)
+    store = frame::sessionWithLines(Wert, *static_cast<const vldb98::BATCHBUCHUNG *>(Satz));
   bool more = true;
   frame::handOverAll([&](ZELK_OUT_BLOCK &block) {
     if (!std::exchange(more, false)) return false;

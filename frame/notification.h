@@ -16,6 +16,9 @@ bool startNotification() noexcept;
 /// applications it costs a look at a flag.
 void notifyPosting(vldb98::Store &store, const vldb98::BATCHBUCHUNG &posting) noexcept;
 
+/// Hands over that all postings of a batch of the open client were deleted, at the same conditions.
+void notifyBatchEmptied(const vldb98::Store &store, int32_t batch) noexcept;
+
 /// Hands a personal account of the open client over that was changed, at the same conditions.
 /// \param kind ZELK_KREDITOR, ZELK_DEBITOR
 void notifyAccount(const vldb98::Store &store, int32_t kind, const vldb98::PERSONENKONTO &account) noexcept;

@@ -19,7 +19,7 @@ constexpr int32_t kPostingChange = 16;
 constexpr size_t kLinesPerChange = 10;
 
 /// The block of a change.
-/// \param record in the store's layout of the kind; null: no payload
+/// \param record in the store's layout of the kind; null: no payload. A posting without a number: all of its batch
 /// \param store  the session with the posting's lines in memory and its client open; null: none
 /// \param start  first of the lines
 ZELK_OUT_BLOCK changeBlock(int32_t action, int32_t kind, int32_t value, const void *record, vldb98::Store *store,

@@ -17,7 +17,9 @@ namespace platform {
 /// streams.
 class PeerProcess {
 public:
-  /// \param program path, UTF-8 \return null when the program or one of the objects cannot be had
+  /// \param program path, UTF-8
+  /// \return null when the program or one of the objects cannot be had. A peer that runs without a handle for this side
+  ///         finds the submit event set and a block of zeros.
   static std::unique_ptr<PeerProcess> start(const std::string &program, size_t blockSize);
 
   /// Closes this side's ends. A process that was not terminated is left running.

@@ -4,6 +4,7 @@
 #include "frame/call.h"
 #include "frame/fetch.h"
 #include "frame/locked_tables.h"
+#include "frame/notification.h"
 #include "vlba98/text.h"
 
 using namespace frame;
@@ -148,7 +149,9 @@ ZelkResult ZELK_CALL ZELK_LoescheStapel(int32_t Mandant, int32_t Stapel, int32_t
                // again then.
                if (Outcome checked = checkDeletable(*store, Stapel); checked.result != ZELK_OK)
                  return checked.message ? refuse(*context, checked.result, checked.message) : checked.result;
-               return changeLocked(*context, *store, kDeletionTables,
-                                   [&] { return remove(*store, Stapel, mitStapel != 0); });
+               ZelkResult result = changeLocked(*context, *store, kDeletionTables,
+                                                [&] { return remove(*store, Stapel, mitStapel != 0); });
+               if (result == ZELK_OK) notifyBatchEmptied(*store, Stapel);
+               return result;
              });
 }

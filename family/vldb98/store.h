@@ -162,7 +162,8 @@ public:
 
   // --- Client and fiscal year ---
   /// Opens a client: reads its master record and takes its current fiscal year as the open one. The client that is open
-  /// already is read again. When there is no such client, the open one stays.
+  /// already is read again; another one's batch posting in memory is given up. When there is no such client, the open
+  /// one stays.
   int SetzeFista(uint16_t client, uint8_t &found);
   /// The open client's master record; its number is 0 when none is open.
   const FIRMENSTAMM &HoleFista() const { return client_; }

@@ -19,6 +19,11 @@ int Store::SetzeFista(uint16_t client, uint8_t &found) {
   DATENBANK record{};
   if (!UsedGet(record, KeyBuilder().number(client), found, kFirmenstamm, ZELK_ENG_DEFAULT)) return 0;
   if (!found) return 1;
+  if (client != client_.Nummer) {
+    // The posting in memory is the former client's.
+    SplitFree();
+    posting_ = {};
+  }
   client_ = record.Firmenstamm;
   std::memcpy(openYear_, client_.AktJahr, sizeof openYear_);
   applyScope();

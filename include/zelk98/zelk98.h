@@ -18,6 +18,8 @@
  *     under construction; they end with the thread.
  *  7. Start. There is no start call: the first call finds the program directory in the settings and opens the database.
  *     Without the settings every working function returns -36 ZELKERR_Ini; without the database -3 ZELKERR_Datenbank.
+ *     A host that frees the library calls ZELK_Detach before, when its other threads that have called have ended: the
+ *     library itself stays in the process, and attached with its database open where it was not detached.
  *  8. Fehlermeldungen. Where a function takes this flag, non-zero shows each refusal as a message box, too.
  *  9. No exception leaves the library; what would be one is -2 ZELKERR_sonst.
  */
@@ -400,16 +402,17 @@ ZELK_API int ZELK_CALL ZELK_Attach(bool connect);
 ZELK_API int ZELK_CALL ZELK_Detach(void);
 
 /* Start and end the notification of dependent applications; called by attach and detach. Where none is registered,
- * nothing is started. A start ends the notification process of an earlier one first. */
+ * nothing is started. A start ends the notification process of an earlier one first; as the first call it attaches. */
 ZELK_API void ZELK_CALL ZELK_InitDLLs(void);
 ZELK_API void ZELK_CALL ZELK_FreeDLLs(void);
 
 /* Hands a change over to the notification process; for libraries of the product family, since the record lies in the
- * record store's layout. The insertion of a posting does it by itself.
+ * record store's layout. The insertion of a posting and the deletion of a batch do it by themselves.
  * Aktion: 1 new, 2 changed, 3 deleted. Art: 1 general-ledger account, 2 creditor, 4 debtor, 16 posting; for another one,
  * and a null Satz, the change goes without a payload. Wert: head of the payload. Start: postings only, first line to be
  * handed over, from 0; a change carries ten. The lines of a posting are those that the calling thread's session has in
- * memory for it. A change that cannot be handed over in time is told to the user, and none is handed over after it. */
+ * memory for it, else those in the books of the client Wert; a posting without Nr stands for all of its Stapel. A change
+ * that cannot be handed over in time is told to the user, and none is handed over after it. */
 ZELK_API void ZELK_CALL ZELK_Out(int32_t Aktion, int32_t Art, int32_t Wert, const void *Satz, int16_t Start);
 
 /* The engine in use: 1 embedded database, 2 MySQL, 3 MSSQL. */

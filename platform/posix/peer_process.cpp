@@ -113,10 +113,16 @@ pid_t spawn(const std::string &program, const Objects &objects) {
 }
 
 // Waits for the one process only, so that the host's other children stay the host's. The host may have been quicker.
-void reap(idtype_t kind, id_t process) {
+void reap(const Descriptor &process) {
   siginfo_t info;
-  while (::waitid(kind, process, &info, WEXITED) != 0 && errno == EINTR) {
+  while (::waitid(P_PIDFD, id_t(process.get()), &info, WEXITED) != 0 && errno == EINTR) {
   }
+}
+
+// A child that nobody has collected yet, so that no other process has got its number.
+bool isOwn(const Descriptor &process) {
+  siginfo_t info;
+  return ::waitid(P_PIDFD, id_t(process.get()), &info, WEXITED | WNOHANG | WNOWAIT) == 0;
 }
 
 bool hasEnded(const Descriptor &process) {
@@ -130,7 +136,7 @@ void reapLater(Descriptor process) {
   ::sigfillset(&all);
   ::pthread_sigmask(SIG_SETMASK, &all, &before);
   try {
-    std::thread([own = std::move(process)] { reap(P_PIDFD, id_t(own.get())); }).detach();
+    std::thread([own = std::move(process)] { reap(own); }).detach();
   } catch (...) {
     // Without a thread it is collected when the host ends.
   }
@@ -146,7 +152,7 @@ public:
     ::munmap(block_, size_);
     if (reaped_) return;
     if (hasEnded(process_))
-      reap(P_PIDFD, id_t(process_.get()));
+      reap(process_);
     else
       reapLater(std::move(process_));
   }
@@ -173,7 +179,7 @@ public:
     if (reaped_) return;
     // Only this cannot be held up. That the exit status tells of it does not matter: nobody but this reads it.
     ::pidfd_send_signal(process_.get(), SIGKILL, nullptr, 0);
-    reap(P_PIDFD, id_t(process_.get()));
+    reap(process_);
     reaped_ = true;
   }
 
@@ -193,10 +199,10 @@ std::unique_ptr<PeerProcess> PeerProcess::start(const std::string &program, size
   void *block = map(objects.memory, blockSize);
   if (!block) return nullptr;
   if (pid_t child = spawn(program, objects); child >= 0) {
-    if (Descriptor process(::pidfd_open(child, 0)); process)
+    if (Descriptor process(::pidfd_open(child, 0)); process && isOwn(process))
       return std::make_unique<PosixPeerProcess>(std::move(process), std::move(objects), block, blockSize);
-    ::kill(child, SIGKILL);
-    reap(P_PID, id_t(child));
+    // Never by its number: a host that collects every child may have done so, and the number be another process's.
+    ::eventfd_write(objects.submit.get(), 1);
   }
   ::munmap(block, blockSize);
   return nullptr;

@@ -12,6 +12,11 @@ constexpr HRESULT kComReleased = -1;
 HRESULT comResult = kComReleased;
 
 void attachProcess() {
+  // The library stays, also when a host frees it: the runtime of threads that is linked into it loses three handles and
+  // a thread-local slot with each unloading, and threads that still run carry contexts, whose clean-up lies here.
+  HMODULE self;
+  GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                     reinterpret_cast<LPCWSTR>(&attachProcess), &self);
   comResult = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
   INITCOMMONCONTROLSEX controls{sizeof controls,
                                 ICC_WIN95_CLASSES | ICC_DATE_CLASSES | ICC_USEREX_CLASSES | ICC_STANDARD_CLASSES};

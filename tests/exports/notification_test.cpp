@@ -2,12 +2,14 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <thread>
 
 #include "support/dependants.h"
 
 namespace test {
 namespace {
 
+using namespace std::string_literals;
 using namespace vldb98;
 using Notification = Dependants;
 
@@ -41,6 +43,7 @@ TEST_F(Notification, StartsNothingWhereNobodyIsRegistered) {
 TEST_F(Notification, HandsPostingsOverTenLinesAtATime) {
   registerApplications();
   install();
+  ZELK_InitDLLs(); // the very first call of the process
   std::vector<std::string> expected;
   for (int count : {1, 10, 12, 25}) {
     std::string document = "B-" + std::to_string(count);
@@ -171,27 +174,44 @@ TEST_F(Notification, CarriesAccountsAndPartsOfPostings) {
   ZELK_Out(2, ZELK_KREDITOR, -1, &person, 0);
   ZELK_Out(7, 8, 5, &person, 0);
   // The posting whose lines the session has in memory, from a line on; and another one, to which they do not belong.
-  auto lineOf = [](int32_t number, int16_t start) {
+  // Then one that has to be read, since another client's has taken its place or the thread is new.
+  auto lineOf = [](int32_t number, int16_t start, int32_t client = 1) {
     DATENBANK posting{};
     posting.Batchbuchung.Stapel = 3;
     posting.Batchbuchung.Nr = number;
     put(posting.Batchbuchung.Belegnummer, "X");
     put(posting.Batchbuchung.Belegdatum, "460121");
-    ZELK_Out(2, 16, 1, &posting, start);
+    ZELK_Out(2, 16, client, &posting, start);
   };
   lineOf(1, 10);
   lineOf(1, 11);
   lineOf(1, 12);
   lineOf(2, 0);
+  ZELK_BUCHUNG other = validPosting();
+  other.Mandantennummer = 2;
+  put(other.Sollkonto, "1020");
+  ASSERT_EQ(ZELK_BuchungEinfuegen(&other, 0), ZELK_OK);
+  lineOf(1, 11);
+  lineOf(1, 0, 2);
+  std::thread(lineOf, 1, 11, 1).join();
+  ASSERT_EQ(ZELK_Stapel(1, 1, 50, "Shop", 0, 0, 0, 0), ZELK_OK);
+  for (int32_t withBatch : {0, 1})
+    EXPECT_EQ(ZELK_LoescheStapel(1, 50, withBatch, 0), ZELK_OK);
+  EXPECT_EQ(ZELK_LoescheStapel(1, 50, 1, 0), ZELKERR_uzl_Stapelnr);
   ZELK_Detach();
   std::vector<std::string> expected = printedFor("B-12", 12);
-  for (const char *line : {"gelöscht Sachkonto 1 1200 [BANK] Geschäftskonto €",
-                           "neu Debitor 2 10010 [AHORN] Ahorn blatt, Berlin, Sammelkonto 1400",
-                           "geändert Kreditor -1 10010 [AHORN] Ahorn blatt, Berlin, Sammelkonto 1400", "Aktion 7 Art 8",
-                           "geändert Buchung 1/3 X 210126 EUR: 1200 an 1000 000000011,00 Teil 11; 1200 an 1000 "
-                           "000000012,00 Teil 12",
-                           "geändert Buchung 1/3 X 210126 EUR: 1200 an 1000 000000012,00 Teil 12",
-                           "geändert Buchung 1/3 X 210126 EUR:", "geändert Buchung 1/3 X 210126 EUR:", "Ende"})
+  for (const char *line :
+       {"gelöscht Sachkonto 1 1200 [BANK] Geschäftskonto €",
+        "neu Debitor 2 10010 [AHORN] Ahorn blatt, Berlin, Sammelkonto 1400",
+        "geändert Kreditor -1 10010 [AHORN] Ahorn blatt, Berlin, Sammelkonto 1400", "Aktion 7 Art 8",
+        "geändert Buchung 1/3 X 210126 EUR: 1200 an 1000 000000011,00 Teil 11; 1200 an 1000 "
+        "000000012,00 Teil 12",
+        "geändert Buchung 1/3 X 210126 EUR: 1200 an 1000 000000012,00 Teil 12", "geändert Buchung 1/3 X 210126 EUR:",
+        "geändert Buchung 1/3 X 210126 EUR:", "neu Buchung 2/3 B-1 210126 CHF: 1020 an 1000 000000100,00 Bareinzahlung",
+        "geändert Buchung 1/3 X 210126 EUR: 1200 an 1000 000000012,00 Teil 12",
+        "geändert Buchung 2/3 X 210126 CHF: 1020 an 1000 000000100,00 Bareinzahlung",
+        "geändert Buchung 1/3 X 210126 EUR: 1200 an 1000 000000012,00 Teil 12", "gelöscht alle Buchungen 1/50",
+        "gelöscht alle Buchungen 1/50", "Ende"})
     expected.push_back(line);
   EXPECT_EQ(lines(), expected);
 }
@@ -233,6 +253,8 @@ TEST_F(Notification, LaysAccountsOutForThePeer) {
   EXPECT_EQ(firstDifference(blocks[0], ledger), sizeof ledger);
   EXPECT_EQ(firstDifference(blocks[1], person), sizeof person);
   EXPECT_EQ(blocks[2].Befehl, 0);
+  EXPECT_TRUE(eventually([&] { return !processRuns(peerId()); })) << "which does not end by itself";
+  EXPECT_FALSE(hasZombie());
 }
 
 TEST_F(Notification, TellsOfAMissingProgramOnceAndPostsOn) {
@@ -289,18 +311,6 @@ TEST_F(Notification, WaitsForEachApplicationAsLongAsTheSettingSays) {
   }
 }
 
-TEST_F(Notification, EndsTheProcessThatAnswers) {
-  registerApplications();
-  installStubborn("abschrift");
-  EXPECT_EQ(post("A"), ZELK_OK);
-  EXPECT_TRUE(eventually([&] { return processRuns(peerId()); }));
-  ZELK_Detach();
-  EXPECT_TRUE(eventually([&] { return !processRuns(peerId()); }));
-  EXPECT_FALSE(hasZombie());
-  EXPECT_EQ(recorder.takeText(), "");
-  EXPECT_EQ(outputText().size(), 2 * sizeof(ZELK_OUT_BLOCK)) << "the change and the end";
-}
-
 TEST_F(Notification, LeavesTheProcessThatDoesNotAnswerRunning) {
   registerApplications();
   setTimeout("10");
@@ -328,6 +338,37 @@ TEST_F(Notification, LeavesTheProcessThatDoesNotAnswerRunning) {
   }
 }
 
+TEST_F(Notification, LeavesTheBlockToAProcessThatReadsIt) {
+  registerApplications();
+  setTimeout("10");
+  const std::filesystem::path go = output().string() + ".weiter";
+  auto letGo = [&] {
+    std::ofstream(go, std::ios::binary) << "x";
+    EXPECT_TRUE(eventually([&] { return !std::filesystem::exists(go); }));
+  };
+  std::string expected;
+  for (bool inTime : {false, true}) {
+    installStubborn("langsam");
+    ZELK_Attach(true);
+    ASSERT_TRUE(eventually([&] { return peerId() != 0; }));
+    EXPECT_EQ(post("A"), ZELK_OK);
+    if (inTime) recorder.whileShown = letGo;
+    ZELK_Detach();
+    EXPECT_EQ(recorder.takeText(), kIncomplete);
+    if (!inTime) {
+      letGo();
+      endProcess(peerId());
+    }
+    EXPECT_TRUE(eventually([&] { return !processRuns(peerId()); }));
+    // The change as it was handed over, and the end only behind it.
+    expected += inTime ? "\1\0"s : "\1"s;
+    std::string commands, text = outputText();
+    for (size_t i = 0; i < text.size(); i += sizeof(ZELK_OUT_BLOCK))
+      commands += text[i];
+    EXPECT_EQ(commands, expected);
+  }
+}
+
 struct ChildBooks : Environment {
   void TestBody() override {}
 };
@@ -348,6 +389,22 @@ TEST_F(Notification, ProcessEndsWithItsHost) {
 }
 
 #if !defined(_WIN32)
+TEST_F(Notification, EndsNoProcessByItsNumber) {
+  registerApplications();
+  install();
+  // One descriptor more each time: once it is started, and the handle of the process is what is wanting.
+  bool started = false;
+  for (int count = 4; !started && count < 200; ++count) {
+    ASSERT_TRUE(limitDescriptors(count));
+    ZELK_Attach(false);
+    started = recorder.takeText().empty() && ZELK_Status() == ZELK_OK;
+    limitDescriptors(0);
+    ZELK_Detach();
+  }
+  EXPECT_TRUE(started);
+  EXPECT_TRUE(eventually([&] { return lines() == std::vector<std::string>{"Ende", "Ende"}; }));
+}
+
 TEST_F(Notification, ProcessInheritsNothingElse) {
   registerApplications();
   setTimeout("10");

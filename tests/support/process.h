@@ -21,8 +21,26 @@ int runProgram(const std::string &program, const std::string &arguments, const s
 /// would touch the settings of a real installation
 bool shareSettings();
 
-/// Whether a library file exports a function.
-bool hasFunction(const std::string &library, const std::string &name);
+/// A library file that is loaded for as long as this lives.
+class LoadedLibrary {
+public:
+  explicit LoadedLibrary(const std::string &path);
+  ~LoadedLibrary();
+  LoadedLibrary(const LoadedLibrary &) = delete;
+  explicit operator bool() const { return module_ != nullptr; }
+  /// An exported function; null when there is none of that name.
+  void *function(const std::string &name) const;
+
+private:
+  void *module_;
+};
+
+/// Handles or descriptors that this process has open.
+int openHandles();
+
+/// From now on this process has no descriptor of that number or a greater one; 0: as many as before. \return false
+/// where the system has no such limit
+bool limitDescriptors(int count);
 
 /// From now on no file of this process can be written beyond so many bytes, as on a full disk; 0: as far as it was.
 /// \return false where the system has no such limit

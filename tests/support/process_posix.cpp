@@ -3,6 +3,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <dlfcn.h>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <spawn.h>
@@ -86,9 +87,25 @@ bool shareSettings() {
   return true;
 }
 
-bool hasFunction(const std::string &library, const std::string &name) {
-  void *handle = ::dlopen(library.c_str(), RTLD_NOW | RTLD_LOCAL);
-  return handle && ::dlsym(handle, name.c_str());
+LoadedLibrary::LoadedLibrary(const std::string &path) : module_(::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) {}
+LoadedLibrary::~LoadedLibrary() {
+  if (module_) ::dlclose(module_);
+}
+void *LoadedLibrary::function(const std::string &name) const {
+  return module_ ? ::dlsym(module_, name.c_str()) : nullptr;
+}
+
+int openHandles() {
+  std::filesystem::directory_iterator all("/proc/self/fd");
+  return int(std::distance(begin(all), end(all)));
+}
+
+bool limitDescriptors(int count) {
+  struct rlimit limit {};
+  ::getrlimit(RLIMIT_NOFILE, &limit);
+  static const rlim_t before = limit.rlim_cur;
+  limit.rlim_cur = count ? rlim_t(count) : before;
+  return ::setrlimit(RLIMIT_NOFILE, &limit) == 0;
 }
 
 int runSelf(const std::string &role, const std::string &argument) {

@@ -116,9 +116,25 @@ bool shareSettings() {
   return true;
 }
 
-bool hasFunction(const std::string &library, const std::string &name) {
-  HMODULE module = LoadLibraryW(platform::toWide(library).c_str());
-  return module && GetProcAddress(module, name.c_str());
+LoadedLibrary::LoadedLibrary(const std::string &path) : module_(LoadLibraryW(platform::toWide(path).c_str())) {}
+LoadedLibrary::~LoadedLibrary() {
+  if (module_) FreeLibrary(static_cast<HMODULE>(module_));
+}
+void *LoadedLibrary::function(const std::string &name) const {
+  return module_ ? reinterpret_cast<void *>(GetProcAddress(static_cast<HMODULE>(module_), name.c_str())) : nullptr;
+}
+
+int openHandles() {
+  // (GetProcessHandleCount says 0 under Wine.)
+  int count = 0;
+  DWORD flags;
+  for (uintptr_t value = 4; value < 0x20000; value += 4)
+    count += GetHandleInformation(reinterpret_cast<HANDLE>(value), &flags) != 0;
+  return count;
+}
+
+bool limitDescriptors(int) {
+  return false;
 }
 
 int runSelf(const std::string &role, const std::string &argument) {

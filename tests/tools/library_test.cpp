@@ -28,14 +28,41 @@ TEST(Library, ExportsWhatTheHeaderDeclares) {
   auto listed = matches(read(sourceFolder() / "cmake/zelk98.def"), std::regex(R"(\n\s+(\w+)(?=\s*\n))"));
   EXPECT_GT(declared.size(), 20u);
   EXPECT_EQ(declared, listed);
+  LoadedLibrary library(ZELK_LIBRARY);
   for (const std::string &name : declared)
-    EXPECT_TRUE(hasFunction(ZELK_LIBRARY, name)) << name;
-  EXPECT_FALSE(hasFunction(ZELK_LIBRARY, "ZELK_GibtEsNicht"));
+    EXPECT_TRUE(library.function(name)) << name;
+  EXPECT_FALSE(library.function("ZELK_GibtEsNicht"));
   // For hosts that link the C++ names of a Microsoft compiler.
   if (std::string(ZELK_LIBRARY).find(".dll") == std::string::npos) return;
   for (const char *name : {"?ZELK_Attach@@YGH_N@Z", "?ZELK_Detach@@YGHXZ", "?ZELK_InitDLLs@@YGXXZ",
                            "?ZELK_FreeDLLs@@YGXXZ", "?ZELK_Out@@YGXHHHPBXF@Z"})
-    EXPECT_TRUE(hasFunction(ZELK_LIBRARY, name)) << name;
+    EXPECT_TRUE(library.function(name)) << name;
+}
+
+using LibraryOfAHost = Books;
+
+// More rounds than a process has thread-local slots on Windows.
+TEST_F(LibraryOfAHost, IsLoadedAndFreedAgainAndAgain) {
+  const struct {
+    const char *what;
+    bool calls, detaches;
+    int rounds;
+  } rows[] = {{"loads", false, false, 10000}, {"calls", true, false, 10000}, {"calls and detaches", true, true, 1200}};
+  for (const auto &row : rows) {
+    SCOPED_TRACE(row.what);
+    int before = 0;
+    for (int round = 0; round < row.rounds; ++round) {
+      LoadedLibrary library(ZELK_LIBRARY);
+      ASSERT_TRUE(library) << round;
+      using Call = int(ZELK_CALL *)();
+      if (row.calls) {
+        ASSERT_EQ(reinterpret_cast<Call>(library.function("ZELK_InitHoleMandant"))(), ZELK_OK) << round;
+      }
+      if (row.detaches) reinterpret_cast<Call>(library.function("ZELK_Detach"))();
+      if (round == 10) before = openHandles();
+    }
+    EXPECT_EQ(openHandles(), before);
+  }
 }
 
 /// The project's own files, with their text.
@@ -63,7 +90,7 @@ TEST(Style, KeepsTheSystemAndTheEnginesInTheirFolders) {
       {"POSIX",
        R"(#include <(unistd|fcntl|pthread|spawn|dlfcn|sys/\w+)\.h>)",
        {"platform/posix/", "bench/", "examples/zelkout", "tests/support/process_posix", "tests/support/proxy_posix",
-        "tests/store/damage_test"}},
+        "tests/store/damage_test", "tests/exports/protocol_test"}},
       {"SQLite", R"(#include <sqlite3\.h>)", {"family/vldb98/sqlite/", "bench/"}},
       {"ODBC", R"(#include <sql(ext)?\.h>)", {"family/vldb98/odbc/"}},
       {"conditional code for a system",
