@@ -1,6 +1,7 @@
 #include "vldb98/isam_engine.h"
 
 #include <cstring>
+#include <utility>
 
 #include "vldb98/statements.h"
 
@@ -115,6 +116,7 @@ bool IsamEngine::read(ReadOp op, FileNumber file, const SCHLUESSEL *key, const S
     if (op == ReadOp::Range) return readRange(*table, *order, *key, *upper, *record, found);
   }
 
+  if (!begin()) return false;
   bool bounded = op == ReadOp::Next && state.rangeKey == order->index;
   SqlStatement *statement = readStatement(*table, *order, op, bounded);
   if (!statement) return false;
@@ -152,7 +154,7 @@ bool IsamEngine::sum(FileNumber file, const SCHLUESSEL &lower, const SCHLUESSEL 
                      std::span<int64_t> sums) {
   const Table *table = findTable(tableOf(file));
   const Key *key = table ? table->key(keyIndexOf(file)) : nullptr;
-  if (!key || fields.empty() || fields.size() != sums.size()) return false;
+  if (!key || fields.empty() || fields.size() != sums.size() || !begin()) return false;
   const std::vector<int> summed(fields.begin(), fields.end());
   Statement &slot = tables_[size_t(table->number)].sums[{key->index, summed}];
   SqlStatement *statement = prepared(slot, slot ? std::string() : sumStatement(*table, *key, summed));
@@ -172,7 +174,7 @@ bool IsamEngine::sum(FileNumber file, const SCHLUESSEL &lower, const SCHLUESSEL 
 
 bool IsamEngine::execute(SqlStatement &statement) {
   // A step of several statements can lose its transaction among them, also while one of them is prepared.
-  if (lostTransaction()) return false;
+  if (!beginChange()) return false;
   Execution execution(statement);
   return statement.step() == Step::Done;
 }
@@ -187,7 +189,7 @@ void IsamEngine::setCurrent(int number, const DATENBANK &record) {
 
 bool IsamEngine::change(ChangeOp op, FileNumber file, DATENBANK *record) {
   const Table *table = findTable(tableOf(file));
-  if (!table || (op != ChangeOp::Delete && !record) || lostTransaction()) return false;
+  if (!table || (op != ChangeOp::Delete && !record) || !beginChange()) return false;
   forgetAhead(*table);
   return op == ChangeOp::Insert ? insert(*table, *record) : changeCurrent(op, *table, record);
 }
@@ -195,7 +197,7 @@ bool IsamEngine::change(ChangeOp op, FileNumber file, DATENBANK *record) {
 template <class Work> bool IsamEngine::inTransaction(bool needed, Work &&work) {
   const bool own = depth_ == 0 && (needed || locks_->guardsChanges());
   if (own && !transaction(TransactionOp::Begin, false)) return false;
-  const bool done = work();
+  const bool done = beginChange() && work();
   return (!own || transaction(done ? TransactionOp::Commit : TransactionOp::Rollback, false)) && done;
 }
 
@@ -292,7 +294,7 @@ bool IsamEngine::changeCurrent(ChangeOp op, const Table &table, DATENBANK *recor
 bool IsamEngine::deleteBeginning(FileNumber file, const SCHLUESSEL &values, int fields) {
   const Table *table = findTable(tableOf(file));
   const Key *key = table ? table->key(keyIndexOf(file)) : nullptr;
-  if (!key || fields < 1 || size_t(fields) > key->fields.size() || lostTransaction()) return false;
+  if (!key || fields < 1 || size_t(fields) > key->fields.size() || !beginChange()) return false;
   forgetAhead(*table);
   std::vector<int> leading(key->fields.begin(), key->fields.begin() + fields);
   Statement &slot = tables_[size_t(table->number)].deletions[{key->index, fields}];
@@ -302,17 +304,24 @@ bool IsamEngine::deleteBeginning(FileNumber file, const SCHLUESSEL &values, int 
   return inTransaction(false, [&] { return execute(*statement); });
 }
 
+bool IsamEngine::beginNow(bool snapshot) {
+  if (!connection_->begin(snapshot)) return false;
+  forgetBlocks();
+  if (!snapshot && !locks_->beginWriting()) {
+    if (connection_->inTransaction()) connection_->rollback();
+    locks_->endWriting(false);
+    return false;
+  }
+  return begun_ = true;
+}
+
 bool IsamEngine::transaction(TransactionOp op, bool snapshot) {
   if (op == TransactionOp::Begin) {
     if (depth_ == 0) {
-      if (!connection_->begin(snapshot)) return false;
-      forgetBlocks();
+      // The one writer of an embedded database would keep the holders of the locks waited for next from writing.
+      const bool later = !snapshot && !dialect_.locksRows;
+      if (!later && !beginNow(snapshot)) return false;
       snapshot_ = snapshot;
-      if (!snapshot && !locks_->beginWriting()) {
-        if (connection_->inTransaction()) connection_->rollback();
-        locks_->endWriting(false);
-        return false;
-      }
     }
     ++depth_;
     return true;
@@ -321,8 +330,9 @@ bool IsamEngine::transaction(TransactionOp op, bool snapshot) {
   if (op == TransactionOp::Rollback) doomed_ = true;
   if (--depth_ > 0) return true;
   forgetBlocks();
-  const bool commits = !doomed_ && connection_->inTransaction();
-  const bool committed = commits && connection_->commit();
+  const bool begun = std::exchange(begun_, false);
+  const bool commits = !doomed_ && begun && connection_->inTransaction();
+  const bool committed = commits ? connection_->commit() : !doomed_ && !begun;
   if (!committed && connection_->inTransaction()) connection_->rollback();
   if (commits && !committed && !snapshot_ && !connection_->usable()) commitUnanswered_ = true;
   if (!committed) kept_.clear();
@@ -335,7 +345,7 @@ bool IsamEngine::transaction(TransactionOp op, bool snapshot) {
 
 bool IsamEngine::table(TableOp op, int number) {
   const Table *found = findTable(number);
-  if (!found || lostTransaction()) return false;
+  if (!found || !beginChange()) return false;
   forgetAhead(*found);
   // What was changed before would be committed with it.
   if (op != TableOp::Clear && dialect_.tablesEndTransactions && depth_ > 0) return false;
@@ -362,6 +372,7 @@ bool IsamEngine::tableExists(int number, bool &exists) {
   const Table *table = findTable(number);
   exists = false;
   if (!table) return true;
+  if (!begin()) return false;
   SqlStatement *statement = prepared(tableExists_, dialect_.tableExists);
   if (!statement) return false;
   statement->bind(1, table->name);

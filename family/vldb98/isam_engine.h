@@ -90,8 +90,12 @@ private:
   void forgetAhead(const Table &table);
   void forgetBlocks();
   bool execute(SqlStatement &statement);
-  /// The database gave the running transaction up by itself: what is changed now would be committed at once.
-  bool lostTransaction() { return depth_ > 0 && !connection_->inTransaction(); }
+  bool beginNow(bool snapshot);
+  /// Begins a transaction that waits for its first statement.
+  bool begin() { return depth_ == 0 || begun_ || beginNow(false); }
+  /// The same for a change. False also when the database gave the transaction up by itself: what is changed now would
+  /// be committed at once.
+  bool beginChange() { return begin() && (depth_ == 0 || connection_->inTransaction()); }
   /// Does a change that is more than one statement, or has to be in a transaction for another reason.
   template <class Work> bool inTransaction(bool needed, Work &&work);
   bool insert(const Table &table, DATENBANK &record);
@@ -115,6 +119,7 @@ private:
   uint16_t client_ = 0;
   int year_ = 0;
   int depth_ = 0;
+  bool begun_ = false;    // the database's transaction
   bool snapshot_ = false; // the transaction only reads
   bool doomed_ = false;   // an inner transaction was rolled back
   bool commitUnanswered_ = false;

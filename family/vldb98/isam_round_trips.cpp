@@ -159,7 +159,7 @@ bool IsamEngine::readBlock(SqlStatement &statement, const Table &table, bool &fo
 
 bool IsamEngine::insertAll(FileNumber file, const char *records, size_t count) {
   const Table *table = findTable(tableOf(file));
-  if (!table || table->assigned >= 0 || depth_ == 0 || lostTransaction()) return false;
+  if (!table || table->assigned >= 0 || depth_ == 0 || !beginChange()) return false;
   forgetAhead(*table);
   const size_t most = dialect_.remote ? kMostRows : 1;
   for (size_t done = 0; done < count; done += std::min(count - done, most))
@@ -198,7 +198,7 @@ bool IsamEngine::insertNumbered(SqlStatement &statement, const Table &table, cha
     if (int(i) != table.assigned && !bindField(statement, parameter++, table.fields[i], record, scratch_)) return false;
   parameter = bindScopeBehind(statement, table, parameter);
   if (!bindFields(statement, table, fieldsBeforeAssigned(table), record, parameter)) return false;
-  if (lostTransaction()) return false;
+  if (!beginChange()) return false;
   Execution execution(statement);
   if (statement.step() != Step::Row) return false;
   const auto number = int32_t(statement.integer(0));

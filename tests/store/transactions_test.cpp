@@ -102,6 +102,19 @@ TEST_P(Transactions, AreSeenByOthersOnlyWhenCommitted) {
   EXPECT_TRUE(other->Insert(record, kSachkonto, kDefault));
 }
 
+// The order of the writing functions: begin, lock, read, write.
+TEST_P(Transactions, WaitForLocksWithoutKeepingOthersFromWriting) {
+  ASSERT_TRUE(store->Transaktion(kBegin, 0, kDefault) && other->Lock(kSachkonto, nullptr, 0, kDefault));
+  DATENBANK record = account("A");
+  EXPECT_TRUE(other->Insert(record, kSachkonto, kDefault));
+  ASSERT_TRUE(other->Unlock(kSachkonto, 1, kDefault) && store->Lock(kSachkonto, nullptr, 0, kDefault));
+  uint8_t found;
+  EXPECT_TRUE(store->UsedGet(record, KeyBuilder().account("A"), found, kSachkonto, kDefault) && found);
+  record = account("B");
+  EXPECT_EQ(bool(other->Insert(record, kSachkonto, kDefault)), store->IsUsedEngineSQL()) << "begun with the read";
+  ASSERT_TRUE(store->Transaktion(kCommit, 0, kDefault) && store->Unlock(kSachkonto, 1, kDefault));
+}
+
 TEST_P(Transactions, ReadOneStateWhereAskedFor) {
   ASSERT_TRUE(insert("A"));
   ASSERT_TRUE(other->Transaktion(kBegin, 1, kDefault));
