@@ -205,10 +205,9 @@ bool IsamEngine::insert(const Table &table, DATENBANK &record) {
   bool assigns = table.assigned >= 0 && numberAt(table.fields[size_t(table.assigned)], record.bytes) == 0;
   // Where several write at once, rows cannot do that: of an empty table there is none to lock. Who holds the table
   // needs no more.
-  const uint16_t client = table.scope == Scope::Global ? 0 : client_;
-  const LockName counter{client, uint16_t(table.number), LockName::resourceOf("Nr")};
+  const LockName counter = LockName::on(table.number, client_, LockName::resourceOf("Nr"));
   const bool guarded =
-      assigns && dialect_.locksRows && !locks_->holds({client, counter.table, 0}) && !locks_->holds(counter);
+      assigns && dialect_.locksRows && !locks_->holds(LockName::on(table.number, client_)) && !locks_->holds(counter);
   if (guarded && !locks_->acquire({&counter, 1}, LockMode::Exclusive)) return false;
   bool begun = false;
   DATENBANK before = record;

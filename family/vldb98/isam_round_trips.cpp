@@ -25,7 +25,7 @@ bool readFields(SqlStatement &statement, int column, const Table &table, char *r
 } // namespace
 
 const KeptReads::Answer *IsamEngine::kept(ReadOp op, FileNumber file, const SCHLUESSEL &key) const {
-  if (keepsRows() && !locks_->holds({client_, uint16_t(tableOf(file)), 0})) return nullptr;
+  if (keepsRows() && !locks_->holds(LockName::on(tableOf(file), client_))) return nullptr;
   return kept_.find(op, file, key);
 }
 

@@ -14,7 +14,7 @@ int Store::read(ReadOp op, FileNumber file, DBENGINE engine, const SCHLUESSEL *k
                 DATENBANK *record, uint8_t &found, int32_t selector) {
   found = 0;
   if (!inUse(engine)) return 0;
-  if (selector != 0 && !lockNamed({client_.Nummer, uint16_t(tableOf(file)), 0}, 1)) return 0;
+  if (selector != 0 && !lockNamed(LockName::on(tableOf(file), client_.Nummer), 1)) return 0;
   bool there = false;
   bool done = engine_->read(op, file, key, upper, record, there);
   found = done && there;
@@ -167,13 +167,13 @@ bool Store::lockNamed(const LockName &name, int mode) {
 
 int Store::Lock(FileNumber file, const char *name, int mode, DBENGINE engine) {
   uint64_t resource = name && *name ? LockName::resourceOf(name) : 0;
-  return inUse(engine) && lockNamed({client_.Nummer, uint16_t(tableOf(file)), resource}, mode);
+  return inUse(engine) && lockNamed(LockName::on(tableOf(file), client_.Nummer, resource), mode);
 }
 
 int Store::Lock(std::span<const FileNumber> files, DBENGINE engine) {
   std::vector<LockName> names;
   for (FileNumber file : files)
-    names.push_back({client_.Nummer, uint16_t(tableOf(file)), 0});
+    names.push_back(LockName::on(tableOf(file), client_.Nummer));
   return inUse(engine) && engine_->lock(names, LockMode::Exclusive);
 }
 
@@ -193,7 +193,7 @@ int Store::Unlock(std::span<const FileNumber> files, int flag, DBENGINE engine) 
 
 int Store::LockRes(FileNumber file, uint16_t client, const char *resource, int mode, int flag, DBENGINE engine) {
   if (!inUse(engine) || !resource) return 0;
-  return lockNamed({client, uint16_t(tableOf(file)), LockName::resourceOf(resource)}, mode ? mode : flag);
+  return lockNamed(LockName::on(tableOf(file), client, LockName::resourceOf(resource)), mode ? mode : flag);
 }
 
 int Store::LockRes(FileNumber file, uint16_t client, int32_t resource, int mode, int flag, DBENGINE engine) {

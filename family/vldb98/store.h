@@ -107,8 +107,10 @@ public:
   /// \param flag      0: to write; 1: to read several tables in one state
   int Transaktion(int operation, int flag, DBENGINE engine);
   int transactionDepth() const { return engine_->transactionDepth(); }
-  /// \param name null: the table of the open client; else an area of it that the name stands for
-  /// \param mode 0: against all others, until Unlock; 1: waits for the holder only and takes nothing
+  /// Locks on a table that has one set of rows for all clients are those of all clients. A table's lock and those on
+  /// its resources are separate, see LockName. \param name null: the table of the open client; else an area of it that
+  /// the name stands for \param mode 0: against all others, until Unlock; 1: waits for the holder only and takes
+  /// nothing
   int Lock(FileNumber file, const char *name, int mode, DBENGINE engine);
   /// Tables of the open client in the order given, all of them or none; on a server in one step.
   int Lock(std::span<const FileNumber> files, DBENGINE engine);
