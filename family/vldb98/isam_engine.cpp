@@ -101,6 +101,8 @@ bool IsamEngine::read(ReadOp op, FileNumber file, const SCHLUESSEL *key, const S
   if (!order || (takesKey(op) && !key) || (op == ReadOp::Range && !upper)) return false;
   TableState &state = tables_[size_t(table->number)];
   if (steps(op) && state.current.empty()) return true;
+  const bool bounded = op == ReadOp::Next && state.rangeKey == order->index;
+  if (bounded && state.rangeEmpty) return true;
   if (!kept_.empty() && takesKey(op))
     if (const KeptReads::Answer *answer = kept(op, file, *key)) {
       found = answer->found;
@@ -117,7 +119,6 @@ bool IsamEngine::read(ReadOp op, FileNumber file, const SCHLUESSEL *key, const S
   }
 
   if (!begin()) return false;
-  bool bounded = op == ReadOp::Next && state.rangeKey == order->index;
   SqlStatement *statement = readStatement(*table, *order, op, bounded);
   if (!statement) return false;
   int parameter = bindScope(*statement, *table, 1);
@@ -137,6 +138,7 @@ bool IsamEngine::read(ReadOp op, FileNumber file, const SCHLUESSEL *key, const S
   if (op == ReadOp::Range) {
     state.block.drop();
     state.rangeKey = order->index;
+    state.rangeEmpty = !found;
     state.rangeUpper = *upper;
   }
   return !found || readRow(*statement, *table, state, *record);
@@ -202,6 +204,7 @@ template <class Work> bool IsamEngine::inTransaction(bool needed, Work &&work) {
 }
 
 bool IsamEngine::insert(const Table &table, DATENBANK &record) {
+  if (!inScope(table)) return false;
   bool assigns = table.assigned >= 0 && numberAt(table.fields[size_t(table.assigned)], record.bytes) == 0;
   // Where several write at once, rows cannot do that: of an empty table there is none to lock. Who holds the table
   // needs no more.

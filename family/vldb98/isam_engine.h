@@ -62,6 +62,7 @@ private:
     std::map<std::pair<int, std::vector<int>>, Statement> sums; // by key index and fields
     std::vector<char> current;                                  // empty: no current record
     int rangeKey = -1;                                          // key index of a running range
+    bool rangeEmpty = false;
     SCHLUESSEL rangeUpper;
     ReadBlock block; // only on servers
   };
@@ -98,6 +99,10 @@ private:
   bool beginChange() { return begin() && (depth_ == 0 || connection_->inTransaction()); }
   /// Does a change that is more than one statement, or has to be in a transaction for another reason.
   template <class Work> bool inTransaction(bool needed, Work &&work);
+  /// Whether a client is open, and a fiscal year, where the table's rows belong to one.
+  bool inScope(const Table &table) const {
+    return table.scope == Scope::Global || (client_ != 0 && (table.scope == Scope::Client || year_ != 0));
+  }
   bool insert(const Table &table, DATENBANK &record);
   bool insertAssigned(const Table &table, DATENBANK &record);
   bool writeRow(const Table &table, const char *record);

@@ -125,6 +125,7 @@ bool IsamEngine::readRange(const Table &table, const Key &key, const SCHLUESSEL 
   state.block.begin(ReadOp::Next, key.index, true, table.recordSize, rows);
   if (!readBlock(*statement, table, found)) return false;
   state.rangeKey = key.index;
+  state.rangeEmpty = !found;
   state.rangeUpper = upper;
   deliverRow(table, record, found);
   return true;
@@ -159,7 +160,7 @@ bool IsamEngine::readBlock(SqlStatement &statement, const Table &table, bool &fo
 
 bool IsamEngine::insertAll(FileNumber file, const char *records, size_t count) {
   const Table *table = findTable(tableOf(file));
-  if (!table || table->assigned >= 0 || depth_ == 0 || !beginChange()) return false;
+  if (!table || table->assigned >= 0 || depth_ == 0 || !inScope(*table) || !beginChange()) return false;
   forgetAhead(*table);
   const size_t most = dialect_.remote ? kMostRows : 1;
   for (size_t done = 0; done < count; done += std::min(count - done, most))

@@ -19,6 +19,7 @@
 
 #include <chrono>
 #include <functional>
+#include <map>
 #include <memory>
 #include <span>
 #include <string>
@@ -50,7 +51,7 @@ public:
                int32_t selector);
   int GetLeExt(DATENBANK &record, const SCHLUESSEL &key, uint8_t &found, FileNumber file, DBENGINE engine,
                int32_t selector);
-  /// After GetRangeExt on the same file number only as far as its upper key.
+  /// After GetRangeExt on the same file number only as far as its upper key: nothing when there was none in the range.
   int GetNextExt(DATENBANK &record, uint8_t &found, FileNumber file, DBENGINE engine);
   int GetPrevExt(DATENBANK &record, uint8_t &found, FileNumber file, DBENGINE engine);
   int GetRangeExt(DATENBANK &record, const SCHLUESSEL &lower, const SCHLUESSEL &upper, uint8_t &found, FileNumber file,
@@ -83,7 +84,8 @@ public:
   int ReadAhead(std::span<const LookUp> wanted) { return engine_->readAhead(wanted); }
 
   // --- Changes ---
-  /// Fails for a duplicate of a unique key. A number that the table assigns (payment terms, batches, batch postings,
+  /// Fails for a duplicate of a unique key, and while no client (no fiscal year) is open that the record would belong
+  /// to. A number that the table assigns (payment terms, batches, batch postings,
   /// document links) is written back when the record carries 0, and so is the identifier of a batch posting that has
   /// none. The record becomes the current one.
   int Insert(DATENBANK &record, FileNumber file, DBENGINE engine);
@@ -93,7 +95,8 @@ public:
   /// are, at the cost of one statement; done also when there is none. The current record stays where it was.
   int DeleteBeginning(const SCHLUESSEL &key, int fields, FileNumber file, DBENGINE engine);
   /// Bulk insertion: all records between InitMultiInsert and EndMultiInsert, or none. After a failed MultiInsertNext,
-  /// EndMultiInsert undoes the others and fails.
+  /// EndMultiInsert undoes the others and fails. Those of several tables that overlap are decided together, with the
+  /// last end: all of their records, or none.
   int InitMultiInsert(FileNumber file, DBENGINE engine);
   int MultiInsertNext(DATENBANK &record, FileNumber file, DBENGINE engine);
   int EndMultiInsert(FileNumber file, DBENGINE engine);
@@ -202,6 +205,7 @@ private:
            DATENBANK *record, uint8_t &found, int32_t selector = 0);
   bool inUse(DBENGINE engine) const { return engine == ZELK_ENG_DEFAULT || engine == engine_->kind(); }
   bool lockNamed(const LockName &name, int mode);
+  bool inBulk(FileNumber file);
   bool writePosting(BATCHBUCHUNG &posting);
   enum class Outcome : uint8_t { Stored, NotStored, Unknown };
   Outcome settle(const BATCHBUCHUNG &posting);
@@ -223,8 +227,8 @@ private:
   char openYear_[3] = "";
   std::vector<SPLIT> lines_;
   std::vector<KOBU> costs_;
-  BATCHBUCHUNG posting_{}; // as last read or written; number 0: none
-  bool multiInsertFailed_ = false;
+  BATCHBUCHUNG posting_{};    // as last read or written; number 0: none
+  std::map<int, bool> bulks_; // bulk insertions under way: by table, whether a record was refused
   bool outcomeUnknown_ = false;
 };
 

@@ -205,6 +205,22 @@ TEST_P(Transactions, MultiInsertIsAllOrNothing) {
     EXPECT_EQ(accounts(), row.left);
   }
   EXPECT_FALSE(store->EndMultiInsert(kSachkonto, kDefault));
+
+  // Two in turns stand or fall together, whichever was refused a record.
+  for (bool refused : {true, false}) {
+    ASSERT_TRUE(store->InitMultiInsert(kSachkonto, kDefault));
+    DATENBANK record = account(refused ? "A" : "E"), batch{};
+    EXPECT_EQ(store->MultiInsertNext(record, kSachkonto, kDefault), !refused);
+    EXPECT_FALSE(store->MultiInsertNext(batch, kStapel, kDefault)) << "not begun";
+    ASSERT_TRUE(store->InitMultiInsert(kStapel, kDefault));
+    EXPECT_FALSE(store->InitMultiInsert(kStapel, kDefault));
+    EXPECT_TRUE(store->MultiInsertNext(batch, kStapel, kDefault));
+    EXPECT_EQ(store->EndMultiInsert(kStapel, kDefault), !refused);
+    EXPECT_EQ(store->EndMultiInsert(kSachkonto, kDefault), !refused);
+    uint8_t there;
+    EXPECT_TRUE(store->Used(KeyBuilder().number(int32_t(2)), there, kStapel, kDefault) && bool(there) == !refused);
+  }
+  EXPECT_EQ(accounts(), "ABCDE");
 }
 
 TEST_P(Transactions, LeereRelationEmptiesItsScopeOnly) {
