@@ -31,6 +31,9 @@ bool makeDirectories(const std::string &path);
 /// The path from the root of its volume; the path need not exist.
 std::string absolutePath(const std::string &path);
 
+/// The path with the long names of its folders, where it names one by its short name of eight characters (Windows).
+std::string longPath(const std::string &path);
+
 /// The content of a file; nothing when it cannot be read.
 std::optional<std::string> readFile(const std::string &path);
 

@@ -196,6 +196,9 @@ public:
   int DropTable(int table);
   int CreateSako() { return CreateTable(kSachkonto); }
   int CreateKost() { return CreateTable(kKost); }
+  int CreateBube() { return CreateTable(kBuchungsbeleg); }
+  /// Those of both kinds of personal accounts.
+  int CreateOp() { return CreateTable(kOPDebitor) && CreateTable(kOPKreditor); }
   int CreateBatch() { return CreateTable(kBatchbuchung); }
   int CreateSplit() { return CreateTable(kSplit); }
   int CreateKobu() { return CreateTable(kKobu); }

@@ -55,6 +55,10 @@ std::string absolutePath(const std::string &path) {
   return error ? path : absolute.lexically_normal().string();
 }
 
+std::string longPath(const std::string &path) {
+  return path;
+}
+
 std::optional<std::string> readFile(const std::string &path) {
   if (!isFile(path)) return std::nullopt;
   std::ifstream file(path, std::ios::binary);

@@ -274,6 +274,15 @@ TEST_P(Transactions, TablesAreMadeAndDropped) {
   EXPECT_EQ(accounts(), "B");
   EXPECT_TRUE(store->DeleteTable(kSachkonto));
   EXPECT_EQ(accounts(), "");
+  const std::pair<int (Store::*)(), std::vector<int>> created[] = {{&Store::CreateBube, {kBuchungsbeleg}},
+                                                                   {&Store::CreateOp, {kOPDebitor, kOPKreditor}}};
+  for (const auto &[create, tables] : created) {
+    for (int table : tables)
+      EXPECT_TRUE(store->DropTable(table));
+    EXPECT_TRUE((store.get()->*create)());
+    for (int table : tables)
+      EXPECT_TRUE(store->TableExists(table, exists) && exists) << table;
+  }
 }
 
 ZELK_ON_ALL_ENGINES(Transactions);
