@@ -108,10 +108,11 @@ ZelkResult runBody(const Export &self, std::span<const Parameter> parameters, de
     return ZELKERR_Ueberlauf;
   }
   if (context && flag) context->fehlermeldungen = int32_t(flag->number);
+  // A connection can be lost behind what a call was to do, and the database's file removed or replaced between two.
+  if (context && context->sessionLost()) context->closeSession();
   ZelkResult result = body(object, context);
-  // Whatever the database came to, the next call begins with a connection of its own. A connection can also be lost
-  // behind what the call was to do.
-  if (context && (result == ZELKERR_Datenbank || context->sessionLost())) context->closeSession();
+  // Whatever the database came to, the next call begins with a connection of its own.
+  if (context && result == ZELKERR_Datenbank) context->closeSession();
   return result;
 }
 

@@ -119,6 +119,7 @@ public:
   virtual bool holdsLocks() const = 0;
 
   /// False when the connection to a server is lost: everything fails from then on, and locks and transaction are gone.
+  /// Also when the embedded database's file was removed, renamed or replaced, itself or one of its folders.
   virtual bool usable() const = 0;
   /// Why a transaction that was not carried out was not.
   virtual Failure failure() const = 0;

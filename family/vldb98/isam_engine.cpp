@@ -336,7 +336,7 @@ bool IsamEngine::transaction(TransactionOp op, bool snapshot) {
   const bool commits = !doomed_ && begun && connection_->inTransaction();
   const bool committed = commits ? connection_->commit() : !doomed_ && !begun;
   if (!committed && connection_->inTransaction()) connection_->rollback();
-  if (commits && !committed && !snapshot_ && !connection_->usable()) commitUnanswered_ = true;
+  if (dialect_.remote && commits && !committed && !snapshot_ && !connection_->usable()) commitUnanswered_ = true;
   if (!committed) kept_.clear();
   doomed_ = false;
   if (!snapshot_) locks_->endWriting(committed);

@@ -129,7 +129,8 @@ public:
   /// Records carry no locks of their own here, so there is never one left to release: always done.
   int UnlockCurrentRecord(FileNumber file, DBENGINE engine);
   bool holdsLocks() const { return engine_->holdsLocks(); }
-  /// False when the connection to a server is lost, with locks and transaction: the session is of no more use.
+  /// False when the session is of no more use: the connection to a server is lost, with locks and transaction, or
+  /// the embedded database's file is no longer in its place.
   bool usable() const { return engine_->usable(); }
   /// For a later session to end this one with, when its connection was lost and the server has not noticed.
   SessionTrace trace() const { return engine_->trace(); }

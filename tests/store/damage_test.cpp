@@ -186,6 +186,56 @@ TEST_F(Damage, FolderThatIsGone) {
   expectGood();
 }
 
+#if !defined(_WIN32) // where open files stay in their places
+TEST_F(Damage, FileThatLeavesItsPlaceUnderTheHost) {
+  const fs::path aside = folder() / "aside";
+  auto swap = [](const fs::path &from, const fs::path &to) { return [=] { fs::rename(from, to); }; };
+  struct Row {
+    const char *what;
+    std::function<void()> away, back;
+  };
+  const Row missing[] = {{"renamed", swap(database(), aside), swap(aside, database())},
+                         {"in a folder that is renamed", swap(dataFolder(), aside), swap(aside, dataFolder())},
+                         {"removed",
+                          [&] {
+                            for (const char *end : {"", "-wal", "-shm"})
+                              fs::remove(database().string() + end);
+                          },
+                          [&] { restore(); }}};
+  for (const Row &row : missing)
+    for (const Call &call : kCalls) {
+      SCOPED_TRACE(std::string(row.what) + ", " + call.name);
+      ZELK_Detach();
+      restore();
+      ASSERT_EQ(documents(), "B-1 ");
+      row.away();
+      EXPECT_EQ(call.run(), ZELKERR_Datenbank);
+      EXPECT_FALSE(fs::exists(database()));
+      row.back();
+      EXPECT_EQ(call.run(), call.good);
+    }
+  // Another file in its place is the one to go on with.
+  ZELK_Detach();
+  restore();
+  swap(dataFolder(), aside)();
+  fs::create_directory_symlink(aside, dataFolder());
+  const std::function<void()> replacements[] = {[&] { restore(); },
+                                                [&] {
+                                                  fs::copy(aside, folder() / "other", fs::copy_options::recursive);
+                                                  fs::remove(dataFolder());
+                                                  fs::create_directory_symlink(folder() / "other", dataFolder());
+                                                }};
+  for (const auto &replace : replacements) {
+    const std::string before = documents();
+    replace();
+    ZELK_BUCHUNG made = posting("B-9");
+    EXPECT_EQ(ZELK_BuchungEinfuegen(&made, 0), ZELK_OK);
+    ZELK_Detach();
+    EXPECT_EQ(documents(), before + "B-9 ");
+  }
+}
+#endif
+
 TEST_F(Damage, LockFileThatCannotBeOpened) {
   fs::remove(lockFile());
   fs::create_directory(lockFile());
