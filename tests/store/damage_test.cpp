@@ -291,6 +291,8 @@ TEST_F(Damage, WriteProtectedDatabase) {
       fs::permissions(path, fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write, change);
   };
   std::string before = content(database());
+  std::error_code none; // where settings are no file
+  fs::permissions(folder() / "settings.ini", fs::perms::others_read, fs::perm_options::add, none);
   protect(fs::perm_options::remove);
   int code = runChild("write-protected");
   protect(fs::perm_options::add);
