@@ -227,17 +227,16 @@ TEST_F(SettingsFile, RefusesNamesThatCannotStandInIt) {
 
 TEST_F(SettingsFile, KeepsItsModeOwnerAndLink) {
   namespace fs = std::filesystem;
-  auto mode = [](const fs::path &file) { return unsigned(fs::status(file).permissions()); };
   const fs::path target = folder() / "woanders" / "fibu.ini";
   fs::create_directory(target.parent_path());
   fs::create_symlink("woanders/fibu.ini", path());
   ASSERT_TRUE(MFWritePrivateProfileString("MFIBU", "Name", "x", nullptr)) << "to where the link leads";
-  EXPECT_EQ(mode(target), 0600u);
+  EXPECT_EQ(fs::status(target).permissions(), fs::perms(0600));
   fs::permissions(target, fs::perms(0640));
   const bool given = runProgram("/bin/chown", "65534:65534 '" + target.string() + "'", "/dev/null") == 0;
   ASSERT_TRUE(MFWritePrivateProfileString("MFIBU", "Name", "y", nullptr));
   EXPECT_TRUE(fs::is_symlink(path()));
-  EXPECT_EQ(mode(target), 0640u);
+  EXPECT_EQ(fs::status(target).permissions(), fs::perms(0640));
   EXPECT_EQ(value("MFIBU", "Name"), "y");
   const std::string owner = (folder() / "owner").string();
   ASSERT_EQ(runProgram("/usr/bin/stat", "-c %u:%g '" + target.string() + "'", owner), 0);
