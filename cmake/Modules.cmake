@@ -1,4 +1,4 @@
-# One target per folder. A folder's headers are reachable only by the targets that name it under USES, so an include
+# One target per folder, with the sources of its subfolder for the system where it has one. A folder's headers are reachable only by the targets that name it under USES, so an include
 # that points against the order of the layers does not compile.
 #
 # A module with exports hands on all of its objects, whether or not something refers to them.
@@ -7,10 +7,8 @@
 function(zelk_module name folder)
   cmake_parse_arguments(arg "EXPORTING" "" "USES" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/${folder}/*.cpp")
-  if(name STREQUAL "platform")
-    file(GLOB system_sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/${folder}/${ZELK_SYSTEM}/*.cpp")
-    list(APPEND sources ${system_sources})
-  endif()
+  file(GLOB system_sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/${folder}/${ZELK_SYSTEM}/*.cpp")
+  list(APPEND sources ${system_sources})
   # Headers are included as "<module>/<header>.h". The link gives each module an include root that shows nothing else.
   set(root "${CMAKE_BINARY_DIR}/include-roots/${name}")
   file(MAKE_DIRECTORY "${root}")

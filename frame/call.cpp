@@ -113,12 +113,13 @@ ZelkResult runBody(const Export &self, std::span<const Parameter> parameters, de
     reportOverflow(*overflow, flag && flag->number);
     return ZELKERR_Ueberlauf;
   }
+  // A connection can be lost behind what a call was to do, and the database's file removed or replaced between two.
+  if (context && context->sessionLost()) context->closeSession();
   ZelkResult result = body(object, context);
   // What a call has no message of its own for: it was given a null pointer.
   if (context && flag && result == ZELKERR_nicht_moeglich) refuse(*context, result, resources::textId(result));
-  // Whatever the database came to, the next call begins with a connection of its own. A connection can also be lost
-  // behind what the call was to do.
-  if (context && (result == ZELKERR_Datenbank || context->sessionLost())) context->closeSession();
+  // Whatever the database came to, the next call begins with a connection of its own.
+  if (context && result == ZELKERR_Datenbank) context->closeSession();
   return result;
 }
 

@@ -80,7 +80,7 @@ struct ThreadContext {
   /// The thread's session, opened on first need; null when the database cannot be opened.
   vldb98::Store *session();
 
-  /// Whether the session has lost its connection.
+  /// Whether the session has lost its connection, or its file is no longer in its place.
   bool sessionLost() const { return session_ && !session_->usable(); }
 
   /// Closes the session: what it had begun is rolled back, what it had locked is free.

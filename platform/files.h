@@ -1,6 +1,7 @@
 /// Folders and paths. All texts are UTF-8.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -30,6 +31,17 @@ bool makeDirectories(const std::string &path);
 
 /// The path from the root of its volume; the path need not exist.
 std::string absolutePath(const std::string &path);
+
+/// Tells a file from another one that takes its place; none: there is no file. On Windows, where nobody can remove or
+/// replace a file that is open, it is the same for all.
+struct FileIdentity {
+  uint64_t device = 0, number = 0;
+  bool operator==(const FileIdentity &) const = default;
+};
+FileIdentity fileIdentity(const std::string &path);
+
+/// The path with the long names of its folders, where it names one by its short name of eight characters (Windows).
+std::string longPath(const std::string &path);
 
 /// The content of a file; nothing when it cannot be read.
 std::optional<std::string> readFile(const std::string &path);

@@ -14,7 +14,12 @@ enum class Hive { LocalMachine, CurrentUser };
 /// A text value. Nothing when it, or its key, is missing, is no text, or cannot be read.
 std::optional<std::string> readRegistry(Hive hive, const std::string &key, const std::string &name);
 
-/// Writes a text value and makes its key when missing. Writers exclude each other; readers never see half a write.
+/// Writes a text value and makes its key when missing. Writers exclude each other; readers never see half a write. The
+/// text file is replaced by a whole new one, which has its owner and mode (a first one is its user's alone) and stands
+/// where a symbolic link leads to; values keep blanks at their ends (in quotes, in the file).
+/// \return false when it was not written, and nothing is changed; in the text file also for keys and names that cannot
+///         stand there: with control characters, with blanks at their ends, keys with "]", names with "=", and those
+///         that are empty or begin with ";", "#" or "["
 bool writeRegistry(Hive hive, const std::string &key, const std::string &name, const std::string &value);
 
 /// The same for a value that is a number of 32 bits. Nothing when it is missing or no number.

@@ -139,10 +139,19 @@ ConnectResult ConnectSQL(unsigned flags, DBENGINE engine, const char *host, cons
   return ConnectResult::Done;
 }
 
-void DeinitializeDB() {
+void SchliessDB() {
   std::lock_guard guard(state().mutex);
   state().open = false;
   ++state().generation;
+}
+
+void DeinitializeDB() {
+  SchliessDB();
+  std::lock_guard guard(state().mutex);
+  state().settings.openEmbedded = {};
+  state().settings.openServer = {};
+  state().settings.server = {};
+  state().defaults.server = {};
 }
 
 bool IsZELKMode() {
@@ -153,6 +162,9 @@ DBENGINE GetUsedEngine() {
 }
 std::string HoleDbPfad() {
   return platform::withSeparator(settingsNow().directory);
+}
+std::string HoleLongDbPfad() {
+  return platform::longPath(HoleDbPfad());
 }
 
 bool IsDbOffen() {

@@ -52,7 +52,9 @@ constexpr unsigned kConnectSilently = 0x310;
 ConnectResult ConnectSQL(unsigned flags, DBENGINE engine, const char *host, const char *user, const char *password,
                          uint16_t port, const char *extra, const char *database);
 
-/// Closes the database for the process: no session is opened any more until the next attach.
+/// Closes the database: sessions end with their threads' next call, and none is opened until ConnectSQL has chosen one.
+void SchliessDB();
+/// The same for good: until the next attach ConnectSQL fails, too.
 void DeinitializeDB();
 
 /// True while the data lies in a directory of the product's own, not on a server.
@@ -61,6 +63,8 @@ bool IsZELKMode();
 DBENGINE GetUsedEngine();
 /// Directory of the embedded database, with a separator at its end.
 std::string HoleDbPfad();
+/// The same with the long names of its folders, however the settings name them.
+std::string HoleLongDbPfad();
 /// Whether a session can be opened.
 bool IsDbOffen();
 

@@ -102,7 +102,9 @@ public:
   virtual bool deleteBeginning(FileNumber file, const SCHLUESSEL &key, int fields) = 0;
 
   /// Transactions nest: only the outermost one is the database's. An inner rollback makes the outermost commit fail,
-  /// rolled back. \param snapshot begins without the intention to write
+  /// rolled back. On the embedded database one that is to write begins with its first read or change, so that locks
+  /// waited for before that keep no other writer waiting, and all of it sees what their holders left.
+  /// \param snapshot begins without the intention to write
   virtual bool transaction(TransactionOp op, bool snapshot) = 0;
   virtual int transactionDepth() const = 0;
 
@@ -117,6 +119,7 @@ public:
   virtual bool holdsLocks() const = 0;
 
   /// False when the connection to a server is lost: everything fails from then on, and locks and transaction are gone.
+  /// Also when the embedded database's file was removed, renamed or replaced, itself or one of its folders.
   virtual bool usable() const = 0;
   /// Why a transaction that was not carried out was not.
   virtual Failure failure() const = 0;

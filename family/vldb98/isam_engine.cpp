@@ -1,6 +1,7 @@
 #include "vldb98/isam_engine.h"
 
 #include <cstring>
+#include <utility>
 
 #include "vldb98/statements.h"
 
@@ -100,6 +101,8 @@ bool IsamEngine::read(ReadOp op, FileNumber file, const SCHLUESSEL *key, const S
   if (!order || (takesKey(op) && !key) || (op == ReadOp::Range && !upper)) return false;
   TableState &state = tables_[size_t(table->number)];
   if (steps(op) && state.current.empty()) return true;
+  const bool bounded = op == ReadOp::Next && state.rangeKey == order->index;
+  if (bounded && state.rangeEmpty) return true;
   if (!kept_.empty() && takesKey(op))
     if (const KeptReads::Answer *answer = kept(op, file, *key)) {
       found = answer->found;
@@ -115,7 +118,7 @@ bool IsamEngine::read(ReadOp op, FileNumber file, const SCHLUESSEL *key, const S
     if (op == ReadOp::Range) return readRange(*table, *order, *key, *upper, *record, found);
   }
 
-  bool bounded = op == ReadOp::Next && state.rangeKey == order->index;
+  if (!begin()) return false;
   SqlStatement *statement = readStatement(*table, *order, op, bounded);
   if (!statement) return false;
   int parameter = bindScope(*statement, *table, 1);
@@ -135,6 +138,7 @@ bool IsamEngine::read(ReadOp op, FileNumber file, const SCHLUESSEL *key, const S
   if (op == ReadOp::Range) {
     state.block.drop();
     state.rangeKey = order->index;
+    state.rangeEmpty = !found;
     state.rangeUpper = *upper;
   }
   return !found || readRow(*statement, *table, state, *record);
@@ -152,7 +156,7 @@ bool IsamEngine::sum(FileNumber file, const SCHLUESSEL &lower, const SCHLUESSEL 
                      std::span<int64_t> sums) {
   const Table *table = findTable(tableOf(file));
   const Key *key = table ? table->key(keyIndexOf(file)) : nullptr;
-  if (!key || fields.empty() || fields.size() != sums.size()) return false;
+  if (!key || fields.empty() || fields.size() != sums.size() || !begin()) return false;
   const std::vector<int> summed(fields.begin(), fields.end());
   Statement &slot = tables_[size_t(table->number)].sums[{key->index, summed}];
   SqlStatement *statement = prepared(slot, slot ? std::string() : sumStatement(*table, *key, summed));
@@ -172,7 +176,7 @@ bool IsamEngine::sum(FileNumber file, const SCHLUESSEL &lower, const SCHLUESSEL 
 
 bool IsamEngine::execute(SqlStatement &statement) {
   // A step of several statements can lose its transaction among them, also while one of them is prepared.
-  if (lostTransaction()) return false;
+  if (!beginChange()) return false;
   Execution execution(statement);
   return statement.step() == Step::Done;
 }
@@ -187,7 +191,7 @@ void IsamEngine::setCurrent(int number, const DATENBANK &record) {
 
 bool IsamEngine::change(ChangeOp op, FileNumber file, DATENBANK *record) {
   const Table *table = findTable(tableOf(file));
-  if (!table || (op != ChangeOp::Delete && !record) || lostTransaction()) return false;
+  if (!table || (op != ChangeOp::Delete && !record) || !beginChange()) return false;
   forgetAhead(*table);
   return op == ChangeOp::Insert ? insert(*table, *record) : changeCurrent(op, *table, record);
 }
@@ -195,18 +199,18 @@ bool IsamEngine::change(ChangeOp op, FileNumber file, DATENBANK *record) {
 template <class Work> bool IsamEngine::inTransaction(bool needed, Work &&work) {
   const bool own = depth_ == 0 && (needed || locks_->guardsChanges());
   if (own && !transaction(TransactionOp::Begin, false)) return false;
-  const bool done = work();
+  const bool done = beginChange() && work();
   return (!own || transaction(done ? TransactionOp::Commit : TransactionOp::Rollback, false)) && done;
 }
 
 bool IsamEngine::insert(const Table &table, DATENBANK &record) {
+  if (!inScope(table)) return false;
   bool assigns = table.assigned >= 0 && numberAt(table.fields[size_t(table.assigned)], record.bytes) == 0;
   // Where several write at once, rows cannot do that: of an empty table there is none to lock. Who holds the table
   // needs no more.
-  const uint16_t client = table.scope == Scope::Global ? 0 : client_;
-  const LockName counter{client, uint16_t(table.number), LockName::resourceOf("Nr")};
+  const LockName counter = LockName::on(table.number, client_, LockName::resourceOf("Nr"));
   const bool guarded =
-      assigns && dialect_.locksRows && !locks_->holds({client, counter.table, 0}) && !locks_->holds(counter);
+      assigns && dialect_.locksRows && !locks_->holds(LockName::on(table.number, client_)) && !locks_->holds(counter);
   if (guarded && !locks_->acquire({&counter, 1}, LockMode::Exclusive)) return false;
   bool begun = false;
   DATENBANK before = record;
@@ -308,7 +312,7 @@ bool IsamEngine::changeCurrent(ChangeOp op, const Table &table, DATENBANK *recor
 bool IsamEngine::deleteBeginning(FileNumber file, const SCHLUESSEL &values, int fields) {
   const Table *table = findTable(tableOf(file));
   const Key *key = table ? table->key(keyIndexOf(file)) : nullptr;
-  if (!key || fields < 1 || size_t(fields) > key->fields.size() || lostTransaction()) return false;
+  if (!key || fields < 1 || size_t(fields) > key->fields.size() || !beginChange()) return false;
   forgetAhead(*table);
   std::vector<int> leading(key->fields.begin(), key->fields.begin() + fields);
   Statement &slot = tables_[size_t(table->number)].deletions[{key->index, fields}];
@@ -318,17 +322,24 @@ bool IsamEngine::deleteBeginning(FileNumber file, const SCHLUESSEL &values, int 
   return inTransaction(false, [&] { return execute(*statement); });
 }
 
+bool IsamEngine::beginNow(bool snapshot) {
+  if (!connection_->begin(snapshot)) return false;
+  forgetBlocks();
+  if (!snapshot && !locks_->beginWriting()) {
+    if (connection_->inTransaction()) connection_->rollback();
+    locks_->endWriting(false);
+    return false;
+  }
+  return begun_ = true;
+}
+
 bool IsamEngine::transaction(TransactionOp op, bool snapshot) {
   if (op == TransactionOp::Begin) {
     if (depth_ == 0) {
-      if (!connection_->begin(snapshot)) return false;
-      forgetBlocks();
+      // The one writer of an embedded database would keep the holders of the locks waited for next from writing.
+      const bool later = !snapshot && !dialect_.locksRows;
+      if (!later && !beginNow(snapshot)) return false;
       snapshot_ = snapshot;
-      if (!snapshot && !locks_->beginWriting()) {
-        if (connection_->inTransaction()) connection_->rollback();
-        locks_->endWriting(false);
-        return false;
-      }
     }
     ++depth_;
     return true;
@@ -337,10 +348,11 @@ bool IsamEngine::transaction(TransactionOp op, bool snapshot) {
   if (op == TransactionOp::Rollback) doomed_ = true;
   if (--depth_ > 0) return true;
   forgetBlocks();
-  const bool commits = !doomed_ && connection_->inTransaction();
-  const bool committed = commits && connection_->commit();
+  const bool begun = std::exchange(begun_, false);
+  const bool commits = !doomed_ && begun && connection_->inTransaction();
+  const bool committed = commits ? connection_->commit() : !doomed_ && !begun;
   if (!committed && connection_->inTransaction()) connection_->rollback();
-  if (commits && !committed && !snapshot_ && !connection_->usable()) commitUnanswered_ = true;
+  if (dialect_.remote && commits && !committed && !snapshot_ && !connection_->usable()) commitUnanswered_ = true;
   if (!committed) kept_.clear();
   doomed_ = false;
   if (!snapshot_) locks_->endWriting(committed);
@@ -351,7 +363,7 @@ bool IsamEngine::transaction(TransactionOp op, bool snapshot) {
 
 bool IsamEngine::table(TableOp op, int number) {
   const Table *found = findTable(number);
-  if (!found || lostTransaction()) return false;
+  if (!found || !beginChange()) return false;
   forgetAhead(*found);
   // What was changed before would be committed with it.
   if (op != TableOp::Clear && dialect_.tablesEndTransactions && depth_ > 0) return false;
@@ -378,6 +390,7 @@ bool IsamEngine::tableExists(int number, bool &exists) {
   const Table *table = findTable(number);
   exists = false;
   if (!table) return true;
+  if (!begin()) return false;
   SqlStatement *statement = prepared(tableExists_, dialect_.tableExists);
   if (!statement) return false;
   statement->bind(1, table->name);

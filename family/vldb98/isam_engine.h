@@ -62,6 +62,7 @@ private:
     std::map<std::pair<int, std::vector<int>>, Statement> sums; // by key index and fields
     std::vector<char> current;                                  // empty: no current record
     int rangeKey = -1;                                          // key index of a running range
+    bool rangeEmpty = false;
     SCHLUESSEL rangeUpper;
     ReadBlock block; // only on servers
   };
@@ -90,10 +91,18 @@ private:
   void forgetAhead(const Table &table);
   void forgetBlocks();
   bool execute(SqlStatement &statement);
-  /// The database gave the running transaction up by itself: what is changed now would be committed at once.
-  bool lostTransaction() { return depth_ > 0 && !connection_->inTransaction(); }
+  bool beginNow(bool snapshot);
+  /// Begins a transaction that waits for its first statement.
+  bool begin() { return depth_ == 0 || begun_ || beginNow(false); }
+  /// The same for a change. False also when the database gave the transaction up by itself: what is changed now would
+  /// be committed at once.
+  bool beginChange() { return begin() && (depth_ == 0 || connection_->inTransaction()); }
   /// Does a change that is more than one statement, or has to be in a transaction for another reason.
   template <class Work> bool inTransaction(bool needed, Work &&work);
+  /// Whether a client is open, and a fiscal year, where the table's rows belong to one.
+  bool inScope(const Table &table) const {
+    return table.scope == Scope::Global || (client_ != 0 && (table.scope == Scope::Client || year_ != 0));
+  }
   bool insert(const Table &table, DATENBANK &record);
   bool insertAssigned(const Table &table, DATENBANK &record);
   bool writeRow(const Table &table, const char *record);
@@ -117,6 +126,7 @@ private:
   uint16_t client_ = 0;
   int year_ = 0;
   int depth_ = 0;
+  bool begun_ = false;    // the database's transaction
   bool snapshot_ = false; // the transaction only reads
   bool doomed_ = false;   // an inner transaction was rolled back
   bool commitUnanswered_ = false;

@@ -25,7 +25,7 @@ bool readFields(SqlStatement &statement, int column, const Table &table, char *r
 } // namespace
 
 const KeptReads::Answer *IsamEngine::kept(ReadOp op, FileNumber file, const SCHLUESSEL &key) const {
-  if (keepsRows() && !locks_->holds({client_, uint16_t(tableOf(file)), 0})) return nullptr;
+  if (keepsRows() && !locks_->holds(LockName::on(tableOf(file), client_))) return nullptr;
   return kept_.find(op, file, key);
 }
 
@@ -125,6 +125,7 @@ bool IsamEngine::readRange(const Table &table, const Key &key, const SCHLUESSEL 
   state.block.begin(ReadOp::Next, key.index, true, table.recordSize, rows);
   if (!readBlock(*statement, table, found)) return false;
   state.rangeKey = key.index;
+  state.rangeEmpty = !found;
   state.rangeUpper = upper;
   deliverRow(table, record, found);
   return true;
@@ -159,7 +160,7 @@ bool IsamEngine::readBlock(SqlStatement &statement, const Table &table, bool &fo
 
 bool IsamEngine::insertAll(FileNumber file, const char *records, size_t count) {
   const Table *table = findTable(tableOf(file));
-  if (!table || table->assigned >= 0 || depth_ == 0 || lostTransaction()) return false;
+  if (!table || table->assigned >= 0 || depth_ == 0 || !inScope(*table) || !beginChange()) return false;
   forgetAhead(*table);
   const size_t most = dialect_.remote ? kMostRows : 1;
   for (size_t done = 0; done < count; done += std::min(count - done, most))
@@ -198,7 +199,7 @@ bool IsamEngine::insertNumbered(SqlStatement &statement, const Table &table, cha
     if (int(i) != table.assigned && !bindField(statement, parameter++, table.fields[i], record, scratch_)) return false;
   parameter = bindScopeBehind(statement, table, parameter);
   if (!bindFields(statement, table, fieldsBeforeAssigned(table), record, parameter)) return false;
-  if (lostTransaction()) return false;
+  if (!beginChange()) return false;
   Execution execution(statement);
   if (statement.step() != Step::Row) return false;
   const auto number = int32_t(statement.integer(0));

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "platform/system.h"
+#include "vldb98/schema.h"
 
 namespace vldb98 {
 namespace {
@@ -57,6 +58,11 @@ private:
 };
 
 } // namespace
+
+LockName LockName::on(int number, uint16_t client, uint64_t resource) {
+  const Table *table = findTable(number);
+  return {table && table->scope == Scope::Global ? uint16_t(0) : client, uint16_t(number), resource};
+}
 
 uint64_t LockName::resourceOf(std::string_view text) {
   uint64_t hash = 0xCBF29CE484222325ull;

@@ -15,13 +15,17 @@
 
 namespace vldb98 {
 
-/// What a lock is on: a table of a client, or one resource of such a table.
+/// What a lock is on: a table of a client, or one resource of such a table. A table's lock and those on its resources
+/// are separate and never wait for each other (the named locks of servers know no shared kind): who changes rows locks
+/// the table, and a resource's lock holds among those who ask for that resource. Who needs both takes the table first.
 struct LockName {
-  uint16_t client = 0; ///< 0: of the whole database
+  uint16_t client = 0; ///< 0: of the whole database, as every lock on a table that has one set of rows
   uint16_t table = 0;
   uint64_t resource = 0; ///< 0: the whole table
 
   auto operator<=>(const LockName &) const = default;
+
+  static LockName on(int table, uint16_t client, uint64_t resource = 0);
 
   /// A resource named by a text; never 0.
   /// \par Source

@@ -80,7 +80,8 @@ public:
   virtual int64_t number() const { return 0; }
   /// Of the statement that failed last since the last begin(); Other when none has.
   virtual Failure failure() const { return Failure::Other; }
-  /// False when it is lost for good: everything fails from then on.
+  /// False when it is lost for good: everything fails from then on. Also when the file that it has open is not the one
+  /// under its name any more: what is written would be gone.
   virtual bool usable() const { return true; }
 };
 

@@ -1,5 +1,6 @@
 #include "vldb98/store.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <cstring>
@@ -14,7 +15,7 @@ int Store::read(ReadOp op, FileNumber file, DBENGINE engine, const SCHLUESSEL *k
                 DATENBANK *record, uint8_t &found, int32_t selector) {
   found = 0;
   if (!inUse(engine)) return 0;
-  if (selector != 0 && !lockNamed({client_.Nummer, uint16_t(tableOf(file)), 0}, 1)) return 0;
+  if (selector != 0 && !lockNamed(LockName::on(tableOf(file), client_.Nummer), 1)) return 0;
   bool there = false;
   bool done = engine_->read(op, file, key, upper, record, there);
   found = done && there;
@@ -95,11 +96,15 @@ int Store::UsedAndGetKnr(const char *account, uint8_t &found, DATENBANK &record,
     uint8_t flag;
   };
   static constexpr Kind kinds[] = {{kSachkonto, 1}, {kKreditor, 2}, {kDebitor, 4}, {kKost, 16}};
+  found = 0;
+  std::string_view number = account;
+  number = number.substr(0, number.find_last_not_of(' ') + 1);
+  if (number.size() >= sizeof(SACHKONTO::Nr)) return 1; // a key would cut it to another account's
   for (const Kind &kind : kinds) {
     uint8_t there = 0;
     // A cost centre's key goes on behind the number, padded like the stored one where there is no reference.
     KeyBuilder key;
-    key.account(account);
+    key.account(number);
     if (kind.table == kKost) key.number<int16_t>(0).account("");
     if (!UsedGet(record, key, there, fileNumber(kind.table, 0), ZELK_ENG_DEFAULT)) return 0;
     if (there) {
@@ -108,7 +113,6 @@ int Store::UsedAndGetKnr(const char *account, uint8_t &found, DATENBANK &record,
       return 1;
     }
   }
-  found = 0;
   return 1;
 }
 
@@ -131,19 +135,26 @@ int Store::DeleteBeginning(const SCHLUESSEL &key, int fields, FileNumber file, D
   return inUse(engine) && engine_->deleteBeginning(file, key, fields);
 }
 
-int Store::InitMultiInsert(FileNumber, DBENGINE engine) {
-  multiInsertFailed_ = false;
-  return Transaktion(1, 0, engine);
+bool Store::inBulk(FileNumber file) {
+  if (engine_->transactionDepth() == 0) bulks_.clear(); // of a transaction that was ended in their place
+  return bulks_.contains(tableOf(file));
+}
+
+int Store::InitMultiInsert(FileNumber file, DBENGINE engine) {
+  return !inBulk(file) && Transaktion(1, 0, engine) && bulks_.emplace(tableOf(file), false).second;
 }
 int Store::MultiInsertNext(DATENBANK &record, FileNumber file, DBENGINE engine) {
-  if (multiInsertFailed_ || !Insert(record, file, engine)) multiInsertFailed_ = true;
-  return !multiInsertFailed_;
+  if (!inBulk(file)) return 0;
+  bool &refused = bulks_[tableOf(file)];
+  if (refused || !Insert(record, file, engine)) refused = true;
+  return !refused;
 }
-int Store::EndMultiInsert(FileNumber, DBENGINE engine) {
-  if (!multiInsertFailed_) return Transaktion(2, 0, engine);
-  multiInsertFailed_ = false;
-  Transaktion(4, 0, engine);
-  return 0;
+int Store::EndMultiInsert(FileNumber file, DBENGINE engine) {
+  if (!inBulk(file) || !inUse(engine)) return 0;
+  const bool refused = std::any_of(bulks_.begin(), bulks_.end(), [](const auto &bulk) { return bulk.second; });
+  bulks_.erase(tableOf(file));
+  const int ended = Transaktion(refused ? 4 : 2, 0, engine);
+  return !refused && ended;
 }
 
 int Store::LeereRelation(int file, DATENBANK *record, const char *client, const char *year) {
@@ -167,13 +178,13 @@ bool Store::lockNamed(const LockName &name, int mode) {
 
 int Store::Lock(FileNumber file, const char *name, int mode, DBENGINE engine) {
   uint64_t resource = name && *name ? LockName::resourceOf(name) : 0;
-  return inUse(engine) && lockNamed({client_.Nummer, uint16_t(tableOf(file)), resource}, mode);
+  return inUse(engine) && lockNamed(LockName::on(tableOf(file), client_.Nummer, resource), mode);
 }
 
 int Store::Lock(std::span<const FileNumber> files, DBENGINE engine) {
   std::vector<LockName> names;
   for (FileNumber file : files)
-    names.push_back({client_.Nummer, uint16_t(tableOf(file)), 0});
+    names.push_back(LockName::on(tableOf(file), client_.Nummer));
   return inUse(engine) && engine_->lock(names, LockMode::Exclusive);
 }
 
@@ -193,7 +204,7 @@ int Store::Unlock(std::span<const FileNumber> files, int flag, DBENGINE engine) 
 
 int Store::LockRes(FileNumber file, uint16_t client, const char *resource, int mode, int flag, DBENGINE engine) {
   if (!inUse(engine) || !resource) return 0;
-  return lockNamed({client, uint16_t(tableOf(file)), LockName::resourceOf(resource)}, mode ? mode : flag);
+  return lockNamed(LockName::on(tableOf(file), client, LockName::resourceOf(resource)), mode ? mode : flag);
 }
 
 int Store::LockRes(FileNumber file, uint16_t client, int32_t resource, int mode, int flag, DBENGINE engine) {

@@ -19,6 +19,7 @@
 
 #include <chrono>
 #include <functional>
+#include <map>
 #include <memory>
 #include <span>
 #include <string>
@@ -50,7 +51,7 @@ public:
                int32_t selector);
   int GetLeExt(DATENBANK &record, const SCHLUESSEL &key, uint8_t &found, FileNumber file, DBENGINE engine,
                int32_t selector);
-  /// After GetRangeExt on the same file number only as far as its upper key.
+  /// After GetRangeExt on the same file number only as far as its upper key: nothing when there was none in the range.
   int GetNextExt(DATENBANK &record, uint8_t &found, FileNumber file, DBENGINE engine);
   int GetPrevExt(DATENBANK &record, uint8_t &found, FileNumber file, DBENGINE engine);
   int GetRangeExt(DATENBANK &record, const SCHLUESSEL &lower, const SCHLUESSEL &upper, uint8_t &found, FileNumber file,
@@ -83,7 +84,8 @@ public:
   int ReadAhead(std::span<const LookUp> wanted) { return engine_->readAhead(wanted); }
 
   // --- Changes ---
-  /// Fails for a duplicate of a unique key. A number that the table assigns (payment terms, batches, batch postings,
+  /// Fails for a duplicate of a unique key, and while no client (no fiscal year) is open that the record would belong
+  /// to. A number that the table assigns (payment terms, batches, batch postings,
   /// document links) is written back when the record carries 0, and so is the identifier of a batch posting that has
   /// none. The record becomes the current one.
   int Insert(DATENBANK &record, FileNumber file, DBENGINE engine);
@@ -93,7 +95,8 @@ public:
   /// are, at the cost of one statement; done also when there is none. The current record stays where it was.
   int DeleteBeginning(const SCHLUESSEL &key, int fields, FileNumber file, DBENGINE engine);
   /// Bulk insertion: all records between InitMultiInsert and EndMultiInsert, or none. After a failed MultiInsertNext,
-  /// EndMultiInsert undoes the others and fails.
+  /// EndMultiInsert undoes the others and fails. Those of several tables that overlap are decided together, with the
+  /// last end: all of their records, or none.
   int InitMultiInsert(FileNumber file, DBENGINE engine);
   int MultiInsertNext(DATENBANK &record, FileNumber file, DBENGINE engine);
   int EndMultiInsert(FileNumber file, DBENGINE engine);
@@ -107,8 +110,10 @@ public:
   /// \param flag      0: to write; 1: to read several tables in one state
   int Transaktion(int operation, int flag, DBENGINE engine);
   int transactionDepth() const { return engine_->transactionDepth(); }
-  /// \param name null: the table of the open client; else an area of it that the name stands for
-  /// \param mode 0: against all others, until Unlock; 1: waits for the holder only and takes nothing
+  /// Locks on a table that has one set of rows for all clients are those of all clients. A table's lock and those on
+  /// its resources are separate, see LockName. \param name null: the table of the open client; else an area of it that
+  /// the name stands for \param mode 0: against all others, until Unlock; 1: waits for the holder only and takes
+  /// nothing
   int Lock(FileNumber file, const char *name, int mode, DBENGINE engine);
   /// Tables of the open client in the order given, all of them or none; on a server in one step.
   int Lock(std::span<const FileNumber> files, DBENGINE engine);
@@ -124,7 +129,8 @@ public:
   /// Records carry no locks of their own here, so there is never one left to release: always done.
   int UnlockCurrentRecord(FileNumber file, DBENGINE engine);
   bool holdsLocks() const { return engine_->holdsLocks(); }
-  /// False when the connection to a server is lost, with locks and transaction: the session is of no more use.
+  /// False when the session is of no more use: the connection to a server is lost, with locks and transaction, or
+  /// the embedded database's file is no longer in its place.
   bool usable() const { return engine_->usable(); }
   /// For a later session to end this one with, when its connection was lost and the server has not noticed.
   SessionTrace trace() const { return engine_->trace(); }
@@ -192,6 +198,9 @@ public:
   int DropTable(int table);
   int CreateSako() { return CreateTable(kSachkonto); }
   int CreateKost() { return CreateTable(kKost); }
+  int CreateBube() { return CreateTable(kBuchungsbeleg); }
+  /// Those of both kinds of personal accounts.
+  int CreateOp() { return CreateTable(kOPDebitor) && CreateTable(kOPKreditor); }
   int CreateBatch() { return CreateTable(kBatchbuchung); }
   int CreateSplit() { return CreateTable(kSplit); }
   int CreateKobu() { return CreateTable(kKobu); }
@@ -201,6 +210,7 @@ private:
            DATENBANK *record, uint8_t &found, int32_t selector = 0);
   bool inUse(DBENGINE engine) const { return engine == ZELK_ENG_DEFAULT || engine == engine_->kind(); }
   bool lockNamed(const LockName &name, int mode);
+  bool inBulk(FileNumber file);
   bool writePosting(BATCHBUCHUNG &posting);
   enum class Outcome : uint8_t { Stored, NotStored, Unknown };
   Outcome settle(const BATCHBUCHUNG &posting);
@@ -222,8 +232,8 @@ private:
   char openYear_[3] = "";
   std::vector<SPLIT> lines_;
   std::vector<KOBU> costs_;
-  BATCHBUCHUNG posting_{}; // as last read or written; number 0: none
-  bool multiInsertFailed_ = false;
+  BATCHBUCHUNG posting_{};    // as last read or written; number 0: none
+  std::map<int, bool> bulks_; // bulk insertions under way: by table, whether a record was refused
   bool outcomeUnknown_ = false;
 };
 

@@ -441,7 +441,8 @@ ZELK_API uint32_t ZELK_CALL MFGetPrivateProfileString(const char *Section, const
 ZELK_API int32_t ZELK_CALL MFGetPrivateProfileInt(const char *Section, const char *Key, int32_t Default,
                                                   const char *File);
 
-/* Writes a setting; a null Value counts as empty. Non-zero when written. */
+/* Writes a setting; a null Value counts as empty. Non-zero when written; 0 and nothing changed else, on Linux also for names
+ * that cannot stand in the settings file (control characters, blanks at their ends, "=" in Key, "]" in Section). */
 ZELK_API int32_t ZELK_CALL MFWritePrivateProfileString(const char *Section, const char *Key, const char *Value,
                                                        const char *File);
 

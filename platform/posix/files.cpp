@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sys/stat.h>
 #include <sys/vfs.h>
 #include <unistd.h>
 
@@ -53,6 +54,15 @@ std::string absolutePath(const std::string &path) {
   std::error_code error;
   std::filesystem::path absolute = std::filesystem::absolute(path, error);
   return error ? path : absolute.lexically_normal().string();
+}
+
+FileIdentity fileIdentity(const std::string &path) {
+  struct stat status {};
+  return ::stat(path.c_str(), &status) == 0 ? FileIdentity{status.st_dev, status.st_ino} : FileIdentity{};
+}
+
+std::string longPath(const std::string &path) {
+  return path;
 }
 
 std::optional<std::string> readFile(const std::string &path) {

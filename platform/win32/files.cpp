@@ -72,6 +72,16 @@ std::string absolutePath(const std::string &path) {
   return length > 0 && length < std::size(buffer) ? fromWide(buffer, int(length)) : path;
 }
 
+FileIdentity fileIdentity(const std::string &) {
+  return {};
+}
+
+std::string longPath(const std::string &path) {
+  wchar_t buffer[1024];
+  DWORD length = GetLongPathNameW(toWide(path).c_str(), buffer, DWORD(std::size(buffer)));
+  return length > 0 && length < std::size(buffer) ? fromWide(buffer, int(length)) : path;
+}
+
 std::optional<std::string> readFile(const std::string &path) {
   if (!isFile(path)) return std::nullopt;
   std::ifstream file(std::filesystem::path(toWide(path)), std::ios::binary);

@@ -5,6 +5,7 @@
 #include "frame/call.h"
 #include "platform/files.h"
 #include "support/books.h"
+#include "vldb98/database.h"
 
 namespace test {
 namespace {
@@ -80,7 +81,18 @@ TEST_F(Lifecycle, NullPointersAreTakenEverywhere) {
 
 TEST_F(Lifecycle, EndsForTheProcessWithSQLDeInit) {
   provision();
+  EXPECT_EQ(ZELK_InitHoleMandant(), ZELKERR_keine_Mandanten);
+  EXPECT_EQ(vldb98::HoleLongDbPfad(), vldb98::HoleDbPfad());
+  // A database that was only closed can be opened again.
+  vldb98::SchliessDB();
+  EXPECT_FALSE(vldb98::IsDbOffen());
+  EXPECT_EQ(ZELK_InitHoleMandant(), ZELKERR_Datenbank);
+  EXPECT_EQ(ZELK_SQLInit(0, 0, nullptr, nullptr, nullptr, 0, nullptr, nullptr), ZELK_OK);
+  EXPECT_EQ(ZELK_InitHoleMandant(), ZELKERR_keine_Mandanten);
   EXPECT_EQ(ZELK_SQLDeInit(), ZELK_OK);
+  EXPECT_EQ(vldb98::ConnectSQL(vldb98::kConnectSilently, vldb98::ZELK_ENG_DEFAULT, nullptr, nullptr, nullptr, 0,
+                               nullptr, nullptr),
+            vldb98::ConnectResult::Failed);
   for (const Call &call : kFramed)
     EXPECT_EQ(call.run(), ZELKERR_Datenbank) << call.name;
   char name[50];

@@ -3,8 +3,10 @@
 #include <fstream>
 #include <sstream>
 
+#include "platform/files.h"
 #include "platform/registry.h"
 #include "support/books.h"
+#include "support/process.h"
 
 namespace test {
 namespace {
@@ -112,8 +114,10 @@ TEST_F(Settings, SurviveWithEveryCharacter) {
   std::string all;
   for (int c = 1; c < 256; ++c)
     if (c != '\n' && c != '\r') all += char(c);
-  for (const std::string &text : {all, std::string("; [x] = \"y\""), std::string("innen  und \t aussen"),
-                                  std::string("\xC4\xD6\xDC\xE4\xF6\xFC\xDF\x80")}) {
+  for (const std::string &text :
+       {all, std::string("; [x] = \"y\""), std::string("innen  und \t aussen"), std::string(" vorn"),
+        std::string("hinten\t "), std::string(" "), std::string("\" x\""), std::string("\"\"x \"\""),
+        std::string("\"x\""), std::string("\""), std::string("\xC4\xD6\xDC\xE4\xF6\xFC\xDF\x80")}) {
     ASSERT_TRUE(MFWritePrivateProfileString("Zeichen", "Wert", text.c_str(), nullptr));
     EXPECT_EQ(value("Zeichen", "Wert"), text);
   }
@@ -206,6 +210,50 @@ TEST_F(SettingsFile, ThatCannotBeWrittenRefuses) {
   ::setenv("ZELK_SETTINGS", (folder() / "datei" / "settings.ini").c_str(), 1);
   EXPECT_FALSE(MFWritePrivateProfileString("MFIBU", "Name", "x", nullptr));
   EXPECT_EQ(value("MFIBU", "Name"), "(fehlt)");
+}
+
+TEST_F(SettingsFile, RefusesNamesThatCannotStandInIt) {
+  ASSERT_TRUE(MFWritePrivateProfileString("MFIBU", "Name", "x", nullptr));
+  const std::string before = content();
+  static const char *const rows[][2] = {{"MFIBU", ""},       {"MFIBU", "a=b"},   {"MFIBU", "[a"}, {"MFIBU", ";a"},
+                                        {"MFIBU", "#a"},     {"MFIBU", " a"},    {"MFIBU", "a "}, {"MFIBU", "a\tb"},
+                                        {"MFIBU", "a\nb=c"}, {"MFIBU", "a\x7F"}, {"MFIBU ", "a"}, {"MFIBU]", "a"},
+                                        {"MFIBU\n[b", "a"},  {"MF\x01", "a"},    {"MFIBU\t", "a"}};
+  for (const auto &[section, name] : rows)
+    EXPECT_FALSE(MFWritePrivateProfileString(section, name, "1", nullptr)) << section << ", " << name;
+  EXPECT_FALSE(MFWritePrivateProfileString("MFIBU", "a", "1\nName=y", nullptr));
+  EXPECT_EQ(content(), before);
+}
+
+TEST_F(SettingsFile, KeepsItsModeOwnerAndLink) {
+  namespace fs = std::filesystem;
+  const fs::path target = folder() / "woanders" / "fibu.ini";
+  fs::create_directory(target.parent_path());
+  fs::create_symlink("woanders/fibu.ini", path());
+  ASSERT_TRUE(MFWritePrivateProfileString("MFIBU", "Name", "x", nullptr)) << "to where the link leads";
+  EXPECT_EQ(fs::status(target).permissions(), fs::perms(0600));
+  fs::permissions(target, fs::perms(0640));
+  const bool given = runProgram("/bin/chown", "65534:65534 '" + target.string() + "'", "/dev/null") == 0;
+  ASSERT_TRUE(MFWritePrivateProfileString("MFIBU", "Name", "y", nullptr));
+  EXPECT_TRUE(fs::is_symlink(path()));
+  EXPECT_EQ(fs::status(target).permissions(), fs::perms(0640));
+  EXPECT_EQ(value("MFIBU", "Name"), "y");
+  const std::string owner = (folder() / "owner").string();
+  ASSERT_EQ(runProgram("/usr/bin/stat", "-c %u:%g '" + target.string() + "'", owner), 0);
+  EXPECT_TRUE(!given || platform::readFile(owner) == "65534:65534\n");
+}
+
+TEST_F(SettingsFile, StaysWholeOnAFullDisk) {
+  ASSERT_TRUE(MFWritePrivateProfileString("MFIBU", "Name", "x", nullptr));
+  const std::string before = content();
+  for (uint64_t room : {1, 20, int(before.size())}) {
+    ASSERT_TRUE(limitFileSize(room));
+    EXPECT_FALSE(MFWritePrivateProfileString("MFIBU", "Neu", "y", nullptr)) << room;
+    limitFileSize(0);
+    EXPECT_EQ(content(), before);
+  }
+  EXPECT_FALSE(std::filesystem::exists(path().string() + ".new"));
+  EXPECT_TRUE(MFWritePrivateProfileString("MFIBU", "Neu", "y", nullptr));
 }
 
 TEST_F(SettingsFile, LiesInTheFolderOfTheUserOtherwise) {

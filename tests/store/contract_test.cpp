@@ -250,6 +250,7 @@ TEST_P(Contract, RangeEndsAtItsUpperKey) {
   static constexpr Row rows[] = {{"1000", "1400", "1000 1200 1400 "},
                                  {"1001", "1399", "1200 "},
                                  {"1200", "1200", "1200 "},
+                                 {"1401", "1599", ""},
                                  {"1201", "1399", ""},
                                  {"1400", "1000", ""},
                                  {"1400", "9999", "1400 1600 "},
@@ -261,6 +262,7 @@ TEST_P(Contract, RangeEndsAtItsUpperKey) {
          at != "none" && walk.size() < 40; at = next())
       walk += at + " ";
     EXPECT_EQ(walk, row.walk) << row.lower << " to " << row.upper;
+    EXPECT_EQ(next(), "none") << "behind " << row.lower << " to " << row.upper;
   }
   // All records of a non-unique key belong to the range.
   FileNumber byShortName = fileNumber(kSachkonto, 1);
@@ -305,6 +307,19 @@ TEST_P(Contract, ClientsAndFiscalYearsDoNotSeeEachOther) {
   ASSERT_TRUE(store->SetzeFista(1, found) && found);
   EXPECT_EQ(ge(""), "1000");
   EXPECT_EQ(next(), "none");
+}
+
+TEST_P(Contract, RecordsNeedTheClientAndYearThatTheyBelongTo) {
+  store = openWithoutClient();
+  FIRMENSTAMM noYear{};
+  noYear.Nummer = 7;
+  ASSERT_TRUE(store->SaveFista(noYear)) << "clients belong to nobody";
+  record = {};
+  EXPECT_FALSE(store->Insert(record, kStapel, kDefault));
+  ASSERT_TRUE(store->SetzeFista(7, found) && found);
+  EXPECT_TRUE(store->Insert(record, kStapel, kDefault));
+  record = account("1000");
+  EXPECT_FALSE(store->Insert(record, kSachkonto, kDefault));
 }
 
 TEST_P(Contract, InsertAssignsNumbers) {
@@ -392,13 +407,15 @@ TEST_P(Contract, AccountsAreLookedUpInTheirOrder) {
   for (const char *number : {"1", "2", "3", "4"})
     add(kKost, number);
   add(kKost, "5", "R");
+  add(kKost, "1234567");
   struct Row {
     const char *number;
     uint8_t kind;
     int32_t table;
   };
   static constexpr Row rows[] = {{"1", 1, kSachkonto}, {"2", 2, kKreditor}, {"3", 4, kDebitor}, {"4", 16, kKost},
-                                 {"5", 0, -1},         {"6", 0, -1},        {"", 0, -1}};
+                                 {"5", 0, -1},         {"6", 0, -1},        {"", 0, -1},        {"1234567 ", 16, kKost},
+                                 {"12345678", 0, -1}};
   for (const Row &row : rows) {
     int32_t table = -1;
     EXPECT_TRUE(store->UsedAndGetKnr(row.number, found, record, table)) << row.number;

@@ -97,6 +97,7 @@ public:
   std::vector<std::string> records;
   std::optional<std::string> current;
   const Key *rangeKey = nullptr; ///< key of the running range
+  bool rangeEmpty = false;
   Order rangeUpper;
 
 private:
@@ -211,7 +212,9 @@ protected:
                           : store->GetPrevExt(record, found, file, kDefault));
       auto expected = model.pick(key, !forward, [&](const std::string &r) {
         const Order its = model.order(key, r, true);
-        return forward ? its > last && (!bounded || model.order(key, r, false) <= model.rangeUpper) : its < last;
+        return forward
+                   ? its > last && (!bounded || (!model.rangeEmpty && model.order(key, r, false) <= model.rangeUpper))
+                   : its < last;
       });
       ASSERT_EQ(found != 0, expected.has_value()) << "key " << key.index << ", row " << i;
       if (!expected) return;
@@ -301,6 +304,7 @@ protected:
       expected = model.pick(key, false,
                             [&](const std::string &r) { return keyOfRecord(r) >= wanted && keyOfRecord(r) <= end; });
       model.rangeKey = &key;
+      model.rangeEmpty = !expected;
       model.rangeUpper = end;
       ends = false;
       break;
@@ -312,7 +316,8 @@ protected:
       bool bounded = model.rangeKey == &key;
       if (model.current)
         expected = model.pick(key, false, [&](const std::string &r) {
-          return total(r) > total(*model.current) && (!bounded || keyOfRecord(r) <= model.rangeUpper);
+          return total(r) > total(*model.current) &&
+                 (!bounded || (!model.rangeEmpty && keyOfRecord(r) <= model.rangeUpper));
         });
       ends = false;
       break;

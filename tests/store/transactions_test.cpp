@@ -102,6 +102,19 @@ TEST_P(Transactions, AreSeenByOthersOnlyWhenCommitted) {
   EXPECT_TRUE(other->Insert(record, kSachkonto, kDefault));
 }
 
+// The order of the writing functions: begin, lock, read, write.
+TEST_P(Transactions, WaitForLocksWithoutKeepingOthersFromWriting) {
+  ASSERT_TRUE(store->Transaktion(kBegin, 0, kDefault) && other->Lock(kSachkonto, nullptr, 0, kDefault));
+  DATENBANK record = account("A");
+  EXPECT_TRUE(other->Insert(record, kSachkonto, kDefault));
+  ASSERT_TRUE(other->Unlock(kSachkonto, 1, kDefault) && store->Lock(kSachkonto, nullptr, 0, kDefault));
+  uint8_t found;
+  EXPECT_TRUE(store->UsedGet(record, KeyBuilder().account("A"), found, kSachkonto, kDefault) && found);
+  record = account("B");
+  EXPECT_EQ(bool(other->Insert(record, kSachkonto, kDefault)), store->IsUsedEngineSQL()) << "begun with the read";
+  ASSERT_TRUE(store->Transaktion(kCommit, 0, kDefault) && store->Unlock(kSachkonto, 1, kDefault));
+}
+
 TEST_P(Transactions, ReadOneStateWhereAskedFor) {
   ASSERT_TRUE(insert("A"));
   ASSERT_TRUE(other->Transaktion(kBegin, 1, kDefault));
@@ -192,6 +205,22 @@ TEST_P(Transactions, MultiInsertIsAllOrNothing) {
     EXPECT_EQ(accounts(), row.left);
   }
   EXPECT_FALSE(store->EndMultiInsert(kSachkonto, kDefault));
+
+  // Two in turns stand or fall together, whichever was refused a record.
+  for (bool refused : {true, false}) {
+    ASSERT_TRUE(store->InitMultiInsert(kSachkonto, kDefault));
+    DATENBANK record = account(refused ? "A" : "E"), batch{};
+    EXPECT_EQ(store->MultiInsertNext(record, kSachkonto, kDefault), !refused);
+    EXPECT_FALSE(store->MultiInsertNext(batch, kStapel, kDefault)) << "not begun";
+    ASSERT_TRUE(store->InitMultiInsert(kStapel, kDefault));
+    EXPECT_FALSE(store->InitMultiInsert(kStapel, kDefault));
+    EXPECT_TRUE(store->MultiInsertNext(batch, kStapel, kDefault));
+    EXPECT_EQ(store->EndMultiInsert(kStapel, kDefault), !refused);
+    EXPECT_EQ(store->EndMultiInsert(kSachkonto, kDefault), !refused);
+    uint8_t there;
+    EXPECT_TRUE(store->Used(KeyBuilder().number(int32_t(2)), there, kStapel, kDefault) && bool(there) == !refused);
+  }
+  EXPECT_EQ(accounts(), "ABCDE");
 }
 
 TEST_P(Transactions, LeereRelationEmptiesItsScopeOnly) {
@@ -245,6 +274,15 @@ TEST_P(Transactions, TablesAreMadeAndDropped) {
   EXPECT_EQ(accounts(), "B");
   EXPECT_TRUE(store->DeleteTable(kSachkonto));
   EXPECT_EQ(accounts(), "");
+  const std::pair<int (Store::*)(), std::vector<int>> created[] = {{&Store::CreateBube, {kBuchungsbeleg}},
+                                                                   {&Store::CreateOp, {kOPDebitor, kOPKreditor}}};
+  for (const auto &[create, tables] : created) {
+    for (int table : tables)
+      EXPECT_TRUE(store->DropTable(table));
+    EXPECT_TRUE((store.get()->*create)());
+    for (int table : tables)
+      EXPECT_TRUE(store->TableExists(table, exists) && exists) << table;
+  }
 }
 
 ZELK_ON_ALL_ENGINES(Transactions);

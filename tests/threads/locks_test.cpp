@@ -33,6 +33,12 @@ const Taking kNumberOfClient2{"number of client 2", 2,
                               [](Store &s) { return s.LockRes(kSachkonto, 2, 7, 0, 0, kDefault); }};
 const Taking kExtern{"resource from outside", 1, [](Store &s) { return s.LockResExtern("7", kSachkonto, kDefault); }};
 const Taking kExternByClient2{"the same by client 2", 2, kExtern.take};
+const Taking kOfAll{"table of all clients", 1, [](Store &s) { return s.Lock(kFirmenstamm, nullptr, 0, kDefault); }};
+const Taking kOfAllByClient2{"the same by client 2", 2, kOfAll.take};
+const Taking kRowOfAll{"resource of such a table", 1,
+                       [](Store &s) { return s.LockRes(kFirmenstamm, 1, 7, 0, 0, kDefault); }};
+const Taking kRowOfAllByClient2{"the same by client 2", 2,
+                                [](Store &s) { return s.LockRes(kFirmenstamm, 2, 7, 0, 0, kDefault); }};
 const Taking kPass{"passing through", 1, [](Store &s) { return s.Lock(kSachkonto, nullptr, 1, kDefault); }};
 const Taking kSelector{"reading with a selector", 1, [](Store &s) {
                          DATENBANK record{};
@@ -81,13 +87,17 @@ TEST_P(LockTest, ExcludeOthersFromTheSameThingOnly) {
                       {kNumber, kExtern, true},
                       {kNumber, kTable, true},
                       {kExtern, kExternByClient2, false},
+                      {kOfAll, kOfAllByClient2, false},
+                      {kOfAll, kRowOfAll, true},
+                      {kRowOfAll, kRowOfAllByClient2, false},
                       {kPass, kTable, true},
                       {kSelector, kTable, true}};
   for (const Row &row : rows) {
     SCOPED_TRACE(std::string("held: ") + row.held.what + ", wanted: " + row.wanted.what);
     ASSERT_TRUE(row.held.take(*store));
     EXPECT_EQ(elsewhere(row.wanted), row.had);
-    ASSERT_TRUE(store->Unlock(kSachkonto, 1, kDefault));
+    constexpr FileNumber held[] = {kSachkonto, kFirmenstamm};
+    ASSERT_TRUE(store->Unlock(held, 1, kDefault));
     EXPECT_FALSE(store->holdsLocks());
     EXPECT_TRUE(elsewhere(row.wanted)) << "after the release";
   }

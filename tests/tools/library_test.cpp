@@ -65,6 +65,20 @@ TEST_F(LibraryOfAHost, IsLoadedAndFreedAgainAndAgain) {
   }
 }
 
+#if !defined(_WIN32)
+using LibraryFile = Environment;
+
+TEST_F(LibraryFile, NeedsAndShowsNothingElse) {
+  const std::string output = (folder() / "library").string();
+  ASSERT_EQ(runProgram("/usr/bin/objdump", "-pT " ZELK_LIBRARY, output), 0);
+  const std::string told = read(output);
+  EXPECT_EQ(matches(told, std::regex(R"(SONAME +(\S+))")), std::set<std::string>{"libzelk98.so.0"});
+  EXPECT_EQ(matches(told, std::regex(R"(NEEDED +\S*(odbc)\S*)")), std::set<std::string>{}) << "loaded where it is used";
+  EXPECT_EQ(matches(told, std::regex(R"(\n[0-9a-f]+ +[gwu]\w* .* \.\w+\s+[0-9a-f]+ +(?:Base +)?(\S+))")),
+            matches(read(sourceFolder() / "cmake/zelk98.def"), std::regex(R"(\n\s+(\w+)(?=\s*\n))")));
+}
+#endif
+
 /// The project's own files, with their text.
 std::vector<std::pair<std::filesystem::path, std::string>> sources() {
   std::vector<std::pair<std::filesystem::path, std::string>> files;
@@ -90,7 +104,7 @@ TEST(Style, KeepsTheSystemAndTheEnginesInTheirFolders) {
       {"POSIX",
        R"(#include <(unistd|fcntl|pthread|spawn|dlfcn|sys/\w+)\.h>)",
        {"platform/posix/", "bench/", "examples/zelkout", "tests/support/process_posix", "tests/support/proxy_posix",
-        "tests/store/damage_test", "tests/exports/protocol_test"}},
+        "tests/store/damage_test", "tests/exports/protocol_test", "family/vldb98/odbc/posix/"}},
       {"SQLite", R"(#include <sqlite3\.h>)", {"family/vldb98/sqlite/", "bench/"}},
       {"ODBC", R"(#include <sql(ext)?\.h>)", {"family/vldb98/odbc/"}},
       {"conditional code for a system",

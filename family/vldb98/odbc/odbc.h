@@ -13,6 +13,23 @@
 
 namespace vldb98::odbc {
 
+/// The functions of the driver manager that are used, under their own names: hidden by these, the declared ones are
+/// called through them. Null until driverManager() has found them.
+// clang-format off
+#define ZELK_ODBC_FUNCTIONS(each)                                                                                      \
+  each(SQLAllocHandle) each(SQLBindCol) each(SQLBindParameter) each(SQLDescribeColW) each(SQLDisconnect)               \
+  each(SQLDriverConnectW) each(SQLDriversW) each(SQLExecDirectW) each(SQLExecute) each(SQLFetch)                       \
+  each(SQLFreeHandle) each(SQLFreeStmt) each(SQLGetData) each(SQLGetDiagRecW) each(SQLNumResultCols)                   \
+  each(SQLPrepareW) each(SQLRowCount) each(SQLSetConnectAttrW) each(SQLSetEnvAttr)
+// clang-format on
+#define ZELK_DECLARE(name) extern decltype(&::name) name;
+ZELK_ODBC_FUNCTIONS(ZELK_DECLARE)
+#undef ZELK_DECLARE
+
+/// Finds the driver manager: linked on Windows, whose part it is, loaded elsewhere, so that hosts whose books lie in a
+/// file need none. \return false where there is none
+bool driverManager();
+
 static_assert(sizeof(SQLWCHAR) == sizeof(char16_t), "texts are UTF-16");
 
 /// A handle of the driver manager, freed at its end.

@@ -208,7 +208,7 @@ bool Connection::setUp(std::chrono::milliseconds wait, std::string &database) {
 
 std::unique_ptr<SqlConnection> openOdbc(const ServerSettings &server, std::chrono::milliseconds wait,
                                         std::string &database) {
-  if (!server.isServer()) return nullptr;
+  if (!server.isServer() || !odbc::driverManager()) return nullptr;
   const Dialect &dialect = server.engine == ZELK_ENG_MSSQL ? mssqlDialect() : mysqlDialect();
   // Where a comma is part of a host's name, there is one.
   for (const ServerSettings &one : dialect.portBehindHost ? std::vector{server} : eachHost(server)) {

@@ -58,7 +58,8 @@ private:
 
 class SqliteConnection final : public SqlConnection {
 public:
-  SqliteConnection(Handle handle, std::chrono::milliseconds wait) : handle_(std::move(handle)), wait_(wait) {
+  SqliteConnection(Handle handle, const std::string &path, std::chrono::milliseconds wait)
+      : handle_(std::move(handle)), path_(path), file_(platform::fileIdentity(path)), wait_(wait) {
     sqlite3_busy_handler(handle_.get(), &SqliteConnection::onBusy, this);
   }
 
@@ -77,6 +78,9 @@ public:
   bool inTransaction() override { return sqlite3_get_autocommit(handle_.get()) == 0; }
   int64_t changedRows() override { return sqlite3_changes64(handle_.get()); }
   const Dialect &dialect() const override { return sqliteDialect(); }
+  // Not SQLite's own test, which looks for the file where links led to when it was opened.
+  bool usable() const override { return file() == platform::fileIdentity(path_); }
+  const platform::FileIdentity &file() const { return file_; }
 
 private:
   // SQLite's own waiting sleeps in steps of up to 100 ms, a long time beside a posting.
@@ -90,6 +94,8 @@ private:
   }
 
   Handle handle_;
+  std::string path_;
+  platform::FileIdentity file_;
   std::chrono::milliseconds wait_;
   uint64_t deadline_ = 0;
 };
@@ -109,14 +115,17 @@ std::unique_ptr<SqlConnection> openSqlite(const std::string &path, const SqliteO
   if (sqlite3_libversion_number() != SQLITE_VERSION_NUMBER) return nullptr;
   // Not left to SQLite, whose answer would not tell a missing file from a damaged one.
   bool exists = platform::isFile(path);
+  const platform::FileIdentity before = platform::fileIdentity(path);
   if (!exists && !options.create) return nullptr;
   sqlite3 *raw = nullptr;
   int flags = SQLITE_OPEN_READWRITE | (options.create ? SQLITE_OPEN_CREATE : 0) | SQLITE_OPEN_NOMUTEX;
   int result = sqlite3_open_v2(path.c_str(), &raw, flags, nullptr);
   Handle handle(raw);
   if (result != SQLITE_OK || sqlite3_db_readonly(raw, "main") != 0) return nullptr;
-  auto connection = std::make_unique<SqliteConnection>(std::move(handle), options.wait);
+  auto connection = std::make_unique<SqliteConnection>(std::move(handle), path, options.wait);
 
+  // Replaced just now.
+  if (exists && connection->file() != before) return nullptr;
   if (!exists && !markAsOurs(*connection)) return nullptr;
   if (pragma(*connection, "application_id") != kApplicationId) return nullptr;
   bool shared = platform::isNetworkFolder(path.substr(0, path.find_last_of("/\\") + 1));
