@@ -1,5 +1,6 @@
-# One target per folder, with the sources of its subfolder for the system where it has one. A folder's headers are reachable only by the targets that name it under USES, so an include
-# that points against the order of the layers does not compile.
+# One target per folder, with the sources of its subfolder for the system where it has one. A folder's headers are
+# reachable only by the targets that name it under USES, so an include that points against the order of the layers does
+# not compile.
 #
 # A module with exports hands on all of its objects, whether or not something refers to them.
 #

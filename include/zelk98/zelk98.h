@@ -425,8 +425,8 @@ ZELK_API ZelkResult ZELK_CALL ZELK_SQLInit(int32_t engine, int32_t dialog, const
                                            const char *Passwort, int32_t port, const char *Zusatz,
                                            const char *Datenbank);
 
-/* Ends the work with the database for the rest of the process (other threads' connections close with them): from then on -3 from every function but ZELK_HoleFehlertext,
- * ZELK_Status and ZELK_ProtokollEnde. */
+/* Ends the work with the database for the rest of the process (other threads' connections close with them): from then on
+ * -3 from every function but ZELK_HoleFehlertext, ZELK_Status and ZELK_ProtokollEnde. */
 ZELK_API ZelkResult ZELK_CALL ZELK_SQLDeInit(void);
 
 /* --- Settings store ------------------------------------------------------------------------------------------------ */
@@ -456,7 +456,8 @@ ZELK_API int32_t ZELK_CALL MFWritePrivateProfileString(const char *Section, cons
  * with the first call, in ZELKPROT.TXT of the program directory. */
 
 /* Starts the protocol in that file when the setting asks for it or no file was ever chosen, else in the one chosen. 1;
- * -58 when the file cannot be written, or is none for it; -59, and one more start header in the file, when it is started already. */
+ * -58 when the file cannot be written, or is none for it; -59, and one more start header in the file, when it is
+ * started already. */
 ZELK_API ZelkResult ZELK_CALL ZELK_ProtokollStart(void);
 
 /* Ends the protocol of this process. Always 1, in every state of the library. */
