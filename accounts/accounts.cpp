@@ -28,7 +28,7 @@ ZelkResult ZELK_CALL ZELK_ExistiertKonto(int32_t Mandantennummer, const char *Ko
                int file = vlfn98::KzFromZELKArt(Kontoart);
                if (Kontoart == ZELK_KOSTENSTELLE) file += vlfn98::GetKostKontoKey(account, Dimension, Kostref, key);
                uint8_t found;
-               if (!store->Used(key, found, FileNumber(file), ZELK_ENG_DEFAULT)) return ZELKERR_Datenbank;
+               if (!store->Used(key, found, FileNumber(file))) return ZELKERR_Datenbank;
                return found ? ZELK_OK : ZELK_keinKonto;
              });
 }

@@ -47,8 +47,8 @@ public:
   bool read() {
     DATENBANK record{};
     uint8_t found;
-    int done = store_.GetFirstExt(record, found, kGeschaeftsjahr, ZELK_ENG_DEFAULT, 0);
-    for (; done && found; done = store_.GetNextExt(record, found, kGeschaeftsjahr, ZELK_ENG_DEFAULT)) {
+    int done = store_.GetFirstExt(record, found, kGeschaeftsjahr);
+    for (; done && found; done = store_.GetNextExt(record, found, kGeschaeftsjahr)) {
       char code[3];
       if (vlba98::itotwo(record.Geschaeftsjahr.Jahr - vlba98::firstYear, code) && code != open_) codes_.push_back(code);
     }
@@ -144,13 +144,12 @@ ZelkResult Search::behind(const std::string &greatest, std::string &proposal) {
 ZelkResult Search::gap(std::string &proposal) {
   int32_t low = std::atoi(from.c_str()), high = std::atoi(to.c_str());
   if (high < low) std::swap(low, high);
-  if (!store.Lock(FileNumber(table), nullptr, kWaitMode, ZELK_ENG_DEFAULT)) return ZELKERR_Datenbank;
+  if (!store.Lock(FileNumber(table), nullptr, kWaitMode)) return ZELKERR_Datenbank;
   return inSnapshot(store, [&]() -> ZelkResult {
     for (int32_t number = low + 1; number < high; ++number) {
       uint8_t used;
       std::string candidate = std::to_string(number);
-      if (!store.Used(KeyBuilder().account(candidate), used, FileNumber(table), ZELK_ENG_DEFAULT))
-        return ZELKERR_Datenbank;
+      if (!store.Used(KeyBuilder().account(candidate), used, FileNumber(table))) return ZELKERR_Datenbank;
       bool elsewhere = false;
       if (!used && !others.use(candidate, elsewhere)) return ZELKERR_Datenbank;
       if (used || elsewhere) continue;

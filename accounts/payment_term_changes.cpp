@@ -46,7 +46,7 @@ struct Range {
 
 bool read(Store &store, const SCHLUESSEL &key, FileNumber file, DATENBANK &record, bool &exists) {
   uint8_t found;
-  if (!store.UsedGet(record, key, found, file, ZELK_ENG_DEFAULT)) return false;
+  if (!store.UsedGet(record, key, found, file)) return false;
   exists = found;
   return true;
 }
@@ -127,8 +127,7 @@ Outcome save(Store &store, const Request &request) {
   for (auto check : {checkDiscounts, checkDueDate})
     if (Outcome checked = check(request, term); checked.result != ZELK_OK) return checked;
   vlba98::strncpy2(term.Bemerkung, request.remark);
-  int written = request.action == kChange ? store.Update(record, kZahlziel, ZELK_ENG_DEFAULT)
-                                          : store.Insert(record, kZahlziel, ZELK_ENG_DEFAULT);
+  int written = request.action == kChange ? store.Update(record, kZahlziel) : store.Insert(record, kZahlziel);
   return {written ? ZelkResult(term.Nr) : ZELKERR_Datenbank};
 }
 

@@ -31,15 +31,15 @@ void fill(ZELK_ZAHLUNGSZIEL &out, const ZAHLZIEL &term) {
 ZelkResult readTerm(Store &store, int32_t number, ZELK_ZAHLUNGSZIEL &out) {
   DATENBANK record{};
   uint8_t found = 0;
-  bool done = number == 0 ? store.GetFirstExt(record, found, kZahlziel, ZELK_ENG_DEFAULT, 0)
-                          : store.UsedGet(record, KeyBuilder().number(number), found, kZahlziel, ZELK_ENG_DEFAULT);
+  bool done = number == 0 ? store.GetFirstExt(record, found, kZahlziel)
+                          : store.UsedGet(record, KeyBuilder().number(number), found, kZahlziel);
   if (done && found) {
     fill(out, record.Zahlziel);
-    if (!store.GetNextExt(record, found, kZahlziel, ZELK_ENG_DEFAULT)) return ZELKERR_Datenbank;
+    if (!store.GetNextExt(record, found, kZahlziel)) return ZELKERR_Datenbank;
     out.Naechstes = found ? record.Zahlziel.Nr : 0;
     return ZELK_OK;
   }
-  if (done && number != 0) done = store.GetFirstExt(record, found, kZahlziel, ZELK_ENG_DEFAULT, 0);
+  if (done && number != 0) done = store.GetFirstExt(record, found, kZahlziel);
   if (!done) return ZELKERR_Datenbank;
   return found ? ZELKERR_uzl_Zahlungsziel : ZELKERR_keine_Zahlungsziele;
 }
@@ -75,8 +75,7 @@ ZelkResult ZELK_CALL ZELK_HoleZZnr(int32_t Mandantennummer, const char *Name) {
                DATENBANK record{};
                uint8_t found;
                SCHLUESSEL key = KeyBuilder().text(vlfn98::storedShortName(Name), sizeof(ZAHLZIEL::Kuerzel) - 1);
-               if (!store->UsedGet(record, key, found, fileNumber(kZahlziel, 1), ZELK_ENG_DEFAULT))
-                 return ZELKERR_Datenbank;
+               if (!store->UsedGet(record, key, found, fileNumber(kZahlziel, 1))) return ZELKERR_Datenbank;
                return found ? ZelkResult(record.Zahlziel.Nr) : ZELK_keinKonto;
              });
 }

@@ -67,11 +67,11 @@ struct AccountList {
 ZelkResult AccountList::fill(Store &store, SelectionOrder order, const AddEntry &add) const {
   DATENBANK record{};
   uint8_t found;
-  int done = store.GetGeExt(record, start(order), found, file(order), ZELK_ENG_DEFAULT, 0);
+  int done = store.GetGeExt(record, start(order), found, file(order));
   while (done && found && !past(order, record)) {
     vlfn98::Account account = vlfn98::accountOf(table, record);
     if (holds(record)) add(vlba98::trimmed(account.number), account.name);
-    done = store.GetNextExt(record, found, file(order), ZELK_ENG_DEFAULT);
+    done = store.GetNextExt(record, found, file(order));
   }
   return done ? ZELK_OK : ZELKERR_Datenbank;
 }
@@ -116,7 +116,7 @@ ZelkResult ZELK_CALL ZELK_HoleKonto(void *HandleParent, int32_t Mandantennummer,
                    if (list.table == kKost)
                      file += vlfn98::GetKostKontoKey(chosen.c_str(), Dimension, list.reference.c_str(), key);
                    uint8_t found;
-                   bool done = store.UsedGet(record, key, found, FileNumber(file), ZELK_ENG_DEFAULT);
+                   bool done = store.UsedGet(record, key, found, FileNumber(file));
                    return done && found ? ZELK_OK : ZELKERR_Datenbank;
                  });
                  if (read != ZELK_OK) return ZELKERR_Datenbank;

@@ -26,7 +26,7 @@ void putKey(char (&field)[8], const std::string &text) {
 }
 
 void insert(Store &store, DATENBANK &record, FileNumber file) {
-  require(store.Insert(record, file, ZELK_ENG_DEFAULT), "a record of the books");
+  require(store.Insert(record, file), "a record of the books");
 }
 
 void insertBatch(Store &store, int number, int postings) {
@@ -59,7 +59,7 @@ void insertBatch(Store &store, int number, int postings) {
 } // namespace
 
 void fill(Store &store, uint16_t number, int debtors, std::initializer_list<int> batches) {
-  require(store.Transaktion(1, 0, ZELK_ENG_DEFAULT), "filling the books");
+  require(store.Transaktion(1, 0), "filling the books");
   DATENBANK record{};
   FIRMENSTAMM &client = record.Firmenstamm;
   client.Nummer = number;
@@ -107,7 +107,7 @@ void fill(Store &store, uint16_t number, int debtors, std::initializer_list<int>
   int batch = 0;
   for (int postings : batches)
     insertBatch(store, ++batch, postings);
-  require(store.Transaktion(2, 0, ZELK_ENG_DEFAULT), "filling the books");
+  require(store.Transaktion(2, 0), "filling the books");
 }
 
 std::string accountNumber(int i) {

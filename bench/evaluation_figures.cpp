@@ -27,11 +27,11 @@ template <size_t N> void put(char (&field)[N], const std::string &text) {
 
 void fill() {
   auto store = books().openStore();
-  require(store->Transaktion(1, 0, ZELK_ENG_DEFAULT), "entries");
+  require(store->Transaktion(1, 0), "entries");
   DATENBANK record{};
   uint8_t found;
   const SCHLUESSEL key = KeyBuilder().account(kAccount);
-  require(store->UsedGet(record, key, found, kSachkonto, ZELK_ENG_DEFAULT) && found, "the account");
+  require(store->UsedGet(record, key, found, kSachkonto) && found, "the account");
   for (KONTOWERTE *values : {&record.Sachkonto.Werte, &record.Sachkonto.EuroWerte}) {
     put(values->Eroeffnung.Soll, "000001000,00");
     for (WERTEPAAR &month : values->Monat) {
@@ -39,7 +39,7 @@ void fill() {
       put(month.Haben, "000000012-50");
     }
   }
-  require(store->Update(record, kSachkonto, ZELK_ENG_DEFAULT), "the account");
+  require(store->Update(record, kSachkonto), "the account");
   record = {};
   BUCHUNGSBELEG &entry = record.Buchungsbeleg;
   put(entry.Konto, kAccount);
@@ -55,9 +55,9 @@ void fill() {
     put(entry.Belegnummer, "E-" + std::to_string(i));
     // They come in as the year goes on.
     put(entry.Datum, vlba98::toReversed(*vlba98::addDays({kYear, 1, 1}, int(int64_t(i) * 365 / kEntries))).data());
-    require(store->Insert(record, kBuchungsbeleg, ZELK_ENG_DEFAULT), "an entry");
+    require(store->Insert(record, kBuchungsbeleg), "an entry");
   }
-  require(store->Transaktion(2, 0, ZELK_ENG_DEFAULT), "entries");
+  require(store->Transaktion(2, 0), "entries");
 }
 
 /// Microseconds of one call.

@@ -21,7 +21,7 @@ constexpr int kLastAccount = kAccounts - 1; // which has the ten
 
 void fill() {
   auto store = books().openStore();
-  require(store->Transaktion(1, 0, ZELK_ENG_DEFAULT), "open items");
+  require(store->Transaktion(1, 0), "open items");
   DATENBANK record{};
   OPBELEG &item = record.Opbeleg;
   auto put = [](auto &field, const std::string &text) { vlba98::strncpy2(field, text); };
@@ -41,9 +41,9 @@ void fill() {
     vlba98::FillWithSpaces(item.Konto);
     put(item.Belegnummer, "R-" + std::to_string(i));
     put(item.OPBelegnummer, item.Belegnummer);
-    require(store->Insert(record, kOPDebitor, ZELK_ENG_DEFAULT), "an open item");
+    require(store->Insert(record, kOPDebitor), "an open item");
   }
-  require(store->Transaktion(2, 0, ZELK_ENG_DEFAULT), "open items");
+  require(store->Transaktion(2, 0), "open items");
 }
 
 /// Every output, as a host that lists open items asks for them.

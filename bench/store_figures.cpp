@@ -38,9 +38,7 @@ void positionedRead(benchmark::State &state) {
   DATENBANK record;
   uint8_t found;
   for (auto _ : state)
-    if (!store().UsedGet(record, KeyBuilder().account(accountNumber(randomAccount())), found, kDebitor,
-                         ZELK_ENG_DEFAULT) ||
-        !found)
+    if (!store().UsedGet(record, KeyBuilder().account(accountNumber(randomAccount())), found, kDebitor) || !found)
       state.SkipWithError("no record");
 }
 
@@ -63,17 +61,17 @@ void walk(benchmark::State &state) {
   uint8_t found;
   for (auto _ : state) {
     int rows = 0;
-    int done = store().GetFirstExt(record, found, kDebitor, ZELK_ENG_DEFAULT, 0);
+    int done = store().GetFirstExt(record, found, kDebitor);
     for (; done && found; ++rows)
-      done = store().GetNextExt(record, found, kDebitor, ZELK_ENG_DEFAULT);
+      done = store().GetNextExt(record, found, kDebitor);
     if (rows != kAccounts) state.SkipWithError("records missing");
   }
 }
 
 void lockAndUnlock(benchmark::State &state) {
   for (auto _ : state) {
-    store().Lock(kDebitor, nullptr, 0, ZELK_ENG_DEFAULT);
-    store().Unlock(kDebitor, 0, ZELK_ENG_DEFAULT);
+    store().Lock(kDebitor, nullptr, 0);
+    store().Unlock(kDebitor, 0);
   }
 }
 

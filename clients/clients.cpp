@@ -63,7 +63,7 @@ ZelkResult ZELK_CALL ZELK_InitHoleMandant() {
     Store *store = context->session();
     DATENBANK record{};
     uint8_t found;
-    if (!store || !store->GetFirstExt(record, found, kFirmenstamm, ZELK_ENG_DEFAULT, 0)) return ZELKERR_Datenbank;
+    if (!store || !store->GetFirstExt(record, found, kFirmenstamm)) return ZELKERR_Datenbank;
     if (!found) return ZELKERR_keine_Mandanten;
     context->clientCursor = record.Firmenstamm.Nummer;
     return ZELK_OK;
@@ -80,10 +80,9 @@ ZelkResult ZELK_CALL ZELK_HoleMandant(uint32_t *Mandantennummer, char *Name, cha
                uint8_t found;
                KeyBuilder key;
                key.number(uint16_t(context->clientCursor));
-               if (!store || !store->UsedGet(record, key, found, kFirmenstamm, ZELK_ENG_DEFAULT) || !found)
-                 return ZELKERR_Datenbank;
+               if (!store || !store->UsedGet(record, key, found, kFirmenstamm) || !found) return ZELKERR_Datenbank;
                FIRMENSTAMM client = record.Firmenstamm;
-               if (!store->GetNextExt(record, found, kFirmenstamm, ZELK_ENG_DEFAULT)) return ZELKERR_Datenbank;
+               if (!store->GetNextExt(record, found, kFirmenstamm)) return ZELKERR_Datenbank;
                if (Mandantennummer) *Mandantennummer = client.Nummer;
                if (Name) std::memcpy(Name, client.Name, sizeof client.Name);
                if (Zusatz) std::memcpy(Zusatz, client.Zusatz, sizeof client.Zusatz);
@@ -180,11 +179,11 @@ ZelkResult ZELK_CALL ZELK_HoleMandantenNr(void *HandleParent) {
           FileNumber file = fileNumber(kFirmenstamm, order == SelectionOrder::Name ? 1 : 0);
           DATENBANK record{};
           uint8_t found;
-          if (!store || !store->GetFirstExt(record, found, file, ZELK_ENG_DEFAULT, 0)) return ZELKERR_Datenbank;
+          if (!store || !store->GetFirstExt(record, found, file)) return ZELKERR_Datenbank;
           if (!found) return ZELKERR_keine_Mandanten;
           while (found) {
             add(std::to_string(record.Firmenstamm.Nummer), record.Firmenstamm.Name);
-            if (!store->GetNextExt(record, found, file, ZELK_ENG_DEFAULT)) return ZELKERR_Datenbank;
+            if (!store->GetNextExt(record, found, file)) return ZELKERR_Datenbank;
           }
           return ZELK_OK;
         },

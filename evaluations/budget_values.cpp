@@ -53,7 +53,7 @@ bool belongs(const SharedFetch &fetch, const DATENBANK &record) {
 int skip(Store &store, const SharedFetch &fetch, DATENBANK &record, uint8_t &found) {
   int done = 1;
   while (done && found && !belongs(fetch, record))
-    done = store.GetNextExt(record, found, fetch.file, ZELK_ENG_DEFAULT);
+    done = store.GetNextExt(record, found, fetch.file);
   return done;
 }
 

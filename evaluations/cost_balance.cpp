@@ -57,11 +57,11 @@ int numbersOf(Store &store, int32_t structure, std::set<std::string> &numbers) {
   const FileNumber file = kStructureTables[size_t(structure)];
   DATENBANK record{};
   uint8_t found;
-  int done = store.StepFirstExt(record, found, file, ZELK_ENG_DEFAULT);
+  int done = store.StepFirstExt(record, found, file);
   while (done && found) {
     const AUFBAU &line = record.Aufbau;
     if ((line.Flags & kKontozeile) && !(line.Flags & kVerborgen)) numbers.emplace(vlba98::trimmed(line.Name));
-    done = store.StepNextExt(record, found, file, ZELK_ENG_DEFAULT);
+    done = store.StepNextExt(record, found, file);
   }
   return done;
 }
@@ -87,10 +87,10 @@ public:
     uint8_t found;
     // In the order of numbers, from the one asked for.
     constexpr auto anyDimension = std::numeric_limits<int16_t>::min();
-    int done = request_.costCentre.empty()
-                   ? store_.GetFirstExt(record, found, kKost, ZELK_ENG_DEFAULT, 0)
-                   : store_.GetGeExt(record, KeyBuilder().account(request_.costCentre).number(anyDimension), found,
-                                     kKost, ZELK_ENG_DEFAULT, 0);
+    int done =
+        request_.costCentre.empty()
+            ? store_.GetFirstExt(record, found, kKost)
+            : store_.GetGeExt(record, KeyBuilder().account(request_.costCentre).number(anyDimension), found, kKost);
     while (done && found) {
       const KOST &centre = record.Kost;
       const std::string_view number = vlba98::trimmed(centre.Nr);
@@ -99,7 +99,7 @@ public:
                           (!referenced || vlba98::trimmed(centre.Kostref) == request_.reference) &&
                           (request_.structure <= 0 || inStructure_.count(std::string(number)));
       if (wanted) numbers.emplace(number);
-      done = store_.GetNextExt(record, found, kKost, ZELK_ENG_DEFAULT);
+      done = store_.GetNextExt(record, found, kKost);
     }
     if (!done) return {ZELKERR_Datenbank};
     return numbers.empty() ? inadmissible(ZELKERR_uzl_Kontonr, "Die Kostenstelle ist") : Outcome{};
@@ -115,8 +115,7 @@ Outcome select(Store &store, const Request &request, vlfn98::Kostenauswahl &sele
   uint8_t exists = 1;
   selection.costType = request.costType;
   selection.dimension = request.dimension;
-  if (!request.costType.empty() &&
-      !store.Used(KeyBuilder().account(request.costType), exists, kSachkonto, ZELK_ENG_DEFAULT))
+  if (!request.costType.empty() && !store.Used(KeyBuilder().account(request.costType), exists, kSachkonto))
     return {ZELKERR_Datenbank};
   if (!exists || request.costType.size() >= sizeof SACHKONTO::Nr)
     return inadmissible(ZELKERR_uzl_Kontonr, "Die Kostenart ist");

@@ -36,7 +36,7 @@ Outcome readAccount(Store &store, const AccountRequest &account, DATENBANK &reco
     SCHLUESSEL key = KeyBuilder().account(number);
     int file = vlfn98::KzFromZELKArt(account.kind);
     if (file == kKost) file += vlfn98::GetKostKontoKey(number, account.dimension, account.reference, key);
-    if (!store.UsedGet(record, key, found, FileNumber(file), ZELK_ENG_DEFAULT)) return {ZELKERR_Datenbank};
+    if (!store.UsedGet(record, key, found, FileNumber(file))) return {ZELKERR_Datenbank};
   }
   return found ? Outcome{} : noSuchAccount(account.kind);
 }
@@ -50,7 +50,7 @@ int waitForYear(Store &store, FileNumber resource, int table) {
   constexpr int waitOnly = 1;
   std::string name = store.HoleOpenJahr();
   if (table >= 0) name += "/" + std::to_string(table);
-  return store.LockRes(resource, store.HoleFista().Nummer, name.c_str(), waitOnly, 0, ZELK_ENG_DEFAULT);
+  return store.LockRes(resource, store.HoleFista().Nummer, name.c_str(), waitOnly, 0);
 }
 
 Outcome deliver(int32_t form, std::initializer_list<Figure> figures) {

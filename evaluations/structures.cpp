@@ -26,7 +26,7 @@ int readLine(Store &store, FileNumber file, int32_t number, AUFBAU &line, uint8_
   DATENBANK record{};
   found = 0;
   if (number == 0) return 1;
-  if (!store.UsedGet(record, KeyBuilder().number(number), found, file, ZELK_ENG_DEFAULT)) return 0;
+  if (!store.UsedGet(record, KeyBuilder().number(number), found, file)) return 0;
   if (found) line = record.Aufbau;
   return 1;
 }
@@ -155,7 +155,7 @@ ZelkResult ZELK_CALL ZELK_InitHoleAufbau(int32_t Mandatennummer, int32_t Klasse,
                walk.client = Mandatennummer;
                walk.file = kStructureTables[size_t(structure)];
                constexpr int waitOnly = 1;
-               if (!store->Lock(walk.file, nullptr, waitOnly, ZELK_ENG_DEFAULT)) return ZELKERR_Datenbank;
+               if (!store->Lock(walk.file, nullptr, waitOnly)) return ZELKERR_Datenbank;
                Walker walker(*store, walk);
                const ZelkResult result = inSnapshot(*store, [&] { return walker.begin(); });
                if (result != ZELK_OK) return result;

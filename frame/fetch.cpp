@@ -58,7 +58,7 @@ Store *resumeFetch(ThreadContext &context) {
 ZelkResult readBehind(const SharedFetch &fetch, Store &store, DATENBANK &next) {
   store.setCurrent(fetch.record, fetch.file);
   uint8_t found;
-  if (!store.GetNextExt(next, found, fetch.file, ZELK_ENG_DEFAULT)) return ZELKERR_Datenbank;
+  if (!store.GetNextExt(next, found, fetch.file)) return ZELKERR_Datenbank;
   return found ? ZELK_OK : ZELK_letzterDatensatz;
 }
 

@@ -21,7 +21,7 @@ ZelkResult greatestLevel(Store &store, const ItemSelection &account) {
   while (result == ZELK_OK) {
     level = std::max(level, int16_t(item.Opbeleg.Mahnstufe));
     uint8_t found;
-    if (!store.GetNextExt(item, found, file, ZELK_ENG_DEFAULT)) return ZELKERR_Datenbank;
+    if (!store.GetNextExt(item, found, file)) return ZELKERR_Datenbank;
     result = found && openitems::holds(account, item) ? ZELK_OK : ZELK_keinKonto;
   }
   return result < 0 ? result : level;
@@ -39,11 +39,10 @@ ZelkResult ZELK_CALL ZELK_HoleAktMahnstufe(int32_t Mandantennummer, const char *
                const char *number = DebiKonto ? DebiKonto : "";
                if (std::strlen(number) > openitems::kAccountWidth) return ZELKERR_uzl_Kontonr;
                uint8_t found;
-               if (!store->Used(KeyBuilder().account(number), found, kDebitor, ZELK_ENG_DEFAULT))
-                 return ZELKERR_Datenbank;
+               if (!store->Used(KeyBuilder().account(number), found, kDebitor)) return ZELKERR_Datenbank;
                if (!found) return ZELKERR_uzl_Kontonr;
                constexpr int kWaitForHolder = 1;
-               if (!store->Lock(kOPDebitor, nullptr, kWaitForHolder, ZELK_ENG_DEFAULT)) return ZELKERR_Datenbank;
+               if (!store->Lock(kOPDebitor, nullptr, kWaitForHolder)) return ZELKERR_Datenbank;
                ItemSelection account = openitems::selectBy(ItemSelection::By::Account, number);
                return inSnapshot(*store, [&] { return greatestLevel(*store, account); });
              });

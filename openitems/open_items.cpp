@@ -20,7 +20,7 @@ constexpr bool isOpenItemTable(int32_t table) {
 ZelkResult checkAccount(ThreadContext &context, Store &store, int32_t kind, std::string_view number) {
   uint8_t found = 0;
   if (number.size() <= openitems::kAccountWidth &&
-      !store.Used(KeyBuilder().account(number), found, FileNumber(vlfn98::KzFromZELKArt(kind)), ZELK_ENG_DEFAULT))
+      !store.Used(KeyBuilder().account(number), found, FileNumber(vlfn98::KzFromZELKArt(kind))))
     return ZELKERR_Datenbank;
   return found ? ZELK_OK : refuse(context, ZELKERR_uzl_Kontonr, resources::kKontonummerUnzulaessig);
 }

@@ -57,7 +57,7 @@ ZelkResult ask(const ThreadContext &context, const RatingRequest &request, Ratin
 Outcome readAccount(Store &store, int table, std::string_view number, DATENBANK &account) {
   uint8_t found = 0;
   if (number.size() <= openitems::kAccountWidth &&
-      !store.UsedGet(account, KeyBuilder().account(number), found, FileNumber(table), ZELK_ENG_DEFAULT))
+      !store.UsedGet(account, KeyBuilder().account(number), found, FileNumber(table)))
     return {ZELKERR_Datenbank};
   if (!found) return {ZELKERR_uzl_Kontonr, resources::kKontonummerUnzulaessig};
   return {};
@@ -66,7 +66,8 @@ Outcome readAccount(Store &store, int table, std::string_view number, DATENBANK 
 // Stores a rating in the account as it is now, and in the account-change protocol, both or nothing. With the table
 // locked.
 Outcome writeRating(Store &store, int table, std::string_view number, const char *rating, PERSONENKONTO &changed) {
-  if (!store.Transaktion(1, 0, ZELK_ENG_DEFAULT)) return {ZELKERR_Datenbank};
+  Transaction writing(store, false);
+  if (!writing.isOpen()) return {ZELKERR_Datenbank};
   DATENBANK record{};
   Outcome outcome = readAccount(store, table, number, record);
   if (outcome.result == ZELK_OK) {
@@ -75,12 +76,12 @@ Outcome writeRating(Store &store, int table, std::string_view number, const char
     vlba98::strncpy2(account.Bonitaet, rating);
     if (!vlfn98::PekoProtokoll(store, table, account.Nr, vlfn98::kBonitaetGeaendert, store.HoleOpenJahr(),
                                before.Bonitaet, account.Bonitaet) ||
-        !store.Update(record, FileNumber(table), ZELK_ENG_DEFAULT))
+        !store.Update(record, FileNumber(table)))
       outcome = {ZELKERR_Datenbank};
     changed = account;
   }
-  const int end = outcome.result == ZELK_OK ? 2 : 4;
-  return store.Transaktion(end, 0, ZELK_ENG_DEFAULT) ? outcome : Outcome{ZELKERR_Datenbank};
+  const bool refused = outcome.result != ZELK_OK;
+  return (refused ? writing.rollback() : writing.commit()) ? outcome : Outcome{ZELKERR_Datenbank};
 }
 
 // The source is asked before anything is locked: it may take long, or wait for a person, and nobody else is to wait.

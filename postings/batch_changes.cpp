@@ -30,7 +30,7 @@ struct Request {
 ZelkResult readBatch(Store &store, int32_t number, STAPEL &batch, bool &exists) {
   DATENBANK record{};
   uint8_t found;
-  if (!store.UsedGet(record, KeyBuilder().number(number), found, kStapel, ZELK_ENG_DEFAULT)) return ZELKERR_Datenbank;
+  if (!store.UsedGet(record, KeyBuilder().number(number), found, kStapel)) return ZELKERR_Datenbank;
   exists = found;
   if (found) batch = record.Stapel;
   return ZELK_OK;
@@ -58,12 +58,12 @@ Outcome startingRecord(Store &store, const Request &request, STAPEL &batch) {
 Outcome checkUniqueName(Store &store, const Request &request) {
   DATENBANK record{};
   uint8_t found;
-  int done = store.GetFirstExt(record, found, kStapel, ZELK_ENG_DEFAULT, 0);
+  int done = store.GetFirstExt(record, found, kStapel);
   while (done && found) {
     const STAPEL &other = record.Stapel;
     if (request.name == other.Name && !(request.action == kChange && other.Nr == request.number))
       return {ZELKERR_uzl_Name, resources::kStapelnameVergeben, request.name};
-    done = store.GetNextExt(record, found, kStapel, ZELK_ENG_DEFAULT);
+    done = store.GetNextExt(record, found, kStapel);
   }
   return {done ? ZELK_OK : ZELKERR_Datenbank};
 }
@@ -80,12 +80,12 @@ Outcome save(Store &store, const Request &request) {
   batch.Wiederkehr = int16_t(request.recurrence);
   batch.Transitorisch = request.transitory != 0;
   batch.Abstimm0 = request.reconciliation != 0;
-  if (request.action == kCreate) return {store.Insert(record, kStapel, ZELK_ENG_DEFAULT) ? ZELK_OK : ZELKERR_Datenbank};
+  if (request.action == kCreate) return {store.Insert(record, kStapel) ? ZELK_OK : ZELKERR_Datenbank};
   // The search for the name has gone on from the batch.
   STAPEL stored;
   bool exists = false;
   ZelkResult read = readBatch(store, request.number, stored, exists);
-  bool written = read == ZELK_OK && exists && store.Update(record, kStapel, ZELK_ENG_DEFAULT);
+  bool written = read == ZELK_OK && exists && store.Update(record, kStapel);
   return {written ? ZELK_OK : ZELKERR_Datenbank};
 }
 
@@ -104,11 +104,10 @@ Outcome checkDeletable(Store &store, int32_t number) {
 // With all tables of a batch locked.
 Outcome remove(Store &store, int32_t number, bool withBatch) {
   if (Outcome checked = checkDeletable(store, number); checked.result != ZELK_OK) return checked;
-  if (!store.Transaktion(1, 0, ZELK_ENG_DEFAULT)) return {ZELKERR_Datenbank};
+  Transaction deletion(store, false);
   // The batch stays the current record of its table.
-  bool done = store.EmptyBat(number) && (!withBatch || store.Delete(kStapel, ZELK_ENG_DEFAULT));
-  bool ended = store.Transaktion(done ? 2 : 4, 0, ZELK_ENG_DEFAULT);
-  return {done && ended ? ZELK_OK : ZELKERR_Datenbank};
+  bool done = deletion.isOpen() && store.EmptyBat(number) && (!withBatch || store.Delete(kStapel));
+  return {deletion.finish(done) ? ZELK_OK : ZELKERR_Datenbank};
 }
 
 } // namespace

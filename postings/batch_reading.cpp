@@ -80,7 +80,7 @@ ZelkResult ZELK_CALL ZELK_InitHoleBatch(int32_t Mandantennummer, int32_t Stapeln
         if (!store) return ZELKERR_Datenbank;
         if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
         uint8_t found;
-        if (!store->Used(KeyBuilder().number(Stapelnummer), found, kStapel, ZELK_ENG_DEFAULT)) return ZELKERR_Datenbank;
+        if (!store->Used(KeyBuilder().number(Stapelnummer), found, kStapel)) return ZELKERR_Datenbank;
         if (!found) return refuse(*context, ZELKERR_uzl_Stapelnr, resources::kGibtEsNicht, "Stapel");
         BATCHBUCHUNG posting{};
         if (!store->ReadBat(posting, Stapelnummer, 0, found)) return ZELKERR_Datenbank;
@@ -118,8 +118,7 @@ ZelkResult ZELK_CALL ZELK_HoleBatch(ZELK_SPLITBUCHUNG *Buchung) {
       whole.lines.push_back(*store->PSplit(i));
     for (size_t i = 0; i < store->costCount(); ++i)
       whole.costs.push_back(*store->costAt(i));
-    if (!fill(delivered, *store, at) || !store->GetNextExt(next, found, kBatchbuchung, ZELK_ENG_DEFAULT))
-      return ZELKERR_Datenbank;
+    if (!fill(delivered, *store, at) || !store->GetNextExt(next, found, kBatchbuchung)) return ZELKERR_Datenbank;
     *Buchung = delivered;
     context->delivered = std::move(whole);
     context->fetch.pending = found && next.Batchbuchung.Stapel == at.Stapel;

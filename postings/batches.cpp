@@ -54,11 +54,11 @@ ZelkResult fillBatches(Store &store, SelectionOrder order, const AddEntry &add) 
   FileNumber file = fileNumber(kStapel, order == SelectionOrder::Name ? 1 : 0);
   DATENBANK record{};
   uint8_t found;
-  int done = store.GetFirstExt(record, found, file, ZELK_ENG_DEFAULT, 0);
+  int done = store.GetFirstExt(record, found, file);
   if (done && !found) return ZELKERR_keine_Stapel;
   while (done && found) {
     add(std::to_string(record.Stapel.Nr), record.Stapel.Name);
-    done = store.GetNextExt(record, found, file, ZELK_ENG_DEFAULT);
+    done = store.GetNextExt(record, found, file);
   }
   return done ? ZELK_OK : ZELKERR_Datenbank;
 }

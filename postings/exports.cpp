@@ -14,6 +14,7 @@
 #include "postings/rate_entry.h"
 #include "vlba98/encoding.h"
 #include "vlba98/text.h"
+#include "vldb98/guards.h"
 
 using namespace frame;
 using namespace vldb98;
@@ -42,23 +43,6 @@ void noteUnknownOutcome(const BATCHBUCHUNG &posting) {
       vlba98::toUtf8(posting.Belegnummer) + ", Kennung: " + posting.Kennung);
 }
 
-class PostingLocks {
-public:
-  explicit PostingLocks(Store &store) : store_(store), held_(store.Lock(kLockOrder, ZELK_ENG_DEFAULT)) {}
-  ~PostingLocks() {
-    // A transaction around the posting keeps them to its end.
-    constexpr int atTheEnd = 0;
-    if (held_) store_.Unlock(kReleaseOrder, atTheEnd, ZELK_ENG_DEFAULT);
-  }
-  PostingLocks(const PostingLocks &) = delete;
-  PostingLocks &operator=(const PostingLocks &) = delete;
-  bool held() const { return held_; }
-
-private:
-  Store &store_;
-  bool held_;
-};
-
 ZelkResult insert(ThreadContext &context, const ZELK_SPLITBUCHUNG *posting) {
   if (!posting) return ZELKERR_nicht_moeglich;
   postings::Construction &construction = postings::constructionOf(context);
@@ -76,7 +60,7 @@ ZelkResult insert(ThreadContext &context, const ZELK_SPLITBUCHUNG *posting) {
     postings::Insertion insertion(*store, *posting, piecewise ? &construction : nullptr);
     ZelkResult result = ZELKERR_Datenbank;
     if (!entered || vlfn98::SpeichereKurs(*store, missing.currency, missing.day, *entered)) {
-      PostingLocks locks(*store);
+      LockedTables locks(*store, kLockOrder, kReleaseOrder);
       // Hosts rely on it that a posting whose tables cannot be had in time is skipped without an error.
       if (!locks.held()) {
         if (!store->usable()) return ZELKERR_Datenbank;

@@ -59,18 +59,17 @@ ZelkResult Insertion::run() {
 
 bool Insertion::beginReading() {
   if (store_.IsUsedEngineSQL()) return true;
-  return reading_ = store_.Transaktion(1, 1, ZELK_ENG_DEFAULT);
+  return reading_ = store_.Transaktion(1, 1);
 }
 
 bool Insertion::endReading() {
-  return !std::exchange(reading_, false) || store_.Transaktion(2, 0, ZELK_ENG_DEFAULT);
+  return !std::exchange(reading_, false) || store_.Transaktion(2, 0);
 }
 
 ZelkResult Insertion::checkBatch() {
   DATENBANK record{};
   uint8_t found;
-  if (!store_.UsedGet(record, KeyBuilder().number(request_.Stapelnummer), found, kStapel, ZELK_ENG_DEFAULT))
-    return ZELKERR_Datenbank;
+  if (!store_.UsedGet(record, KeyBuilder().number(request_.Stapelnummer), found, kStapel)) return ZELKERR_Datenbank;
   if (!found) return refuse(ZELKERR_uzl_Stapelnr, resources::kGibtEsNicht, "Stapel");
   if (record.Stapel.Kore) return refuse(ZELKERR_uzl_Stapelnr, resources::kKoreStapel);
   posting_.Stapel = request_.Stapelnummer;

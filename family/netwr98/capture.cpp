@@ -9,7 +9,7 @@ int OCR_GetBucDlg(Store &store, int32_t document, int32_t &costTemplate) {
   uint8_t found = 0;
   costTemplate = 0;
   if (document == 0) return 1;
-  if (!store.UsedGet(record, KeyBuilder().number(document), found, kDmsId, ZELK_ENG_DEFAULT)) return 0;
+  if (!store.UsedGet(record, KeyBuilder().number(document), found, kDmsId)) return 0;
   if (found) costTemplate = record.DmsId.Kostenschablone;
   return 1;
 }

@@ -30,12 +30,12 @@ private:
 bool yearsOf(Store &store, std::vector<YearCode> &years) {
   DATENBANK record{};
   uint8_t found;
-  int done = store.StepFirstExt(record, found, kGeschaeftsjahr, ZELK_ENG_DEFAULT);
+  int done = store.StepFirstExt(record, found, kGeschaeftsjahr);
   while (done && found) {
     YearCode code{};
     vlba98::itotwo(record.Geschaeftsjahr.Jahr - vlba98::firstYear, code.data());
     years.push_back(code);
-    done = store.StepNextExt(record, found, kGeschaeftsjahr, ZELK_ENG_DEFAULT);
+    done = store.StepNextExt(record, found, kGeschaeftsjahr);
   }
   return done != 0;
 }
@@ -77,7 +77,7 @@ private:
   bool ownRow(const Table &t) {
     DATENBANK record{};
     uint8_t found;
-    return store_.UsedGet(record, KeyBuilder().number(client_), found, FileNumber(t.number), ZELK_ENG_DEFAULT) &&
+    return store_.UsedGet(record, KeyBuilder().number(client_), found, FileNumber(t.number)) &&
            (!found || visitor_.row(t, record));
   }
 
@@ -91,10 +91,10 @@ private:
     DATENBANK record{};
     uint8_t found;
     FileNumber file = FileNumber(t.number);
-    int done = store_.StepFirstExt(record, found, file, ZELK_ENG_DEFAULT);
+    int done = store_.StepFirstExt(record, found, file);
     while (done && found) {
       if (!visitor_.row(t, record)) return false;
-      done = store_.StepNextExt(record, found, file, ZELK_ENG_DEFAULT);
+      done = store_.StepNextExt(record, found, file);
     }
     return done != 0;
   }
@@ -149,7 +149,7 @@ public:
 
   bool row(const Table &table, DATENBANK &record) override {
     uint8_t found = 1;
-    bool written = target_.Insert(record, FileNumber(table.number), ZELK_ENG_DEFAULT) &&
+    bool written = target_.Insert(record, FileNumber(table.number)) &&
                    (table.number != kFirmenstamm || target_.SetzeFista(client_, found)) && found;
     if (!written) failed_ = true;
     if (written && progress_) progress_();
@@ -174,9 +174,9 @@ CopyOutcome Kopiere(Store &source, Store &target, uint16_t client, std::vector<T
                     const CopyProgress &progress) {
   uint8_t there;
   SCHLUESSEL key = KeyBuilder().number(client);
-  if (!source.Used(key, there, kFirmenstamm, ZELK_ENG_DEFAULT)) return CopyOutcome::SourceFailed;
+  if (!source.Used(key, there, kFirmenstamm)) return CopyOutcome::SourceFailed;
   if (!there) return CopyOutcome::NoSuchClient;
-  if (!target.Used(key, there, kFirmenstamm, ZELK_ENG_DEFAULT)) return CopyOutcome::TargetFailed;
+  if (!target.Used(key, there, kFirmenstamm)) return CopyOutcome::TargetFailed;
   if (there) return CopyOutcome::ClientIsThere;
 
   Transaction reading(source, true), writing(target, false);
@@ -210,9 +210,7 @@ int removeCopied(Store &store, uint16_t client, const std::vector<TableContent> 
     DATENBANK record{};
     uint8_t found;
     FileNumber file = FileNumber(number);
-    if (!store.UsedGet(record, KeyBuilder().number(client), found, file, ZELK_ENG_DEFAULT) ||
-        (found && !store.Delete(file, ZELK_ENG_DEFAULT)))
-      return 0;
+    if (!store.UsedGet(record, KeyBuilder().number(client), found, file) || (found && !store.Delete(file))) return 0;
   }
   if (!transaction.commit()) return 0;
   unchanged = true;

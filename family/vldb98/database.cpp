@@ -1,11 +1,14 @@
 #include "vldb98/database.h"
 
+#include <algorithm>
 #include <atomic>
 #include <mutex>
+#include <optional>
 #include <random>
 
 #include "platform/files.h"
 #include "platform/ui.h"
+#include "vldb98/guards.h"
 #include "vldb98/isam_engine.h"
 
 namespace vldb98 {
@@ -205,14 +208,12 @@ void setEngineDecorator(EngineDecorator decorator) {
 
 bool createTables(Store &store) {
   // A server commits each table by itself; what a failure left behind is completed by the next attempt.
-  const bool together = !store.IsUsedEngineSQL();
-  if (together && !store.Transaktion(1, 0, ZELK_ENG_DEFAULT)) return false;
-  for (const Table &table : allTables())
-    if (!store.CreateTable(table.number)) {
-      if (together) store.Transaktion(4, 0, ZELK_ENG_DEFAULT);
-      return false;
-    }
-  return !together || store.Transaktion(2, 0, ZELK_ENG_DEFAULT);
+  std::optional<Transaction> together;
+  if (!store.IsUsedEngineSQL()) together.emplace(store, false);
+  const bool done = (!together || together->isOpen()) &&
+                    std::all_of(allTables().begin(), allTables().end(),
+                                [&](const Table &table) { return store.CreateTable(table.number) != 0; });
+  return together ? together->finish(done) : done;
 }
 
 } // namespace vldb98

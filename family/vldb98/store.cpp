@@ -86,8 +86,7 @@ int Store::UsedGetExt(DATENBANK &record, const SCHLUESSEL &key, uint8_t &found, 
 }
 
 int Store::UsedKuerzel(const char *shortName, uint8_t &found, int table) {
-  return Used(KeyBuilder().text(shortName, sizeof(SACHKONTO::Kuerzel) - 1), found, fileNumber(table, 1),
-              ZELK_ENG_DEFAULT);
+  return Used(KeyBuilder().text(shortName, sizeof(SACHKONTO::Kuerzel) - 1), found, fileNumber(table, 1));
 }
 
 int Store::UsedAndGetKnr(const char *account, uint8_t &found, DATENBANK &record, int32_t &table) {
@@ -106,7 +105,7 @@ int Store::UsedAndGetKnr(const char *account, uint8_t &found, DATENBANK &record,
     KeyBuilder key;
     key.account(number);
     if (kind.table == kKost) key.number<int16_t>(0).account("");
-    if (!UsedGet(record, key, there, fileNumber(kind.table, 0), ZELK_ENG_DEFAULT)) return 0;
+    if (!UsedGet(record, key, there, fileNumber(kind.table, 0))) return 0;
     if (there) {
       found = kind.flag;
       table = kind.table;

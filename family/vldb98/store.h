@@ -41,27 +41,30 @@ public:
   ~Store();
 
   // --- Positioning reads ---
-  int GetFirst(DATENBANK &record, FileNumber file, DBENGINE engine, int32_t selector);
-  int GetLast(DATENBANK &record, FileNumber file, DBENGINE engine, int32_t selector);
-  int GetGe(DATENBANK &record, const SCHLUESSEL &key, FileNumber file, DBENGINE engine, int32_t selector);
-  int GetNext(DATENBANK &record, FileNumber file, DBENGINE engine);
-  int GetFirstExt(DATENBANK &record, uint8_t &found, FileNumber file, DBENGINE engine, int32_t selector);
-  int GetLastExt(DATENBANK &record, uint8_t &found, FileNumber file, DBENGINE engine, int32_t selector);
-  int GetGeExt(DATENBANK &record, const SCHLUESSEL &key, uint8_t &found, FileNumber file, DBENGINE engine,
-               int32_t selector);
-  int GetLeExt(DATENBANK &record, const SCHLUESSEL &key, uint8_t &found, FileNumber file, DBENGINE engine,
-               int32_t selector);
+  int GetFirst(DATENBANK &record, FileNumber file, DBENGINE engine = ZELK_ENG_DEFAULT, int32_t selector = 0);
+  int GetLast(DATENBANK &record, FileNumber file, DBENGINE engine = ZELK_ENG_DEFAULT, int32_t selector = 0);
+  int GetGe(DATENBANK &record, const SCHLUESSEL &key, FileNumber file, DBENGINE engine = ZELK_ENG_DEFAULT,
+            int32_t selector = 0);
+  int GetNext(DATENBANK &record, FileNumber file, DBENGINE engine = ZELK_ENG_DEFAULT);
+  int GetFirstExt(DATENBANK &record, uint8_t &found, FileNumber file, DBENGINE engine = ZELK_ENG_DEFAULT,
+                  int32_t selector = 0);
+  int GetLastExt(DATENBANK &record, uint8_t &found, FileNumber file, DBENGINE engine = ZELK_ENG_DEFAULT,
+                 int32_t selector = 0);
+  int GetGeExt(DATENBANK &record, const SCHLUESSEL &key, uint8_t &found, FileNumber file,
+               DBENGINE engine = ZELK_ENG_DEFAULT, int32_t selector = 0);
+  int GetLeExt(DATENBANK &record, const SCHLUESSEL &key, uint8_t &found, FileNumber file,
+               DBENGINE engine = ZELK_ENG_DEFAULT, int32_t selector = 0);
   /// After GetRangeExt on the same file number only as far as its upper key: nothing when there was none in the range.
-  int GetNextExt(DATENBANK &record, uint8_t &found, FileNumber file, DBENGINE engine);
-  int GetPrevExt(DATENBANK &record, uint8_t &found, FileNumber file, DBENGINE engine);
+  int GetNextExt(DATENBANK &record, uint8_t &found, FileNumber file, DBENGINE engine = ZELK_ENG_DEFAULT);
+  int GetPrevExt(DATENBANK &record, uint8_t &found, FileNumber file, DBENGINE engine = ZELK_ENG_DEFAULT);
   int GetRangeExt(DATENBANK &record, const SCHLUESSEL &lower, const SCHLUESSEL &upper, uint8_t &found, FileNumber file,
-                  DBENGINE engine);
-  int StepFirstExt(DATENBANK &record, uint8_t &found, FileNumber file, DBENGINE engine);
-  int StepNextExt(DATENBANK &record, uint8_t &found, FileNumber file, DBENGINE engine);
+                  DBENGINE engine = ZELK_ENG_DEFAULT);
+  int StepFirstExt(DATENBANK &record, uint8_t &found, FileNumber file, DBENGINE engine = ZELK_ENG_DEFAULT);
+  int StepNextExt(DATENBANK &record, uint8_t &found, FileNumber file, DBENGINE engine = ZELK_ENG_DEFAULT);
 
   /// Sums over a range of keys, see Engine::sum.
   int Sum(const SCHLUESSEL &lower, const SCHLUESSEL &upper, std::span<const int> fields, std::span<int64_t> sums,
-          FileNumber file, DBENGINE engine);
+          FileNumber file, DBENGINE engine = ZELK_ENG_DEFAULT);
 
   /// Puts the table back to a record that was read earlier, whatever was read in between, so that stepping goes on from
   /// there.
@@ -69,9 +72,11 @@ public:
 
   // --- Exact reads and tests ---
   /// The current record stays.
-  int Used(const SCHLUESSEL &key, uint8_t &found, FileNumber file, DBENGINE engine);
-  int UsedGet(DATENBANK &record, const SCHLUESSEL &key, uint8_t &found, FileNumber file, DBENGINE engine);
-  int UsedGetExt(DATENBANK &record, const SCHLUESSEL &key, uint8_t &found, FileNumber file, DBENGINE engine);
+  int Used(const SCHLUESSEL &key, uint8_t &found, FileNumber file, DBENGINE engine = ZELK_ENG_DEFAULT);
+  int UsedGet(DATENBANK &record, const SCHLUESSEL &key, uint8_t &found, FileNumber file,
+              DBENGINE engine = ZELK_ENG_DEFAULT);
+  int UsedGetExt(DATENBANK &record, const SCHLUESSEL &key, uint8_t &found, FileNumber file,
+                 DBENGINE engine = ZELK_ENG_DEFAULT);
   /// Whether an account table has the short name. \param table 0, 2, 3 or 16
   int UsedKuerzel(const char *shortName, uint8_t &found, int table);
   /// Looks an account number up among general-ledger accounts, creditors, debtors and cost centres, in this order.
@@ -88,18 +93,18 @@ public:
   /// to. A number that the table assigns (payment terms, batches, batch postings,
   /// document links) is written back when the record carries 0, and so is the identifier of a batch posting that has
   /// none. The record becomes the current one.
-  int Insert(DATENBANK &record, FileNumber file, DBENGINE engine);
-  int Update(DATENBANK &record, FileNumber file, DBENGINE engine);
-  int Delete(FileNumber file, DBENGINE engine);
+  int Insert(DATENBANK &record, FileNumber file, DBENGINE engine = ZELK_ENG_DEFAULT);
+  int Update(DATENBANK &record, FileNumber file, DBENGINE engine = ZELK_ENG_DEFAULT);
+  int Delete(FileNumber file, DBENGINE engine = ZELK_ENG_DEFAULT);
   /// Deletes all records whose key begins with the first fields of the key given (at least one), however many there
   /// are, at the cost of one statement; done also when there is none. The current record stays where it was.
-  int DeleteBeginning(const SCHLUESSEL &key, int fields, FileNumber file, DBENGINE engine);
+  int DeleteBeginning(const SCHLUESSEL &key, int fields, FileNumber file, DBENGINE engine = ZELK_ENG_DEFAULT);
   /// Bulk insertion: all records between InitMultiInsert and EndMultiInsert, or none. After a failed MultiInsertNext,
   /// EndMultiInsert undoes the others and fails. Those of several tables that overlap are decided together, with the
   /// last end: all of their records, or none.
-  int InitMultiInsert(FileNumber file, DBENGINE engine);
-  int MultiInsertNext(DATENBANK &record, FileNumber file, DBENGINE engine);
-  int EndMultiInsert(FileNumber file, DBENGINE engine);
+  int InitMultiInsert(FileNumber file, DBENGINE engine = ZELK_ENG_DEFAULT);
+  int MultiInsertNext(DATENBANK &record, FileNumber file, DBENGINE engine = ZELK_ENG_DEFAULT);
+  int EndMultiInsert(FileNumber file, DBENGINE engine = ZELK_ENG_DEFAULT);
   /// Empties a table for a client and fiscal year; fails for a table that is not kept per client. \param client,year
   /// number and four-digit year as text; null or empty: those that are open \param record cleared, so that no emptied
   /// record lingers there; may be null
@@ -108,26 +113,28 @@ public:
   // --- Transactions and locks ---
   /// \param operation 1 begins, 2 commits, 4 rolls back. Nested: see Engine::transaction
   /// \param flag      0: to write; 1: to read several tables in one state
-  int Transaktion(int operation, int flag, DBENGINE engine);
+  int Transaktion(int operation, int flag, DBENGINE engine = ZELK_ENG_DEFAULT);
   int transactionDepth() const { return engine_->transactionDepth(); }
   /// Locks on a table that has one set of rows for all clients are those of all clients. A table's lock and those on
   /// its resources are separate, see LockName. \param name null: the table of the open client; else an area of it that
   /// the name stands for \param mode 0: against all others, until Unlock; 1: waits for the holder only and takes
   /// nothing
-  int Lock(FileNumber file, const char *name, int mode, DBENGINE engine);
+  int Lock(FileNumber file, const char *name, int mode, DBENGINE engine = ZELK_ENG_DEFAULT);
   /// Tables of the open client in the order given, all of them or none; on a server in one step.
-  int Lock(std::span<const FileNumber> files, DBENGINE engine);
+  int Lock(std::span<const FileNumber> files, DBENGINE engine = ZELK_ENG_DEFAULT);
   /// Lets go what Lock and LockRes took on the table; done also when there is nothing.
   /// \param flag 1: at once; 0: inside a transaction at its end
-  int Unlock(FileNumber file, int flag, DBENGINE engine);
-  int Unlock(std::span<const FileNumber> files, int flag, DBENGINE engine);
+  int Unlock(FileNumber file, int flag, DBENGINE engine = ZELK_ENG_DEFAULT);
+  int Unlock(std::span<const FileNumber> files, int flag, DBENGINE engine = ZELK_ENG_DEFAULT);
   /// \param flag as mode of Lock where mode is 0
-  int LockRes(FileNumber file, uint16_t client, const char *resource, int mode, int flag, DBENGINE engine);
-  int LockRes(FileNumber file, uint16_t client, int32_t resource, int mode, int flag, DBENGINE engine);
+  int LockRes(FileNumber file, uint16_t client, const char *resource, int mode, int flag,
+              DBENGINE engine = ZELK_ENG_DEFAULT);
+  int LockRes(FileNumber file, uint16_t client, int32_t resource, int mode, int flag,
+              DBENGINE engine = ZELK_ENG_DEFAULT);
   /// A resource of the whole database, whatever the client.
-  int LockResExtern(const char *name, FileNumber file, DBENGINE engine);
+  int LockResExtern(const char *name, FileNumber file, DBENGINE engine = ZELK_ENG_DEFAULT);
   /// Records carry no locks of their own here, so there is never one left to release: always done.
-  int UnlockCurrentRecord(FileNumber file, DBENGINE engine);
+  int UnlockCurrentRecord(FileNumber file, DBENGINE engine = ZELK_ENG_DEFAULT);
   bool holdsLocks() const { return engine_->holdsLocks(); }
   /// False when the session is of no more use: the connection to a server is lost, with locks and transaction, or
   /// the embedded database's file is no longer in its place.

@@ -45,9 +45,9 @@ KOBU *Store::costAt(size_t index) {
 }
 
 template <class Work> int Store::inTransaction(Work &&work) {
-  if (!Transaktion(1, 0, ZELK_ENG_DEFAULT)) return 0;
+  if (!Transaktion(1, 0)) return 0;
   bool done = work();
-  return Transaktion(done ? 2 : 4, 0, ZELK_ENG_DEFAULT) && done;
+  return Transaktion(done ? 2 : 4, 0) && done;
 }
 
 int Store::InsertBat(BATCHBUCHUNG &posting) {
@@ -70,7 +70,7 @@ int Store::InsertBat(BATCHBUCHUNG &posting) {
 bool Store::writePosting(BATCHBUCHUNG &posting) {
   DATENBANK record{};
   record.Batchbuchung = posting;
-  if (!Insert(record, kBatchbuchung, ZELK_ENG_DEFAULT)) return false;
+  if (!Insert(record, kBatchbuchung)) return false;
   posting = record.Batchbuchung;
   int32_t number = 0;
   for (SPLIT &line : lines_) {
@@ -92,12 +92,12 @@ bool Store::writePosting(BATCHBUCHUNG &posting) {
 bool Store::markBatch(int32_t batch, bool holdsPostings) {
   DATENBANK record{};
   uint8_t found;
-  if (!UsedGet(record, KeyBuilder().number(batch), found, kStapel, ZELK_ENG_DEFAULT)) return false;
+  if (!UsedGet(record, KeyBuilder().number(batch), found, kStapel)) return false;
   // Postings without their batch can be deleted, but none is added to them.
   if (!found) return !holdsPostings;
   if (record.Stapel.Bebucht == uint8_t(holdsPostings)) return true;
   record.Stapel.Bebucht = holdsPostings;
-  return Update(record, kStapel, ZELK_ENG_DEFAULT);
+  return Update(record, kStapel);
 }
 
 template <class Record> bool Store::insertAll(FileNumber file, const std::vector<Record> &records) {
@@ -108,11 +108,10 @@ template <class Record> int Store::readLines(FileNumber file, std::vector<Record
   DATENBANK record{};
   uint8_t found;
   constexpr int32_t greatest = std::numeric_limits<int32_t>::max();
-  int done = GetRangeExt(record, linesFrom(posting), linesFrom(posting).number(greatest).number(greatest), found, file,
-                         ZELK_ENG_DEFAULT);
+  int done = GetRangeExt(record, linesFrom(posting), linesFrom(posting).number(greatest).number(greatest), found, file);
   while (done && found) {
     lines.push_back(in<Record>(record));
-    done = GetNextExt(record, found, file, ZELK_ENG_DEFAULT);
+    done = GetNextExt(record, found, file);
   }
   return done;
 }
@@ -120,7 +119,7 @@ template <class Record> int Store::readLines(FileNumber file, std::vector<Record
 int Store::ReadBat(BATCHBUCHUNG &posting, int32_t batch, int32_t number, uint8_t &found) {
   DATENBANK record{};
   posting_ = {};
-  if (!GetGeExt(record, KeyBuilder().number(batch).number(number), found, kBatchbuchung, ZELK_ENG_DEFAULT, 0)) return 0;
+  if (!GetGeExt(record, KeyBuilder().number(batch).number(number), found, kBatchbuchung)) return 0;
   found = found && record.Batchbuchung.Stapel == batch;
   if (!found) return 1;
   SplitFree();
@@ -133,11 +132,10 @@ bool Store::deletePosting(const BATCHBUCHUNG &posting) {
   DATENBANK record{};
   uint8_t found;
   constexpr int ofPosting = 2;
-  if (!UsedGet(record, linesFrom(posting), found, kBatchbuchung, ZELK_ENG_DEFAULT) || !found ||
-      !DeleteBeginning(linesFrom(posting), ofPosting, kSplit, ZELK_ENG_DEFAULT) ||
-      !DeleteBeginning(linesFrom(posting), ofPosting, kKobu, ZELK_ENG_DEFAULT) ||
-      !Delete(kBatchbuchung, ZELK_ENG_DEFAULT) ||
-      !GetGeExt(record, KeyBuilder().number(posting.Stapel), found, kBatchbuchung, ZELK_ENG_DEFAULT, 0))
+  if (!UsedGet(record, linesFrom(posting), found, kBatchbuchung) || !found ||
+      !DeleteBeginning(linesFrom(posting), ofPosting, kSplit) ||
+      !DeleteBeginning(linesFrom(posting), ofPosting, kKobu) || !Delete(kBatchbuchung) ||
+      !GetGeExt(record, KeyBuilder().number(posting.Stapel), found, kBatchbuchung))
     return false;
   bool others = found && record.Batchbuchung.Stapel == posting.Stapel;
   return others || markBatch(posting.Stapel, false);
@@ -153,7 +151,7 @@ int Store::DeleteBat() {
 bool Store::deleteAllOf(int32_t batch) {
   constexpr int ofBatch = 1;
   for (FileNumber file : {kBatchbuchung, kSplit, kKobu})
-    if (!DeleteBeginning(KeyBuilder().number(batch), ofBatch, file, ZELK_ENG_DEFAULT)) return false;
+    if (!DeleteBeginning(KeyBuilder().number(batch), ofBatch, file)) return false;
   return markBatch(batch, false);
 }
 

@@ -17,7 +17,7 @@ void Store::applyScope() {
 
 int Store::SetzeFista(uint16_t client, uint8_t &found) {
   DATENBANK record{};
-  if (!UsedGet(record, KeyBuilder().number(client), found, kFirmenstamm, ZELK_ENG_DEFAULT)) return 0;
+  if (!UsedGet(record, KeyBuilder().number(client), found, kFirmenstamm)) return 0;
   if (!found) return 1;
   if (client != client_.Nummer) {
     // The posting in memory is the former client's.
@@ -33,16 +33,16 @@ int Store::SetzeFista(uint16_t client, uint8_t &found) {
 int Store::SaveFista(const FIRMENSTAMM &client) {
   DATENBANK record{};
   uint8_t found;
-  if (!UsedGet(record, KeyBuilder().number(client.Nummer), found, kFirmenstamm, ZELK_ENG_DEFAULT)) return 0;
+  if (!UsedGet(record, KeyBuilder().number(client.Nummer), found, kFirmenstamm)) return 0;
   record.Firmenstamm = client;
-  int done = found ? Update(record, kFirmenstamm, ZELK_ENG_DEFAULT) : Insert(record, kFirmenstamm, ZELK_ENG_DEFAULT);
+  int done = found ? Update(record, kFirmenstamm) : Insert(record, kFirmenstamm);
   if (done && client.Nummer == client_.Nummer) client_ = client;
   return done;
 }
 
 int Store::GetExtFista(FISTA_EXT &extension, uint8_t &found) {
   DATENBANK record{};
-  int done = UsedGet(record, KeyBuilder().number(client_.Nummer), found, kFistaExt, ZELK_ENG_DEFAULT);
+  int done = UsedGet(record, KeyBuilder().number(client_.Nummer), found, kFistaExt);
   if (done && found) extension = record.FistaExt;
   return done;
 }
@@ -51,10 +51,10 @@ int Store::SetExtFista(const FISTA_EXT &extension) {
   if (client_.Nummer == 0) return 0;
   DATENBANK record{};
   uint8_t found;
-  if (!UsedGet(record, KeyBuilder().number(client_.Nummer), found, kFistaExt, ZELK_ENG_DEFAULT)) return 0;
+  if (!UsedGet(record, KeyBuilder().number(client_.Nummer), found, kFistaExt)) return 0;
   record.FistaExt = extension;
   record.FistaExt.Nummer = client_.Nummer;
-  return found ? Update(record, kFistaExt, ZELK_ENG_DEFAULT) : Insert(record, kFistaExt, ZELK_ENG_DEFAULT);
+  return found ? Update(record, kFistaExt) : Insert(record, kFistaExt);
 }
 
 int Store::SetzeOpenJahr(const char *yearCode) {
@@ -74,21 +74,19 @@ int Store::SetzeBuchJahr(const char *yearCode) {
 }
 
 int Store::ExistiertJahr(const char *yearCode, uint8_t &exists) {
-  return Used(KeyBuilder().number(int16_t(vlba98::yearOfCode(yearCode))), exists, kGeschaeftsjahr, ZELK_ENG_DEFAULT);
+  return Used(KeyBuilder().number(int16_t(vlba98::yearOfCode(yearCode))), exists, kGeschaeftsjahr);
 }
 
 int Store::IsBuchjahr(const char *yearCode, uint8_t &bookable) {
   DATENBANK record{};
-  int done = UsedGet(record, KeyBuilder().number(int16_t(vlba98::yearOfCode(yearCode))), bookable, kGeschaeftsjahr,
-                     ZELK_ENG_DEFAULT);
+  int done = UsedGet(record, KeyBuilder().number(int16_t(vlba98::yearOfCode(yearCode))), bookable, kGeschaeftsjahr);
   if (bookable) bookable = !record.Geschaeftsjahr.Abgeschlossen;
   return done;
 }
 
 int Store::HoleMinJahr(char (&yearCode)[3]) {
   DATENBANK record{};
-  return GetFirst(record, kGeschaeftsjahr, ZELK_ENG_DEFAULT, 0) &&
-         vlba98::itotwo(record.Geschaeftsjahr.Jahr - vlba98::firstYear, yearCode);
+  return GetFirst(record, kGeschaeftsjahr) && vlba98::itotwo(record.Geschaeftsjahr.Jahr - vlba98::firstYear, yearCode);
 }
 
 } // namespace vldb98

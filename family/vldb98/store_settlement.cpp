@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "platform/system.h"
-#include "vldb98/store.h"
+#include "vldb98/guards.h"
 
 namespace vldb98 {
 namespace {
@@ -35,22 +35,21 @@ Store::Outcome Store::settleOnce(const BATCHBUCHUNG &posting, std::chrono::milli
   uint8_t found = 0;
   if (!other) return Outcome::Unknown;
   other->endLost(trace());
-  if (!other->SetzeFista(client_.Nummer, found) || !found || !other->Transaktion(1, 0, ZELK_ENG_DEFAULT))
-    return Outcome::Unknown;
+  if (!other->SetzeFista(client_.Nummer, found) || !found) return Outcome::Unknown;
+  Transaction marking(*other, false);
+  if (!marking.isOpen()) return Outcome::Unknown;
   DATENBANK record{};
   record.Batchbuchung.Stapel = kNoBatch;
   record.Batchbuchung.Nr = identifiers_.anyNumber();
   std::copy(std::begin(posting.Kennung), std::end(posting.Kennung), record.Batchbuchung.Kennung);
-  if (other->Insert(record, kBatchbuchung, ZELK_ENG_DEFAULT))
-    return other->Delete(kBatchbuchung, ZELK_ENG_DEFAULT) && other->Transaktion(2, 0, ZELK_ENG_DEFAULT)
-               ? Outcome::NotStored
-               : Outcome::Unknown;
+  if (other->Insert(record, kBatchbuchung))
+    return marking.finish(other->Delete(kBatchbuchung)) ? Outcome::NotStored : Outcome::Unknown;
   const bool taken = other->failure() == Failure::Duplicate;
-  other->Transaktion(4, 0, ZELK_ENG_DEFAULT);
+  marking.rollback();
   // The mark's number may be taken, too, by somebody else's mark.
   const bool stored = taken &&
                       other->UsedGet(record, KeyBuilder().text(posting.Kennung, IdentifierSource::kDigits), found,
-                                     fileNumber(kBatchbuchung, kByIdentifier), ZELK_ENG_DEFAULT) &&
+                                     fileNumber(kBatchbuchung, kByIdentifier)) &&
                       found && record.Batchbuchung.Stapel == posting.Stapel;
   return stored ? Outcome::Stored : Outcome::Unknown;
 }

@@ -86,7 +86,7 @@ int GetKontoMonatsWerte(Store &store, int table, const char *account, const Zeit
   values = {};
   if (days.von > days.bis) return 1;
   int64_t sums[std::size(fields)];
-  if (!store.Sum(key(days.von), key(days.bis), fields, sums, fileNumber(kBuchungsbeleg, 1), ZELK_ENG_DEFAULT)) return 0;
+  if (!store.Sum(key(days.von), key(days.bis), fields, sums, fileNumber(kBuchungsbeleg, 1))) return 0;
   values = {sums[0], sums[1], sums[2], sums[3]};
   return 1;
 }

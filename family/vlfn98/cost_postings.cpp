@@ -52,10 +52,10 @@ int IsKostrefActive(Store &store, uint8_t &active) {
   DATENBANK record{};
   uint8_t found;
   active = 0;
-  int done = store.GetFirstExt(record, found, kKost, ZELK_ENG_DEFAULT, 0);
+  int done = store.GetFirstExt(record, found, kKost);
   while (done && found && !active) {
     active = !vlba98::trimmed(record.Kost.Kostref).empty();
-    if (!active) done = store.GetNextExt(record, found, kKost, ZELK_ENG_DEFAULT);
+    if (!active) done = store.GetNextExt(record, found, kKost);
   }
   return done;
 }
@@ -76,10 +76,10 @@ int SummeDerKostenbuchungen(Store &store, const Zeitspanne &days, const Kostenau
   auto key = [](const vlba98::Datum &day) { return KeyBuilder().text(vlba98::toReversed(day).data(), 6); };
   DATENBANK record{};
   constexpr FileNumber byDate = fileNumber(kKostenbuchung, 1);
-  int done = store.GetRangeExt(record, key(days.von), key(days.bis), found, byDate, ZELK_ENG_DEFAULT);
+  int done = store.GetRangeExt(record, key(days.von), key(days.bis), found, byDate);
   while (done && found) {
     if (counts(record.Kostenbuchung)) add(values, record.Kostenbuchung);
-    done = store.GetNextExt(record, found, byDate, ZELK_ENG_DEFAULT);
+    done = store.GetNextExt(record, found, byDate);
   }
   return done;
 }

@@ -22,7 +22,7 @@ int IsKostenstelle(Store &store, const char *number, int dimension, KOST &centre
   const auto file = FileNumber(kKost + GetKostKontoKey(number, dimension, nullptr, key));
   DATENBANK record{};
   exists = 0;
-  if (!store.UsedGet(record, key, exists, file, ZELK_ENG_DEFAULT)) return 0;
+  if (!store.UsedGet(record, key, exists, file)) return 0;
   if (exists) centre = record.Kost;
   return 1;
 }
@@ -36,28 +36,28 @@ int CheckKomb(Store &store, const char *costType, const char *centre, uint8_t &a
   DATENBANK first{};
   uint8_t there = 0;
   allowed = 0;
-  if (!store.GetGeExt(first, KeyBuilder().account(costType), there, kKombination, ZELK_ENG_DEFAULT, 0)) return 0;
+  if (!store.GetGeExt(first, KeyBuilder().account(costType), there, kKombination)) return 0;
   const SCHLUESSEL wanted = KeyBuilder().account(costType).account(centre);
   const bool limited = there && std::memcmp(first.Kombination.Kostenart, wanted.bytes, 7) == 0;
-  if (limited) return store.Used(wanted, allowed, kKombination, ZELK_ENG_DEFAULT);
+  if (limited) return store.Used(wanted, allowed, kKombination);
   allowed = 1;
   return 1;
 }
 
 int IsKoscha(Store &store, int32_t number, uint8_t &exists) {
-  return store.Used(KeyBuilder().number(number), exists, kKoscha, ZELK_ENG_DEFAULT);
+  return store.Used(KeyBuilder().number(number), exists, kKoscha);
 }
 
 int HoleKoscha(Store &store, int32_t number, std::vector<KOSCHA_ZEILE> &shares) {
   shares.clear();
   DATENBANK record{};
   uint8_t there = 0;
-  int done = store.GetRangeExt(record, KeyBuilder().number(number).number(std::numeric_limits<int32_t>::min()),
-                               KeyBuilder().number(number).number(std::numeric_limits<int32_t>::max()), there,
-                               kKoschaZeile, ZELK_ENG_DEFAULT);
+  int done =
+      store.GetRangeExt(record, KeyBuilder().number(number).number(std::numeric_limits<int32_t>::min()),
+                        KeyBuilder().number(number).number(std::numeric_limits<int32_t>::max()), there, kKoschaZeile);
   while (done && there) {
     shares.push_back(record.KoschaZeile);
-    done = store.GetNextExt(record, there, kKoschaZeile, ZELK_ENG_DEFAULT);
+    done = store.GetNextExt(record, there, kKoschaZeile);
   }
   return done;
 }

@@ -49,7 +49,7 @@ int HoleKurs(Store &store, const char *currency, const char *reversedDate, Wechs
   DATENBANK record{};
   uint8_t there = 0;
   found = 0;
-  if (!store.GetLeExt(record, keyOf(currency, reversedDate), there, kKurse, ZELK_ENG_DEFAULT, 0)) return 0;
+  if (!store.GetLeExt(record, keyOf(currency, reversedDate), there, kKurse)) return 0;
   if (!there || std::strcmp(record.Kurse.Waehrung, currency) != 0) return 1;
   auto millionths = parseKurs(record.Kurse.Kurs);
   if (!millionths || record.Kurse.Einheiten < 1) return 0; // a damaged rate must not pass as none
@@ -61,16 +61,16 @@ int HoleKurs(Store &store, const char *currency, const char *reversedDate, Wechs
 int SpeichereKurs(Store &store, const char *currency, const char *reversedDate, const Wechselkurs &rate) {
   const SCHLUESSEL key = keyOf(currency, reversedDate);
   uint8_t there = 0;
-  if (!store.Used(key, there, kKurse, ZELK_ENG_DEFAULT)) return 0;
+  if (!store.Used(key, there, kKurse)) return 0;
   if (there) return 1;
   DATENBANK record{};
   vlba98::strncpy2(record.Kurse.Waehrung, currency);
   vlba98::strncpy2(record.Kurse.Datum, reversedDate);
   formatKurs(rate.millionths, record.Kurse.Kurs);
   record.Kurse.Einheiten = rate.units;
-  if (store.Insert(record, kKurse, ZELK_ENG_DEFAULT)) return 1;
+  if (store.Insert(record, kKurse)) return 1;
   // Somebody else may have stored one meanwhile.
-  return store.Used(key, there, kKurse, ZELK_ENG_DEFAULT) && there;
+  return store.Used(key, there, kKurse) && there;
 }
 
 std::optional<int64_t> toOwnCurrency(int64_t foreign, const Wechselkurs &rate) {

@@ -23,13 +23,12 @@ bool CheckEsr(std::string_view reference) {
 int DmsInsertDmsID(Store &store, const char *identifier, int32_t &number) {
   DATENBANK record{};
   uint8_t found;
-  if (!store.UsedGet(record, KeyBuilder().text(identifier, sizeof(DMS_ID::Id) - 1), found, fileNumber(kDmsId, 1),
-                     ZELK_ENG_DEFAULT))
+  if (!store.UsedGet(record, KeyBuilder().text(identifier, sizeof(DMS_ID::Id) - 1), found, fileNumber(kDmsId, 1)))
     return 0;
   if (!found) {
     record = {};
     vlba98::strncpy2(record.DmsId.Id, identifier);
-    if (!store.Insert(record, kDmsId, ZELK_ENG_DEFAULT)) return 0;
+    if (!store.Insert(record, kDmsId)) return 0;
   }
   number = record.DmsId.Nr;
   return 1;
@@ -39,7 +38,7 @@ int DmsGetDmsID(Store &store, int32_t number, char (&identifier)[51]) {
   DATENBANK record{};
   uint8_t found = 0;
   identifier[0] = 0;
-  if (number != 0 && !store.UsedGet(record, KeyBuilder().number(number), found, kDmsId, ZELK_ENG_DEFAULT)) return 0;
+  if (number != 0 && !store.UsedGet(record, KeyBuilder().number(number), found, kDmsId)) return 0;
   if (found) vlba98::strncpy2(identifier, record.DmsId.Id);
   return 1;
 }

@@ -29,9 +29,7 @@ Datum firstDay(const GESCHAEFTSJAHR &year, int month) {
 int HoleGeschaeftsjahr(Store &store, const Datum &wanted, GESCHAEFTSJAHR &year, uint8_t &found) {
   DATENBANK record{};
   auto reversed = vlba98::toReversed(wanted);
-  if (!store.GetLeExt(record, KeyBuilder().text(reversed.data(), 6), found, fileNumber(kGeschaeftsjahr, 1),
-                      ZELK_ENG_DEFAULT, 0))
-    return 0;
+  if (!store.GetLeExt(record, KeyBuilder().text(reversed.data(), 6), found, fileNumber(kGeschaeftsjahr, 1))) return 0;
   // Between two fiscal years may lie days of none.
   found = found && wanted <= day(record.Geschaeftsjahr.Ende);
   if (found) year = record.Geschaeftsjahr;
@@ -42,8 +40,7 @@ int HoleGeschaeftsjahr(Store &store, int calendarYear, GESCHAEFTSJAHR &year, uin
   DATENBANK record{};
   found = 0;
   if (calendarYear < vlba98::firstYear || calendarYear > vlba98::lastYear) return 1;
-  if (!store.UsedGet(record, KeyBuilder().number(int16_t(calendarYear)), found, kGeschaeftsjahr, ZELK_ENG_DEFAULT))
-    return 0;
+  if (!store.UsedGet(record, KeyBuilder().number(int16_t(calendarYear)), found, kGeschaeftsjahr)) return 0;
   if (found) year = record.Geschaeftsjahr;
   return 1;
 }

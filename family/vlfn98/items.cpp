@@ -20,7 +20,7 @@ int HoleBenutzername(Store &store, int32_t number, char (&name)[41]) {
   DATENBANK record{};
   uint8_t found = 0;
   name[0] = 0;
-  if (number != 0 && !store.UsedGet(record, KeyBuilder().number(number), found, kBenutzer, ZELK_ENG_DEFAULT)) return 0;
+  if (number != 0 && !store.UsedGet(record, KeyBuilder().number(number), found, kBenutzer)) return 0;
   if (found) vlba98::strncpy2(name, record.Benutzer.Name);
   return 1;
 }

@@ -47,7 +47,7 @@ int PekoProtokoll(Store &store, int table, const char *account, int16_t action, 
   putTwo(entry.Uhrzeit + 6, now.second);
   vlba98::strncpy2(entry.Alt, before);
   vlba98::strncpy2(entry.Neu, after);
-  return store.Insert(record, kKontoprotokoll, ZELK_ENG_DEFAULT);
+  return store.Insert(record, kKontoprotokoll);
 }
 
 } // namespace vlfn98

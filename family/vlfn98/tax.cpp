@@ -48,8 +48,7 @@ int GetSteusa(Store &store, int16_t key, const char *reversedDate, int64_t rate,
   DATENBANK read{};
   found = 0;
   uint8_t there = 0;
-  if (!store.GetLeExt(read, KeyBuilder().number(key).text(reversedDate, sizeof(STEUSA::GueltigAb) - 1), there, kSteusa,
-                      ZELK_ENG_DEFAULT, 0))
+  if (!store.GetLeExt(read, KeyBuilder().number(key).text(reversedDate, sizeof(STEUSA::GueltigAb) - 1), there, kSteusa))
     return 0;
   while (there && read.Steusa.Schluessel == key) {
     if (rate < 0 || rateOf(read.Steusa) == rate) {
@@ -57,7 +56,7 @@ int GetSteusa(Store &store, int16_t key, const char *reversedDate, int64_t rate,
       found = 1;
       return 1;
     }
-    if (!store.GetPrevExt(read, there, kSteusa, ZELK_ENG_DEFAULT)) return 0;
+    if (!store.GetPrevExt(read, there, kSteusa)) return 0;
   }
   return 1;
 }

@@ -21,7 +21,7 @@ std::string storedShortName(const char *given) {
 }
 
 int IsZahlziel(Store &store, int32_t number, uint8_t &exists) {
-  return store.Used(KeyBuilder().number(number), exists, kZahlziel, ZELK_ENG_DEFAULT);
+  return store.Used(KeyBuilder().number(number), exists, kZahlziel);
 }
 
 std::optional<vlba98::Datum> faelligkeit(const ZAHLZIEL &term, const vlba98::Datum &from) {
@@ -41,7 +41,7 @@ int ErmittleZahlungsziel(Store &store, int32_t number, const vlba98::Datum &from
   if (number == 0) return 1;
   DATENBANK record{};
   uint8_t found = 0;
-  if (!store.UsedGet(record, KeyBuilder().number(number), found, kZahlziel, ZELK_ENG_DEFAULT)) return 0;
+  if (!store.UsedGet(record, KeyBuilder().number(number), found, kZahlziel)) return 0;
   if (!found) return 1;
   if (auto day = faelligkeit(record.Zahlziel, from)) std::memcpy(due, vlba98::toReversed(*day).data(), sizeof due);
   return 1;

@@ -92,7 +92,7 @@ private:
   STAPEL batch() {
     DATENBANK record{};
     uint8_t found = 0;
-    must(store_.UsedGet(record, KeyBuilder().number(order_.batch), found, kStapel, ZELK_ENG_DEFAULT));
+    must(store_.UsedGet(record, KeyBuilder().number(order_.batch), found, kStapel));
     if (!found) throw Refusal{"Den Stapel " + std::to_string(order_.batch) + " gibt es nicht."};
     return record.Stapel;
   }
@@ -108,7 +108,7 @@ private:
   void checkUser() {
     uint8_t exists = 0;
     if (order_.user == 0) return;
-    must(store_.Used(KeyBuilder().number(order_.user), exists, kBenutzer, ZELK_ENG_DEFAULT));
+    must(store_.Used(KeyBuilder().number(order_.user), exists, kBenutzer));
     if (!exists) throw Refusal{"Den Benutzer " + std::to_string(order_.user) + " gibt es nicht."};
   }
 
@@ -116,9 +116,9 @@ private:
     DATENBANK record{};
     uint8_t found = 0;
     size_t count = 0;
-    int done = store_.GetGeExt(record, KeyBuilder().number(order_.batch), found, kBatchbuchung, ZELK_ENG_DEFAULT, 0);
+    int done = store_.GetGeExt(record, KeyBuilder().number(order_.batch), found, kBatchbuchung);
     for (; done && found && record.Batchbuchung.Stapel == order_.batch; ++count)
-      done = store_.GetNextExt(record, found, kBatchbuchung, ZELK_ENG_DEFAULT);
+      done = store_.GetNextExt(record, found, kBatchbuchung);
     must(done);
     return count;
   }
@@ -187,7 +187,7 @@ private:
     written.Split = line.Nr;
     vlba98::strncpy2(written.Buchungstag, order_.day);
     record.Buchungsbeleg = written;
-    must(store_.Insert(record, kBuchungsbeleg, ZELK_ENG_DEFAULT));
+    must(store_.Insert(record, kBuchungsbeleg));
   }
 
   std::optional<SACHKONTO> generalLedgerAccount(Year &year, int16_t kind, const char *number) {
@@ -276,7 +276,7 @@ private:
     DATENBANK record{};
     record.Kostenbuchung = written;
     chart_.open(year);
-    must(store_.Insert(record, kKostenbuchung, ZELK_ENG_DEFAULT));
+    must(store_.Insert(record, kKostenbuchung));
   }
 
   void clearBatch() {
@@ -284,7 +284,7 @@ private:
     DATENBANK record{};
     record.Stapel = batch();
     record.Stapel.Gecleart = 1;
-    must(store_.Update(record, kStapel, ZELK_ENG_DEFAULT));
+    must(store_.Update(record, kStapel));
   }
 
   Store &store_;

@@ -52,8 +52,8 @@ Chart::Chart(Store &store) : store_(store) {
   must(store.HoleMinJahr(first));
   firstYear_ = vlba98::yearOfCode(first);
   DATENBANK record{};
-  int done = store.GetFirstExt(record, found, kGeschaeftsjahr, ZELK_ENG_DEFAULT, 0);
-  for (; done && found; done = store.GetNextExt(record, found, kGeschaeftsjahr, ZELK_ENG_DEFAULT)) {
+  int done = store.GetFirstExt(record, found, kGeschaeftsjahr);
+  for (; done && found; done = store.GetNextExt(record, found, kGeschaeftsjahr)) {
     Year &year = years_[record.Geschaeftsjahr.Jahr];
     year.record = record.Geschaeftsjahr;
     must(vlba98::itotwo(year.record.Jahr - vlba98::firstYear, year.code));
@@ -79,7 +79,7 @@ int32_t Chart::nextEntry(Year &year) {
     DATENBANK record{};
     uint8_t found;
     open(year);
-    must(store_.GetLastExt(record, found, kBuchungsbeleg, ZELK_ENG_DEFAULT, 0));
+    must(store_.GetLastExt(record, found, kBuchungsbeleg));
     year.lastEntry = found ? record.Buchungsbeleg.Nr : 0;
   }
   return ++year.lastEntry;
@@ -93,7 +93,7 @@ Account &Chart::account(Year &year, int table, const char *number, const char *r
     open(year);
     account.table = table;
     std::memset(&account.record, 0, sizeof account.record);
-    must(store_.UsedGet(account.record, KeyBuilder().account(number), found, FileNumber(table), ZELK_ENG_DEFAULT));
+    must(store_.UsedGet(account.record, KeyBuilder().account(number), found, FileNumber(table)));
     if (!found) {
       year.accounts.erase(known);
       throw Refusal{std::string(role) + " " + utf8(number) + " gibt es im Geschäftsjahr " +
@@ -114,7 +114,7 @@ CostCentre &Chart::centre(Year &year, int dimension, const char *number) {
     DATENBANK record{};
     uint8_t found = 0;
     open(year);
-    must(store_.UsedGet(record, key, found, file, ZELK_ENG_DEFAULT));
+    must(store_.UsedGet(record, key, found, file));
     if (!found) {
       year.centres.erase(known);
       throw Refusal{"Kostenstelle " + utf8(number) + " gibt es im Geschäftsjahr " + std::to_string(year.record.Jahr) +
@@ -145,7 +145,7 @@ const ZAHLZIEL *Chart::term(int32_t number) {
   if (fresh) {
     DATENBANK record{};
     uint8_t found = 0;
-    must(store_.UsedGet(record, KeyBuilder().number(number), found, kZahlziel, ZELK_ENG_DEFAULT));
+    must(store_.UsedGet(record, KeyBuilder().number(number), found, kZahlziel));
     if (found) known->second = record.Zahlziel;
   }
   return known->second.Nr ? &known->second : nullptr;
@@ -204,7 +204,7 @@ void Chart::moveCosts(CostCentre &centre, const Year &year, const char *reversed
 void Chart::write() {
   auto update = [&](DATENBANK &record, int table) {
     store_.setCurrent(record, FileNumber(table));
-    must(store_.Update(record, FileNumber(table), ZELK_ENG_DEFAULT));
+    must(store_.Update(record, FileNumber(table)));
   };
   for (auto &[number, year] : years_) {
     open(year);

@@ -108,7 +108,7 @@ std::optional<OpenItems::Change> OpenItems::reckon(const Year &year, const BATCH
   uint8_t found = 0;
   const char *number = itemNumber(posting);
   must(store_.GetGeExt(item, KeyBuilder().text(number, sizeof(OPBELEG::OPBelegnummer) - 1).account(account), found,
-                       fileNumber(tableOfItems(*movement.account), kByNumber), ZELK_ENG_DEFAULT, 0));
+                       fileNumber(tableOfItems(*movement.account), kByNumber)));
   const bool known =
       found && std::strcmp(item.Opbeleg.OPBelegnummer, number) == 0 && std::strcmp(item.Opbeleg.Konto, account) == 0;
   Change result{tableOfItems(*movement.account), tableOfHistory(*movement.account), item.Opbeleg, !known, {}};
@@ -199,16 +199,16 @@ void OpenItems::write(const Year &year, Change &change) {
   if (change.isNew) change.item.Nr = nextNumber();
   record.Opbeleg = change.item;
   if (change.isNew) {
-    must(store_.Insert(record, table, ZELK_ENG_DEFAULT));
+    must(store_.Insert(record, table));
     ++counts_.created;
     return;
   }
   store_.setCurrent(record, table);
   if (valueOf(change.item.Ausstand) == 0) {
-    must(store_.Delete(table, ZELK_ENG_DEFAULT));
+    must(store_.Delete(table));
     ++counts_.settled;
   } else {
-    must(store_.Update(record, table, ZELK_ENG_DEFAULT));
+    must(store_.Update(record, table));
   }
   if (!change.payment) {
     ++counts_.raised;
@@ -217,7 +217,7 @@ void OpenItems::write(const Year &year, Change &change) {
   change.payment->Zeile = greatestInHistory(change.history, change.item.Nr) + 1;
   record.Ophistorie = *change.payment;
   chart_.open(year);
-  must(store_.Insert(record, history, ZELK_ENG_DEFAULT));
+  must(store_.Insert(record, history));
   ++counts_.payments;
 }
 
@@ -227,7 +227,7 @@ int32_t OpenItems::nextNumber() {
     for (int table : {int(kOPKreditor), int(kOPDebitor)}) {
       DATENBANK record{};
       uint8_t found;
-      must(store_.GetLastExt(record, found, FileNumber(table), ZELK_ENG_DEFAULT, 0));
+      must(store_.GetLastExt(record, found, FileNumber(table)));
       if (found) lastNumber_ = std::max(lastNumber_, int32_t(record.Opbeleg.Nr));
     }
     for (auto &[number, year] : chart_.years()) {
@@ -235,7 +235,7 @@ int32_t OpenItems::nextNumber() {
       for (int table : {int(kHistOPKreditor), int(kHistOPDebitor)}) {
         DATENBANK record{};
         uint8_t found;
-        must(store_.GetLastExt(record, found, FileNumber(table), ZELK_ENG_DEFAULT, 0));
+        must(store_.GetLastExt(record, found, FileNumber(table)));
         if (found) lastNumber_ = std::max(lastNumber_, int32_t(record.Ophistorie.OP.Nr));
       }
     }
@@ -251,7 +251,7 @@ int32_t OpenItems::greatestInHistory(int table, int32_t item) {
     uint8_t found;
     chart_.open(year);
     must(store_.GetLeExt(record, KeyBuilder().number(item).number(std::numeric_limits<int32_t>::max()), found,
-                         FileNumber(table), ZELK_ENG_DEFAULT, 0));
+                         FileNumber(table)));
     if (found && record.Ophistorie.OP.Nr == item) greatest = std::max(greatest, int32_t(record.Ophistorie.Zeile));
   }
   return greatest;

@@ -12,6 +12,7 @@
 #include "vlba98/encoding.h"
 #include "vlba98/geld.h"
 #include "vlba98/text.h"
+#include "vldb98/guards.h"
 #include "zelkctl/console.h"
 #include "zelkctl/folder_rules.h"
 #include "zelkctl/provision.h"
@@ -280,10 +281,9 @@ private:
       complain("Mandant " + std::to_string(client_) + " besteht bereits. Es wurde nichts angelegt.");
       return kRefused;
     }
-    if (!store.Transaktion(1, 0, ZELK_ENG_DEFAULT)) return storeFailed();
+    Transaction writing(store, false);
     TextTable summary({{"Datei"}, {"Zeilen", true}});
-    bool done = writeTables(store, summary);
-    if (!store.Transaktion(done ? 2 : 4, 0, ZELK_ENG_DEFAULT) || !done)
+    if (!writing.finish(writing.isOpen() && writeTables(store, summary)))
       return problems_ > 0 ? complain("Es wurde nichts angelegt."), kRefused : storeFailed();
     std::printf("Mandant %d angelegt.\n\n", int(client_));
     summary.print();
@@ -325,7 +325,7 @@ private:
       char code[3];
       if (year != kEveryYear && !(vlba98::itotwo(year - vlba98::firstYear, code) && store.SetzeOpenJahr(code)))
         return false;
-      if (!store.Insert(row.record, FileNumber(table.table->number), ZELK_ENG_DEFAULT)) {
+      if (!store.Insert(row.record, FileNumber(table.table->number))) {
         if (keyInUse(store, *table.table, row.record).value_or(false))
           problem(table.file, row.line, "Den Schlüssel des Datensatzes gibt es schon.");
         return false;

@@ -136,7 +136,7 @@ std::optional<bool> keyInUse(Store &store, const Table &table, const DATENBANK &
       at += field.keyWidth();
     }
     uint8_t used = 0;
-    if (!store.Used(values, used, fileNumber(table.number, key.index), ZELK_ENG_DEFAULT)) return std::nullopt;
+    if (!store.Used(values, used, fileNumber(table.number, key.index))) return std::nullopt;
     if (used) return true;
   }
   return false;
