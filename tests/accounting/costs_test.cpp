@@ -208,7 +208,7 @@ TEST_F(CostBooks, TemplateThatCaptureAssigned) {
     DATENBANK link{};
     put(link.DmsId.Id, "Beleg " + std::to_string(costTemplate));
     link.DmsId.Kostenschablone = costTemplate;
-    ASSERT_TRUE(store->Insert(link, kDmsId, ZELK_ENG_DEFAULT));
+    ASSERT_TRUE(store->Insert(link, kDmsId));
     numbers[costTemplate / 2] = link.DmsId.Nr;
   }
   for (const auto &[document, assigned] : {std::pair{0, 0}, {numbers[0], 0}, {numbers[1], 2}, {4711, 0}, {-1, 0}}) {

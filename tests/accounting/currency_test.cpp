@@ -114,9 +114,9 @@ TEST_F(Rates, ThatAreDamagedAreNoneToReckonWith) {
     put(record.Kurse.Datum, "460101");
     put(record.Kurse.Kurs, text);
     record.Kurse.Einheiten = units;
-    ASSERT_TRUE(store->Insert(record, kKurse, ZELK_ENG_DEFAULT));
+    ASSERT_TRUE(store->Insert(record, kKurse));
     EXPECT_EQ(on("QQQ", "460101"), "failed") << text << " for " << units;
-    ASSERT_TRUE(store->Delete(kKurse, ZELK_ENG_DEFAULT));
+    ASSERT_TRUE(store->Delete(kKurse));
   }
 }
 

@@ -20,7 +20,6 @@ namespace {
 
 using namespace vldb98;
 
-constexpr DBENGINE kDefault = ZELK_ENG_DEFAULT;
 constexpr int kPerWriter = 20;
 constexpr int kAttempts = 1000; ///< of a posting that others are in the way of
 
@@ -158,10 +157,10 @@ TEST_F(Cluster, WhatWasCheckedStillHoldsWhenItIsWritten) {
   auto other = at(nodes()[1]);
   DATENBANK record{};
   uint8_t found = 0;
-  ASSERT_TRUE(other && other->Lock(kSachkonto, nullptr, 0, kDefault));
-  ASSERT_TRUE(other->UsedGet(record, KeyBuilder().account("1000"), found, kSachkonto, kDefault) && found);
+  ASSERT_TRUE(other && other->Lock(kSachkonto, nullptr, 0));
+  ASSERT_TRUE(other->UsedGet(record, KeyBuilder().account("1000"), found, kSachkonto) && found);
   record.Sachkonto.Gesperrt = 1;
-  ASSERT_TRUE(other->Update(record, kSachkonto, kDefault));
+  ASSERT_TRUE(other->Update(record, kSachkonto));
   const ZelkResult refused = result.get();
   EXPECT_TRUE(refused < 0 && refused != ZELKERR_Datenbank)
       << refused << ": the account was open when it was looked at first";
@@ -198,47 +197,46 @@ TEST_P(LockRows, LetOneOfTwoWritersFail) {
   ASSERT_TRUE(first && other);
   // Making the rows is a change of its own, which others could meet.
   for (FileNumber table : {kSachkonto, kKreditor, kDebitor})
-    ASSERT_TRUE(other->Lock(table, nullptr, 0, kDefault) && other->Unlock(table, 0, kDefault));
+    ASSERT_TRUE(other->Lock(table, nullptr, 0) && other->Unlock(table, 0));
   catchUp(here);
   int number = 0;
   for (const Meeting &meeting : meetings) {
     SCOPED_TRACE(meeting.what);
     DATENBANK own = account("81" + std::to_string(++number)), foreign = account("91" + std::to_string(number));
     uint8_t found = 0;
-    ASSERT_TRUE(!meeting.inside || first->Transaktion(1, 0, kDefault));
-    ASSERT_TRUE(first->Lock(kSachkonto, nullptr, 0, kDefault));
-    ASSERT_TRUE(!meeting.insideToo || other->Transaktion(1, 0, kDefault));
+    ASSERT_TRUE(!meeting.inside || first->Transaktion(1, 0));
+    ASSERT_TRUE(first->Lock(kSachkonto, nullptr, 0));
+    ASSERT_TRUE(!meeting.insideToo || other->Transaktion(1, 0));
     // On one node, who is late waits, and in vain writes nothing.
     const bool waits = rowsAlone && meeting.inside && meeting.locks == kSachkonto;
-    ASSERT_TRUE(other->Lock(meeting.locks, nullptr, 0, kDefault));
+    ASSERT_TRUE(other->Lock(meeting.locks, nullptr, 0));
     if (meeting.writes) {
-      ASSERT_EQ(bool(other->Insert(foreign, kSachkonto, kDefault)), !waits);
+      ASSERT_EQ(bool(other->Insert(foreign, kSachkonto)), !waits);
     }
-    ASSERT_EQ(!meeting.insideToo || other->Transaktion(2, 0, kDefault), !waits);
-    other->Unlock(meeting.locks, 0, kDefault);
+    ASSERT_EQ(!meeting.insideToo || other->Transaktion(2, 0), !waits);
+    other->Unlock(meeting.locks, 0);
 
-    bool goes = (meeting.inside || first->Transaktion(1, 0, kDefault)) && first->Insert(own, kSachkonto, kDefault);
+    bool goes = (meeting.inside || first->Transaktion(1, 0)) && first->Insert(own, kSachkonto);
     while (first->transactionDepth() > 0)
-      goes = first->Transaktion(goes ? 2 : 4, 0, kDefault) && goes;
+      goes = first->Transaktion(goes ? 2 : 4, 0) && goes;
     EXPECT_EQ(goes, meeting.firstGoes || waits);
-    ASSERT_TRUE(first->usable() &&
-                first->Used(KeyBuilder().account("81" + std::to_string(number)), found, kSachkonto, kDefault));
+    ASSERT_TRUE(first->usable() && first->Used(KeyBuilder().account("81" + std::to_string(number)), found, kSachkonto));
     EXPECT_EQ(bool(found), goes);
-    first->Unlock(kSachkonto, 0, kDefault);
+    first->Unlock(kSachkonto, 0);
     // Who takes the lock anew goes on.
-    ASSERT_TRUE(first->Lock(kSachkonto, nullptr, 0, kDefault));
-    EXPECT_EQ(bool(first->Insert(own, kSachkonto, kDefault)), !goes);
+    ASSERT_TRUE(first->Lock(kSachkonto, nullptr, 0));
+    EXPECT_EQ(bool(first->Insert(own, kSachkonto)), !goes);
     // And again while the lock is held on, also behind a transaction that came to nothing, and with a lock out of it.
     DATENBANK more = account("71" + std::to_string(number));
-    ASSERT_TRUE(first->Transaktion(1, 0, kDefault) && first->Lock(kKreditor, nullptr, 0, kDefault));
-    ASSERT_TRUE(first->Insert(more, kSachkonto, kDefault) && first->Transaktion(4, 0, kDefault));
-    ASSERT_TRUE(other->Lock(kKreditor, nullptr, 0, kDefault));
-    EXPECT_TRUE(first->Insert(more, kSachkonto, kDefault));
+    ASSERT_TRUE(first->Transaktion(1, 0) && first->Lock(kKreditor, nullptr, 0));
+    ASSERT_TRUE(first->Insert(more, kSachkonto) && first->Transaktion(4, 0));
+    ASSERT_TRUE(other->Lock(kKreditor, nullptr, 0));
+    EXPECT_TRUE(first->Insert(more, kSachkonto));
     DATENBANK late = account("61" + std::to_string(number));
-    EXPECT_FALSE(other->Insert(late, kSachkonto, kDefault));
+    EXPECT_FALSE(other->Insert(late, kSachkonto));
     for (FileNumber table : {kSachkonto, kKreditor}) {
-      first->Unlock(table, 0, kDefault);
-      other->Unlock(table, 0, kDefault);
+      first->Unlock(table, 0);
+      other->Unlock(table, 0);
     }
   }
 }

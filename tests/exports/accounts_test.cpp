@@ -39,7 +39,7 @@ TEST_F(Accounts, Exist) {
   put(record.Kost.Nr, "700    ");
   record.Kost.Dimension = 2;
   put(record.Kost.Kostref, "R1     ");
-  ASSERT_TRUE(other->Insert(record, kKost, ZELK_ENG_DEFAULT));
+  ASSERT_TRUE(other->Insert(record, kKost));
   static const struct {
     int32_t client;
     const char *number;
@@ -333,8 +333,8 @@ TEST_F(Accounts, WalkGoesOnUndisturbed) {
       if (seen.size() == expected.size()) break;
       std::string pending = expected[seen.size()].substr(0, 4);
       DATENBANK record{};
-      ASSERT_TRUE(other->UsedGet(record, KeyBuilder().account(pending), found, kSachkonto, ZELK_ENG_DEFAULT));
-      ASSERT_TRUE(other->Delete(kSachkonto, ZELK_ENG_DEFAULT));
+      ASSERT_TRUE(other->UsedGet(record, KeyBuilder().account(pending), found, kSachkonto));
+      ASSERT_TRUE(other->Delete(kSachkonto));
     }
     EXPECT_EQ(seen, expected) << elsewhere;
   }
@@ -364,14 +364,14 @@ TEST_F(Accounts, LockedTableRefusesTheWalk) {
   auto other = session();
   uint8_t found;
   ASSERT_TRUE(other->SetzeFista(1, found) && found);
-  ASSERT_TRUE(other->Lock(kSachkonto, nullptr, 0, ZELK_ENG_DEFAULT));
+  ASSERT_TRUE(other->Lock(kSachkonto, nullptr, 0));
   EXPECT_EQ(ZELK_InitHoleKonto(1, 1, 0, nullptr, 0), ZELKERR_Datenbank);
   ZELK_SAKO account;
   EXPECT_EQ(ZELK_HoleSako(&account), ZELKERR_keinInit);
   EXPECT_EQ(ZELK_InitHoleKonto(1, 2, 0, nullptr, 0), ZELK_OK) << "another table";
   EXPECT_EQ(ZELK_InitHoleKonto(2, 1, 0, nullptr, 0), ZELK_OK) << "another client";
   EXPECT_EQ(ZELK_ExistiertKonto(1, "1000", 1, 0, nullptr), 1) << "a test waits for nobody";
-  ASSERT_TRUE(other->Unlock(kSachkonto, 0, ZELK_ENG_DEFAULT));
+  ASSERT_TRUE(other->Unlock(kSachkonto, 0));
   EXPECT_EQ(ZELK_InitHoleKonto(1, 1, 0, nullptr, 0), ZELK_OK);
 }
 

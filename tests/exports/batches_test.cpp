@@ -54,7 +54,7 @@ protected:
   STAPEL stored(int32_t number) {
     DATENBANK record{};
     uint8_t found;
-    EXPECT_TRUE(other->UsedGet(record, KeyBuilder().number(number), found, kStapel, ZELK_ENG_DEFAULT) && found);
+    EXPECT_TRUE(other->UsedGet(record, KeyBuilder().number(number), found, kStapel) && found);
     return record.Stapel;
   }
 
@@ -65,7 +65,7 @@ protected:
     put(record.Stapel.Passwort, password);
     record.Stapel.VonExtern = 1;
     record.Stapel.Gecleart = cleared;
-    ASSERT_TRUE(other->Insert(record, kStapel, ZELK_ENG_DEFAULT));
+    ASSERT_TRUE(other->Insert(record, kStapel));
   }
 
   /// A posting of two lines, for client 1 with costs.
@@ -244,10 +244,10 @@ TEST_F(Batches, OfAnySizeAreDeletedInBoundedMemory) {
   BATCHBUCHUNG posting{};
   uint8_t found;
   ASSERT_TRUE(other->ReadBat(posting, 8, 0, found) && found);
-  ASSERT_TRUE(other->Transaktion(1, 0, ZELK_ENG_DEFAULT));
+  ASSERT_TRUE(other->Transaktion(1, 0));
   for (int i = 1; i < postings; ++i)
     ASSERT_TRUE(other->InsertBat(posting));
-  ASSERT_TRUE(other->Transaktion(2, 0, ZELK_ENG_DEFAULT));
+  ASSERT_TRUE(other->Transaktion(2, 0));
   const int64_t before = peakMemory();
   ASSERT_EQ(ZELK_LoescheStapel(1, 8, 1, 0), ZELK_OK);
   EXPECT_LT(peakMemory() - before, 6 << 20) << "the postings alone are more than 20 MiB";
@@ -260,7 +260,7 @@ TEST_F(Batches, WaitForTheirTables) {
   auto third = session(std::chrono::milliseconds(0));
   std::string before = dump(*third, 1, kAll);
   for (int table : {kBatchbuchung, kSplit, kStapel, kKobu}) {
-    ASSERT_TRUE(other->Lock(FileNumber(table), nullptr, 0, ZELK_ENG_DEFAULT));
+    ASSERT_TRUE(other->Lock(FileNumber(table), nullptr, 0));
     EXPECT_EQ(ZELK_LoescheStapel(1, 8, 1, 1), ZELKERR_Datenbank) << table;
     for (int32_t refused : {99, 1, 9}) // waits for nobody
       EXPECT_EQ(ZELK_LoescheStapel(1, refused, 1, 0), ZELKERR_uzl_Stapelnr) << table;
@@ -268,7 +268,7 @@ TEST_F(Batches, WaitForTheirTables) {
       EXPECT_EQ(ZELK_Stapel(kCreate, 1, 0, "Neu", 0, 0, 0, 1), ZELKERR_Datenbank);
     }
     EXPECT_EQ(dump(*third, 1, kAll), before);
-    ASSERT_TRUE(other->Unlock(FileNumber(table), 1, ZELK_ENG_DEFAULT));
+    ASSERT_TRUE(other->Unlock(FileNumber(table), 1));
     EXPECT_TRUE(nothingLocked(*third, 1)) << table;
   }
   EXPECT_EQ(recorder.takeText(), "");

@@ -36,7 +36,7 @@ protected:
       open(1, year);
       DATENBANK record{};
       uint8_t found = 0;
-      ASSERT_TRUE(other->GetFirstExt(record, found, FileNumber(table), ZELK_ENG_DEFAULT, 0));
+      ASSERT_TRUE(other->GetFirstExt(record, found, FileNumber(table)));
       while (found) {
         auto fill = [&](SOLLWERTE &budget) {
           for (int i = 0; i < 13; ++i) {
@@ -65,13 +65,13 @@ protected:
           reference = std::string(record.Kost.Kostref, 7);
         } else
           take(record.Personenkonto);
-        ASSERT_TRUE(other->Update(record, FileNumber(table), ZELK_ENG_DEFAULT));
+        ASSERT_TRUE(other->Update(record, FileNumber(table)));
         text = number + ";" + shortName;
         for (int64_t value : total)
           text += ";" + plain(value);
         model.push_back(
             {table, year, dimension, number, shortName, name, reference, text + ";" + std::to_string(inEuro)});
-        ASSERT_TRUE(other->GetNextExt(record, found, FileNumber(table), ZELK_ENG_DEFAULT));
+        ASSERT_TRUE(other->GetNextExt(record, found, FileNumber(table)));
       }
     }
     open(1);
@@ -185,8 +185,8 @@ TEST_F(BudgetValues, GoOnWhateverComesBetween) {
     DATENBANK record{};
     uint8_t found = 0;
     const std::string number = expected[i].substr(0, expected[i].find(';'));
-    ASSERT_TRUE(other->UsedGet(record, KeyBuilder().account(number), found, kDebitor, ZELK_ENG_DEFAULT) && found);
-    ASSERT_TRUE(other->Delete(kDebitor, ZELK_ENG_DEFAULT));
+    ASSERT_TRUE(other->UsedGet(record, KeyBuilder().account(number), found, kDebitor) && found);
+    ASSERT_TRUE(other->Delete(kDebitor));
     EXPECT_EQ(fetch().line, expected[i]);
   }
   EXPECT_EQ(fetch().result, ZELKERR_keinDatensatz);

@@ -51,7 +51,7 @@ TEST_F(Clients, DeletedMeanwhileEndTheFetch) {
   ASSERT_EQ(ZELK_InitHoleMandant(), ZELK_OK);
   for (uint16_t client : {2, 1}) {
     ASSERT_TRUE(changeMaster(*other, client, [](vldb98::FIRMENSTAMM &) {}));
-    ASSERT_TRUE(other->Delete(vldb98::kFirmenstamm, vldb98::ZELK_ENG_DEFAULT));
+    ASSERT_TRUE(other->Delete(vldb98::kFirmenstamm));
     uint32_t number = 0;
     EXPECT_EQ(ZELK_HoleMandant(&number, nullptr, nullptr), client == 2 ? ZELK_letzterDatensatz : ZELKERR_Datenbank);
     EXPECT_EQ(number, client == 2 ? 1u : 0u);

@@ -24,7 +24,7 @@ protected:
     static const std::vector<std::string> centres[6] = {
         {"", "100", "200", "300"}, {"", "5001", "5002", "100"}, {"", "NORD", "SUED"}, {"", "R"}, {""}, {"", "100"}};
     KOSTENBUCHUNG row{};
-    ASSERT_TRUE(other->Transaktion(1, 0, ZELK_ENG_DEFAULT));
+    ASSERT_TRUE(other->Transaktion(1, 0));
     for (int i = 0; i < 300; ++i) {
       Cost cost{*vlba98::addDays({year, 1, 1}, int(random() % 365)), types[random() % 3], {}, "", 0, 0};
       for (int n = 0; n < 6; ++n)
@@ -49,7 +49,7 @@ protected:
       insert(&DATENBANK::Kostenbuchung, row, kKostenbuchung);
       costs[year].push_back(cost);
     }
-    ASSERT_TRUE(other->Transaktion(2, 0, ZELK_ENG_DEFAULT));
+    ASSERT_TRUE(other->Transaktion(2, 0));
   }
 
   void addLine(int32_t number, int32_t flags, const char *name) {

@@ -42,7 +42,7 @@ protected:
       DATENBANK record{};
       std::memcpy(record.Kost.Nr, number.c_str(), 8); // where all of them have it
       if (table == kKost) put(record.Kost.Kostref, std::string(7, ' '));
-      ASSERT_TRUE(other->Insert(record, FileNumber(table), ZELK_ENG_DEFAULT)) << word;
+      ASSERT_TRUE(other->Insert(record, FileNumber(table))) << word;
     }
   }
 };
@@ -173,10 +173,10 @@ TEST_F(FreeNumbers, WaitForWritersAndBlockNone) {
   MFWritePrivateProfileString("ZELK", "Sperrwartezeit", "1", nullptr);
   give(4, "D20000 D20003");
   char proposal[8];
-  ASSERT_TRUE(other->Lock(kDebitor, nullptr, 0, ZELK_ENG_DEFAULT));
+  ASSERT_TRUE(other->Lock(kDebitor, nullptr, 0));
   EXPECT_EQ(ZELK_HoleFreieKontonr(1, D, "20000", "20003", proposal), ZELKERR_Datenbank);
   EXPECT_EQ(ZELK_HoleFreieKontonr(1, K, nullptr, nullptr, proposal), ZELK_OK) << "another table";
-  ASSERT_TRUE(other->Unlock(kDebitor, 0, ZELK_ENG_DEFAULT));
+  ASSERT_TRUE(other->Unlock(kDebitor, 0));
   EXPECT_EQ(ZELK_HoleFreieKontonr(1, D, "20000", "20003", proposal), ZELK_OK);
   EXPECT_STREQ(proposal, "20001");
   EXPECT_TRUE(nothingLocked(*session(std::chrono::milliseconds(0)), 1));

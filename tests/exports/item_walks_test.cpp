@@ -63,8 +63,8 @@ protected:
     DATENBANK record{};
     uint8_t found = 0;
     ASSERT_TRUE(other_->SetzeFista(1, found) &&
-                other_->UsedGet(record, KeyBuilder().number(number), found, kOPDebitor, ZELK_ENG_DEFAULT));
-    ASSERT_TRUE(found && other_->Delete(kOPDebitor, ZELK_ENG_DEFAULT));
+                other_->UsedGet(record, KeyBuilder().number(number), found, kOPDebitor));
+    ASSERT_TRUE(found && other_->Delete(kOPDebitor));
   }
 };
 
@@ -244,34 +244,26 @@ TEST_F(ItemWalks, FailWithTheStoreAndGoOnFromWhereTheyWere) {
   Faults faults;
   for (const auto &pair : pairs) {
     SCOPED_TRACE(pair.what);
-    faults.failAt(0);
-    ASSERT_EQ(pair.init(), 1);
-    const int operations = faults.operations();
+    const auto [operations, begun] = sweep(
+        faults, [] {}, pair.init,
+        [&](ZelkResult result) {
+          EXPECT_EQ(result, ZELKERR_Datenbank);
+          EXPECT_EQ(pair.fetch().result, ZELKERR_keinInit);
+        });
+    ASSERT_EQ(begun, 1);
     ASSERT_GT(operations, 2);
-    for (int n = 1; n <= operations; ++n) {
-      faults.failAt(n);
-      EXPECT_EQ(pair.init(), ZELKERR_Datenbank) << n;
-      faults.failAt(0);
-      EXPECT_EQ(pair.fetch().result, ZELKERR_keinInit);
-    }
-    ASSERT_EQ(pair.init(), 1);
+    // Each operation of each fetch, in a session of its own after a failure; the item is not lost.
     for (const char *expected : {"1", "2", "3"}) {
-      // Each operation of each fetch, in a session of its own after a failure; the item is not lost.
-      for (int n = 1;; ++n) {
-        ASSERT_LT(n, 20);
-        faults.failAt(n);
-        FetchedItem fetched = pair.fetch();
-        const bool failed = faults.operations() >= n;
-        faults.failAt(0);
-        if (!failed) {
-          EXPECT_EQ(fetched.result, *expected == '3' ? 2 : 1);
-          EXPECT_EQ(fetched.row[19], expected);
-          break;
-        }
-        EXPECT_EQ(fetched.result, ZELKERR_Datenbank);
-        EXPECT_EQ(fetched.row, ItemRow(fetched.row.size(), "~")) << "nothing is delivered";
-        EXPECT_TRUE(nothingLocked(*other_, 1));
-      }
+      const FetchedItem last = sweep(
+                                   faults, [] {}, pair.fetch,
+                                   [&](const FetchedItem &fetched) {
+                                     EXPECT_EQ(fetched.result, ZELKERR_Datenbank);
+                                     EXPECT_EQ(fetched.row, ItemRow(fetched.row.size(), "~")) << "nothing is delivered";
+                                     EXPECT_TRUE(nothingLocked(*other_, 1));
+                                   })
+                                   .second;
+      EXPECT_EQ(last.result, *expected == '3' ? 2 : 1);
+      EXPECT_EQ(last.row[19], expected);
     }
   }
   EXPECT_EQ(recorder.takeText(), "");

@@ -252,11 +252,11 @@ TEST_F(PaymentTerms, DecideWhenAPostingIsDue) {
 TEST_F(PaymentTerms, WaitForTheirTable) {
   ASSERT_TRUE(MFWritePrivateProfileString("ZELK", "Sperrwartezeit", "1", nullptr));
   uint8_t found;
-  ASSERT_TRUE(other->SetzeFista(1, found) && other->Lock(kZahlziel, nullptr, 0, ZELK_ENG_DEFAULT));
+  ASSERT_TRUE(other->SetzeFista(1, found) && other->Lock(kZahlziel, nullptr, 0));
   EXPECT_EQ(Term{}.call(1), ZELKERR_Datenbank);
   EXPECT_EQ((Term{.client = 2}.call(1)), 4);
   EXPECT_EQ(read(1).substr(0, 8), "1 SOFORT") << "reading waits for nobody";
-  ASSERT_TRUE(other->Unlock(kZahlziel, 1, ZELK_ENG_DEFAULT));
+  ASSERT_TRUE(other->Unlock(kZahlziel, 1));
   EXPECT_EQ(Term{}.call(1), 6);
   EXPECT_EQ(recorder.takeText(), "");
 }

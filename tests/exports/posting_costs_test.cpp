@@ -116,7 +116,7 @@ TEST_F(PostingCosts, TemplatesDistributeTheNetAmount) {
   put(scan.DmsId.Id, "Scan");
   scan.DmsId.Kostenschablone = 1;
   uint8_t found;
-  ASSERT_TRUE(other_->SetzeFista(1, found) && other_->Insert(scan, kDmsId, ZELK_ENG_DEFAULT));
+  ASSERT_TRUE(other_->SetzeFista(1, found) && other_->Insert(scan, kDmsId));
   setTemplate("4650", 4);
   static const struct {
     DraftLine line;

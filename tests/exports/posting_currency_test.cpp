@@ -127,7 +127,7 @@ TEST_F(PostingCurrency, OthersWorkWhileThePersonThinks) {
     put(record.Kurse.Datum, "460121");
     put(record.Kurse.Kurs, "120,00");
     record.Kurse.Einheiten = 100;
-    ASSERT_TRUE(other_->SetzeFista(1, found) && found && other_->Insert(record, kKurse, ZELK_ENG_DEFAULT));
+    ASSERT_TRUE(other_->SetzeFista(1, found) && found && other_->Insert(record, kKurse));
     EXPECT_TRUE(nothingLocked(*other_, 1));
   };
   EXPECT_EQ(insert(draft, Way::Whole).substr(0, 2), "1 ");

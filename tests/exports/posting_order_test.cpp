@@ -85,7 +85,7 @@ TEST_F(PostingOrder, OfTheChecks) {
   DATENBANK pair{};
   put(pair.Kombination.Kostenart, "4200   ");
   put(pair.Kombination.Kostenstelle, "20     ");
-  ASSERT_TRUE(other_->SetzeFista(2, found) && other_->Insert(pair, kKombination, ZELK_ENG_DEFAULT));
+  ASSERT_TRUE(other_->SetzeFista(2, found) && other_->Insert(pair, kKombination));
   std::string before = dumpAll();
   for (const Check *earlier = std::begin(kOrder); earlier != std::end(kOrder); ++earlier)
     for (const Check *later = earlier; later != std::end(kOrder); ++later) {

@@ -42,7 +42,7 @@ protected:
     put(record.Steusa.Satz, rate);
     record.Steusa.Art = kind;
     uint8_t found;
-    ASSERT_TRUE(other_->SetzeFista(1, found) && other_->Insert(record, kSteusa, ZELK_ENG_DEFAULT));
+    ASSERT_TRUE(other_->SetzeFista(1, found) && other_->Insert(record, kSteusa));
   }
 };
 

@@ -304,18 +304,18 @@ TEST_F(Postings, AreSkippedWhileATableIsLocked) {
   std::string before = dump(*third, 1, {kStapel, kBatchbuchung, kSplit, kDmsId});
   put(posting.DMSID, "X");
   for (int table : kLockedTables) {
-    ASSERT_TRUE(other->Lock(FileNumber(table), nullptr, 0, ZELK_ENG_DEFAULT));
+    ASSERT_TRUE(other->Lock(FileNumber(table), nullptr, 0));
     EXPECT_EQ(ZELK_BuchungEinfuegen(&posting, 1), ZELK_OK) << table;
     EXPECT_EQ(recorder.takeText(), "");
     EXPECT_EQ(dump(*third, 1, {kStapel, kBatchbuchung, kSplit, kDmsId}), before) << table;
     EXPECT_EQ(ZELK_ExistiertKonto(1, "1000", 1, 0, nullptr), 1);
-    ASSERT_TRUE(other->Unlock(FileNumber(table), 0, ZELK_ENG_DEFAULT));
+    ASSERT_TRUE(other->Unlock(FileNumber(table), 0));
     EXPECT_TRUE(nothingLocked(*third, 1)) << table;
   }
   // Only these tables of this client matter.
-  ASSERT_TRUE(other->Lock(kZahlziel, nullptr, 0, ZELK_ENG_DEFAULT));
+  ASSERT_TRUE(other->Lock(kZahlziel, nullptr, 0));
   ASSERT_TRUE(third->SetzeFista(2, found) && found);
-  ASSERT_TRUE(third->Lock(kSplit, nullptr, 0, ZELK_ENG_DEFAULT));
+  ASSERT_TRUE(third->Lock(kSplit, nullptr, 0));
   EXPECT_EQ(ZELK_BuchungEinfuegen(&posting, 1), ZELK_OK);
   EXPECT_EQ(postingsOf(1, 3).size(), 1u);
 }

@@ -234,7 +234,7 @@ TEST_F(CallProtocol, SaysThatAPostingWasSkipped) {
   ZELK_Detach();
   auto other = session();
   uint8_t found;
-  ASSERT_TRUE(other->SetzeFista(1, found) && other->Lock(vldb98::kStapel, nullptr, 0, vldb98::ZELK_ENG_DEFAULT));
+  ASSERT_TRUE(other->SetzeFista(1, found) && other->Lock(vldb98::kStapel, nullptr, 0));
   ZELK_BUCHUNG posting = validPosting();
   std::string text = trace([&] { EXPECT_EQ(ZELK_BuchungEinfuegen(&posting, 1), ZELK_OK); });
   EXPECT_NE(text.find("\nDie Buchung wurde übersprungen: "), std::string::npos) << text;

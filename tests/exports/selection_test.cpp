@@ -48,7 +48,7 @@ protected:
     record.Kost.Dimension = dimension;
     put(record.Kost.Kostref, reference + std::string(7 - reference.size(), ' '));
     put(record.Kost.Name, name);
-    ASSERT_TRUE(other->Insert(record, kKost, ZELK_ENG_DEFAULT));
+    ASSERT_TRUE(other->Insert(record, kKost));
   }
 
   std::unique_ptr<Store> other = session(std::chrono::milliseconds(0));
@@ -203,20 +203,20 @@ TEST_F(Selections, WorkWhileTheHostGoesOn) {
   {
     // Somebody deletes the account that is picked.
     Meanwhile ui([&] {
-      ASSERT_TRUE(other->UsedGet(record, KeyBuilder().account("10120"), found, kDebitor, ZELK_ENG_DEFAULT));
-      ASSERT_TRUE(other->Delete(kDebitor, ZELK_ENG_DEFAULT));
+      ASSERT_TRUE(other->UsedGet(record, KeyBuilder().account("10120"), found, kDebitor));
+      ASSERT_TRUE(other->Delete(kDebitor));
     });
     ui.script = {{Event::Type, 0, "10120"}, {Event::Ok}};
     EXPECT_EQ(ZELK_HoleKonto(nullptr, 1, 4, nullptr, nullptr, number, name, nullptr, 0, nullptr), ZELKERR_Datenbank);
-    ASSERT_TRUE(other->Insert(record, kDebitor, ZELK_ENG_DEFAULT));
+    ASSERT_TRUE(other->Insert(record, kDebitor));
     EXPECT_EQ(ZELK_HoleKonto(nullptr, 1, 4, nullptr, nullptr, number, nullptr, nullptr, 0, nullptr), ZELK_OK)
         << "nothing else is read for the number alone";
-    ASSERT_TRUE(other->Insert(record, kDebitor, ZELK_ENG_DEFAULT));
+    ASSERT_TRUE(other->Insert(record, kDebitor));
   }
   // The whole client goes: the list cannot be filled again.
   Meanwhile ui([&] {
-    ASSERT_TRUE(other->UsedGet(record, KeyBuilder().number(uint16_t(1)), found, kFirmenstamm, ZELK_ENG_DEFAULT));
-    ASSERT_TRUE(other->Delete(kFirmenstamm, ZELK_ENG_DEFAULT));
+    ASSERT_TRUE(other->UsedGet(record, KeyBuilder().number(uint16_t(1)), found, kFirmenstamm));
+    ASSERT_TRUE(other->Delete(kFirmenstamm));
   });
   ui.script = script;
   EXPECT_EQ(ZELK_HoleKonto(nullptr, 1, 4, nullptr, nullptr, number, name, nullptr, 0, nullptr), ZELKERR_uzl_Mandnr);

@@ -43,7 +43,7 @@ protected:
     DATENBANK record{};
     uint8_t found = 0;
     EXPECT_TRUE(other_->SetzeFista(1, found) &&
-                other_->UsedGet(record, KeyBuilder().account(account), found, FileNumber(table), ZELK_ENG_DEFAULT));
+                other_->UsedGet(record, KeyBuilder().account(account), found, FileNumber(table)));
     return found ? record.Personenkonto.Bonitaet : "(no account)";
   }
   /// The entries of the account-change protocol: "table account action year old>new".
@@ -51,8 +51,8 @@ protected:
     std::vector<std::string> all;
     DATENBANK record{};
     uint8_t found = 0;
-    int done = other_->SetzeFista(1, found) && other_->GetFirstExt(record, found, kKontoprotokoll, ZELK_ENG_DEFAULT, 0);
-    for (; done && found; done = other_->GetNextExt(record, found, kKontoprotokoll, ZELK_ENG_DEFAULT)) {
+    int done = other_->SetzeFista(1, found) && other_->GetFirstExt(record, found, kKontoprotokoll);
+    for (; done && found; done = other_->GetNextExt(record, found, kKontoprotokoll)) {
       const KONTOPROTOKOLL &entry = record.Kontoprotokoll;
       all.push_back(std::to_string(entry.Kontotabelle) + " " + entry.Konto + "/" + std::to_string(entry.Aktion) + "/" +
                     std::to_string(entry.Jahr) + " " + entry.Alt + ">" + entry.Neu);
@@ -243,7 +243,7 @@ TEST_F(Standing, SourceMayTakeItsTime) {
   EXPECT_EQ(ratingOf(kDebitor, "10010"), "B2");
   DATENBANK record{};
   uint8_t found = 0;
-  ASSERT_TRUE(other_->UsedGet(record, KeyBuilder().account("10010"), found, kDebitor, ZELK_ENG_DEFAULT));
+  ASSERT_TRUE(other_->UsedGet(record, KeyBuilder().account("10010"), found, kDebitor));
   EXPECT_STREQ(record.Personenkonto.Ort, "Jena");
   agency.meanwhile = [&] {
     change(1, kDebitor, KeyBuilder().account("10020"), [](DATENBANK &gone) { put(gone.Personenkonto.Nr, "19999  "); });
@@ -267,21 +267,15 @@ TEST_F(Standing, FaultsOfTheStoreLeaveNoTrace) {
   auto all = [&] { return dump(*other_, 1, {kDebitor, kKontoprotokoll, kOPDebitor}); };
   for (const auto &scenario : scenarios) {
     const std::string before = all();
-    int n = 1;
-    for (;; ++n) {
-      faults.failAt(n);
-      ZelkResult result = scenario.call();
-      const bool failed = faults.operations() >= n;
-      faults.failAt(0);
-      EXPECT_TRUE(nothingLocked(*other_, 1));
-      if (!failed) {
-        EXPECT_EQ(result, scenario.result);
-        break;
-      }
-      EXPECT_EQ(result, ZELKERR_Datenbank) << n;
-      EXPECT_EQ(all(), before) << n;
-    }
-    EXPECT_GT(n, 4);
+    const auto [operations, last] = sweep(
+        faults, [] {}, scenario.call,
+        [&](ZelkResult result) {
+          EXPECT_EQ(result, ZELKERR_Datenbank);
+          EXPECT_EQ(all(), before);
+          EXPECT_TRUE(nothingLocked(*other_, 1));
+        });
+    EXPECT_EQ(last, scenario.result);
+    EXPECT_GT(operations, 3);
   }
   EXPECT_EQ(entries().size(), 1u);
 }

@@ -63,11 +63,11 @@ protected:
   }
 
   void store(int table, const std::map<int32_t, Line> &tree) {
-    ASSERT_TRUE(other->Transaktion(1, 0, ZELK_ENG_DEFAULT));
+    ASSERT_TRUE(other->Transaktion(1, 0));
     ASSERT_TRUE(other->DeleteTable(table));
     for (const auto &[number, line] : tree)
       storeLine(table, tree, number, line);
-    ASSERT_TRUE(other->Transaktion(2, 0, ZELK_ENG_DEFAULT));
+    ASSERT_TRUE(other->Transaktion(2, 0));
   }
   void storeLine(int table, const std::map<int32_t, Line> &tree, int32_t number, const Line &line) {
     AUFBAU row{};

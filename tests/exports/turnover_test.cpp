@@ -301,7 +301,7 @@ protected:
     BUCHUNGSBELEG row{};
     put(row.Gegenkonto, padded(""));
     auto amount = [&] { return int64_t(random() % 2'000'001) - 500'000; };
-    EXPECT_TRUE(other->Transaktion(1, 0, ZELK_ENG_DEFAULT));
+    EXPECT_TRUE(other->Transaktion(1, 0));
     for (int i = 0; i < 400; ++i) {
       const auto day = *vlba98::addDays(from, int(random() % 365));
       Entry entry{day, int16_t(i % 40 == 0 ? 1 : i % 40 == 1 ? 2 : 0), amount(), amount(), amount(), amount()};
@@ -318,7 +318,7 @@ protected:
       insert(&DATENBANK::Buchungsbeleg, row, kBuchungsbeleg);
       if (own) entries.push_back(entry);
     }
-    EXPECT_TRUE(other->Transaktion(2, 0, ZELK_ENG_DEFAULT));
+    EXPECT_TRUE(other->Transaktion(2, 0));
     return entries;
   }
 };

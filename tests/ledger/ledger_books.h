@@ -10,8 +10,8 @@ namespace test {
 template <class Visit> void eachRow(vldb98::Store &store, int table, Visit &&visit) {
   vldb98::DATENBANK record{};
   uint8_t found = 0;
-  int done = store.StepFirstExt(record, found, vldb98::FileNumber(table), vldb98::ZELK_ENG_DEFAULT);
-  for (; done && found; done = store.StepNextExt(record, found, vldb98::FileNumber(table), vldb98::ZELK_ENG_DEFAULT))
+  int done = store.StepFirstExt(record, found, vldb98::FileNumber(table));
+  for (; done && found; done = store.StepNextExt(record, found, vldb98::FileNumber(table)))
     visit(record);
   EXPECT_TRUE(done) << table;
 }

@@ -86,10 +86,10 @@ TEST_F(Ledger, MovesTheAccountsOfEachKindOfPosting) {
   openYear(2, 2025);
   DATENBANK record{};
   uint8_t found = 0;
-  ASSERT_TRUE(store_->UsedGet(record, KeyBuilder().account("3200"), found, kSachkonto, ZELK_ENG_DEFAULT) && found);
+  ASSERT_TRUE(store_->UsedGet(record, KeyBuilder().account("3200"), found, kSachkonto) && found);
   EXPECT_EQ(plain(record.Sachkonto.Werte.Monat[6].Haben), "93,08");
   EXPECT_EQ(plain(record.Sachkonto.EuroWerte.Monat[6].Haben), "100,00");
-  ASSERT_TRUE(store_->UsedGet(record, KeyBuilder().number(2), found, kStapel, ZELK_ENG_DEFAULT) && found);
+  ASSERT_TRUE(store_->UsedGet(record, KeyBuilder().number(2), found, kStapel) && found);
   EXPECT_EQ(record.Stapel.Gecleart, 1);
   EXPECT_EQ(record.Stapel.Bebucht, 0);
   EXPECT_TRUE(storedPostings(*store_, 1, 3).empty());
@@ -108,7 +108,7 @@ TEST_F(Ledger, BringsCostsToCostCentres) {
     DATENBANK record{};
     put(record.Kost.Nr, "900    ");
     put(record.Kost.Kostref, reference);
-    ASSERT_TRUE(store_->Insert(record, kKost, ZELK_ENG_DEFAULT));
+    ASSERT_TRUE(store_->Insert(record, kKost));
   }
   Draft debit = of("4910", "1000", "100,00"), credit = of("1000", "4910", "30,00"),
         acquired = of("3425", "70180", "100,00", "19,00"), twice = of("4910", "1000", "7,00");

@@ -9,8 +9,6 @@ namespace {
 
 using namespace vldb98;
 
-constexpr DBENGINE kDefault = ZELK_ENG_DEFAULT;
-
 TEST(FileNumbers, AreTablePlus127TimesKeyIndex) {
   struct Row {
     int table, keyIndex;
@@ -39,7 +37,7 @@ protected:
   static std::string padded(const std::string &number) { return (number + "       ").substr(0, 7); }
   static SCHLUESSEL key(const std::string &number) { return KeyBuilder().account(number); }
 
-  void insert(DATENBANK fresh, FileNumber file = kSachkonto) { ASSERT_TRUE(store->Insert(fresh, file, kDefault)); }
+  void insert(DATENBANK fresh, FileNumber file = kSachkonto) { ASSERT_TRUE(store->Insert(fresh, file)); }
 
   /// Accounts 1000, 1200, 1400, 1600, whose short names run the other way and are the same for two of them.
   void insertFour() {
@@ -55,12 +53,12 @@ protected:
     return found ? std::string(record.Sachkonto.Nr, 4) : "none";
   }
   std::string ge(const std::string &number, FileNumber file = kSachkonto) {
-    return answer(store->GetGeExt(record, key(number), found, file, kDefault, 0));
+    return answer(store->GetGeExt(record, key(number), found, file));
   }
-  std::string next(FileNumber file = kSachkonto) { return answer(store->GetNextExt(record, found, file, kDefault)); }
-  std::string prev(FileNumber file = kSachkonto) { return answer(store->GetPrevExt(record, found, file, kDefault)); }
+  std::string next(FileNumber file = kSachkonto) { return answer(store->GetNextExt(record, found, file)); }
+  std::string prev(FileNumber file = kSachkonto) { return answer(store->GetPrevExt(record, found, file)); }
   std::string exact(const std::string &number) {
-    return answer(store->UsedGet(record, key(number), found, kSachkonto, kDefault));
+    return answer(store->UsedGet(record, key(number), found, kSachkonto));
   }
 
   DATENBANK record{};
@@ -78,32 +76,32 @@ TEST_P(Contract, UnpaddedKeyIsMissing) {
   for (const Row &row : rows) {
     SCHLUESSEL unpadded;
     std::memcpy(unpadded.bytes, row.bytes, 7);
-    ASSERT_TRUE(store->Used(unpadded, found, kSachkonto, kDefault));
+    ASSERT_TRUE(store->Used(unpadded, found, kSachkonto));
     EXPECT_EQ(found != 0, row.there) << row.bytes;
-    ASSERT_TRUE(store->UsedGet(record, unpadded, found, kSachkonto, kDefault));
+    ASSERT_TRUE(store->UsedGet(record, unpadded, found, kSachkonto));
     EXPECT_EQ(found != 0, row.there) << row.bytes;
   }
   // As a start it lies behind the account that it resembles.
   SCHLUESSEL unpadded;
   std::memcpy(unpadded.bytes, "1200", 4);
-  EXPECT_EQ(answer(store->GetGeExt(record, unpadded, found, kSachkonto, kDefault, 0)), "1400");
-  EXPECT_EQ(answer(store->GetLeExt(record, unpadded, found, kSachkonto, kDefault, 0)), "1200");
+  EXPECT_EQ(answer(store->GetGeExt(record, unpadded, found, kSachkonto)), "1400");
+  EXPECT_EQ(answer(store->GetLeExt(record, unpadded, found, kSachkonto)), "1200");
 }
 
 TEST_P(Contract, EndOfTheTableIsNoFailure) {
   EXPECT_EQ(ge(""), "none");
-  EXPECT_FALSE(store->GetFirst(record, kSachkonto, kDefault, 0));
+  EXPECT_FALSE(store->GetFirst(record, kSachkonto));
   insertFour();
   EXPECT_EQ(ge("1601"), "none");
-  EXPECT_FALSE(store->GetGe(record, key("1601"), kSachkonto, kDefault, 0));
-  EXPECT_EQ(answer(store->GetLeExt(record, key("0999"), found, kSachkonto, kDefault, 0)), "none");
+  EXPECT_FALSE(store->GetGe(record, key("1601"), kSachkonto));
+  EXPECT_EQ(answer(store->GetLeExt(record, key("0999"), found, kSachkonto)), "none");
   EXPECT_EQ(ge("1500"), "1600");
   EXPECT_EQ(next(), "none");
-  EXPECT_FALSE(store->GetNext(record, kSachkonto, kDefault));
+  EXPECT_FALSE(store->GetNext(record, kSachkonto));
   // The position is still the last record.
   EXPECT_EQ(prev(), "1400");
-  EXPECT_TRUE(store->GetNext(record, kSachkonto, kDefault));
-  EXPECT_TRUE(store->GetLast(record, kSachkonto, kDefault, 0));
+  EXPECT_TRUE(store->GetNext(record, kSachkonto));
+  EXPECT_TRUE(store->GetLast(record, kSachkonto));
   EXPECT_EQ(std::string(record.Sachkonto.Nr), "1600   ");
 }
 
@@ -116,12 +114,12 @@ TEST_P(Contract, WhatIsNotThereOrNotInUseFails) {
     DBENGINE engine;
     bool readable, writable;
   };
-  const Row rows[] = {{"the default engine", kSachkonto, kDefault, true, true},
+  const Row rows[] = {{"the default engine", kSachkonto, ZELK_ENG_DEFAULT, true, true},
                       {"the engine by its number", kSachkonto, GetParam().kind, true, true},
                       {"another engine", kSachkonto, other, false, false},
-                      {"a key index that is not declared", fileNumber(kSachkonto, 2), kDefault, false, true},
-                      {"an unknown table", 5, kDefault, false, false},
-                      {"the table number 126", 126, kDefault, false, false}};
+                      {"a key index that is not declared", fileNumber(kSachkonto, 2), ZELK_ENG_DEFAULT, false, true},
+                      {"an unknown table", 5, ZELK_ENG_DEFAULT, false, false},
+                      {"the table number 126", 126, ZELK_ENG_DEFAULT, false, false}};
   for (const Row &row : rows) {
     SCOPED_TRACE(row.what);
     int reads[] = {store->GetFirstExt(record, found, row.file, row.engine, 0),
@@ -142,7 +140,7 @@ TEST_P(Contract, WhatIsNotThereOrNotInUseFails) {
     EXPECT_EQ(store->Delete(row.file, row.engine) != 0, row.writable);
   }
   EXPECT_FALSE(store->Transaktion(1, 0, other));
-  EXPECT_FALSE(store->Transaktion(3, 0, kDefault));
+  EXPECT_FALSE(store->Transaktion(3, 0));
   EXPECT_FALSE(store->Lock(kSachkonto, nullptr, 0, other));
   EXPECT_FALSE(store->Unlock(kSachkonto, 1, other));
   EXPECT_FALSE(store->UnlockCurrentRecord(kSachkonto, other));
@@ -154,16 +152,16 @@ TEST_P(Contract, WhatIsNotThereOrNotInUseFails) {
 TEST_P(Contract, PositionSurvivesDeleteAndReadsThatFindNothing) {
   insertFour();
   EXPECT_EQ(exact("1200"), "1200");
-  ASSERT_TRUE(store->Delete(kSachkonto, kDefault));
-  EXPECT_FALSE(store->Delete(kSachkonto, kDefault));
+  ASSERT_TRUE(store->Delete(kSachkonto));
+  EXPECT_FALSE(store->Delete(kSachkonto));
   DATENBANK gone = account("1200");
-  EXPECT_FALSE(store->Update(gone, kSachkonto, kDefault));
+  EXPECT_FALSE(store->Update(gone, kSachkonto));
   EXPECT_EQ(exact("1200"), "none");
   EXPECT_EQ(ge("9"), "none");
   EXPECT_EQ(next(), "1400");
   EXPECT_EQ(prev(), "1000");
   // A test delivers nothing, so it does not position.
-  ASSERT_TRUE(store->Used(key("1600"), found, kSachkonto, kDefault));
+  ASSERT_TRUE(store->Used(key("1600"), found, kSachkonto));
   EXPECT_TRUE(found);
   EXPECT_EQ(next(), "1400");
 }
@@ -190,13 +188,13 @@ TEST_P(Contract, PositioniereBringsAWalkBack) {
   EXPECT_EQ(next(), "1200");
   // Also when that record is gone, and whatever range was running.
   place = record;
-  ASSERT_TRUE(store->Delete(kSachkonto, kDefault));
-  EXPECT_EQ(answer(store->GetRangeExt(record, key("1000"), key("1000"), found, kSachkonto, kDefault)), "1000");
+  ASSERT_TRUE(store->Delete(kSachkonto));
+  EXPECT_EQ(answer(store->GetRangeExt(record, key("1000"), key("1000"), found, kSachkonto)), "1000");
   store->setCurrent(place, kSachkonto);
   EXPECT_EQ(next(), "1400");
   place = account("1600");
   store->setCurrent(place, kSachkonto);
-  ASSERT_TRUE(store->Delete(kSachkonto, kDefault));
+  ASSERT_TRUE(store->Delete(kSachkonto));
   EXPECT_EQ(exact("1600"), "none");
 }
 
@@ -206,14 +204,14 @@ TEST_P(Contract, InsertAndUpdatePosition) {
   EXPECT_EQ(next(), "1200");
   // A changed primary key moves the record and the position with it.
   DATENBANK moved = account("1500", "C", "Bank");
-  ASSERT_TRUE(store->Update(moved, kSachkonto, kDefault));
+  ASSERT_TRUE(store->Update(moved, kSachkonto));
   EXPECT_EQ(next(), "1600");
   EXPECT_EQ(exact("1200"), "none");
   // A refused change leaves the position.
   EXPECT_EQ(exact("1000"), "1000");
   moved = account("1400");
-  EXPECT_FALSE(store->Update(moved, kSachkonto, kDefault));
-  EXPECT_FALSE(store->Insert(moved, kSachkonto, kDefault));
+  EXPECT_FALSE(store->Update(moved, kSachkonto));
+  EXPECT_FALSE(store->Insert(moved, kSachkonto));
   EXPECT_EQ(next(), "1100");
 }
 
@@ -224,10 +222,10 @@ TEST_P(Contract, WithoutAPositionThereIsNoStep) {
   store = std::move(fresh);
   EXPECT_EQ(next(), "none");
   EXPECT_EQ(prev(), "none");
-  EXPECT_EQ(answer(store->StepNextExt(record, found, kSachkonto, kDefault)), "none");
-  EXPECT_FALSE(store->Delete(kSachkonto, kDefault));
+  EXPECT_EQ(answer(store->StepNextExt(record, found, kSachkonto)), "none");
+  EXPECT_FALSE(store->Delete(kSachkonto));
   DATENBANK any = account("1000");
-  EXPECT_FALSE(store->Update(any, kSachkonto, kDefault));
+  EXPECT_FALSE(store->Update(any, kSachkonto));
 }
 
 TEST_P(Contract, PhysicalStepsMeetEachRecordOnce) {
@@ -235,8 +233,8 @@ TEST_P(Contract, PhysicalStepsMeetEachRecordOnce) {
   // The key index of the file number does not matter.
   for (FileNumber file : {fileNumber(kSachkonto, 0), fileNumber(kSachkonto, 1)}) {
     std::string walk;
-    for (std::string at = answer(store->StepFirstExt(record, found, file, kDefault)); at != "none" && walk.size() < 40;
-         at = answer(store->StepNextExt(record, found, file, kDefault)))
+    for (std::string at = answer(store->StepFirstExt(record, found, file)); at != "none" && walk.size() < 40;
+         at = answer(store->StepNextExt(record, found, file)))
       walk += at + " ";
     EXPECT_EQ(walk, "1000 1200 1400 1600 ");
   }
@@ -257,8 +255,7 @@ TEST_P(Contract, RangeEndsAtItsUpperKey) {
                                  {"", "1200", "1000 1200 "}};
   for (const Row &row : rows) {
     std::string walk;
-    for (std::string at =
-             answer(store->GetRangeExt(record, key(row.lower), key(row.upper), found, kSachkonto, kDefault));
+    for (std::string at = answer(store->GetRangeExt(record, key(row.lower), key(row.upper), found, kSachkonto));
          at != "none" && walk.size() < 40; at = next())
       walk += at + " ";
     EXPECT_EQ(walk, row.walk) << row.lower << " to " << row.upper;
@@ -267,20 +264,20 @@ TEST_P(Contract, RangeEndsAtItsUpperKey) {
   // All records of a non-unique key belong to the range.
   FileNumber byShortName = fileNumber(kSachkonto, 1);
   SCHLUESSEL b = KeyBuilder().text("B", 8);
-  EXPECT_EQ(answer(store->GetRangeExt(record, b, b, found, byShortName, kDefault)), "1400");
+  EXPECT_EQ(answer(store->GetRangeExt(record, b, b, found, byShortName)), "1400");
   EXPECT_EQ(next(byShortName), "1600");
   EXPECT_EQ(next(byShortName), "none");
   // It binds steps by its own key only, and no longer than until the next positioning read.
-  EXPECT_EQ(answer(store->GetRangeExt(record, b, b, found, byShortName, kDefault)), "1400");
+  EXPECT_EQ(answer(store->GetRangeExt(record, b, b, found, byShortName)), "1400");
   EXPECT_EQ(prev(), "1200");
-  EXPECT_EQ(answer(store->GetRangeExt(record, key("1000"), key("1200"), found, kSachkonto, kDefault)), "1000");
+  EXPECT_EQ(answer(store->GetRangeExt(record, key("1000"), key("1200"), found, kSachkonto)), "1000");
   EXPECT_EQ(ge("1200"), "1200");
   EXPECT_EQ(next(), "1400");
 }
 
 TEST_P(Contract, RangeEndsWithItsScope) {
   insertFour();
-  EXPECT_EQ(answer(store->GetRangeExt(record, key("1000"), key("1200"), found, kSachkonto, kDefault)), "1000");
+  EXPECT_EQ(answer(store->GetRangeExt(record, key("1000"), key("1200"), found, kSachkonto)), "1000");
   ASSERT_TRUE(store->SetzeFista(2, found) && found);
   insert(account("1200"));
   insert(account("1300"));
@@ -297,12 +294,12 @@ TEST_P(Contract, ClientsAndFiscalYearsDoNotSeeEachOther) {
   EXPECT_EQ(exact("1000"), "none");
   insert(account("1000"));
   insert(account("2000"));
-  ASSERT_TRUE(store->UsedGet(record, KeyBuilder().number(int32_t(2)), found, kStapel, kDefault));
+  ASSERT_TRUE(store->UsedGet(record, KeyBuilder().number(int32_t(2)), found, kStapel));
   EXPECT_TRUE(found) << "batches are the client's, whatever the year";
   ASSERT_TRUE(store->SetzeFista(2, found) && found);
   EXPECT_STREQ(store->HoleOpenJahr(), "46");
   EXPECT_EQ(exact("1000"), "none");
-  ASSERT_TRUE(store->UsedGet(record, KeyBuilder().number(int32_t(2)), found, kStapel, kDefault));
+  ASSERT_TRUE(store->UsedGet(record, KeyBuilder().number(int32_t(2)), found, kStapel));
   EXPECT_FALSE(found);
   ASSERT_TRUE(store->SetzeFista(1, found) && found);
   EXPECT_EQ(ge(""), "1000");
@@ -315,11 +312,11 @@ TEST_P(Contract, RecordsNeedTheClientAndYearThatTheyBelongTo) {
   noYear.Nummer = 7;
   ASSERT_TRUE(store->SaveFista(noYear)) << "clients belong to nobody";
   record = {};
-  EXPECT_FALSE(store->Insert(record, kStapel, kDefault));
+  EXPECT_FALSE(store->Insert(record, kStapel));
   ASSERT_TRUE(store->SetzeFista(7, found) && found);
-  EXPECT_TRUE(store->Insert(record, kStapel, kDefault));
+  EXPECT_TRUE(store->Insert(record, kStapel));
   record = account("1000");
-  EXPECT_FALSE(store->Insert(record, kSachkonto, kDefault));
+  EXPECT_FALSE(store->Insert(record, kSachkonto));
 }
 
 TEST_P(Contract, InsertAssignsNumbers) {
@@ -329,8 +326,7 @@ TEST_P(Contract, InsertAssignsNumbers) {
   };
   auto inserted = [&](int table, int32_t wanted) {
     std::memcpy(number(table), &wanted, sizeof wanted);
-    if (!store->Insert(record, FileNumber(table), kDefault))
-      return std::memcmp(number(table), &wanted, sizeof wanted) ? -2 : -1;
+    if (!store->Insert(record, FileNumber(table))) return std::memcmp(number(table), &wanted, sizeof wanted) ? -2 : -1;
     std::memcpy(&wanted, number(table), sizeof wanted);
     return wanted;
   };
@@ -373,14 +369,14 @@ TEST_P(Contract, AnotherSessionsChangesAreMet) {
   ASSERT_TRUE(other);
   EXPECT_EQ(exact("1200"), "1200");
   DATENBANK theirs{};
-  ASSERT_TRUE(other->UsedGet(theirs, key("1200"), found, kSachkonto, kDefault) && found);
-  ASSERT_TRUE(other->Delete(kSachkonto, kDefault));
+  ASSERT_TRUE(other->UsedGet(theirs, key("1200"), found, kSachkonto) && found);
+  ASSERT_TRUE(other->Delete(kSachkonto));
   DATENBANK changed = account("1200", "X");
-  EXPECT_FALSE(store->Update(changed, kSachkonto, kDefault));
-  EXPECT_FALSE(store->Delete(kSachkonto, kDefault));
+  EXPECT_FALSE(store->Update(changed, kSachkonto));
+  EXPECT_FALSE(store->Delete(kSachkonto));
   EXPECT_EQ(next(), "1400");
   theirs = account("1500");
-  ASSERT_TRUE(other->Insert(theirs, kSachkonto, kDefault));
+  ASSERT_TRUE(other->Insert(theirs, kSachkonto));
   EXPECT_EQ(next(), "1500");
 }
 

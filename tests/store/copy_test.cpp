@@ -66,7 +66,7 @@ TEST_F(Copy, HoldsWhatTheSourceHolds) {
   uint8_t found;
   for (const char *year : {"45", "46"}) {
     ASSERT_TRUE(target->SetzeFista(1, found) && target->SetzeOpenJahr(year));
-    EXPECT_TRUE(target->Used(KeyBuilder().account("1200"), found, kSachkonto, ZELK_ENG_DEFAULT) && found) << year;
+    EXPECT_TRUE(target->Used(KeyBuilder().account("1200"), found, kSachkonto) && found) << year;
   }
 }
 
@@ -74,9 +74,9 @@ TEST_F(Copy, ChecksumTellsOneChangedByte) {
   ASSERT_EQ(copy(1), CopyOutcome::Done);
   DATENBANK record{};
   uint8_t found;
-  ASSERT_TRUE(target->SetzeFista(1, found) && target->GetLastExt(record, found, kSachkonto, ZELK_ENG_DEFAULT, 0));
+  ASSERT_TRUE(target->SetzeFista(1, found) && target->GetLastExt(record, found, kSachkonto));
   record.Sachkonto.GuV ^= 1;
-  ASSERT_TRUE(target->Update(record, kSachkonto, ZELK_ENG_DEFAULT));
+  ASSERT_TRUE(target->Update(record, kSachkonto));
   int different = 0;
   auto changed = contentOf(*target, 1);
   ASSERT_EQ(changed.size(), copied.size());
@@ -103,7 +103,7 @@ TEST_F(Copy, RemovesOnlyWhatWasCopied) {
   uint8_t found;
   for (int table : {kSachkonto, kStapel, kGeschaeftsjahr, kBatchbuchung}) {
     DATENBANK record{};
-    EXPECT_TRUE(source->StepFirstExt(record, found, FileNumber(table), ZELK_ENG_DEFAULT) && !found) << table;
+    EXPECT_TRUE(source->StepFirstExt(record, found, FileNumber(table)) && !found) << table;
   }
   EXPECT_EQ(of(*source, 2), other);
 }

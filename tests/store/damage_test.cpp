@@ -337,13 +337,13 @@ ChildRole fullInside("full-inside-a-transaction", [](const std::string &) {
   ChildBooks books;
   auto store = books.session();
   uint8_t found;
-  if (!store || !store->SetzeFista(1, found) || !store->Transaktion(1, 0, ZELK_ENG_DEFAULT)) return 1;
+  if (!store || !store->SetzeFista(1, found) || !store->Transaktion(1, 0)) return 1;
   if (!limitFileSize(64 * 1024)) return kUnable;
   auto insert = [&](int number) {
     DATENBANK record{};
     put(record.Personenkonto.Nr, ("N" + std::to_string(number) + "       ").substr(0, 7));
     put(record.Personenkonto.Sammelkonto, "1400   ");
-    return store->Insert(record, kDebitor, ZELK_ENG_DEFAULT);
+    return store->Insert(record, kDebitor);
   };
   // More than the engine keeps in memory, so that it writes before the commit.
   int number = 0;
@@ -352,8 +352,8 @@ ChildRole fullInside("full-inside-a-transaction", [](const std::string &) {
   if (number == 100'000) return 2;
   limitFileSize(0);
   if (insert(900'000)) return 3;
-  if (store->Transaktion(2, 0, ZELK_ENG_DEFAULT)) return 4;
-  if (!store->Used(KeyBuilder().account("N900000"), found, kDebitor, ZELK_ENG_DEFAULT) || found) return 5;
+  if (store->Transaktion(2, 0)) return 4;
+  if (!store->Used(KeyBuilder().account("N900000"), found, kDebitor) || found) return 5;
   return insert(900'001) ? kPassed : 6;
 });
 

@@ -13,8 +13,6 @@ namespace {
 
 using namespace vldb98;
 
-constexpr DBENGINE kDefault = ZELK_ENG_DEFAULT;
-
 /// One field of a key as the contract orders it: numbers by value, texts by code point.
 struct Component {
   int64_t number = 0;
@@ -167,14 +165,12 @@ protected:
       for (bool forward : {true, false}) {
         DATENBANK record{};
         uint8_t found;
-        int done = forward ? store->GetFirstExt(record, found, file, kDefault, 0)
-                           : store->GetLastExt(record, found, file, kDefault, 0);
+        int done = forward ? store->GetFirstExt(record, found, file) : store->GetLastExt(record, found, file);
         size_t count = 0;
         for (; done && found && count < expected.size(); ++count) {
           const std::string &wanted = expected[forward ? count : expected.size() - 1 - count];
           ASSERT_EQ(std::string(record.bytes, table.recordSize), wanted) << "key " << key.index << " record " << count;
-          done = forward ? store->GetNextExt(record, found, file, kDefault)
-                         : store->GetPrevExt(record, found, file, kDefault);
+          done = forward ? store->GetNextExt(record, found, file) : store->GetPrevExt(record, found, file);
         }
         ASSERT_TRUE(done && !found && count == expected.size())
             << "key " << key.index << ": " << count << " of " << expected.size();
@@ -189,8 +185,7 @@ protected:
     const bool forward = below(3) > 0;
     DATENBANK record{};
     uint8_t found = 0;
-    ASSERT_TRUE(forward ? store->GetFirstExt(record, found, file, kDefault, 0)
-                        : store->GetLastExt(record, found, file, kDefault, 0));
+    ASSERT_TRUE(forward ? store->GetFirstExt(record, found, file) : store->GetLastExt(record, found, file));
     model.rangeKey = nullptr;
     if (found) model.current = std::string(record.bytes, table.recordSize);
     for (int i = 0; i < 40 && found; ++i) {
@@ -208,8 +203,7 @@ protected:
       if (!model.current) return;
       const Order last = model.order(key, *model.current, true);
       const bool bounded = forward && model.rangeKey == &key;
-      ASSERT_TRUE(forward ? store->GetNextExt(record, found, file, kDefault)
-                          : store->GetPrevExt(record, found, file, kDefault));
+      ASSERT_TRUE(forward ? store->GetNextExt(record, found, file) : store->GetPrevExt(record, found, file));
       auto expected = model.pick(key, !forward, [&](const std::string &r) {
         const Order its = model.order(key, r, true);
         return forward
@@ -250,7 +244,7 @@ protected:
       std::string fresh = randomRecord(table);
       std::memcpy(buffer.bytes, fresh.data(), fresh.size());
       bool free = !model.withPrimary(fresh);
-      ASSERT_EQ(store->Insert(buffer, file, kDefault) != 0, free) << what;
+      ASSERT_EQ(store->Insert(buffer, file) != 0, free) << what;
       if (!free) return;
       model.records.push_back(fresh);
       model.current = fresh;
@@ -263,44 +257,44 @@ protected:
       std::string *old = model.current ? model.withPrimary(*model.current) : nullptr;
       std::string *taken = model.withPrimary(fresh);
       bool possible = old && (!taken || taken == old);
-      ASSERT_EQ(store->Update(buffer, file, kDefault) != 0, possible) << what;
+      ASSERT_EQ(store->Update(buffer, file) != 0, possible) << what;
       if (possible) model.current = *old = fresh;
       return;
     }
     case 4: {
       what = "Delete";
       std::string *old = model.current ? model.withPrimary(*model.current) : nullptr;
-      ASSERT_EQ(store->Delete(file, kDefault) != 0, old != nullptr) << what;
+      ASSERT_EQ(store->Delete(file) != 0, old != nullptr) << what;
       if (old) model.records.erase(model.records.begin() + (old - model.records.data()));
       return;
     }
     case 5: {
       what = "Used";
-      done = store->Used(values, found, file, kDefault);
+      done = store->Used(values, found, file);
       bool there = model.pick(key, false, [&](const std::string &r) { return keyOfRecord(r) == wanted; }).has_value();
       ASSERT_TRUE(done && (found != 0) == there) << what << " key " << key.index;
       return;
     }
     case 6:
       what = "UsedGet";
-      done = store->UsedGet(buffer, values, found, file, kDefault);
+      done = store->UsedGet(buffer, values, found, file);
       expected = model.pick(key, false, [&](const std::string &r) { return keyOfRecord(r) == wanted; });
       break;
     case 7:
       what = "GetGeExt";
-      done = store->GetGeExt(buffer, values, found, file, kDefault, 0);
+      done = store->GetGeExt(buffer, values, found, file);
       expected = model.pick(key, false, [&](const std::string &r) { return keyOfRecord(r) >= wanted; });
       break;
     case 8:
       what = "GetLeExt";
-      done = store->GetLeExt(buffer, values, found, file, kDefault, 0);
+      done = store->GetLeExt(buffer, values, found, file);
       expected = model.pick(key, true, [&](const std::string &r) { return keyOfRecord(r) <= wanted; });
       break;
     case 9: {
       what = "GetRangeExt";
       SCHLUESSEL upper = keyOf(table, key, randomRecord(table));
       Order end = model.order(key, upper);
-      done = store->GetRangeExt(buffer, values, upper, found, file, kDefault);
+      done = store->GetRangeExt(buffer, values, upper, found, file);
       expected = model.pick(key, false,
                             [&](const std::string &r) { return keyOfRecord(r) >= wanted && keyOfRecord(r) <= end; });
       model.rangeKey = &key;
@@ -312,7 +306,7 @@ protected:
     case 10:
     case 11: {
       what = "GetNextExt";
-      done = store->GetNextExt(buffer, found, file, kDefault);
+      done = store->GetNextExt(buffer, found, file);
       bool bounded = model.rangeKey == &key;
       if (model.current)
         expected = model.pick(key, false, [&](const std::string &r) {
@@ -324,19 +318,19 @@ protected:
     }
     case 12:
       what = "GetPrevExt";
-      done = store->GetPrevExt(buffer, found, file, kDefault);
+      done = store->GetPrevExt(buffer, found, file);
       if (model.current)
         expected = model.pick(key, true, [&](const std::string &r) { return total(r) < total(*model.current); });
       ends = false;
       break;
     case 13:
       what = "GetFirstExt";
-      done = store->GetFirstExt(buffer, found, file, kDefault, 0);
+      done = store->GetFirstExt(buffer, found, file);
       expected = model.pick(key, false, [](const std::string &) { return true; });
       break;
     default:
       what = "GetLastExt";
-      done = store->GetLastExt(buffer, found, file, kDefault, 0);
+      done = store->GetLastExt(buffer, found, file);
       expected = model.pick(key, true, [](const std::string &) { return true; });
       break;
     }

@@ -12,8 +12,6 @@ namespace {
 
 using namespace vldb98;
 
-constexpr DBENGINE kDefault = ZELK_ENG_DEFAULT;
-
 class ReadAhead : public Books {
 protected:
   void SetUp() override {
@@ -32,20 +30,20 @@ protected:
   static void rename(Store &store, int32_t batch, const char *name) {
     DATENBANK record{};
     uint8_t found = 0;
-    ASSERT_TRUE(store.UsedGet(record, KeyBuilder().number(batch), found, kStapel, kDefault) && found);
+    ASSERT_TRUE(store.UsedGet(record, KeyBuilder().number(batch), found, kStapel) && found);
     put(record.Stapel.Name, name);
-    ASSERT_TRUE(store.Update(record, kStapel, kDefault));
+    ASSERT_TRUE(store.Update(record, kStapel));
   }
   static std::string nameOf(Store &store, int32_t batch) {
     DATENBANK record{};
     uint8_t found = 0;
-    EXPECT_TRUE(store.UsedGet(record, KeyBuilder().number(batch), found, kStapel, kDefault));
+    EXPECT_TRUE(store.UsedGet(record, KeyBuilder().number(batch), found, kStapel));
     return found ? record.Stapel.Name : "none";
   }
   static int32_t nextBatch(Store &store) {
     DATENBANK record{};
     uint8_t found = 0;
-    EXPECT_TRUE(store.GetNextExt(record, found, kStapel, kDefault));
+    EXPECT_TRUE(store.GetNextExt(record, found, kStapel));
     return found ? int(record.Stapel.Nr) : 0;
   }
 
@@ -60,21 +58,20 @@ TEST_F(ReadAhead, AnswersAreServedUntilTheyCouldBeWrong) {
     const char *name = "ungelesen"; ///< what the batch is called by then
   } rows[] = {
       {"nothing", [] {}, true, "gelesen"},
-      {"another table is unlocked", [&] { store->Unlock(kDebitor, 0, kDefault); }, false},
-      {"the table is unlocked", [&] { store->Unlock(kStapel, 0, kDefault); }, false},
+      {"another table is unlocked", [&] { store->Unlock(kDebitor, 0); }, false},
+      {"the table is unlocked", [&] { store->Unlock(kStapel, 0); }, false},
       {"another batch is changed", [&] { rename(*store, 1, "eins"); }, false},
       {"the year changes and comes back",
        [&] { EXPECT_TRUE(store->SetzeOpenJahr("45") && store->SetzeOpenJahr("46")); }, false},
-      {"a transaction is undone",
-       [&] { EXPECT_TRUE(store->Transaktion(1, 0, kDefault) && store->Transaktion(4, 0, kDefault)); }, false},
-      {"a transaction begins in which others cannot write the table", [&] { store->Transaktion(1, 0, kDefault); }, true,
+      {"a transaction is undone", [&] { EXPECT_TRUE(store->Transaktion(1, 0) && store->Transaktion(4, 0)); }, false},
+      {"a transaction begins in which others cannot write the table", [&] { store->Transaktion(1, 0); }, true,
        "gelesen"},
   };
   for (const auto &row : rows) {
     SCOPED_TRACE(row.what);
     rename(*other, 3, "gelesen");
     const FileNumber locked[] = {kStapel, kDebitor};
-    ASSERT_TRUE(store->Lock(locked, kDefault));
+    ASSERT_TRUE(store->Lock(locked));
     const LookUp wanted[] = {{ReadOp::Exact, kStapel, KeyBuilder().number(int32_t(3))},
                              {ReadOp::Exact, kStapel, KeyBuilder().number(int32_t(99))},
                              {ReadOp::Exists, kZahlziel, KeyBuilder().number(int32_t(98))},
@@ -93,12 +90,12 @@ TEST_F(ReadAhead, AnswersAreServedUntilTheyCouldBeWrong) {
       const uint64_t inTransaction = roundTrips();
       DATENBANK record{};
       uint8_t found;
-      EXPECT_TRUE(store->UsedGet(record, KeyBuilder().number(int32_t(98)), found, kZahlziel, kDefault) && !found);
+      EXPECT_TRUE(store->UsedGet(record, KeyBuilder().number(int32_t(98)), found, kZahlziel) && !found);
       EXPECT_EQ(roundTrips() - inTransaction, 1u) << "a table that others write";
       rename(*store, 3, "geschrieben");
-      EXPECT_TRUE(store->Transaktion(4, 0, kDefault));
+      EXPECT_TRUE(store->Transaktion(4, 0));
     }
-    store->Unlock(locked, 0, kDefault);
+    store->Unlock(locked, 0);
   }
   // Without a lock nothing is read ahead.
   const LookUp wanted[] = {{ReadOp::Exact, kStapel, KeyBuilder().number(int32_t(3))}};
@@ -111,12 +108,12 @@ TEST_F(ReadAhead, BlocksServeWalksUntilTheyAreOld) {
   for (int32_t i = 100; i < 600; ++i) {
     DATENBANK batch{};
     batch.Stapel.Nr = i;
-    ASSERT_TRUE(other->Insert(batch, kStapel, kDefault));
+    ASSERT_TRUE(other->Insert(batch, kStapel));
   }
   DATENBANK record{};
   uint8_t found;
   auto start = [&] {
-    ASSERT_TRUE(store->GetGeExt(record, KeyBuilder().number(int32_t(100)), found, kStapel, kDefault, 0) && found);
+    ASSERT_TRUE(store->GetGeExt(record, KeyBuilder().number(int32_t(100)), found, kStapel) && found);
   };
   start();
   uint64_t before = roundTrips();
@@ -127,8 +124,8 @@ TEST_F(ReadAhead, BlocksServeWalksUntilTheyAreOld) {
   EXPECT_EQ(roundTrips() - before, 8u);
 
   // A range that was read as a block does not bound a walk that goes on from one of its records.
-  ASSERT_TRUE(store->GetRangeExt(record, KeyBuilder().number(int32_t(100)), KeyBuilder().number(int32_t(101)), found,
-                                 kStapel, kDefault));
+  ASSERT_TRUE(
+      store->GetRangeExt(record, KeyBuilder().number(int32_t(100)), KeyBuilder().number(int32_t(101)), found, kStapel));
   store->setCurrent(record, kStapel);
   EXPECT_EQ(nextBatch(*store), 101);
   EXPECT_EQ(nextBatch(*store), 102);
@@ -138,14 +135,14 @@ TEST_F(ReadAhead, BlocksServeWalksUntilTheyAreOld) {
   for (int32_t i : {101, 102, 103})
     ASSERT_EQ(nextBatch(*store), i);
   DATENBANK at{};
-  ASSERT_TRUE(store->UsedGet(at, KeyBuilder().number(int32_t(104)), found, kStapel, kDefault) && found);
-  ASSERT_TRUE(store->Delete(kStapel, kDefault));
-  ASSERT_TRUE(store->UsedGet(at, KeyBuilder().number(int32_t(103)), found, kStapel, kDefault) && found);
+  ASSERT_TRUE(store->UsedGet(at, KeyBuilder().number(int32_t(104)), found, kStapel) && found);
+  ASSERT_TRUE(store->Delete(kStapel));
+  ASSERT_TRUE(store->UsedGet(at, KeyBuilder().number(int32_t(103)), found, kStapel) && found);
   EXPECT_EQ(nextBatch(*store), 105);
   EXPECT_EQ(nextBatch(*store), 106);
-  ASSERT_TRUE(store->UsedGet(at, KeyBuilder().number(int32_t(106)), found, kStapel, kDefault) && found);
-  ASSERT_TRUE(other->UsedGet(record, KeyBuilder().number(int32_t(107)), found, kStapel, kDefault) && found);
-  ASSERT_TRUE(other->Delete(kStapel, kDefault));
+  ASSERT_TRUE(store->UsedGet(at, KeyBuilder().number(int32_t(106)), found, kStapel) && found);
+  ASSERT_TRUE(other->UsedGet(record, KeyBuilder().number(int32_t(107)), found, kStapel) && found);
+  ASSERT_TRUE(other->Delete(kStapel));
   for (const uint64_t now = platform::steadyMilliseconds(); platform::steadyMilliseconds() - now < ReadBlock::kLife;)
     std::this_thread::yield();
   EXPECT_EQ(nextBatch(*store), 108);

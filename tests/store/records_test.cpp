@@ -10,8 +10,6 @@ namespace {
 
 using namespace vldb98;
 
-constexpr DBENGINE kDefault = ZELK_ENG_DEFAULT;
-
 // Texts cover the bytes 0x20 to 0xFF over this many records.
 constexpr int kVariants = 13;
 
@@ -119,14 +117,14 @@ protected:
   bool insert(const Table &table, const std::string &record) {
     DATENBANK buffer{};
     into(buffer, record);
-    return store->Insert(buffer, file(table), kDefault);
+    return store->Insert(buffer, file(table));
   }
 
   std::string read(const Table &table, const SCHLUESSEL &key) {
     DATENBANK buffer;
     std::memset(buffer.bytes, 0xAA, sizeof buffer);
     uint8_t found;
-    if (!store->UsedGet(buffer, key, found, file(table), kDefault)) return found ? "failed?" : "failed";
+    if (!store->UsedGet(buffer, key, found, file(table))) return found ? "failed?" : "failed";
     EXPECT_EQ(std::string(buffer.bytes + table.recordSize, sizeof buffer - table.recordSize),
               std::string(sizeof buffer - table.recordSize, '\xAA'))
         << "wrote behind the record";
@@ -179,7 +177,7 @@ TEST_P(Records, SurviveWritingReadingAndReopening) {
         if (isKey(table, field)) std::memcpy(other.data() + field.offset, written.data() + field.offset, field.size);
       DATENBANK buffer{};
       into(buffer, other);
-      EXPECT_TRUE(store->Update(buffer, file(table), kDefault));
+      EXPECT_TRUE(store->Update(buffer, file(table)));
       EXPECT_EQ(read(table, key), other);
     }
 }
@@ -211,8 +209,8 @@ TEST_P(Records, NonsenseIsRefused) {
         std::memset(bad.bytes + field.offset, 0, field.size);
         std::memcpy(bad.bytes + field.offset, value.data(), value.size());
         DATENBANK given = bad;
-        EXPECT_FALSE(store->Insert(bad, file(table), kDefault));
-        EXPECT_FALSE(store->Update(bad, file(table), kDefault));
+        EXPECT_FALSE(store->Insert(bad, file(table)));
+        EXPECT_FALSE(store->Update(bad, file(table)));
         EXPECT_EQ(std::memcmp(&bad, &given, sizeof bad), 0) << "changed the buffer";
         ++refused;
       }
@@ -230,18 +228,18 @@ TEST_P(Records, ColumnsAreTyped) {
   put(record.Personenkonto.Sammelkonto, "1400   ");
   put(record.Personenkonto.Name, "M\xFCller \x80 ");
   put(record.Personenkonto.Kreditlimit, "000001234-50");
-  ASSERT_TRUE(store->Insert(record, kDebitor, kDefault));
+  ASSERT_TRUE(store->Insert(record, kDebitor));
   record = {};
   put(record.Personenkonto.Nr, "10002  ");
-  ASSERT_TRUE(store->Insert(record, kDebitor, kDefault));
+  ASSERT_TRUE(store->Insert(record, kDebitor));
   record = {};
   record.Zahlziel.Nr = 5;
   put(record.Zahlziel.Skontosatz1, "02,50");
-  ASSERT_TRUE(store->Insert(record, kZahlziel, kDefault));
+  ASSERT_TRUE(store->Insert(record, kZahlziel));
   record = {};
   put(record.Kost.Nr, "K      ");
   put(record.Kost.LaufzeitVon, "200229");
-  ASSERT_TRUE(store->Insert(record, kKost, kDefault));
+  ASSERT_TRUE(store->Insert(record, kKost));
 
   struct Row {
     const char *select, *value; // "NULL" for none

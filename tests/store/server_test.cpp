@@ -11,8 +11,6 @@ namespace {
 
 using namespace vldb98;
 
-constexpr DBENGINE kDefault = ZELK_ENG_DEFAULT;
-
 std::unique_ptr<SqlConnection> administrator() {
   std::string ignored;
   return openOdbc(serverDatabase(), std::chrono::seconds(10), ignored);
@@ -100,15 +98,15 @@ TEST_F(Server, LosesNothingWithItsConnection) {
   uint8_t found;
   ASSERT_TRUE(store && store->SetzeFista(1, found) && found);
   const std::string before = dump(*session(), 1, {kStapel});
-  ASSERT_TRUE(store->Transaktion(1, 0, kDefault) && store->Lock(kStapel, nullptr, 0, kDefault));
+  ASSERT_TRUE(store->Transaktion(1, 0) && store->Lock(kStapel, nullptr, 0));
   DATENBANK batch{};
-  ASSERT_TRUE(store->Insert(batch, kStapel, kDefault));
+  ASSERT_TRUE(store->Insert(batch, kStapel));
   endOtherConnections(*administrator());
   EXPECT_TRUE(store->usable());
-  EXPECT_FALSE(store->Insert(batch, kStapel, kDefault));
+  EXPECT_FALSE(store->Insert(batch, kStapel));
   EXPECT_FALSE(store->usable());
-  EXPECT_FALSE(store->Transaktion(2, 0, kDefault));
-  EXPECT_FALSE(store->Lock(kDebitor, nullptr, 0, kDefault));
+  EXPECT_FALSE(store->Transaktion(2, 0));
+  EXPECT_FALSE(store->Lock(kDebitor, nullptr, 0));
   auto other = session(std::chrono::milliseconds(0));
   EXPECT_EQ(dump(*other, 1, {kStapel}), before);
   EXPECT_TRUE(nothingLocked(*other, 1));
@@ -118,21 +116,21 @@ TEST_F(Server, UndoesTheWholeOfATransactionThatDeadlocks) {
   auto first = session(), second = session();
   for (Store *store : {first.get(), second.get()}) {
     uint8_t found;
-    ASSERT_TRUE(store->SetzeFista(1, found) && found && store->Transaktion(1, 0, kDefault));
+    ASSERT_TRUE(store->SetzeFista(1, found) && found && store->Transaktion(1, 0));
   }
   auto rename = [](Store &store, int32_t number, const char *name) {
     DATENBANK record{};
     uint8_t found = 0;
-    if (!store.UsedGet(record, KeyBuilder().number(number), found, kStapel, kDefault) || !found) return false;
+    if (!store.UsedGet(record, KeyBuilder().number(number), found, kStapel) || !found) return false;
     put(record.Stapel.Name, name);
-    return store.Update(record, kStapel, kDefault) != 0;
+    return store.Update(record, kStapel) != 0;
   };
   ASSERT_TRUE(rename(*first, 1, "eins") && rename(*second, 3, "zwei"));
   auto crossing = std::async(std::launch::async, [&] { return rename(*first, 3, "eins"); });
   const bool secondWent = rename(*second, 1, "zwei"), firstWent = crossing.get();
   EXPECT_NE(firstWent, secondWent);
-  EXPECT_EQ(bool(first->Transaktion(2, 0, kDefault)), firstWent);
-  EXPECT_EQ(bool(second->Transaktion(2, 0, kDefault)), secondWent);
+  EXPECT_EQ(bool(first->Transaktion(2, 0)), firstWent);
+  EXPECT_EQ(bool(second->Transaktion(2, 0)), secondWent);
   const std::string batches = dump(*session(), 1, {kStapel});
   EXPECT_EQ(batches.find("eins") != std::string::npos, firstWent);
   EXPECT_EQ(batches.find("zwei") != std::string::npos, secondWent);

@@ -8,7 +8,6 @@ namespace {
 
 using namespace vldb98;
 
-constexpr DBENGINE kDefault = ZELK_ENG_DEFAULT;
 constexpr int kBegin = 1, kCommit = 2, kRollback = 4;
 
 class Transactions : public StoreTest {
@@ -22,7 +21,7 @@ protected:
 
   bool insert(const std::string &number) {
     DATENBANK record = account(number);
-    return store->Insert(record, kSachkonto, kDefault);
+    return store->Insert(record, kSachkonto);
   }
   static DATENBANK account(const std::string &number) {
     DATENBANK record{};
@@ -36,14 +35,14 @@ protected:
     EXPECT_TRUE(other->SetzeFista(client, found) && found && other->SetzeOpenJahr(year));
     std::string all;
     DATENBANK record{};
-    for (int done = other->GetFirstExt(record, found, kSachkonto, kDefault, 0); done && found;
-         done = other->GetNextExt(record, found, kSachkonto, kDefault))
+    for (int done = other->GetFirstExt(record, found, kSachkonto); done && found;
+         done = other->GetNextExt(record, found, kSachkonto))
       all += std::string(record.Sachkonto.Nr, 1);
     EXPECT_TRUE(other->SetzeFista(1, found));
     return all;
   }
 
-  bool lockFree(FileNumber table) { return other->Lock(table, nullptr, 1, kDefault); }
+  bool lockFree(FileNumber table) { return other->Lock(table, nullptr, 1); }
 
   std::unique_ptr<Store> other;
 };
@@ -79,7 +78,7 @@ TEST_P(Transactions, NestAndAreDecidedByTheOutermost) {
                               : store->Transaktion(*step == 'b'   ? kBegin
                                                    : *step == 'c' ? kCommit
                                                                   : kRollback,
-                                                   0, kDefault);
+                                                   0);
       answers += done ? '1' : '0';
     }
     EXPECT_EQ(answers, row.answers);
@@ -91,52 +90,52 @@ TEST_P(Transactions, NestAndAreDecidedByTheOutermost) {
 }
 
 TEST_P(Transactions, AreSeenByOthersOnlyWhenCommitted) {
-  ASSERT_TRUE(store->Transaktion(kBegin, 0, kDefault));
+  ASSERT_TRUE(store->Transaktion(kBegin, 0));
   ASSERT_TRUE(insert("A"));
   EXPECT_EQ(accounts(), "");
   DATENBANK record = account("A");
-  EXPECT_FALSE(other->Insert(record, kSachkonto, kDefault)) << "two writers of one record at once";
-  ASSERT_TRUE(store->Transaktion(kCommit, 0, kDefault));
+  EXPECT_FALSE(other->Insert(record, kSachkonto)) << "two writers of one record at once";
+  ASSERT_TRUE(store->Transaktion(kCommit, 0));
   EXPECT_EQ(accounts(), "A");
   record = account("B");
-  EXPECT_TRUE(other->Insert(record, kSachkonto, kDefault));
+  EXPECT_TRUE(other->Insert(record, kSachkonto));
 }
 
 // The order of the writing functions: begin, lock, read, write.
 TEST_P(Transactions, WaitForLocksWithoutKeepingOthersFromWriting) {
-  ASSERT_TRUE(store->Transaktion(kBegin, 0, kDefault) && other->Lock(kSachkonto, nullptr, 0, kDefault));
+  ASSERT_TRUE(store->Transaktion(kBegin, 0) && other->Lock(kSachkonto, nullptr, 0));
   DATENBANK record = account("A");
-  EXPECT_TRUE(other->Insert(record, kSachkonto, kDefault));
-  ASSERT_TRUE(other->Unlock(kSachkonto, 1, kDefault) && store->Lock(kSachkonto, nullptr, 0, kDefault));
+  EXPECT_TRUE(other->Insert(record, kSachkonto));
+  ASSERT_TRUE(other->Unlock(kSachkonto, 1) && store->Lock(kSachkonto, nullptr, 0));
   uint8_t found;
-  EXPECT_TRUE(store->UsedGet(record, KeyBuilder().account("A"), found, kSachkonto, kDefault) && found);
+  EXPECT_TRUE(store->UsedGet(record, KeyBuilder().account("A"), found, kSachkonto) && found);
   record = account("B");
-  EXPECT_EQ(bool(other->Insert(record, kSachkonto, kDefault)), store->IsUsedEngineSQL()) << "begun with the read";
-  ASSERT_TRUE(store->Transaktion(kCommit, 0, kDefault) && store->Unlock(kSachkonto, 1, kDefault));
+  EXPECT_EQ(bool(other->Insert(record, kSachkonto)), store->IsUsedEngineSQL()) << "begun with the read";
+  ASSERT_TRUE(store->Transaktion(kCommit, 0) && store->Unlock(kSachkonto, 1));
 }
 
 TEST_P(Transactions, ReadOneStateWhereAskedFor) {
   ASSERT_TRUE(insert("A"));
-  ASSERT_TRUE(other->Transaktion(kBegin, 1, kDefault));
+  ASSERT_TRUE(other->Transaktion(kBegin, 1));
   EXPECT_EQ(accounts(), "A");
   ASSERT_TRUE(insert("B")) << "a reader stands in the way";
   EXPECT_EQ(accounts(), "A");
-  ASSERT_TRUE(other->Transaktion(kCommit, 1, kDefault));
+  ASSERT_TRUE(other->Transaktion(kCommit, 1));
   EXPECT_EQ(accounts(), "AB");
 }
 
 TEST_P(Transactions, FailedStepLeavesTheOthersToBeDecided) {
-  ASSERT_TRUE(store->Transaktion(kBegin, 0, kDefault));
+  ASSERT_TRUE(store->Transaktion(kBegin, 0));
   ASSERT_TRUE(insert("A"));
   EXPECT_FALSE(insert("A"));
   DATENBANK malformed = account("B");
   std::memset(malformed.Sachkonto.Name, 'x', sizeof malformed.Sachkonto.Name);
-  EXPECT_FALSE(store->Insert(malformed, kSachkonto, kDefault));
+  EXPECT_FALSE(store->Insert(malformed, kSachkonto));
   DATENBANK batch{};
   std::memset(batch.Stapel.Name, 'x', sizeof batch.Stapel.Name);
-  EXPECT_FALSE(store->Insert(batch, kStapel, kDefault)) << "also where a number is assigned";
+  EXPECT_FALSE(store->Insert(batch, kStapel)) << "also where a number is assigned";
   EXPECT_EQ(store->transactionDepth(), 1);
-  ASSERT_TRUE(store->Transaktion(kCommit, 0, kDefault));
+  ASSERT_TRUE(store->Transaktion(kCommit, 0));
   EXPECT_EQ(accounts(), "A");
 }
 
@@ -149,35 +148,35 @@ TEST_P(Transactions, ReleaseLocksAtTheirEnd) {
                                  {1, kRollback, true}, {0, 0, true},          {1, 0, true}};
   for (const Row &row : rows) {
     SCOPED_TRACE("flag " + std::to_string(row.flag) + ", end " + std::to_string(row.end));
-    ASSERT_TRUE(!row.end || store->Transaktion(kBegin, 0, kDefault));
-    ASSERT_TRUE(store->Lock(kSachkonto, nullptr, 0, kDefault));
-    ASSERT_TRUE(store->LockRes(kSachkonto, 1, "Saldo", 0, 0, kDefault));
+    ASSERT_TRUE(!row.end || store->Transaktion(kBegin, 0));
+    ASSERT_TRUE(store->Lock(kSachkonto, nullptr, 0));
+    ASSERT_TRUE(store->LockRes(kSachkonto, 1, "Saldo", 0, 0));
     EXPECT_FALSE(lockFree(kSachkonto));
-    ASSERT_TRUE(store->Unlock(kSachkonto, row.flag, kDefault));
+    ASSERT_TRUE(store->Unlock(kSachkonto, row.flag));
     EXPECT_EQ(lockFree(kSachkonto), row.freeInside);
-    EXPECT_EQ(bool(other->LockRes(kSachkonto, 1, "Saldo", 1, 0, kDefault)), row.freeInside);
+    EXPECT_EQ(bool(other->LockRes(kSachkonto, 1, "Saldo", 1, 0)), row.freeInside);
     EXPECT_EQ(store->holdsLocks(), !row.freeInside);
-    ASSERT_TRUE(!row.end || store->Transaktion(row.end, 0, kDefault));
+    ASSERT_TRUE(!row.end || store->Transaktion(row.end, 0));
     EXPECT_TRUE(lockFree(kSachkonto));
     EXPECT_FALSE(store->holdsLocks());
   }
 }
 
 TEST_P(Transactions, LockTakenAgainInsideIsHeldOn) {
-  ASSERT_TRUE(store->Transaktion(kBegin, 0, kDefault));
-  ASSERT_TRUE(store->Lock(kSachkonto, nullptr, 0, kDefault));
-  ASSERT_TRUE(store->Unlock(kSachkonto, 0, kDefault));
-  ASSERT_TRUE(store->Lock(kSachkonto, nullptr, 0, kDefault));
-  ASSERT_TRUE(store->Transaktion(kCommit, 0, kDefault));
+  ASSERT_TRUE(store->Transaktion(kBegin, 0));
+  ASSERT_TRUE(store->Lock(kSachkonto, nullptr, 0));
+  ASSERT_TRUE(store->Unlock(kSachkonto, 0));
+  ASSERT_TRUE(store->Lock(kSachkonto, nullptr, 0));
+  ASSERT_TRUE(store->Transaktion(kCommit, 0));
   EXPECT_FALSE(lockFree(kSachkonto));
-  ASSERT_TRUE(store->Unlock(kSachkonto, 0, kDefault));
+  ASSERT_TRUE(store->Unlock(kSachkonto, 0));
   EXPECT_TRUE(lockFree(kSachkonto));
   // An inner end is none.
-  ASSERT_TRUE(store->Transaktion(kBegin, 0, kDefault) && store->Transaktion(kBegin, 0, kDefault));
-  ASSERT_TRUE(store->Lock(kSachkonto, nullptr, 0, kDefault) && store->Unlock(kSachkonto, 0, kDefault));
-  ASSERT_TRUE(store->Transaktion(kCommit, 0, kDefault));
+  ASSERT_TRUE(store->Transaktion(kBegin, 0) && store->Transaktion(kBegin, 0));
+  ASSERT_TRUE(store->Lock(kSachkonto, nullptr, 0) && store->Unlock(kSachkonto, 0));
+  ASSERT_TRUE(store->Transaktion(kCommit, 0));
   EXPECT_FALSE(lockFree(kSachkonto));
-  ASSERT_TRUE(store->Transaktion(kCommit, 0, kDefault));
+  ASSERT_TRUE(store->Transaktion(kCommit, 0));
   EXPECT_TRUE(lockFree(kSachkonto));
 }
 
@@ -191,34 +190,34 @@ TEST_P(Transactions, MultiInsertIsAllOrNothing) {
       {"", true, ""}, {"ABC", true, "ABC"}, {"DAE", false, "ABC"}, {"DD", false, "ABC"}, {"D", true, "ABCD"}};
   for (const Row &row : rows) {
     SCOPED_TRACE(row.accounts);
-    ASSERT_TRUE(store->InitMultiInsert(kSachkonto, kDefault));
+    ASSERT_TRUE(store->InitMultiInsert(kSachkonto));
     bool all = true;
     for (const char *number = row.accounts; *number; ++number) {
       DATENBANK record = account(std::string(1, *number));
-      bool done = store->MultiInsertNext(record, kSachkonto, kDefault);
+      bool done = store->MultiInsertNext(record, kSachkonto);
       EXPECT_TRUE(all || !done) << "went on after a failure";
       all = all && done;
     }
     EXPECT_EQ(all, row.done);
-    EXPECT_EQ(bool(store->EndMultiInsert(kSachkonto, kDefault)), row.done);
+    EXPECT_EQ(bool(store->EndMultiInsert(kSachkonto)), row.done);
     EXPECT_EQ(store->transactionDepth(), 0);
     EXPECT_EQ(accounts(), row.left);
   }
-  EXPECT_FALSE(store->EndMultiInsert(kSachkonto, kDefault));
+  EXPECT_FALSE(store->EndMultiInsert(kSachkonto));
 
   // Two in turns stand or fall together, whichever was refused a record.
   for (bool refused : {true, false}) {
-    ASSERT_TRUE(store->InitMultiInsert(kSachkonto, kDefault));
+    ASSERT_TRUE(store->InitMultiInsert(kSachkonto));
     DATENBANK record = account(refused ? "A" : "E"), batch{};
-    EXPECT_EQ(store->MultiInsertNext(record, kSachkonto, kDefault), !refused);
-    EXPECT_FALSE(store->MultiInsertNext(batch, kStapel, kDefault)) << "not begun";
-    ASSERT_TRUE(store->InitMultiInsert(kStapel, kDefault));
-    EXPECT_FALSE(store->InitMultiInsert(kStapel, kDefault));
-    EXPECT_TRUE(store->MultiInsertNext(batch, kStapel, kDefault));
-    EXPECT_EQ(store->EndMultiInsert(kStapel, kDefault), !refused);
-    EXPECT_EQ(store->EndMultiInsert(kSachkonto, kDefault), !refused);
+    EXPECT_EQ(store->MultiInsertNext(record, kSachkonto), !refused);
+    EXPECT_FALSE(store->MultiInsertNext(batch, kStapel)) << "not begun";
+    ASSERT_TRUE(store->InitMultiInsert(kStapel));
+    EXPECT_FALSE(store->InitMultiInsert(kStapel));
+    EXPECT_TRUE(store->MultiInsertNext(batch, kStapel));
+    EXPECT_EQ(store->EndMultiInsert(kStapel), !refused);
+    EXPECT_EQ(store->EndMultiInsert(kSachkonto), !refused);
     uint8_t there;
-    EXPECT_TRUE(store->Used(KeyBuilder().number(int32_t(2)), there, kStapel, kDefault) && bool(there) == !refused);
+    EXPECT_TRUE(store->Used(KeyBuilder().number(int32_t(2)), there, kStapel) && bool(there) == !refused);
   }
   EXPECT_EQ(accounts(), "ABCDE");
 }
@@ -265,7 +264,7 @@ TEST_P(Transactions, TablesAreMadeAndDropped) {
   EXPECT_TRUE(store->TableExists(5, exists) && !exists);
   DATENBANK record{};
   uint8_t found;
-  EXPECT_FALSE(store->GetFirstExt(record, found, kSachkonto, kDefault, 0));
+  EXPECT_FALSE(store->GetFirstExt(record, found, kSachkonto));
   EXPECT_FALSE(insert("B"));
   EXPECT_FALSE(store->CreateTable(5));
   EXPECT_FALSE(store->DropTable(5));

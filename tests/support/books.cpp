@@ -213,10 +213,10 @@ std::string dump(Store &store, uint16_t client, std::initializer_list<int> table
   for (int number : tables) {
     const Table *table = findTable(number);
     DATENBANK record{};
-    int done = store.StepFirstExt(record, found, FileNumber(number), ZELK_ENG_DEFAULT);
+    int done = store.StepFirstExt(record, found, FileNumber(number));
     while (done && found) {
       text << table->name << ':' << std::string(record.bytes, table->recordSize) << '\n';
-      done = store.StepNextExt(record, found, FileNumber(number), ZELK_ENG_DEFAULT);
+      done = store.StepNextExt(record, found, FileNumber(number));
     }
     if (!done) text << "store failed\n";
   }
@@ -280,9 +280,9 @@ bool nothingLocked(Store &other, uint16_t client) {
   uint8_t found = 0;
   bool all = other.SetzeFista(client, found) && found;
   for (const Table &table : allTables())
-    all = all && other.Lock(FileNumber(table.number), nullptr, 0, ZELK_ENG_DEFAULT);
+    all = all && other.Lock(FileNumber(table.number), nullptr, 0);
   for (const Table &table : allTables())
-    other.Unlock(FileNumber(table.number), 1, ZELK_ENG_DEFAULT);
+    other.Unlock(FileNumber(table.number), 1);
   return all;
 }
 

@@ -151,4 +151,24 @@ public:
   int operations() const;
 };
 
+/// Makes each operation of the store fail once, each under a call of its own, until a call gets along without the one
+/// that is to fail.
+/// \param prepare brings the books to where every call begins
+/// \param failed  looks at what a call with a failure returned and left behind
+/// \return operations of a call, and the result of the last one, in which none failed
+template <class Prepare, class Call, class Failed>
+auto sweep(Faults &faults, Prepare &&prepare, Call &&call, Failed &&failed) {
+  for (int n = 1;; ++n) {
+    SCOPED_TRACE("operation " + std::to_string(n));
+    faults.failAt(0);
+    prepare();
+    faults.failAt(n);
+    auto result = call();
+    const bool met = faults.operations() >= n;
+    faults.failAt(0);
+    if (!met) return std::pair(n - 1, std::move(result));
+    failed(result);
+  }
+}
+
 } // namespace test

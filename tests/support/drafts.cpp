@@ -224,9 +224,9 @@ void PostingBooks::change(uint16_t client, FileNumber file, const SCHLUESSEL &ke
   uint8_t found = 0;
   DATENBANK record{};
   ASSERT_TRUE(other_->SetzeFista(client, found) && found);
-  ASSERT_TRUE(other_->UsedGet(record, key, found, file, ZELK_ENG_DEFAULT) && found);
+  ASSERT_TRUE(other_->UsedGet(record, key, found, file) && found);
   edit(record);
-  ASSERT_TRUE(other_->Update(record, file, ZELK_ENG_DEFAULT));
+  ASSERT_TRUE(other_->Update(record, file));
 }
 
 void PostingBooks::setting(const char *section, const char *key, const char *value) {

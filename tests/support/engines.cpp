@@ -72,10 +72,10 @@ void StoreTest::SetUp() {
       record.Geschaeftsjahr.Jahr = year;
       put(record.Geschaeftsjahr.Beginn, std::to_string(year - 1980) + "0101");
       put(record.Geschaeftsjahr.Ende, std::to_string(year - 1980) + "1231");
-      ASSERT_TRUE(store->Insert(record, kGeschaeftsjahr, ZELK_ENG_DEFAULT));
+      ASSERT_TRUE(store->Insert(record, kGeschaeftsjahr));
     }
     DATENBANK batch{};
-    ASSERT_TRUE(store->Insert(batch, kStapel, ZELK_ENG_DEFAULT));
+    ASSERT_TRUE(store->Insert(batch, kStapel));
   }
   uint8_t found;
   ASSERT_TRUE(store->SetzeFista(1, found) && found);

@@ -91,7 +91,7 @@ protected:
     if (year) {
       ASSERT_TRUE(other_->SetzeOpenJahr(year)) << year;
     }
-    ASSERT_TRUE(other_->Insert(record, vldb98::FileNumber(table), vldb98::ZELK_ENG_DEFAULT));
+    ASSERT_TRUE(other_->Insert(record, vldb98::FileNumber(table)));
   }
   /// What a call returns and shows.
   std::string outcome(ZelkResult result) {

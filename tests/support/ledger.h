@@ -47,7 +47,7 @@ protected:
   template <class Record> void insert(Record vldb98::DATENBANK::*member, const Record &record, int table) {
     vldb98::DATENBANK buffer{};
     buffer.*member = record;
-    ASSERT_TRUE(other->Insert(buffer, vldb98::FileNumber(table), vldb98::ZELK_ENG_DEFAULT));
+    ASSERT_TRUE(other->Insert(buffer, vldb98::FileNumber(table)));
   }
 
   /// Changes an account of the open year.
@@ -55,9 +55,9 @@ protected:
     vldb98::DATENBANK record{};
     uint8_t found = 0;
     auto file = vldb98::FileNumber(table);
-    ASSERT_TRUE(other->UsedGet(record, key, found, file, vldb98::ZELK_ENG_DEFAULT) && found);
+    ASSERT_TRUE(other->UsedGet(record, key, found, file) && found);
     how(record);
-    ASSERT_TRUE(other->Update(record, file, vldb98::ZELK_ENG_DEFAULT));
+    ASSERT_TRUE(other->Update(record, file));
   }
   void change(int table, const std::string &number, const std::function<void(vldb98::DATENBANK &)> &how) {
     vldb98::KeyBuilder key;

@@ -26,11 +26,11 @@ protected:
     EXPECT_EQ(lines, 3 * postings);
     size_t rows = 0;
     DATENBANK record{};
-    int done = store.StepFirstExt(record, found, kSplit, ZELK_ENG_DEFAULT);
-    for (; done && found; done = store.StepNextExt(record, found, kSplit, ZELK_ENG_DEFAULT))
+    int done = store.StepFirstExt(record, found, kSplit);
+    for (; done && found; done = store.StepNextExt(record, found, kSplit))
       ++rows;
     EXPECT_EQ(rows, lines);
-    ASSERT_TRUE(store.UsedGet(record, KeyBuilder().number(batch), found, kStapel, ZELK_ENG_DEFAULT));
+    ASSERT_TRUE(store.UsedGet(record, KeyBuilder().number(batch), found, kStapel));
     if (found) {
       EXPECT_EQ(record.Stapel.Bebucht != 0, postings > 0);
     } else {

@@ -11,7 +11,6 @@ namespace {
 
 using namespace vldb98;
 
-constexpr DBENGINE kDefault = ZELK_ENG_DEFAULT;
 constexpr std::chrono::milliseconds kShort{20};
 
 struct Taking {
@@ -20,35 +19,33 @@ struct Taking {
   std::function<int(Store &)> take;
 };
 
-const Taking kTable{"table", 1, [](Store &s) { return s.Lock(kSachkonto, nullptr, 0, kDefault); }};
+const Taking kTable{"table", 1, [](Store &s) { return s.Lock(kSachkonto, nullptr, 0); }};
 const Taking kTableByOtherKey{"table through another key", 1,
-                              [](Store &s) { return s.Lock(fileNumber(kSachkonto, 1), nullptr, 0, kDefault); }};
+                              [](Store &s) { return s.Lock(fileNumber(kSachkonto, 1), nullptr, 0); }};
 const Taking kTableOfClient2{"table of client 2", 2, kTable.take};
-const Taking kOtherTable{"other table", 1, [](Store &s) { return s.Lock(kDebitor, nullptr, 0, kDefault); }};
-const Taking kArea{"area", 1, [](Store &s) { return s.Lock(kSachkonto, "Saldo", 0, kDefault); }};
-const Taking kText{"resource by text", 1, [](Store &s) { return s.LockRes(kSachkonto, 1, "7", 0, 0, kDefault); }};
-const Taking kNumber{"resource by number", 1, [](Store &s) { return s.LockRes(kSachkonto, 1, 7, 0, 0, kDefault); }};
-const Taking kOtherNumber{"other number", 1, [](Store &s) { return s.LockRes(kSachkonto, 1, 8, 0, 0, kDefault); }};
-const Taking kNumberOfClient2{"number of client 2", 2,
-                              [](Store &s) { return s.LockRes(kSachkonto, 2, 7, 0, 0, kDefault); }};
-const Taking kExtern{"resource from outside", 1, [](Store &s) { return s.LockResExtern("7", kSachkonto, kDefault); }};
+const Taking kOtherTable{"other table", 1, [](Store &s) { return s.Lock(kDebitor, nullptr, 0); }};
+const Taking kArea{"area", 1, [](Store &s) { return s.Lock(kSachkonto, "Saldo", 0); }};
+const Taking kText{"resource by text", 1, [](Store &s) { return s.LockRes(kSachkonto, 1, "7", 0, 0); }};
+const Taking kNumber{"resource by number", 1, [](Store &s) { return s.LockRes(kSachkonto, 1, 7, 0, 0); }};
+const Taking kOtherNumber{"other number", 1, [](Store &s) { return s.LockRes(kSachkonto, 1, 8, 0, 0); }};
+const Taking kNumberOfClient2{"number of client 2", 2, [](Store &s) { return s.LockRes(kSachkonto, 2, 7, 0, 0); }};
+const Taking kExtern{"resource from outside", 1, [](Store &s) { return s.LockResExtern("7", kSachkonto); }};
 const Taking kExternByClient2{"the same by client 2", 2, kExtern.take};
-const Taking kOfAll{"table of all clients", 1, [](Store &s) { return s.Lock(kFirmenstamm, nullptr, 0, kDefault); }};
+const Taking kOfAll{"table of all clients", 1, [](Store &s) { return s.Lock(kFirmenstamm, nullptr, 0); }};
 const Taking kOfAllByClient2{"the same by client 2", 2, kOfAll.take};
-const Taking kRowOfAll{"resource of such a table", 1,
-                       [](Store &s) { return s.LockRes(kFirmenstamm, 1, 7, 0, 0, kDefault); }};
+const Taking kRowOfAll{"resource of such a table", 1, [](Store &s) { return s.LockRes(kFirmenstamm, 1, 7, 0, 0); }};
 const Taking kRowOfAllByClient2{"the same by client 2", 2,
-                                [](Store &s) { return s.LockRes(kFirmenstamm, 2, 7, 0, 0, kDefault); }};
-const Taking kPass{"passing through", 1, [](Store &s) { return s.Lock(kSachkonto, nullptr, 1, kDefault); }};
+                                [](Store &s) { return s.LockRes(kFirmenstamm, 2, 7, 0, 0); }};
+const Taking kPass{"passing through", 1, [](Store &s) { return s.Lock(kSachkonto, nullptr, 1); }};
 const Taking kSelector{"reading with a selector", 1, [](Store &s) {
                          DATENBANK record{};
                          uint8_t found;
-                         return s.GetFirstExt(record, found, kSachkonto, kDefault, 5);
+                         return s.GetFirstExt(record, found, kSachkonto, ZELK_ENG_DEFAULT, 5);
                        }};
 const Taking kPlainRead{"plain reading", 1, [](Store &s) {
                           DATENBANK record{};
                           uint8_t found;
-                          return s.GetFirstExt(record, found, kSachkonto, kDefault, 0);
+                          return s.GetFirstExt(record, found, kSachkonto);
                         }};
 
 class LockTest : public StoreTest {
@@ -97,7 +94,7 @@ TEST_P(LockTest, ExcludeOthersFromTheSameThingOnly) {
     ASSERT_TRUE(row.held.take(*store));
     EXPECT_EQ(elsewhere(row.wanted), row.had);
     constexpr FileNumber held[] = {kSachkonto, kFirmenstamm};
-    ASSERT_TRUE(store->Unlock(held, 1, kDefault));
+    ASSERT_TRUE(store->Unlock(held, 1));
     EXPECT_FALSE(store->holdsLocks());
     EXPECT_TRUE(elsewhere(row.wanted)) << "after the release";
   }
@@ -107,11 +104,11 @@ TEST_P(LockTest, AreCounted) {
   ASSERT_TRUE(kTable.take(*store) && kTable.take(*store));
   // Passing through one's own lock neither waits nor counts.
   ASSERT_TRUE(kPass.take(*store));
-  ASSERT_TRUE(store->Unlock(kSachkonto, 1, kDefault));
+  ASSERT_TRUE(store->Unlock(kSachkonto, 1));
   EXPECT_FALSE(elsewhere(kTable));
-  ASSERT_TRUE(store->Unlock(kSachkonto, 1, kDefault));
+  ASSERT_TRUE(store->Unlock(kSachkonto, 1));
   EXPECT_TRUE(elsewhere(kTable));
-  EXPECT_TRUE(store->Unlock(kSachkonto, 1, kDefault)) << "nothing is held any more";
+  EXPECT_TRUE(store->Unlock(kSachkonto, 1)) << "nothing is held any more";
 }
 
 TEST_P(LockTest, WaitingEndsWhenTheHolderLetsGo) {
@@ -126,7 +123,7 @@ TEST_P(LockTest, WaitingEndsWhenTheHolderLetsGo) {
     });
     waits.get_future().wait();
     EXPECT_FALSE(elsewhere(kTable)) << "the waiting one must not have taken it away";
-    ASSERT_TRUE(store->Unlock(kSachkonto, 1, kDefault));
+    ASSERT_TRUE(store->Unlock(kSachkonto, 1));
     EXPECT_TRUE(waiter.get());
   }
 }
@@ -151,10 +148,10 @@ struct ChildFolder : Environment {
 ChildRole dyingHolder("die-with-locks", [](const std::string &engine) {
   ChildFolder child;
   auto holder = openBeside(engine, child.folder(), kShort);
-  if (!holder || !kTable.take(*holder) || !kNumber.take(*holder) || !holder->Transaktion(1, 0, kDefault)) return 1;
+  if (!holder || !kTable.take(*holder) || !kNumber.take(*holder) || !holder->Transaktion(1, 0)) return 1;
   DATENBANK record{};
   put(record.Sachkonto.Nr, "9999   ");
-  if (!holder->Insert(record, kSachkonto, kDefault)) return 2;
+  if (!holder->Insert(record, kSachkonto)) return 2;
   // Held until here, though the parent cannot see it.
   auto other = openBeside(engine, child.folder(), kShort);
   if (!other || kTable.take(*other)) return 3;
@@ -168,11 +165,11 @@ TEST_P(LockTest, EndWithTheirProcess) {
   EXPECT_TRUE(kNumber.take(*store));
   // And so does what it had begun to write.
   uint8_t found;
-  EXPECT_TRUE(store->Used(KeyBuilder().account("9999"), found, kSachkonto, kDefault));
+  EXPECT_TRUE(store->Used(KeyBuilder().account("9999"), found, kSachkonto));
   EXPECT_FALSE(found);
   DATENBANK record{};
   put(record.Sachkonto.Nr, "9999   ");
-  EXPECT_TRUE(store->Insert(record, kSachkonto, kDefault));
+  EXPECT_TRUE(store->Insert(record, kSachkonto));
 }
 
 TEST_P(LockTest, LetOneInAtATime) {
@@ -186,7 +183,7 @@ TEST_P(LockTest, LetOneInAtATime) {
       std::this_thread::yield();
       ++entered;
       --inside;
-      session->Unlock(kSachkonto, 1, kDefault);
+      session->Unlock(kSachkonto, 1);
     }
   };
   std::vector<std::thread> threads;
@@ -202,23 +199,23 @@ TEST_P(LockTest, LetOneInAtATime) {
 TEST_P(LockTest, WritersWithoutLocksLoseNothing) {
   constexpr int kThreads = 4, kRounds = 25;
   DATENBANK term{};
-  ASSERT_TRUE(store->Insert(term, kZahlziel, kDefault));
+  ASSERT_TRUE(store->Insert(term, kZahlziel));
   std::atomic<int> counted{0}, added{0};
   auto count = [](Store &session) {
     DATENBANK record{};
     uint8_t found = 0;
-    bool done = session.UsedGet(record, KeyBuilder().number(int32_t(1)), found, kZahlziel, kDefault) && found;
+    bool done = session.UsedGet(record, KeyBuilder().number(int32_t(1)), found, kZahlziel) && found;
     record.Zahlziel.Zahltage = int16_t(record.Zahlziel.Zahltage + 1);
-    return done && session.Update(record, kZahlziel, kDefault);
+    return done && session.Update(record, kZahlziel);
   };
   auto work = [&] {
     auto session = open(std::chrono::seconds(60));
     for (int i = 0; session && i < kRounds; ++i) {
-      ASSERT_TRUE(session->Transaktion(1, 0, kDefault));
+      ASSERT_TRUE(session->Transaktion(1, 0));
       const bool done = count(*session);
-      if (session->Transaktion(done ? 2 : 4, 0, kDefault) && done) ++counted;
+      if (session->Transaktion(done ? 2 : 4, 0) && done) ++counted;
       DATENBANK batch{};
-      if (session->Insert(batch, kStapel, kDefault)) ++added;
+      if (session->Insert(batch, kStapel)) ++added;
     }
   };
   std::vector<std::thread> threads;
@@ -229,7 +226,7 @@ TEST_P(LockTest, WritersWithoutLocksLoseNothing) {
   EXPECT_EQ(counted, kThreads * kRounds);
   EXPECT_EQ(added, kThreads * kRounds) << "each with a number of its own";
   uint8_t found;
-  ASSERT_TRUE(store->UsedGet(term, KeyBuilder().number(int32_t(1)), found, kZahlziel, kDefault) && found);
+  ASSERT_TRUE(store->UsedGet(term, KeyBuilder().number(int32_t(1)), found, kZahlziel) && found);
   EXPECT_EQ(int(term.Zahlziel.Zahltage), counted);
 }
 

@@ -114,7 +114,7 @@ TEST_F(PostingThreads, EndedThreadsLeaveNothingOpen) {
   uint8_t found;
   ASSERT_TRUE(store->SetzeFista(1, found) && found);
   for (const vldb98::Table &table : vldb98::allTables())
-    EXPECT_TRUE(store->Lock(vldb98::FileNumber(table.number), nullptr, 0, vldb98::ZELK_ENG_DEFAULT)) << table.name;
+    EXPECT_TRUE(store->Lock(vldb98::FileNumber(table.number), nullptr, 0)) << table.name;
 }
 
 // Lets two threads wait for each other. (The standard library's barrier of GCC 12 loses wake-ups on Windows.)

@@ -93,8 +93,7 @@ TEST_F(ClientFolder, LinksTheLinesOfAStructure) {
   };
   for (const Line &line : {Line{1, 2, 0}, {2, 9, 3}, {9, 0, 4}, {4, 0, 0}, {3, 0, 0}}) {
     vldb98::DATENBANK record{};
-    ASSERT_TRUE(store->UsedGet(record, vldb98::KeyBuilder().number(line.number), found, 7, vldb98::ZELK_ENG_DEFAULT) &&
-                found);
+    ASSERT_TRUE(store->UsedGet(record, vldb98::KeyBuilder().number(line.number), found, 7) && found);
     EXPECT_EQ(record.Aufbau.Kind, line.child) << line.number;
     EXPECT_EQ(record.Aufbau.Naechste, line.next) << line.number;
   }

@@ -82,8 +82,8 @@ TEST_F(LibraryFile, NeedsAndShowsNothingElse) {
 /// The project's own files, with their text.
 std::vector<std::pair<std::filesystem::path, std::string>> sources() {
   std::vector<std::pair<std::filesystem::path, std::string>> files;
-  for (const char *folder : {"accounts", "bench", "clients", "examples", "family", "frame", "include", "platform",
-                             "postings", "resources", "tests", "tools"})
+  for (const char *folder : {"accounts", "bench", "clients", "evaluations", "examples", "family", "frame", "include",
+                             "openitems", "platform", "postings", "resources", "tests", "tools"})
     for (const auto &entry : std::filesystem::recursive_directory_iterator(sourceFolder() / folder)) {
       std::string extension = entry.path().extension().string();
       if (extension == ".cpp" || extension == ".h" || extension == ".c")

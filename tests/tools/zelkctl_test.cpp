@@ -92,13 +92,13 @@ TEST_F(Zelkctl, ShowsFiguresAndStructures) {
   ASSERT_TRUE(store->SetzeFista(1, found) && found);
   vldb98::DATENBANK record{};
   const auto key = vldb98::KeyBuilder().account("1000");
-  ASSERT_TRUE(store->UsedGet(record, key, found, vldb98::kSachkonto, vldb98::ZELK_ENG_DEFAULT) && found);
+  ASSERT_TRUE(store->UsedGet(record, key, found, vldb98::kSachkonto) && found);
   put(record.Sachkonto.Werte.Eroeffnung.Soll, "000001000,00");
   put(record.Sachkonto.Werte.Monat[4].Haben, "000012345,67");
   put(record.Sachkonto.EuroWerte.Monat[4].Haben, "000000500,00");
   put(record.Sachkonto.Sollwerte.Monat[11], "000001200,00");
   put(record.Sachkonto.Sollwerte.Gesamt, "000001200,00");
-  ASSERT_TRUE(store->Update(record, vldb98::kSachkonto, vldb98::ZELK_ENG_DEFAULT));
+  ASSERT_TRUE(store->Update(record, vldb98::kSachkonto));
   const struct {
     const char *arguments;
     int code;
@@ -160,7 +160,7 @@ TEST_F(Zelkctl, ShowsItemsAndDunningLevels) {
       put(record.Ophistorie.Zahlung, gross);
       put(record.Ophistorie.Zahldatum, number == 5 ? "460101" : "460301");
     }
-    ASSERT_TRUE(store->Insert(record, vldb98::FileNumber(table), vldb98::ZELK_ENG_DEFAULT));
+    ASSERT_TRUE(store->Insert(record, vldb98::FileNumber(table)));
   };
   insert(vldb98::kOPDebitor, 1, "10010", "000001234,50", "000001000,00");
   insert(vldb98::kOPDebitor, 2, "10020", "999999999,99", "999999999,99");
