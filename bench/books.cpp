@@ -5,8 +5,8 @@
 #include <random>
 
 #include "sqlite/sqlite_connection.h"
+#include "store/database.h"
 #include "vlba98/text.h"
-#include "vldb98/database.h"
 #include "zelkctl/verbs.h"
 
 namespace bench {

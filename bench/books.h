@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-#include "vldb98/store.h"
+#include "store/store.h"
 #include "zelk98/zelk98.h"
 
 namespace bench {

@@ -15,7 +15,7 @@
 #include "figures.h"
 #include "frame/settings.h"
 #include "odbc/odbc_connection.h"
-#include "vldb98/database.h"
+#include "store/database.h"
 #include "zelkctl/verbs.h"
 
 namespace bench {

@@ -6,10 +6,10 @@
 #include "frame/call.h"
 #include "frame/fetch.h"
 #include "frame/money_output.h"
+#include "records/keys.h"
 #include "vlba98/datum.h"
 #include "vlba98/geld.h"
 #include "vlba98/text.h"
-#include "vldb98/keys.h"
 #include "vlfn98/account_fields.h"
 #include "vlfn98/fiscal_year.h"
 

@@ -4,9 +4,9 @@
 #include "evaluations/figures.h"
 #include "frame/call.h"
 #include "frame/snapshot.h"
+#include "records/keys.h"
 #include "vlba98/encoding.h"
 #include "vlba98/text.h"
-#include "vldb98/keys.h"
 #include "vlfn98/cost_postings.h"
 
 using namespace evaluations;

@@ -7,7 +7,7 @@
 
 #include "frame/context.h"
 #include "frame/locked_tables.h"
-#include "vldb98/store.h"
+#include "store/store.h"
 
 namespace evaluations {
 

@@ -5,8 +5,8 @@
 #include "frame/fetch.h"
 #include "frame/messages.h"
 #include "frame/snapshot.h"
+#include "records/keys.h"
 #include "vlba98/text.h"
-#include "vldb98/keys.h"
 #include "vlfn98/client.h"
 
 using namespace frame;

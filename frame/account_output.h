@@ -1,8 +1,8 @@
 /// Fields of accounts that several records of the interface hold under the same names.
 #pragma once
 
+#include "records/records.h"
 #include "vlba98/text.h"
-#include "vldb98/records.h"
 
 namespace frame {
 

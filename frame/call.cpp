@@ -9,8 +9,8 @@
 #include "frame/protocol.h"
 #include "platform/files.h"
 #include "platform/ui.h"
+#include "store/database.h"
 #include "vlba98/encoding.h"
-#include "vldb98/database.h"
 
 namespace frame {
 namespace {

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "platform/system.h"
-#include "vldb98/database.h"
+#include "store/database.h"
 
 namespace frame {
 namespace {

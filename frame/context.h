@@ -6,7 +6,7 @@
 #include <set>
 #include <vector>
 
-#include "vldb98/store.h"
+#include "store/store.h"
 
 namespace postings {
 struct Construction;

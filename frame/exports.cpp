@@ -4,9 +4,9 @@
 
 #include "frame/call.h"
 #include "frame/lifecycle.h"
+#include "store/database.h"
 #include "vlba98/encoding.h"
 #include "vlba98/text.h"
-#include "vldb98/database.h"
 
 using namespace frame;
 

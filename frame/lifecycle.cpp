@@ -12,7 +12,7 @@
 #include "platform/files.h"
 #include "platform/system.h"
 #include "sqlite/sqlite_connection.h"
-#include "vldb98/database.h"
+#include "store/database.h"
 
 namespace frame {
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "frame/messages.h"
-#include "vldb98/guards.h"
+#include "store/guards.h"
 
 namespace frame {
 

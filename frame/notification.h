@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "vldb98/store.h"
+#include "store/store.h"
 
 namespace frame {
 

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "vldb98/store.h"
+#include "store/store.h"
 #include "zelk98/zelk98.h"
 
 namespace frame {

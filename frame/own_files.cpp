@@ -4,7 +4,7 @@
 #include <filesystem>
 
 #include "platform/registry.h"
-#include "vldb98/database.h"
+#include "store/database.h"
 
 namespace frame {
 namespace {

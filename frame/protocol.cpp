@@ -6,8 +6,8 @@
 
 #include "odbc/connection_string.h"
 #include "platform/system.h"
+#include "records/keys.h"
 #include "vlba98/encoding.h"
-#include "vldb98/keys.h"
 
 namespace frame {
 namespace {

@@ -1,7 +1,7 @@
 /// Reading many records in one state of the database.
 #pragma once
 
-#include "vldb98/guards.h"
+#include "store/guards.h"
 #include "zelk98/zelk98.h"
 
 namespace frame {

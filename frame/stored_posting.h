@@ -1,7 +1,7 @@
 /// A stored posting in the records in which callers know it.
 #pragma once
 
-#include "vldb98/records.h"
+#include "records/records.h"
 #include "zelk98/zelk98.h"
 
 namespace frame {

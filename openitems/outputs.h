@@ -4,7 +4,7 @@
 #include <span>
 
 #include "frame/call.h"
-#include "vldb98/store.h"
+#include "store/store.h"
 
 namespace openitems {
 

@@ -12,9 +12,9 @@
 #include "postings/fields.h"
 #include "postings/insertion.h"
 #include "postings/rate_entry.h"
+#include "store/guards.h"
 #include "vlba98/encoding.h"
 #include "vlba98/text.h"
-#include "vldb98/guards.h"
 
 using namespace frame;
 using namespace vldb98;

@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-#include "vldb98/records.h"
-#include "vldb98/schema.h"
+#include "records/records.h"
+#include "records/schema.h"
 
 namespace vlfn98 {
 

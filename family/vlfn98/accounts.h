@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-#include "vldb98/keys.h"
-#include "vldb98/schema.h"
+#include "records/keys.h"
+#include "records/schema.h"
 
 namespace vlfn98 {
 

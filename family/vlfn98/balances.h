@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "vldb98/store.h"
+#include "store/store.h"
 #include "vlfn98/fiscal_year.h"
 
 namespace vlfn98 {

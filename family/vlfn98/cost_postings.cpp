@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "records/keys.h"
 #include "vlba98/geld.h"
 #include "vlba98/text.h"
-#include "vldb98/keys.h"
 #include "vlfn98/costs.h"
 
 using namespace vldb98;

@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-#include "vldb98/store.h"
+#include "store/store.h"
 
 namespace vlfn98 {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "vldb98/store.h"
+#include "store/store.h"
 #include "vlfn98/terms.h"
 
 namespace vlfn98 {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "records/keys.h"
 #include "vlba98/text.h"
-#include "vldb98/keys.h"
 
 using namespace vldb98;
 using vlba98::Datum;

@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
+#include "store/store.h"
 #include "vlba98/datum.h"
-#include "vldb98/store.h"
 
 namespace vlfn98 {
 

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "vldb98/store.h"
+#include "store/store.h"
 
 namespace vlfn98 {
 

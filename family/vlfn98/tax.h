@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "vldb98/store.h"
+#include "store/store.h"
 
 namespace vlfn98 {
 

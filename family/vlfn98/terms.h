@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
+#include "store/store.h"
 #include "vlba98/datum.h"
-#include "vldb98/store.h"
 
 namespace vlfn98 {
 

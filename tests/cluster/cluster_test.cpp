@@ -10,10 +10,10 @@
 #include <stdexcept>
 #include <thread>
 
+#include "isam/isam_engine.h"
 #include "odbc/odbc_connection.h"
 #include "support/drafts.h"
 #include "support/process.h"
-#include "vldb98/isam_engine.h"
 
 namespace test {
 namespace {

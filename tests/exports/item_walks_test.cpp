@@ -4,9 +4,9 @@
 #include <random>
 #include <thread>
 
+#include "isam/kept_reads.h"
 #include "platform/system.h"
 #include "support/items.h"
-#include "vldb98/kept_reads.h"
 
 namespace test {
 namespace {

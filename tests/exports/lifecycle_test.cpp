@@ -4,8 +4,8 @@
 
 #include "frame/call.h"
 #include "platform/files.h"
+#include "store/database.h"
 #include "support/books.h"
-#include "vldb98/database.h"
 
 namespace test {
 namespace {

@@ -1,11 +1,12 @@
 #include "sqlite/sqlite_connection.h"
 #include "support/books.h"
-#include "vldb98/copy.h"
+#include "zelkctl/copy.h"
 
 namespace test {
 namespace {
 
 using namespace vldb98;
+using namespace zelkctl;
 
 class Copy : public Books {
 protected:

@@ -1,9 +1,10 @@
 // What the engines are told: texts of statements, connection strings, names of locks.
 #include <gtest/gtest.h>
 
+#include "isam/statements.h"
+#include "locks/lock_statements.h"
+#include "locks/locks.h"
 #include "odbc/connection_string.h"
-#include "vldb98/locks.h"
-#include "vldb98/statements.h"
 
 namespace test {
 namespace {

@@ -2,10 +2,10 @@
 #include <functional>
 #include <thread>
 
+#include "isam/kept_reads.h"
 #include "odbc/odbc_connection.h"
 #include "platform/system.h"
 #include "support/books.h"
-#include "vldb98/kept_reads.h"
 
 namespace test {
 namespace {

@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "sql/sql.h"
 #include "support/engines.h"
-#include "vldb98/sql.h"
 
 namespace test {
 namespace {

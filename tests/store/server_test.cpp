@@ -2,9 +2,9 @@
 #include <fstream>
 #include <future>
 
+#include "isam/statements.h"
 #include "odbc/odbc_connection.h"
 #include "support/engines.h"
-#include "vldb98/statements.h"
 
 namespace test {
 namespace {

@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "platform/ui.h"
+#include "store/database.h"
+#include "store/store.h"
 #include "support/server.h"
-#include "vldb98/database.h"
-#include "vldb98/store.h"
 #include "zelk98/zelk98.h"
 
 namespace test {

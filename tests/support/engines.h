@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "sql/sql.h"
 #include "support/books.h"
-#include "vldb98/sql.h"
 
 namespace test {
 

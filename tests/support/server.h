@@ -2,8 +2,8 @@
 /// environment, as ZELK_TEST_MARIADB=HOST:PORT/USER/PASSWORD; or with_cluster, with several hosts.
 #pragma once
 
-#include "vldb98/server.h"
-#include "vldb98/sql.h"
+#include "sql/server.h"
+#include "sql/sql.h"
 
 namespace test {
 

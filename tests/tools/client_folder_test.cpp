@@ -1,6 +1,6 @@
 // A client folder: how it is checked and loaded.
+#include "records/schema.h"
 #include "tools/zelkctl.h"
-#include "vldb98/schema.h"
 
 namespace test {
 namespace {

@@ -6,11 +6,11 @@
 #include <utility>
 
 #include "ledger/refusal.h"
+#include "store/guards.h"
 #include "vlba98/encoding.h"
 #include "vlba98/geld.h"
 #include "vlba98/muldiv.h"
 #include "vlba98/text.h"
-#include "vldb98/guards.h"
 #include "vlfn98/client.h"
 #include "vlfn98/costs.h"
 #include "zelk98/zelk98.h"

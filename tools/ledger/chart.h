@@ -7,8 +7,8 @@
 #include <tuple>
 #include <vector>
 
+#include "store/store.h"
 #include "vlba98/datum.h"
-#include "vldb98/store.h"
 
 namespace ledger {
 

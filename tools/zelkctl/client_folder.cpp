@@ -7,12 +7,12 @@
 #include <set>
 
 #include "platform/files.h"
+#include "store/guards.h"
 #include "vlba98/csv.h"
 #include "vlba98/datum.h"
 #include "vlba98/encoding.h"
 #include "vlba98/geld.h"
 #include "vlba98/text.h"
-#include "vldb98/guards.h"
 #include "zelkctl/console.h"
 #include "zelkctl/folder_rules.h"
 #include "zelkctl/provision.h"

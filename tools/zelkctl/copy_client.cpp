@@ -3,8 +3,8 @@
 #include <limits>
 
 #include "vlba98/text.h"
-#include "vldb98/copy.h"
 #include "zelkctl/console.h"
+#include "zelkctl/copy.h"
 #include "zelkctl/provision.h"
 #include "zelkctl/verbs.h"
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "vldb98/store.h"
+#include "store/store.h"
 
 namespace zelkctl {
 

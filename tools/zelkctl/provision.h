@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "vldb98/store.h"
+#include "store/store.h"
 
 namespace zelkctl {
 

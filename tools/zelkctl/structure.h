@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "vldb98/records.h"
+#include "records/records.h"
 
 namespace zelkctl {
 

@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "vldb98/dialect.h"
-#include "vldb98/server.h"
+#include "sql/dialect.h"
+#include "sql/server.h"
 
 namespace vldb98::odbc {
 

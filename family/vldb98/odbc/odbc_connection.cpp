@@ -4,7 +4,7 @@
 
 #include "odbc/connection_string.h"
 #include "odbc/odbc_statement.h"
-#include "vldb98/dialect.h"
+#include "sql/dialect.h"
 
 namespace vldb98 {
 namespace odbc {

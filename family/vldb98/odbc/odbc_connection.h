@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 
-#include "vldb98/server.h"
-#include "vldb98/sql.h"
+#include "sql/server.h"
+#include "sql/sql.h"
 
 namespace vldb98 {
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "odbc/odbc.h"
-#include "vldb98/sql.h"
+#include "sql/sql.h"
 
 namespace vldb98::odbc {
 

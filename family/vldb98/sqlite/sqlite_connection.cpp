@@ -6,7 +6,7 @@
 
 #include "platform/files.h"
 #include "platform/system.h"
-#include "vldb98/dialect.h"
+#include "sql/dialect.h"
 
 static_assert(SQLITE_VERSION_NUMBER >= 3051003, "earlier versions can corrupt a write-ahead-log database");
 

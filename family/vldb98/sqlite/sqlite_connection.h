@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "vldb98/sql.h"
+#include "sql/sql.h"
 
 namespace vldb98 {
 
