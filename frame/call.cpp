@@ -10,6 +10,7 @@
 #include "platform/files.h"
 #include "platform/ui.h"
 #include "store/database.h"
+#include "store/typed.h"
 #include "vlba98/encoding.h"
 
 namespace frame {
@@ -115,7 +116,12 @@ ZelkResult runBody(const Export &self, std::span<const Parameter> parameters, de
   }
   // A connection can be lost behind what a call was to do, and the database's file removed or replaced between two.
   if (context && context->sessionLost()) context->closeSession();
-  ZelkResult result = body(object, context);
+  ZelkResult result;
+  try {
+    result = body(object, context);
+  } catch (const vldb98::StoreFailed &) {
+    result = ZELKERR_Datenbank;
+  }
   // What a call has no message of its own for: it was given a null pointer.
   if (context && flag && result == ZELKERR_nicht_moeglich) refuse(*context, result, resources::textId(result));
   // Whatever the database came to, the next call begins with a connection of its own.

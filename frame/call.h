@@ -99,8 +99,8 @@ ZelkResult run(const Export &self, std::span<const Parameter> parameters, Body b
 } // namespace detail
 
 /// Runs a body in the frame: attach and working directory, detached test, entry in the call protocol, initialisation
-/// status, widths of the texts, the body, result in the call protocol, working directory again. What the body throws
-/// becomes -2.
+/// status, widths of the texts, the body, result in the call protocol, working directory again. A failure of the store
+/// that the body throws becomes -3, all else -2.
 /// \param body called with the thread's context (a pointer, null where the export needs none)
 template <class Body> ZelkResult run(const Export &self, std::span<const Parameter> parameters, Body &&body) {
   using Object = std::remove_reference_t<Body>;
