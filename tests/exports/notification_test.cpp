@@ -4,6 +4,7 @@
 #include <cstring>
 #include <thread>
 
+#include "frame/messages.h"
 #include "support/dependants.h"
 
 namespace test {
@@ -392,6 +393,10 @@ TEST_F(Notification, ProcessEndsWithItsHost) {
 TEST_F(Notification, EndsNoProcessByItsNumber) {
   registerApplications();
   install();
+  // A sanitizer needs descriptors for the first look at a class.
+  ZELK_Status();
+  frame::showMessage(resources::kZelkoutStart);
+  recorder.takeText();
   // One descriptor more each time: once it is started, and the handle of the process is what is wanting.
   bool started = false;
   for (int count = 4; !started && count < 200; ++count) {
