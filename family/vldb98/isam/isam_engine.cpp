@@ -241,8 +241,8 @@ bool IsamEngine::insertAssigned(const Table &table, DATENBANK &record) {
   if (dialect_.insertsDeliver)
     if (SqlStatement *statement = insertNumberedStatementOf(table)) {
       if (insertNumbered(*statement, table, record.bytes)) return true;
-      // Behind the greatest number that there can be, a server refuses the next one by its range.
-      if (connection_->failure() != Failure::Duplicate && connection_->failure() != Failure::Other) return false;
+      // After the greatest number that there can be, a server refuses the next one.
+      if (connection_->failure() != Failure::Duplicate && connection_->failure() != Failure::OutOfRange) return false;
     }
   // Where several write at once, another one can have inserted the same number between the read and the write, which
   // the greatest number of then tells from a second key that is in use.

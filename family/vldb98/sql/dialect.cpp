@@ -7,6 +7,7 @@ namespace {
 
 constexpr NativeError kMysqlErrors[] = {
     {1062, Failure::Duplicate},
+    {1264, Failure::OutOfRange},
     // Deadlock, a lock that was not had in time, a row that changed since the snapshot. The last comes from clusters at
     // the commit.
     {1213, Failure::Retry},

@@ -23,9 +23,10 @@ enum class Step { Row, Done, Failed };
 /// What became of a statement that failed.
 enum class Failure : uint8_t {
   Other,
-  Duplicate, ///< a unique key is in use; nothing else happened
-  Retry,     ///< others were in the way; a transaction that was open is rolled back
-  Lost,      ///< the connection is gone, and its transaction and locks with it
+  Duplicate,  ///< a unique key is in use; nothing else happened
+  OutOfRange, ///< a number that its column cannot hold
+  Retry,      ///< others were in the way; a transaction that was open is rolled back
+  Lost,       ///< the connection is gone, and its transaction and locks with it
 };
 
 struct Dialect;
