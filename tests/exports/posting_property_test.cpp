@@ -170,7 +170,7 @@ private:
         // An invoice that rounds line by line.
         int64_t stated = gross - divided(gross * 10000, 10000 + rate);
         tax = divided(stated * contra.deductible, 100) + int64_t(below(11)) - 5;
-        if (tax == 0) tax = stated;
+        if (tax == 0 || (tax < 0) != (gross < 0)) tax = stated; // of another sign it is refused
         line.tax = written(tax);
       }
       if (five) tax = toFive(tax);

@@ -299,11 +299,14 @@ TEST_F(CallProtocol, IsNeverAnotherFile) {
                                  folder() / "merka.db-SHM"};
 #if !defined(_WIN32)
   const fs::path link = folder() / "link", hardLink = folder() / "zweiter name", pipe = folder() / "pipe";
-  fs::create_symlink(dataFolder() / "MERKA.LCK", link);
-  if (fs::exists(database)) fs::create_hard_link(database, hardLink);
+  if (fs::exists(database)) {
+    fs::create_symlink(dataFolder() / "MERKA.LCK", link);
+    fs::create_hard_link(database, hardLink);
+    files.insert(files.end(), {link, hardLink});
+  }
   ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
-  files.insert(files.end(), {link, hardLink, pipe, "/dev/null", folder() / "settings.ini",
-                             folder() / "settings.ini.lock", folder() / "VELTA_ZELK_MUTEX_PROTOKOLL_WRITE"});
+  files.insert(files.end(), {pipe, "/dev/null", folder() / "settings.ini", folder() / "settings.ini.lock",
+                             folder() / "VELTA_ZELK_MUTEX_PROTOKOLL_WRITE"});
 #endif
   uint32_t counted = users();
   for (const fs::path &other : files) {
