@@ -4,6 +4,7 @@
 #include "frame/call.h"
 #include "frame/fetch.h"
 #include "frame/messages.h"
+#include "store/typed.h"
 #include "vlba98/datum.h"
 #include "vlba98/text.h"
 #include "vlfn98/account_fields.h"
@@ -24,12 +25,9 @@ ZelkResult ZELK_CALL ZELK_ExistiertKonto(int32_t Mandantennummer, const char *Ko
                if (!store) return ZELKERR_Datenbank;
                if (int32_t opened = vlfn98::HoleMandantenDaten(*store, Mandantennummer); opened < 1) return opened;
                const char *account = Kontonummer ? Kontonummer : "";
-               SCHLUESSEL key = KeyBuilder().account(account);
-               int file = vlfn98::KzFromZELKArt(Kontoart);
-               if (Kontoart == ZELK_KOSTENSTELLE) file += vlfn98::GetKostKontoKey(account, Dimension, Kostref, key);
-               uint8_t found;
-               if (!store->Used(key, found, FileNumber(file))) return ZELKERR_Datenbank;
-               return found ? ZELK_OK : ZELK_keinKonto;
+               const bool known =
+                   vlfn98::existsAccount(*store, vlfn98::KzFromZELKArt(Kontoart), account, Dimension, Kostref);
+               return known ? ZELK_OK : ZELK_keinKonto;
              });
 }
 
@@ -43,8 +41,7 @@ ZelkResult ZELK_CALL ZELK_ExistiertKuerzel(int32_t Mandantennummer, const char *
                if (!store) return ZELKERR_Datenbank;
                if (int32_t opened = vlfn98::HoleMandantenDaten(*store, Mandantennummer); opened < 1) return opened;
                uint8_t found;
-               if (!store->UsedKuerzel(Kuerzel ? Kuerzel : "", found, vlfn98::KzFromZELKArt(Kontoart)))
-                 return ZELKERR_Datenbank;
+               must(store->UsedKuerzel(Kuerzel ? Kuerzel : "", found, vlfn98::KzFromZELKArt(Kontoart)));
                return found ? ZELK_OK : ZELK_keinKonto;
              });
 }

@@ -9,8 +9,10 @@
 #include "frame/fetch.h"
 #include "frame/messages.h"
 #include "frame/snapshot.h"
+#include "store/typed.h"
 #include "vlba98/datum.h"
 #include "vlba98/text.h"
+#include "vlfn98/account_fields.h"
 #include "vlfn98/accounts.h"
 
 using namespace frame;
@@ -38,36 +40,36 @@ std::string padded(std::string number) {
   return number;
 }
 
+// Whether the number is that of an account of the open fiscal year.
+bool isAccount(Store &store, const std::string &number) {
+  uint8_t kind = 0;
+  int32_t where;
+  DATENBANK record{};
+  must(store.UsedAndGetKnr(padded(number).c_str(), kind, record, where));
+  return kind != 0 && kind != kOnlyCostCentre;
+}
+
 // Goes through the client's fiscal years, and back to the one that was open.
 class OtherYears {
 public:
   explicit OtherYears(Store &store) : store_(store), open_(store.HoleOpenJahr()) {}
 
-  // \return false when the store failed
-  bool read() {
-    DATENBANK record{};
-    uint8_t found;
-    int done = store_.GetFirstExt(record, found, kGeschaeftsjahr);
-    for (; done && found; done = store_.GetNextExt(record, found, kGeschaeftsjahr)) {
+  void read() {
+    forEach<GESCHAEFTSJAHR>(store_, [&](const GESCHAEFTSJAHR &year) {
       char code[3];
-      if (vlba98::itotwo(record.Geschaeftsjahr.Jahr - vlba98::firstYear, code) && code != open_) codes_.push_back(code);
-    }
-    return done;
+      if (vlba98::itotwo(year.Jahr - vlba98::firstYear, code) && code != open_) codes_.push_back(code);
+    });
   }
 
-  // Whether the number is an account's in one of them. \return false when the store failed
-  bool use(const std::string &candidate, bool &used) {
-    used = false;
-    bool done = true;
-    for (size_t i = 0; done && !used && i < codes_.size(); ++i) {
-      uint8_t kind = 0;
-      int32_t where;
-      DATENBANK record{};
-      done = store_.SetzeOpenJahr(codes_[i].c_str()) &&
-             store_.UsedAndGetKnr(padded(candidate).c_str(), kind, record, where);
-      used = done && kind != 0 && kind != kOnlyCostCentre;
+  // Whether the number is an account's in one of them.
+  bool use(const std::string &candidate) {
+    bool used = false;
+    for (size_t i = 0; !used && i < codes_.size(); ++i) {
+      must(store_.SetzeOpenJahr(codes_[i].c_str()));
+      used = isAccount(store_, candidate);
     }
-    return (codes_.empty() || store_.SetzeOpenJahr(open_.c_str())) && done;
+    if (!codes_.empty()) must(store_.SetzeOpenJahr(open_.c_str()));
+    return used;
   }
 
 private:
@@ -84,28 +86,23 @@ struct Search {
 
   bool bounded() const { return !from.empty() && !to.empty(); }
 
-  // \return 1; -37 when there is no free number, -3 when the store failed
+  // \return 1; -37 when there is no free number
   ZelkResult run(std::string &proposal);
 
 private:
   std::string firstOfTable() const;
-  ZelkResult behind(const std::string &greatest, std::string &proposal);
+  ZelkResult after(const std::string &greatest, std::string &proposal);
   ZelkResult gap(std::string &proposal);
 };
 
 ZelkResult Search::run(std::string &proposal) {
-  DATENBANK record{};
-  uint8_t found;
-  FileNumber file = FileNumber(table);
-  int done = bounded() ? store.GetLeExt(record, KeyBuilder().account(to), found, file, ZELK_ENG_DEFAULT, kWaitForWriter)
-                       : store.GetLastExt(record, found, file, ZELK_ENG_DEFAULT, kWaitForWriter);
-  if (!done || !others.read()) return ZELKERR_Datenbank;
-  std::string greatest = table == kSachkonto ? record.Sachkonto.Nr : record.Personenkonto.Nr;
-  if (found && !(bounded() && greatest < padded(from))) return behind(std::string(vlba98::trimmed(greatest)), proposal);
+  const In accounts{store, FileNumber(table), kWaitForWriter};
+  const auto last = bounded() ? atMost<DATENBANK>(accounts, to) : vldb98::last<DATENBANK>(accounts);
+  others.read();
+  const std::string greatest = last ? vlfn98::accountOf(table, *last).number : "";
+  if (last && !(bounded() && greatest < padded(from))) return after(std::string(vlba98::trimmed(greatest)), proposal);
   proposal = bounded() ? from : firstOfTable();
-  bool elsewhere;
-  if (!others.use(proposal, elsewhere)) return ZELKERR_Datenbank;
-  return elsewhere ? behind(std::string(proposal), proposal) : ZELK_OK;
+  return others.use(proposal) ? after(std::string(proposal), proposal) : ZELK_OK;
 }
 
 // The first number of an empty table. Personal accounts have one digit more than the general ledger.
@@ -116,25 +113,18 @@ std::string Search::firstOfTable() const {
   return std::string(table == kDebitor ? "1" : "7").append(std::min(length + 1, kWidth) - 1, '0');
 }
 
-ZelkResult Search::behind(const std::string &greatest, std::string &proposal) {
+ZelkResult Search::after(const std::string &greatest, std::string &proposal) {
   size_t lastOther = greatest.find_last_not_of("0123456789");
   std::string prefix = lastOther == std::string::npos ? "" : greatest.substr(0, lastOther + 1);
   int64_t number = std::atoll(greatest.c_str() + prefix.size());
-  // Behind letters the search begins with the number itself, which then is written without its leading zeros.
+  // After letters the search begins with the number itself, which then is written without its leading zeros.
   if (prefix.empty()) ++number;
   for (;; ++number) {
     std::string digits = number ? std::to_string(number) : "";
     if (digits.size() > kWidth) return ZELKERR_Ueberlauf;
     std::string candidate = prefix.substr(0, kWidth - digits.size()) + digits;
     if (!to.empty() && padded(candidate) > padded(to)) return bounded() ? gap(proposal) : ZELKERR_Ueberlauf;
-    uint8_t used;
-    int32_t where;
-    DATENBANK record{};
-    if (!store.UsedAndGetKnr(padded(candidate).c_str(), used, record, where)) return ZELKERR_Datenbank;
-    bool elsewhere = false;
-    if (used != 0 && used != kOnlyCostCentre) continue;
-    if (!others.use(candidate, elsewhere)) return ZELKERR_Datenbank;
-    if (elsewhere) continue;
+    if (isAccount(store, candidate) || others.use(candidate)) continue;
     proposal = candidate;
     return ZELK_OK;
   }
@@ -144,15 +134,11 @@ ZelkResult Search::behind(const std::string &greatest, std::string &proposal) {
 ZelkResult Search::gap(std::string &proposal) {
   int32_t low = std::atoi(from.c_str()), high = std::atoi(to.c_str());
   if (high < low) std::swap(low, high);
-  if (!store.Lock(FileNumber(table), nullptr, kWaitMode)) return ZELKERR_Datenbank;
+  must(store.Lock(FileNumber(table), nullptr, kWaitMode));
   return inSnapshot(store, [&]() -> ZelkResult {
     for (int32_t number = low + 1; number < high; ++number) {
-      uint8_t used;
-      std::string candidate = std::to_string(number);
-      if (!store.Used(KeyBuilder().account(candidate), used, FileNumber(table))) return ZELKERR_Datenbank;
-      bool elsewhere = false;
-      if (!used && !others.use(candidate, elsewhere)) return ZELKERR_Datenbank;
-      if (used || elsewhere) continue;
+      const std::string candidate = std::to_string(number);
+      if (exists<DATENBANK>({store, FileNumber(table)}, candidate) || others.use(candidate)) continue;
       proposal = candidate;
       return ZELK_OK;
     }

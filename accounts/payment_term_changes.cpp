@@ -4,6 +4,7 @@
 
 #include "frame/call.h"
 #include "frame/locked_tables.h"
+#include "store/typed.h"
 #include "vlba98/geld.h"
 #include "vlba98/text.h"
 #include "vlfn98/client.h"
@@ -18,10 +19,9 @@ enum Action { kCreate = 1, kChange = 2 };
 
 constexpr FileNumber kByShortName = fileNumber(kZahlziel, 1);
 constexpr FileNumber kTermTable[] = {kZahlziel};
-constexpr size_t kShortNameWidth = sizeof(ZAHLZIEL::Kuerzel) - 1;
 
 // What a host asks for; texts that it left out are empty.
-struct Request {
+struct TermRequest {
   int32_t action, number;
   std::string shortName; // as it is stored
   int32_t discountDays1;
@@ -44,32 +44,17 @@ struct Range {
   Outcome refusal() const { return {code, message, fill}; }
 };
 
-bool read(Store &store, const SCHLUESSEL &key, FileNumber file, DATENBANK &record, bool &exists) {
-  uint8_t found;
-  if (!store.UsedGet(record, key, found, file)) return false;
-  exists = found;
-  return true;
-}
-
 // Whether a term can have the number and the short name. For a change, the stored term is the current record then.
-Outcome checkIdentity(Store &store, const Request &request) {
-  const Outcome failed{ZELKERR_Datenbank}, missing{ZELKERR_uzl_Zahlungsziel, resources::kZahlzielFehlt};
-  SCHLUESSEL number = KeyBuilder().number(request.number);
-  SCHLUESSEL shortName = KeyBuilder().text(request.shortName, kShortNameWidth);
-  DATENBANK record{};
-  bool exists;
-  if (request.action == kCreate) {
-    if (!read(store, shortName, kByShortName, record, exists)) return failed;
-    if (exists) return {ZELKERR_ZZ_existiert, resources::kExistiertBereits, "Zahlungsziel"};
-    return {};
-  }
-  if (!read(store, number, kZahlziel, record, exists)) return failed;
-  if (!exists) return missing;
-  if (!read(store, shortName, kByShortName, record, exists)) return failed;
-  if (exists && record.Zahlziel.Nr != request.number)
+Outcome checkIdentity(Store &store, const TermRequest &request) {
+  auto stored = [&] { return find<ZAHLZIEL>(store, request.number).has_value(); };
+  const auto sameName = [&] { return find<ZAHLZIEL>({store, kByShortName}, request.shortName); };
+  if (request.action == kCreate)
+    return sameName() ? Outcome{ZELKERR_ZZ_existiert, resources::kExistiertBereits, "Zahlungsziel"} : Outcome{};
+  const Outcome missing{ZELKERR_uzl_Zahlungsziel, resources::kZahlzielFehlt};
+  if (!stored()) return missing;
+  if (const auto other = sameName(); other && other->Nr != request.number)
     return {ZELKERR_Kuerzel_existiert, resources::kExistiertBereits, "K\xFCrzel"};
-  if (!read(store, number, kZahlziel, record, exists)) return failed;
-  return exists ? Outcome{} : missing;
+  return stored() ? Outcome{} : missing;
 }
 
 // Takes a rate in internal form, "00,00" where none is given. \return false when the text is no rate
@@ -78,7 +63,7 @@ bool takeRate(char (&rate)[6], const char *text) {
   return vlba98::IsGeld(rate, int(vlba98::satzWidth), 0, 0, rate);
 }
 
-Outcome checkDiscounts(const Request &request, ZAHLZIEL &term) {
+Outcome checkDiscounts(const TermRequest &request, ZAHLZIEL &term) {
   const Range periods[] = {
       {request.discountDays1, 999, ZELKERR_uzl_Skontotage, resources::kUnzulaessig, "Die Skontofrist 1 ist"},
       {request.discountDays2, 999, ZELKERR_uzl_Skontotage, resources::kUnzulaessig, "Die Skontofrist 2 ist"}};
@@ -102,7 +87,7 @@ Outcome checkDiscounts(const Request &request, ZAHLZIEL &term) {
   return {};
 }
 
-Outcome checkDueDate(const Request &request, ZAHLZIEL &term) {
+Outcome checkDueDate(const TermRequest &request, ZAHLZIEL &term) {
   const Range ranges[] = {{request.days, 999, ZELKERR_uzl_Zahltage, resources::kUnzulaessig, "Die Zahlungsfrist ist"},
                           {request.dayOfMonth, 31, ZELKERR_uzl_TagInMonat, resources::kIstUnzulaessig, "Tag im Monat"},
                           {request.months, 99, ZELKERR_uzl_MonatePlus, resources::kUnzulaessig, "Die Folgemonatszahl"},
@@ -117,18 +102,20 @@ Outcome checkDueDate(const Request &request, ZAHLZIEL &term) {
 }
 
 // With the table locked. The result is the number of the term.
-Outcome save(Store &store, const Request &request) {
+Outcome save(Store &store, const TermRequest &request) {
   if (request.shortName.empty()) return {ZELKERR_uzl_Kuerzel, resources::kKuerzelFehlt};
   if (Outcome identity = checkIdentity(store, request); identity.result != ZELK_OK) return identity;
-  DATENBANK record{};
-  ZAHLZIEL &term = record.Zahlziel;
+  ZAHLZIEL term{};
   if (request.action == kChange) term.Nr = request.number;
   vlba98::strncpy2(term.Kuerzel, request.shortName);
   for (auto check : {checkDiscounts, checkDueDate})
     if (Outcome checked = check(request, term); checked.result != ZELK_OK) return checked;
   vlba98::strncpy2(term.Bemerkung, request.remark);
-  int written = request.action == kChange ? store.Update(record, kZahlziel) : store.Insert(record, kZahlziel);
-  return {written ? ZelkResult(term.Nr) : ZELKERR_Datenbank};
+  if (request.action == kChange)
+    update(store, term);
+  else
+    insert(store, term);
+  return {ZelkResult(term.Nr)};
 }
 
 const char *orEmpty(const char *text) {
@@ -157,18 +144,18 @@ ZelkResult ZELK_CALL ZELK_Zahlungsziel(int32_t Mandantennummer, int32_t Aktion, 
                if (int32_t opened = vlfn98::HoleMandantenDaten(*store, Mandantennummer); opened < 1) return opened;
                if (Aktion != kCreate && Aktion != kChange)
                  return refuse(*context, ZELKERR_sonst, resources::kUnzulaessigeAktion);
-               Request request{Aktion,
-                               Zahlzielnummer,
-                               vlfn98::storedShortName(Name),
-                               Skontotage1,
-                               orEmpty(Skontosatz1),
-                               Skontotage2,
-                               orEmpty(Skontosatz2),
-                               Zahltage,
-                               TagInMonat,
-                               MonatePlus,
-                               orEmpty(Bemerkung),
-                               Zahlungsart};
+               TermRequest request{Aktion,
+                                   Zahlzielnummer,
+                                   vlfn98::storedShortName(Name),
+                                   Skontotage1,
+                                   orEmpty(Skontosatz1),
+                                   Skontotage2,
+                                   orEmpty(Skontosatz2),
+                                   Zahltage,
+                                   TagInMonat,
+                                   MonatePlus,
+                                   orEmpty(Bemerkung),
+                                   Zahlungsart};
                return changeLocked(*context, *store, kTermTable, [&] { return save(*store, request); });
              });
 }

@@ -3,6 +3,7 @@
 #include "frame/fetch.h"
 #include "frame/messages.h"
 #include "frame/snapshot.h"
+#include "store/typed.h"
 #include "vlba98/text.h"
 #include "vlfn98/client.h"
 #include "vlfn98/terms.h"
@@ -27,21 +28,15 @@ void fill(ZELK_ZAHLUNGSZIEL &out, const ZAHLZIEL &term) {
   out.Zahlungsart = term.Zahlungsart;
 }
 
-// \param number 0: the first. \return 1, -27, -1 when there is none at all, -3
+// \param number 0: the first. \return 1, -27, -1 when there is none at all
 ZelkResult readTerm(Store &store, int32_t number, ZELK_ZAHLUNGSZIEL &out) {
-  DATENBANK record{};
-  uint8_t found = 0;
-  bool done = number == 0 ? store.GetFirstExt(record, found, kZahlziel)
-                          : store.UsedGet(record, KeyBuilder().number(number), found, kZahlziel);
-  if (done && found) {
-    fill(out, record.Zahlziel);
-    if (!store.GetNextExt(record, found, kZahlziel)) return ZELKERR_Datenbank;
-    out.Naechstes = found ? record.Zahlziel.Nr : 0;
+  if (const auto term = number == 0 ? first<ZAHLZIEL>(store) : find<ZAHLZIEL>(store, number)) {
+    fill(out, *term);
+    const auto following = next<ZAHLZIEL>(store);
+    out.Naechstes = following ? following->Nr : 0;
     return ZELK_OK;
   }
-  if (done && number != 0) done = store.GetFirstExt(record, found, kZahlziel);
-  if (!done) return ZELKERR_Datenbank;
-  return found ? ZELKERR_uzl_Zahlungsziel : ZELKERR_keine_Zahlungsziele;
+  return number != 0 && first<ZAHLZIEL>(store) ? ZELKERR_uzl_Zahlungsziel : ZELKERR_keine_Zahlungsziele;
 }
 
 } // namespace
@@ -72,10 +67,7 @@ ZelkResult ZELK_CALL ZELK_HoleZZnr(int32_t Mandantennummer, const char *Name) {
                Store *store = context->session();
                if (!store) return ZELKERR_Datenbank;
                if (int32_t opened = vlfn98::HoleMandantenDaten(*store, Mandantennummer); opened < 1) return opened;
-               DATENBANK record{};
-               uint8_t found;
-               SCHLUESSEL key = KeyBuilder().text(vlfn98::storedShortName(Name), sizeof(ZAHLZIEL::Kuerzel) - 1);
-               if (!store->UsedGet(record, key, found, fileNumber(kZahlziel, 1))) return ZELKERR_Datenbank;
-               return found ? ZelkResult(record.Zahlziel.Nr) : ZELK_keinKonto;
+               const auto term = find<ZAHLZIEL>({*store, fileNumber(kZahlziel, 1)}, vlfn98::storedShortName(Name));
+               return term ? ZelkResult(term->Nr) : ZELK_keinKonto;
              });
 }

@@ -5,6 +5,7 @@
 #include "frame/call.h"
 #include "frame/selection.h"
 #include "frame/snapshot.h"
+#include "store/typed.h"
 #include "vlba98/text.h"
 #include "vlfn98/account_fields.h"
 #include "vlfn98/accounts.h"
@@ -44,10 +45,8 @@ struct AccountList {
     return fileNumber(table, table == kKost ? 9 : 0);
   }
   SCHLUESSEL start(SelectionOrder order) const {
-    KeyBuilder key;
-    if (order == SelectionOrder::Name) return key;
-    if (table == kKost) key.number(int16_t(dimension));
-    return key.account(from);
+    if (order == SelectionOrder::Name) return {};
+    return table == kKost ? keyOf(file(order), int16_t(dimension), from) : keyOf(file(order), from);
   }
   bool past(SelectionOrder order, const DATENBANK &record) const {
     if (order == SelectionOrder::Name) return false;
@@ -65,15 +64,14 @@ struct AccountList {
 };
 
 ZelkResult AccountList::fill(Store &store, SelectionOrder order, const AddEntry &add) const {
-  DATENBANK record{};
-  uint8_t found;
-  int done = store.GetGeExt(record, start(order), found, file(order));
-  while (done && found && !past(order, record)) {
-    vlfn98::Account account = vlfn98::accountOf(table, record);
+  const SCHLUESSEL first = start(order);
+  forEach<DATENBANK>({store, file(order)}, vldb98::from(first), [&](const DATENBANK &record) {
+    if (past(order, record)) return false;
+    vlfn98::AccountFields account = vlfn98::accountOf(table, record);
     if (holds(record)) add(vlba98::trimmed(account.number), account.name);
-    done = store.GetNextExt(record, found, file(order));
-  }
-  return done ? ZELK_OK : ZELKERR_Datenbank;
+    return true;
+  });
+  return ZELK_OK;
 }
 
 // Runs the work on the open client. Every time anew: while a dialog is open, the host's windows may call the library.
@@ -108,20 +106,15 @@ ZelkResult ZELK_CALL ZELK_HoleKonto(void *HandleParent, int32_t Mandantennummer,
                    },
                    HandleParent, chosen);
                if (result <= 0) return result;
-               DATENBANK record{};
+               std::optional<DATENBANK> record;
                if (Name || Kuerzel) {
                  ZelkResult read = withClient(*context, Mandantennummer, [&](Store &store) -> ZelkResult {
-                   SCHLUESSEL key = KeyBuilder().account(chosen);
-                   int file = list.table;
-                   if (list.table == kKost)
-                     file += vlfn98::GetKostKontoKey(chosen.c_str(), Dimension, list.reference.c_str(), key);
-                   uint8_t found;
-                   bool done = store.UsedGet(record, key, found, FileNumber(file));
-                   return done && found ? ZELK_OK : ZELKERR_Datenbank;
+                   record = vlfn98::findAccount(store, list.table, chosen.c_str(), Dimension, list.reference.c_str());
+                   return record ? ZELK_OK : ZELKERR_Datenbank;
                  });
                  if (read != ZELK_OK) return ZELKERR_Datenbank;
                }
-               vlfn98::Account account = vlfn98::accountOf(list.table, record);
+               const vlfn98::AccountFields account = vlfn98::accountOf(list.table, record.value_or(DATENBANK{}));
                if (Kontonummer) vlba98::strncpy2(Kontonummer, chosen, sizeof(SACHKONTO::Nr));
                if (Name) vlba98::strncpy2(Name, account.name, sizeof(SACHKONTO::Name));
                if (Kuerzel) vlba98::strncpy2(Kuerzel, account.shortName, sizeof(SACHKONTO::Kuerzel));

@@ -4,6 +4,7 @@
 
 #include "frame/call.h"
 #include "frame/selection.h"
+#include "store/typed.h"
 #include "vlba98/datum.h"
 #include "vlba98/text.h"
 #include "vlfn98/client.h"
@@ -61,11 +62,10 @@ ZelkResult ZELK_CALL ZELK_InitHoleMandant() {
   return run(self, {}, [](ThreadContext *context) -> ZelkResult {
     context->clientCursor = 0;
     Store *store = context->session();
-    DATENBANK record{};
-    uint8_t found;
-    if (!store || !store->GetFirstExt(record, found, kFirmenstamm)) return ZELKERR_Datenbank;
-    if (!found) return ZELKERR_keine_Mandanten;
-    context->clientCursor = record.Firmenstamm.Nummer;
+    if (!store) return ZELKERR_Datenbank;
+    const auto client = first<FIRMENSTAMM>(*store);
+    if (!client) return ZELKERR_keine_Mandanten;
+    context->clientCursor = client->Nummer;
     return ZELK_OK;
   });
 }
@@ -76,18 +76,15 @@ ZelkResult ZELK_CALL ZELK_HoleMandant(uint32_t *Mandantennummer, char *Name, cha
              [&](ThreadContext *context) -> ZelkResult {
                if (context->clientCursor == 0) return ZELKERR_keinInit;
                Store *store = context->session();
-               DATENBANK record{};
-               uint8_t found;
-               KeyBuilder key;
-               key.number(uint16_t(context->clientCursor));
-               if (!store || !store->UsedGet(record, key, found, kFirmenstamm) || !found) return ZELKERR_Datenbank;
-               FIRMENSTAMM client = record.Firmenstamm;
-               if (!store->GetNextExt(record, found, kFirmenstamm)) return ZELKERR_Datenbank;
-               if (Mandantennummer) *Mandantennummer = client.Nummer;
-               if (Name) std::memcpy(Name, client.Name, sizeof client.Name);
-               if (Zusatz) std::memcpy(Zusatz, client.Zusatz, sizeof client.Zusatz);
-               context->clientCursor = found ? record.Firmenstamm.Nummer : 0;
-               return found ? ZELK_OK : ZELK_letzterDatensatz;
+               if (!store) return ZELKERR_Datenbank;
+               const auto client = find<FIRMENSTAMM>(*store, context->clientCursor);
+               if (!client) return ZELKERR_Datenbank;
+               const auto following = next<FIRMENSTAMM>(*store);
+               if (Mandantennummer) *Mandantennummer = client->Nummer;
+               if (Name) std::memcpy(Name, client->Name, sizeof client->Name);
+               if (Zusatz) std::memcpy(Zusatz, client->Zusatz, sizeof client->Zusatz);
+               context->clientCursor = following ? following->Nummer : 0;
+               return following ? ZELK_OK : ZELK_letzterDatensatz;
              });
 }
 
@@ -176,16 +173,14 @@ ZelkResult ZELK_CALL ZELK_HoleMandantenNr(void *HandleParent) {
         [&](SelectionOrder order, const AddEntry &add) -> ZelkResult {
           // Anew at every filling: while the dialog is open, the host's windows may call the library.
           Store *store = context->session();
-          FileNumber file = fileNumber(kFirmenstamm, order == SelectionOrder::Name ? 1 : 0);
-          DATENBANK record{};
-          uint8_t found;
-          if (!store || !store->GetFirstExt(record, found, file)) return ZELKERR_Datenbank;
-          if (!found) return ZELKERR_keine_Mandanten;
-          while (found) {
-            add(std::to_string(record.Firmenstamm.Nummer), record.Firmenstamm.Name);
-            if (!store->GetNextExt(record, found, file)) return ZELKERR_Datenbank;
-          }
-          return ZELK_OK;
+          if (!store) return ZELKERR_Datenbank;
+          const FileNumber file = fileNumber(kFirmenstamm, order == SelectionOrder::Name ? 1 : 0);
+          ZelkResult filled = ZELKERR_keine_Mandanten;
+          forEach<FIRMENSTAMM>({*store, file}, [&](const FIRMENSTAMM &client) {
+            add(std::to_string(client.Nummer), client.Name);
+            filled = ZELK_OK;
+          });
+          return filled;
         },
         HandleParent, chosen);
     return result == ZELK_OK ? std::atoi(chosen.c_str()) : result;

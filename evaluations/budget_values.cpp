@@ -6,7 +6,7 @@
 #include "frame/call.h"
 #include "frame/fetch.h"
 #include "frame/money_output.h"
-#include "records/keys.h"
+#include "store/typed.h"
 #include "vlba98/datum.h"
 #include "vlba98/geld.h"
 #include "vlba98/text.h"
@@ -36,9 +36,7 @@ Outcome openYear(Store &store, int32_t year) {
   const int current = vlba98::yearOfCode(client.AktJahr);
   const int first = *client.StartJahr ? vlba98::yearOfCode(client.StartJahr) : current;
   if (year == 0) year = current;
-  uint8_t exists = 0;
-  if (year >= first && year <= current && !vlfn98::OeffneJahr(store, year, exists)) return {ZELKERR_Datenbank};
-  if (exists) return {};
+  if (year >= first && year <= current && vlfn98::OeffneJahr(store, year)) return {};
   return {ZELKERR_uzl_Zeitraum, resources::kIstUnzulaessig, "Zeitraum"};
 }
 
@@ -49,12 +47,14 @@ bool belongs(const SharedFetch &fetch, const DATENBANK &record) {
          (!*fetch.reference || std::memcmp(centre.Kostref, fetch.reference, sizeof fetch.reference) == 0);
 }
 
-// Goes on to the next record that belongs to the fetch. \return 0 when the store failed
-int skip(Store &store, const SharedFetch &fetch, DATENBANK &record, uint8_t &found) {
-  int done = 1;
-  while (done && found && !belongs(fetch, record))
-    done = store.GetNextExt(record, found, fetch.file);
-  return done;
+// Goes on to the next record that belongs to the fetch, from one that may be. \return whether there is one
+bool skip(Store &store, const SharedFetch &fetch, DATENBANK &record) {
+  while (!belongs(fetch, record)) {
+    const auto following = vldb98::next<DATENBANK>({store, fetch.file});
+    if (!following) return false;
+    record = *following;
+  }
+  return true;
 }
 
 // Puts the fetch on its first record.
@@ -68,21 +68,22 @@ ZelkResult start(ThreadContext &context, Store &store, FileNumber file, const SC
     vlba98::strncpy2(fetch.reference, reference);
     vlba98::FillWithSpaces(fetch.reference);
   }
-  uint8_t found = 1;
-  const int done = skip(store, fetch, fetch.record, found);
-  if (done && found) return ZELK_OK;
-  fetch.end();
-  return done ? ZELK_keinKonto : ZELKERR_Datenbank;
+  SharedFetch standing = std::exchange(fetch, {});
+  if (!skip(store, standing, standing.record)) return ZELK_keinKonto;
+  fetch = standing;
+  return ZELK_OK;
 }
 
 // Reads the record behind the pending one.
 ZelkResult readAhead(ThreadContext &context, DATENBANK &next) {
-  ZelkResult result = detail::readAhead(context, kJahressaetze, next);
+  ZelkResult result = frame::detail::readAhead(context, kJahressaetze, next);
   if (result != ZELK_OK) return result;
-  uint8_t found = 1;
-  if (skip(*context.session(), context.fetch, next, found)) return found ? ZELK_OK : ZELK_letzterDatensatz;
-  context.fetch.end();
-  return ZELKERR_Datenbank;
+  try {
+    return skip(*context.session(), context.fetch, next) ? ZELK_OK : ZELK_letzterDatensatz;
+  } catch (const StoreFailed &) {
+    context.fetch.end();
+    throw;
+  }
 }
 
 // The value of a month from 0, of the year behind the last.
@@ -134,7 +135,7 @@ ZelkResult ZELK_CALL ZELK_InitHoleSollwerte(int32_t Mandantennummer, int32_t Kon
                if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
                if (Outcome opened = openYear(*store, Jahr); opened.result <= 0) return finish(*context, opened);
                const int table = tableOfKind(Kontoart);
-               if (!waitForYear(*store, kJahressaetze, table)) return ZELKERR_Datenbank;
+               waitForYear(*store, kJahressaetze, table);
                const FileNumber file = fileNumber(table, vlfn98::keyIndex(table, Sortierung));
                if (!Ab || !*Ab) return start(*context, *store, file, nullptr, Dimension, Kostref);
                KeyBuilder from;
@@ -172,7 +173,7 @@ ZelkResult ZELK_CALL ZELK_HoleSollwerte(char *Kontonummer, char *Kuerzel, char *
                const int table = tableOf(fetch.file);
                const Outcome delivered = deliverRecord(table, fetch.record, Ausgabeart, values);
                if (delivered.result <= 0) return finish(*context, delivered);
-               const vlfn98::Account account = vlfn98::accountOf(table, fetch.record);
+               const vlfn98::AccountFields account = vlfn98::accountOf(table, fetch.record);
                if (Kontonummer) {
                  vlba98::strncpy2(Kontonummer, account.number, sizeof SACHKONTO::Nr);
                  vlba98::KillSpaces(Kontonummer);

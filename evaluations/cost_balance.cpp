@@ -4,7 +4,7 @@
 #include "evaluations/figures.h"
 #include "frame/call.h"
 #include "frame/snapshot.h"
-#include "records/keys.h"
+#include "store/typed.h"
 #include "vlba98/encoding.h"
 #include "vlba98/text.h"
 #include "vlfn98/cost_postings.h"
@@ -22,7 +22,7 @@ constexpr int32_t kErstesQuartal = 13, kGanzesJahr = 17;
 constexpr int32_t kKontozeile = 1, kVerborgen = 4; // flags of a structure line
 
 /// What a call asks for. Empty texts: not given.
-struct Request {
+struct CostRequest {
   int32_t client;
   std::string_view costCentre, costType;
   int32_t structure, period, year, dimension;
@@ -45,84 +45,67 @@ Outcome checkNumbers(std::string_view costCentre, std::string_view costType) {
 
 Outcome checkYear(Store &store, int32_t year) {
   char first[3];
-  if (!store.HoleMinJahr(first)) return {ZELKERR_Datenbank};
-  uint8_t exists = 0;
+  must(store.HoleMinJahr(first));
   const bool inRange = year >= vlba98::yearOfCode(first) && year <= vlba98::yearOfCode(store.HoleBuchJahr());
-  if (inRange && !vlfn98::OeffneJahr(store, year, exists)) return {ZELKERR_Datenbank};
-  return exists ? Outcome{} : inadmissible(ZELKERR_uzl_Zeitraum, "Das Geschäftsjahr ist");
+  return inRange && vlfn98::OeffneJahr(store, year) ? Outcome{}
+                                                    : inadmissible(ZELKERR_uzl_Zeitraum, "Das Geschäftsjahr ist");
 }
 
-/// The numbers that the visible account lines of a report structure name. \return 0 when the store failed
-int numbersOf(Store &store, int32_t structure, std::set<std::string> &numbers) {
-  const FileNumber file = kStructureTables[size_t(structure)];
-  DATENBANK record{};
-  uint8_t found;
-  int done = store.StepFirstExt(record, found, file);
-  while (done && found) {
-    const AUFBAU &line = record.Aufbau;
+/// The numbers that the visible account lines of a report structure name.
+std::set<std::string> numbersOf(Store &store, int32_t structure) {
+  std::set<std::string> numbers;
+  forEachStored<AUFBAU>({store, kStructureTables[size_t(structure)]}, [&](const AUFBAU &line) {
     if ((line.Flags & kKontozeile) && !(line.Flags & kVerborgen)) numbers.emplace(vlba98::trimmed(line.Name));
-    done = store.StepNextExt(record, found, file);
-  }
-  return done;
+  });
+  return numbers;
 }
 
 /// The cost centres of the open year that a call asks for, as what restricts the postings.
 class CostCentres {
 public:
-  CostCentres(Store &store, const Request &request) : store_(store), request_(request) {}
+  CostCentres(Store &store, const CostRequest &request) : store_(store), request_(request) {}
 
   /// \param selection its cost centres stay nothing when the call does not restrict them
   Outcome select(vlfn98::Kostenauswahl &selection) {
     if (request_.structure >= int32_t(kStructureTables.size()))
       return inadmissible(ZELKERR_uzl_Kontonr, "Der Aufbau ist");
-    uint8_t referenced = 0;
     const bool hasDimension = request_.dimension >= 0 && request_.dimension < kDimensionen;
-    if (!request_.reference.empty() && !vlfn98::IsKostrefActive(store_, referenced)) return {ZELKERR_Datenbank};
-    if (request_.structure > 0 && !numbersOf(store_, request_.structure, inStructure_)) return {ZELKERR_Datenbank};
+    const bool referenced = !request_.reference.empty() && vlfn98::IsKostrefActive(store_);
+    if (request_.structure > 0) inStructure_ = numbersOf(store_, request_.structure);
     if (request_.costCentre.empty() && request_.structure <= 0 && !referenced) return {};
 
     auto &numbers = selection.costCentres.emplace();
     if (referenced) selection.reference = request_.reference;
-    DATENBANK record{};
-    uint8_t found;
     // In the order of numbers, from the one asked for.
     constexpr auto anyDimension = std::numeric_limits<int16_t>::min();
-    int done =
-        request_.costCentre.empty()
-            ? store_.GetFirstExt(record, found, kKost)
-            : store_.GetGeExt(record, KeyBuilder().account(request_.costCentre).number(anyDimension), found, kKost);
-    while (done && found) {
-      const KOST &centre = record.Kost;
+    forEach<KOST>(store_, from(request_.costCentre, anyDimension), [&](const KOST &centre) {
       const std::string_view number = vlba98::trimmed(centre.Nr);
-      if (!request_.costCentre.empty() && number != request_.costCentre) break;
+      if (!request_.costCentre.empty() && number != request_.costCentre) return false;
       const bool wanted = (!hasDimension || centre.Dimension == request_.dimension) &&
                           (!referenced || vlba98::trimmed(centre.Kostref) == request_.reference) &&
                           (request_.structure <= 0 || inStructure_.count(std::string(number)));
       if (wanted) numbers.emplace(number);
-      done = store_.GetNextExt(record, found, kKost);
-    }
-    if (!done) return {ZELKERR_Datenbank};
+      return true;
+    });
     return numbers.empty() ? inadmissible(ZELKERR_uzl_Kontonr, "Die Kostenstelle ist") : Outcome{};
   }
 
 private:
   Store &store_;
-  const Request &request_;
+  const CostRequest &request_;
   std::set<std::string> inStructure_;
 };
 
-Outcome select(Store &store, const Request &request, vlfn98::Kostenauswahl &selection) {
-  uint8_t exists = 1;
+Outcome select(Store &store, const CostRequest &request, vlfn98::Kostenauswahl &selection) {
   selection.costType = request.costType;
   selection.dimension = request.dimension;
-  if (!request.costType.empty() && !store.Used(KeyBuilder().account(request.costType), exists, kSachkonto))
-    return {ZELKERR_Datenbank};
-  if (!exists || request.costType.size() >= sizeof SACHKONTO::Nr)
+  const bool known = request.costType.empty() || exists<SACHKONTO>(store, request.costType);
+  if (!known || request.costType.size() >= sizeof SACHKONTO::Nr)
     return inadmissible(ZELKERR_uzl_Kontonr, "Die Kostenart ist");
   return CostCentres(store, request).select(selection);
 }
 
-Outcome costsOf(Store &store, const Request &request, int64_t &euro) {
+Outcome costsOf(Store &store, const CostRequest &request, int64_t &euro) {
   if (Outcome opened = openClient(store, request.client); opened.result <= 0) return opened;
   if (Outcome checked = checkYear(store, request.year); checked.result <= 0) return checked;
   vlfn98::Kostenauswahl selection;
@@ -136,14 +119,11 @@ Outcome costsOf(Store &store, const Request &request, int64_t &euro) {
     last = first + 2;
   } else if (request.period < 1 || request.period > vlfn98::kMonate)
     return {ZELKERR_uzl_Zeitraum, resources::kIstUnzulaessig, "Zeitraum"};
-  GESCHAEFTSJAHR year{};
-  uint8_t found;
-  vlfn98::Werte values;
-  const bool done = vlfn98::HoleGeschaeftsjahr(store, request.year, year, found) &&
-                    waitForYear(store, kJahressaetze, kKostenbuchung) &&
-                    vlfn98::SummeDerKostenbuchungen(store, vlfn98::TageDerMonate(year, first, last), selection, values);
-  euro = values.euroSaldo();
-  return {done ? ZELK_OK : ZELKERR_Datenbank};
+  const auto year = vlfn98::HoleGeschaeftsjahr(store, request.year).value_or(GESCHAEFTSJAHR{});
+  waitForYear(store, kJahressaetze, kKostenbuchung);
+  const vlfn98::Zeitspanne days = vlfn98::TageDerMonate(year, first, last);
+  euro = vlfn98::SummeDerKostenbuchungen(store, days, selection).euroSaldo();
+  return {};
 }
 
 std::string_view given(const char *text) {
@@ -162,25 +142,24 @@ ZelkResult ZELK_CALL ZELK_HoleKostenSaldo(int32_t Mandantennummer, const char *K
               number("Jahr:", Jahr), messages(Fehlermeldungen), number("Ausgabeart:", Ausgabeart),
               out("Eurosaldo:", Eurosaldo), number("Dimension:", Dimension), text("Kostref:", Kostref)},
              [&](ThreadContext *context) {
-               const Request request{Mandantennummer,
-                                     vlba98::trimmed(given(Kontonummer)),
-                                     vlba98::trimmed(given(Kostenart)),
-                                     Aufbau,
-                                     Zeitraum,
-                                     Jahr,
-                                     Dimension,
-                                     vlba98::trimmed(given(Kostref))};
+               const CostRequest request{Mandantennummer,
+                                         vlba98::trimmed(given(Kontonummer)),
+                                         vlba98::trimmed(given(Kostenart)),
+                                         Aufbau,
+                                         Zeitraum,
+                                         Jahr,
+                                         Dimension,
+                                         vlba98::trimmed(given(Kostref))};
                Outcome outcome = checkForm(Ausgabeart);
                if (outcome.result > 0) outcome = checkNumbers(given(Kontonummer), given(Kostenart));
                if (outcome.result <= 0) return finish(*context, outcome);
                Store *store = context->session();
                if (!store) return ZelkResult(ZELKERR_Datenbank);
                int64_t euro = 0;
-               const ZelkResult read = inSnapshot(*store, [&] {
+               inSnapshot(*store, [&] {
                  outcome = costsOf(*store, request, euro);
                  return outcome.result;
                });
-               if (read == ZELKERR_Datenbank) return read;
                if (outcome.result > 0) outcome = deliver(Ausgabeart, {{Eurosaldo, euro}});
                return finish(*context, outcome);
              });

@@ -5,6 +5,7 @@
 
 #include "frame/messages.h"
 #include "frame/money_output.h"
+#include "store/typed.h"
 #include "vlba98/encoding.h"
 #include "vlba98/geld.h"
 #include "vlfn98/accounts.h"
@@ -25,20 +26,18 @@ Outcome checkForm(int32_t form) {
 
 Outcome openClient(Store &store, int32_t client) {
   const ZelkResult opened = vlfn98::HoleMandantenDaten(store, client);
-  if (opened > 0 || opened == ZELKERR_Datenbank) return {opened};
+  if (opened > 0) return {opened};
   return {opened, resources::kGibtEsNicht, "Mandant"};
 }
 
 Outcome readAccount(Store &store, const AccountRequest &account, DATENBANK &record) {
   const char *number = account.number ? account.number : "";
-  uint8_t found = 0;
-  if (std::strlen(number) < sizeof SACHKONTO::Nr) {
-    SCHLUESSEL key = KeyBuilder().account(number);
-    int file = vlfn98::KzFromZELKArt(account.kind);
-    if (file == kKost) file += vlfn98::GetKostKontoKey(number, account.dimension, account.reference, key);
-    if (!store.UsedGet(record, key, found, FileNumber(file))) return {ZELKERR_Datenbank};
-  }
-  return found ? Outcome{} : noSuchAccount(account.kind);
+  if (std::strlen(number) >= sizeof SACHKONTO::Nr) return noSuchAccount(account.kind);
+  const int table = vlfn98::KzFromZELKArt(account.kind);
+  const auto found = vlfn98::findAccount(store, table, number, account.dimension, account.reference);
+  if (!found) return noSuchAccount(account.kind);
+  record = *found;
+  return {};
 }
 
 Outcome noSuchAccount(int32_t kind) {
@@ -46,11 +45,11 @@ Outcome noSuchAccount(int32_t kind) {
   return {ZELKERR_uzl_Kontonr, resources::kKontonummerUnzulaessig};
 }
 
-int waitForYear(Store &store, FileNumber resource, int table) {
+void waitForYear(Store &store, FileNumber resource, int table) {
   constexpr int waitOnly = 1;
   std::string name = store.HoleOpenJahr();
   if (table >= 0) name += "/" + std::to_string(table);
-  return store.LockRes(resource, store.HoleFista().Nummer, name.c_str(), waitOnly, 0);
+  must(store.LockRes(resource, store.HoleFista().Nummer, name.c_str(), waitOnly, 0));
 }
 
 Outcome deliver(int32_t form, std::initializer_list<Figure> figures) {

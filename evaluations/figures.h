@@ -39,13 +39,14 @@ frame::Outcome openClient(vldb98::Store &store, int32_t client);
 frame::Outcome noSuchAccount(int32_t kind);
 
 /// Reads the account in the open fiscal year.
-/// \return 1; -3; that there is none
+/// \return 1; that there is none
 frame::Outcome readAccount(vldb98::Store &store, const AccountRequest &account, vldb98::DATENBANK &record);
 
 /// Waits for whoever changes a kind of records of a client's fiscal year. Takes nothing itself: what is read holds
 /// together because it is read in a snapshot. \param resource 117 records of the year, 118 its entries \param table -1:
-/// all \return 0 when it takes too long
-int waitForYear(vldb98::Store &store, vldb98::FileNumber resource, int table);
+/// all
+/// \throws StoreFailed when it takes too long
+void waitForYear(vldb98::Store &store, vldb98::FileNumber resource, int table);
 
 /// Hands figures out, all of them or none: -2 where one that is wanted lies beyond ±999.999.999,99.
 frame::Outcome deliver(int32_t form, std::initializer_list<Figure> figures);

@@ -5,7 +5,7 @@
 #include "frame/fetch.h"
 #include "frame/messages.h"
 #include "frame/snapshot.h"
-#include "records/keys.h"
+#include "store/typed.h"
 #include "vlba98/text.h"
 #include "vlfn98/client.h"
 
@@ -22,15 +22,6 @@ constexpr int32_t kSecondHolds = 4;                             // of its second
 // The depth of the walk that moved last, whichever thread's. It is only told to hosts: no walk finds its way by it.
 std::atomic<int32_t> nestingLevel{0};
 
-int readLine(Store &store, FileNumber file, int32_t number, AUFBAU &line, uint8_t &found) {
-  DATENBANK record{};
-  found = 0;
-  if (number == 0) return 1;
-  if (!store.UsedGet(record, KeyBuilder().number(number), found, file)) return 0;
-  if (found) line = record.Aufbau;
-  return 1;
-}
-
 /// Moves a walk from line to line, in the order in which a report prints them.
 class Walker {
 public:
@@ -38,16 +29,11 @@ public:
 
   /// Goes to the first line. \return 1; 0 when the structure has none; -3 when the store failed or a line is missing
   ZelkResult begin() {
-    AUFBAU root{};
-    uint8_t found;
-    if (!readLine(store_, walk_.file, kRoot, root, found)) return ZELKERR_Datenbank;
-    if (!found) return ZELK_keinKonto;
+    if (!goTo(kRoot)) return ZELK_keinKonto;
     walk_.delivered = {kRoot};
     // A root without lines below it stands beside them.
-    level_ = root.Kind != 0 ? 1 : 0;
-    if (!readLine(store_, walk_.file, root.Kind != 0 ? root.Kind : root.Naechste, line_, found))
-      return ZELKERR_Datenbank;
-    if (!found) return ZELK_keinKonto;
+    level_ = line_.Kind != 0 ? 1 : 0;
+    if (!goTo(line_.Kind != 0 ? line_.Kind : line_.Naechste)) return ZELK_keinKonto;
     walk_.delivered.insert(line_.Nr);
     ZelkResult result = skipHidden();
     return result == ZELK_letzterDatensatz ? ZELK_keinKonto : result;
@@ -55,10 +41,9 @@ public:
 
   /// Goes to the next line to be delivered. \return 1; 2 when there is none; -3
   ZelkResult advance() {
-    uint8_t found;
     line_ = walk_.line;
     // The line may have got another neighbour since it was read; one that was deleted led to where it did.
-    if (!readLine(store_, walk_.file, walk_.line.Nr, line_, found)) return ZELKERR_Datenbank;
+    goTo(walk_.line.Nr);
     ZelkResult result = step();
     return result == ZELK_OK ? skipHidden() : result;
   }
@@ -70,6 +55,13 @@ public:
   }
 
 private:
+  // \return false where there is no such line; the walk then stays
+  bool goTo(int32_t number) {
+    const auto line = number != 0 ? find<AUFBAU>({store_, walk_.file}, number) : std::nullopt;
+    if (line) line_ = *line;
+    return line.has_value();
+  }
+
   ZelkResult skipHidden() {
     ZelkResult result = ZELK_OK;
     while (result == ZELK_OK && !walk_.hiddenToo && (line_.Flags & kHidden))
@@ -85,9 +77,7 @@ private:
     for (size_t climbs = 0; line_.Naechste == 0; ++climbs) {
       if (line_.Vater == 0 || line_.Vater == kRoot) return ZELK_letzterDatensatz;
       // More often than there are lines: the parents form a circle.
-      uint8_t found;
-      if (climbs > walk_.delivered.size() || !readLine(store_, walk_.file, line_.Vater, line_, found) || !found)
-        return ZELKERR_Datenbank;
+      if (climbs > walk_.delivered.size() || !goTo(line_.Vater)) return ZELKERR_Datenbank;
       --level_;
     }
     return enter(line_.Naechste);
@@ -95,9 +85,7 @@ private:
 
   // A line that was there before would be the start of an endless walk.
   ZelkResult enter(int32_t number) {
-    uint8_t found;
-    const bool done = readLine(store_, walk_.file, number, line_, found) && found;
-    return done && walk_.delivered.insert(number).second ? ZELK_OK : ZELKERR_Datenbank;
+    return goTo(number) && walk_.delivered.insert(number).second ? ZELK_OK : ZELKERR_Datenbank;
   }
 
   Store &store_;
@@ -117,15 +105,15 @@ ZelkResult deliver(ThreadContext &context, int32_t *kind, char *name, int32_t *l
   const AUFBAU line = walk.line;
   const bool account = line.Flags & kAccountLine;
   const int32_t depth = nestingLevel - (account ? 1 : 0);
+  // Until it has gone on: a walk that failed is over.
+  walk.active = false;
   Store *store = context.session();
-  ZelkResult result = ZELKERR_Datenbank;
-  if (store && vlfn98::HoleMandantenDaten(*store, walk.client) == ZELK_OK) {
-    Walker walker(*store, walk);
-    result = inSnapshot(*store, [&] { return walker.advance(); });
-    if (result == ZELK_OK) walker.commit();
-  }
-  walk.active = result == ZELK_OK;
+  if (!store || vlfn98::HoleMandantenDaten(*store, walk.client) != ZELK_OK) return ZELKERR_Datenbank;
+  Walker walker(*store, walk);
+  const ZelkResult result = inSnapshot(*store, [&] { return walker.advance(); });
   if (result < 0) return result;
+  if (result == ZELK_OK) walker.commit();
+  walk.active = result == ZELK_OK;
   if (kind) *kind = (line.Flags & kKindBits) + (line.Flags & kHidden);
   if (name) vlba98::strncpy2(name, line.Name, sizeof line.Name);
   if (name && account) vlba98::KillSpaces(name);
@@ -155,7 +143,7 @@ ZelkResult ZELK_CALL ZELK_InitHoleAufbau(int32_t Mandatennummer, int32_t Klasse,
                walk.client = Mandatennummer;
                walk.file = kStructureTables[size_t(structure)];
                constexpr int waitOnly = 1;
-               if (!store->Lock(walk.file, nullptr, waitOnly)) return ZELKERR_Datenbank;
+               must(store->Lock(walk.file, nullptr, waitOnly));
                Walker walker(*store, walk);
                const ZelkResult result = inSnapshot(*store, [&] { return walker.begin(); });
                if (result != ZELK_OK) return result;

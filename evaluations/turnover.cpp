@@ -18,9 +18,7 @@ constexpr FileNumber kJahressaetze = 117, kJahresbuchungen = 118;
 Outcome openYear(Store &store, int32_t year) {
   // Opening the client has opened its current booking year.
   if (year < 0) return {};
-  uint8_t exists;
-  if (!vlfn98::OeffneJahr(store, year, exists)) return {ZELKERR_Datenbank};
-  return exists ? Outcome{} : inadmissible(ZELKERR_uzl_Zeitraum, "Das Geschäftsjahr ist");
+  return vlfn98::OeffneJahr(store, year) ? Outcome{} : inadmissible(ZELKERR_uzl_Zeitraum, "Das Geschäftsjahr ist");
 }
 
 Outcome checkAccount(const AccountRequest &account) {
@@ -37,26 +35,21 @@ Outcome sumUpTo(Store &store, const AccountRequest &account, const char *date, v
   const auto day = vlba98::parseDatum(date);
   if (!day) return {ZELKERR_uzl_Datum, resources::kDatumUnzulaessig};
 
-  GESCHAEFTSJAHR year{};
-  uint8_t found;
-  if (!vlfn98::HoleGeschaeftsjahr(store, *day, year, found)) return {ZELKERR_Datenbank};
-  const int table = vlfn98::KzFromZELKArt(account.kind);
-  if (found && !vlfn98::OeffneJahr(store, year.Jahr, found)) return {ZELKERR_Datenbank};
+  const auto year = vlfn98::HoleGeschaeftsjahr(store, *day);
   // In no fiscal year there is no account.
-  if (!found) return noSuchAccount(account.kind);
-  if (!waitForYear(store, kJahressaetze, table)) return {ZELKERR_Datenbank};
+  if (!year || !vlfn98::OeffneJahr(store, year->Jahr)) return noSuchAccount(account.kind);
+  const int table = vlfn98::KzFromZELKArt(account.kind);
+  waitForYear(store, kJahressaetze, table);
   DATENBANK record{};
   if (Outcome read = readAccount(store, account, record); read.result <= 0) return read;
-  if (!waitForYear(store, kJahresbuchungen, -1)) return {ZELKERR_Datenbank};
+  waitForYear(store, kJahresbuchungen, -1);
 
-  const int month = vlfn98::BuchungsMonat(year, *day);
+  const int month = vlfn98::BuchungsMonat(*year, *day);
   values = vlfn98::summeDerWerte(table, record, {1, month - 1, true, false});
-  const vlfn98::Zeitspanne days{vlfn98::TageDerMonate(year, month, month).von, *day};
-  vlfn98::Werte ofMonth;
-  const int done = table == kKost ? vlfn98::GetKostMonatsWerte(store, record.Kost, days, ofMonth)
-                                  : vlfn98::GetKontoMonatsWerte(store, table, account.number, days, ofMonth);
-  values += ofMonth;
-  return {done ? ZELK_OK : ZELKERR_Datenbank};
+  const vlfn98::Zeitspanne days{vlfn98::TageDerMonate(*year, month, month).von, *day};
+  values += table == kKost ? vlfn98::GetKostMonatsWerte(store, record.Kost, days)
+                           : vlfn98::GetKontoMonatsWerte(store, table, account.number, days);
+  return {};
 }
 
 } // namespace
@@ -113,11 +106,10 @@ Outcome balanceOnDay(ThreadContext &context, const AccountRequest &account, cons
   if (!store) return {ZELKERR_Datenbank};
   Outcome outcome;
   vlfn98::Werte values;
-  const ZelkResult read = inSnapshot(*store, [&] {
+  inSnapshot(*store, [&] {
     outcome = sumUpTo(*store, account, date, values);
     return outcome.result;
   });
-  if (read == ZELKERR_Datenbank) return {read};
   if (outcome.result <= 0) return outcome;
   return deliver(form, {{balance, values.saldo()}, {euroBalance, values.euroSaldo()}});
 }

@@ -18,6 +18,7 @@
 #include "platform/peer_process.h"
 #include "platform/registry.h"
 #include "platform/system.h"
+#include "store/typed.h"
 #include "vlfn98/client.h"
 
 namespace frame {
@@ -101,7 +102,7 @@ void end(platform::PeerProcess &process, bool enabled, Wait wait) {
 
 // The session of the calling thread with the client open and the lines of a posting in memory, as far as there are any;
 // null when there is no such client, and for all postings of a batch.
-vldb98::Store *sessionWithLines(int32_t client, const vldb98::BATCHBUCHUNG &posting) {
+vldb98::Store *sessionWithLines(int32_t client, const vldb98::BATCHBUCHUNG &posting) try {
   ThreadContext *context = posting.Nr != 0 ? threadContext() : nullptr;
   vldb98::Store *store = context ? context->session() : nullptr;
   if (!store || (store->HoleFista().Nummer != client && vlfn98::HoleMandantenDaten(*store, client) != ZELK_OK))
@@ -113,6 +114,8 @@ vldb98::Store *sessionWithLines(int32_t client, const vldb98::BATCHBUCHUNG &post
   // No lines are better than some of them.
   if (!store->ReadBat(stored, posting.Stapel, posting.Nr, found)) store->SplitFree();
   return store;
+} catch (const vldb98::StoreFailed &) {
+  return nullptr;
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 
 #include "frame/account_output.h"
 #include "frame/stored_posting.h"
+#include "store/typed.h"
 #include "vlba98/geld.h"
 #include "vlba98/text.h"
 #include "vlfn98/documents.h"
@@ -75,8 +76,11 @@ void fill(ZELK_SPLITBUCHUNG &out, int32_t value, const BATCHBUCHUNG &posting, St
   fillHead(out, posting);
   vlba98::strncpy2(out.Waehrung, currencyOf(posting, client));
   if (!store) return;
-  // A change without the identifier is better than none.
-  if (posting.DMSNr != 0) vlfn98::DmsGetDmsID(*store, posting.DMSNr, out.DMSID);
+  try {
+    vlfn98::DmsGetDmsID(*store, posting.DMSNr, out.DMSID);
+  } catch (const StoreFailed &) {
+    // A change without the identifier is better than none.
+  }
   const bool roundsToFive = (client.Optionen & kRundenAufFuenf) != 0;
   for (ZELK_TEILBUCHUNG &line : out.Teilbuchung) {
     const SPLIT *stored = store->PSplit(start++);

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "frame/messages.h"
+#include "store/typed.h"
 #include "vlba98/encoding.h"
 #include "vlba98/text.h"
 
@@ -47,8 +48,16 @@ Selection::Selection(int title, SelectionOrder order, FillSelection fill)
 ZelkResult Selection::refill() {
   lines_.clear();
   selected_.reset();
-  ZelkResult filled = fill_(
-      order_, [&](std::string_view number, std::string_view name) { lines_.push_back(lineOf(order_, number, name)); });
+  const AddEntry add = [&](std::string_view number, std::string_view name) {
+    lines_.push_back(lineOf(order_, number, name));
+  };
+  ZelkResult filled;
+  try {
+    filled = fill_(order_, add);
+  } catch (const vldb98::StoreFailed &) {
+    // A dialog may be what asks, and nothing may be thrown through its window.
+    filled = ZELKERR_Datenbank;
+  }
   if (filled < ZELK_OK) lines_.clear();
   return filled;
 }

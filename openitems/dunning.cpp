@@ -1,10 +1,12 @@
 // The dunning level of an account.
 #include <algorithm>
-#include <cstring>
+#include <string>
 
 #include "frame/call.h"
 #include "frame/snapshot.h"
 #include "openitems/selection.h"
+#include "store/typed.h"
+#include "vlba98/text.h"
 #include "vlfn98/client.h"
 
 using namespace frame;
@@ -13,18 +15,14 @@ using namespace vldb98;
 namespace {
 
 // The greatest level of an account's items; blocked ones count less than none.
-ZelkResult greatestLevel(Store &store, const ItemSelection &account) {
+ZelkResult greatestLevel(Store &store, const std::string &account) {
   int16_t level = 0;
-  DATENBANK item{};
-  ZelkResult result = openitems::findFirst(store, account, kOPDebitor, item);
-  const FileNumber file = openitems::fileOf(kOPDebitor, account);
-  while (result == ZELK_OK) {
-    level = std::max(level, int16_t(item.Opbeleg.Mahnstufe));
-    uint8_t found;
-    if (!store.GetNextExt(item, found, file)) return ZELKERR_Datenbank;
-    result = found && openitems::holds(account, item) ? ZELK_OK : ZELK_keinKonto;
-  }
-  return result < 0 ? result : level;
+  forEach<OPBELEG>({store, fileNumber(kOPDebitor, 1)}, from(account), [&](const OPBELEG &item) {
+    if (vlba98::trimmed(item.Konto) != account) return false;
+    level = std::max(level, int16_t(item.Mahnstufe));
+    return true;
+  });
+  return level;
 }
 
 } // namespace
@@ -36,14 +34,11 @@ ZelkResult ZELK_CALL ZELK_HoleAktMahnstufe(int32_t Mandantennummer, const char *
                Store *store = context->session();
                if (!store) return ZELKERR_Datenbank;
                if (int32_t opened = vlfn98::HoleMandantenDaten(*store, Mandantennummer); opened < 1) return opened;
-               const char *number = DebiKonto ? DebiKonto : "";
-               if (std::strlen(number) > openitems::kAccountWidth) return ZELKERR_uzl_Kontonr;
-               uint8_t found;
-               if (!store->Used(KeyBuilder().account(number), found, kDebitor)) return ZELKERR_Datenbank;
-               if (!found) return ZELKERR_uzl_Kontonr;
-               constexpr int kWaitForHolder = 1;
-               if (!store->Lock(kOPDebitor, nullptr, kWaitForHolder)) return ZELKERR_Datenbank;
-               ItemSelection account = openitems::selectBy(ItemSelection::By::Account, number);
-               return inSnapshot(*store, [&] { return greatestLevel(*store, account); });
+               const std::string number = DebiKonto ? DebiKonto : "";
+               if (number.size() > openitems::kAccountWidth || !exists<PERSONENKONTO>({*store, kDebitor}, number))
+                 return ZELKERR_uzl_Kontonr;
+               constexpr int waitForHolder = 1;
+               must(store->Lock(kOPDebitor, nullptr, waitForHolder));
+               return inSnapshot(*store, [&] { return greatestLevel(*store, std::string(vlba98::trimmed(number))); });
              });
 }

@@ -6,6 +6,7 @@
 #include "openitems/selection.h"
 #include "vlba98/datum.h"
 #include "vlba98/text.h"
+#include "vlfn98/fiscal_year.h"
 
 using namespace frame;
 using namespace vldb98;
@@ -18,33 +19,21 @@ constexpr bool isHistoricalTable(int32_t table) {
   return table == kHistOPDebitor || table == kHistOPKreditor;
 }
 
-// Opens a year. \return 1, 0 when the client has no such year, -3
-ZelkResult openYear(Store &store, int year) {
-  char code[3];
-  uint8_t exists;
-  if (!vlba98::itotwo(year - vlba98::firstYear, code)) return ZELK_keinKonto;
-  if (!store.ExistiertJahr(code, exists)) return ZELKERR_Datenbank;
-  if (!exists) return ZELK_keinKonto;
-  return store.SetzeOpenJahr(code) ? ZELK_OK : ZELKERR_Datenbank;
-}
-
-// Finds the first item of a selection from a year on; that year is then the open one. \return 1, 0, -3
+// Finds the first item of a selection from a year on; that year is then the open one. \return 1, 0
 ZelkResult findFromYear(Store &store, const ItemSelection &selection, int table, int year, DATENBANK &item) {
-  ZelkResult result = ZELK_keinKonto;
-  for (; result == ZELK_keinKonto && year <= selection.lastYear; ++year) {
-    result = openYear(store, year);
-    if (result == ZELK_OK) result = openitems::findFirst(store, selection, table, item);
-  }
-  return result;
+  for (; year <= selection.lastYear; ++year)
+    if (vlfn98::OeffneJahr(store, year) && openitems::findFirst(store, selection, table, item) == ZELK_OK)
+      return ZELK_OK;
+  return ZELK_keinKonto;
 }
 
 // What a host asks for. The first that is given counts.
-struct Request {
+struct ItemRequest {
   const char *date, *document, *openItem, *account;
 };
 
 // \return 1, -64, -10
-ZelkResult select(ThreadContext &context, const Request &request, ItemSelection &selection) {
+ZelkResult select(ThreadContext &context, const ItemRequest &request, ItemSelection &selection) {
   using By = ItemSelection::By;
   if (auto text = openitems::given(request.date); !text.empty()) {
     auto date = vlba98::parseDatum(text);
@@ -73,8 +62,9 @@ ZelkResult deliverHistoricalItem(ThreadContext &context, Outputs &outputs) {
   const ItemSelection &selection = context.itemSelection;
   const int table = fetch.kind;
   Store *store = resumeFetch(context);
+  if (!store) return ZELKERR_Datenbank;
+  outputs.lookUp(*store, fetch.record);
   DATENBANK next{};
-  if (!store || !outputs.lookUp(*store, fetch.record)) return ZELKERR_Datenbank;
   ZelkResult result = readBehind(fetch, *store, next);
   if (result == ZELK_letzterDatensatz || (result == ZELK_OK && !openitems::holds(selection, next)))
     result = findFromYear(*store, selection, table, vlba98::yearOfCode(fetch.year) + 1, next);

@@ -3,6 +3,7 @@
 #include "frame/messages.h"
 #include "openitems/outputs.h"
 #include "openitems/selection.h"
+#include "store/typed.h"
 #include "vlfn98/accounts.h"
 
 using namespace frame;
@@ -16,13 +17,11 @@ constexpr bool isOpenItemTable(int32_t table) {
   return table == kOPKreditor || table == kOPDebitor;
 }
 
-// The account of a filter must exist in the client's current year. \return 1, -10, -3
+// The account of a filter must exist in the client's current year. \return 1, -10
 ZelkResult checkAccount(ThreadContext &context, Store &store, int32_t kind, std::string_view number) {
-  uint8_t found = 0;
-  if (number.size() <= openitems::kAccountWidth &&
-      !store.Used(KeyBuilder().account(number), found, FileNumber(vlfn98::KzFromZELKArt(kind))))
-    return ZELKERR_Datenbank;
-  return found ? ZELK_OK : refuse(context, ZELKERR_uzl_Kontonr, resources::kKontonummerUnzulaessig);
+  const In accounts{store, FileNumber(vlfn98::KzFromZELKArt(kind))};
+  const bool known = number.size() <= openitems::kAccountWidth && exists<PERSONENKONTO>(accounts, number);
+  return known ? ZELK_OK : refuse(context, ZELKERR_uzl_Kontonr, resources::kKontonummerUnzulaessig);
 }
 
 // Delivers the pending item and moves on; the fetch stays where it is when the store fails.
@@ -32,8 +31,9 @@ ZelkResult deliverOpenItem(ThreadContext &context, Outputs &outputs) {
   if (outputs.formMissing()) return ZELKERR_uzl_Format;
   if (!fetch.pending) return ZELKERR_keinDatensatz;
   Store *store = resumeFetch(context);
+  if (!store) return ZELKERR_Datenbank;
+  outputs.lookUp(*store, fetch.record);
   DATENBANK next{};
-  if (!store || !outputs.lookUp(*store, fetch.record)) return ZELKERR_Datenbank;
   ZelkResult result = readBehind(fetch, *store, next);
   if (result < 0) return result;
   outputs.write(fetch.record, fetch.kind, store->HoleFista());

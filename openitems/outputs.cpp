@@ -148,14 +148,13 @@ bool Outputs::formMissing() const {
   return false;
 }
 
-bool Outputs::lookUp(Store &store, const DATENBANK &item) {
+void Outputs::lookUp(Store &store, const DATENBANK &item) {
   for (size_t i = 0; i < count_; ++i) {
     if (!pointers_[i]) continue;
     const Field &field = kFields[fields_[i]];
-    if (field.form == Form::User && !vlfn98::HoleBenutzername(store, numberAt(item, field), user_)) return false;
-    if (field.form == Form::Document && !vlfn98::DmsGetDmsID(store, numberAt(item, field), document_)) return false;
+    if (field.form == Form::User) vlfn98::HoleBenutzername(store, numberAt(item, field), user_);
+    if (field.form == Form::Document) vlfn98::DmsGetDmsID(store, numberAt(item, field), document_);
   }
-  return true;
 }
 
 void Outputs::write(const DATENBANK &item, int table, const FIRMENSTAMM &client) const {

@@ -26,7 +26,7 @@ public:
   bool formMissing() const;
 
   /// Reads what the item refers to in other tables, as far as it is wanted. \return false when the store failed
-  bool lookUp(vldb98::Store &store, const vldb98::DATENBANK &item);
+  void lookUp(vldb98::Store &store, const vldb98::DATENBANK &item);
 
   /// Writes an item, with what was looked up for it.
   /// \param table that of the item

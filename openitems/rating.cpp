@@ -9,6 +9,7 @@
 #include "frame/notification.h"
 #include "frame/protocol.h"
 #include "openitems/selection.h"
+#include "store/typed.h"
 #include "vlba98/encoding.h"
 #include "vlfn98/accounts.h"
 #include "vlfn98/dates.h"
@@ -53,35 +54,31 @@ ZelkResult ask(const ThreadContext &context, const RatingRequest &request, Ratin
   return ZELK_OK;
 }
 
-// Reads an account of the open year. \return 1, -10, -3
-Outcome readAccount(Store &store, int table, std::string_view number, DATENBANK &account) {
-  uint8_t found = 0;
-  if (number.size() <= openitems::kAccountWidth &&
-      !store.UsedGet(account, KeyBuilder().account(number), found, FileNumber(table)))
-    return {ZELKERR_Datenbank};
-  if (!found) return {ZELKERR_uzl_Kontonr, resources::kKontonummerUnzulaessig};
-  return {};
+const Outcome kNoSuchAccount{ZELKERR_uzl_Kontonr, resources::kKontonummerUnzulaessig};
+
+// An account of the open year.
+std::optional<PERSONENKONTO> readAccount(Store &store, int table, std::string_view number) {
+  if (number.size() > openitems::kAccountWidth) return std::nullopt;
+  return find<PERSONENKONTO>({store, FileNumber(table)}, number);
 }
 
 // Stores a rating in the account as it is now, and in the account-change protocol, both or nothing. With the table
 // locked.
 Outcome writeRating(Store &store, int table, std::string_view number, const char *rating, PERSONENKONTO &changed) {
   Transaction writing(store, false);
-  if (!writing.isOpen()) return {ZELKERR_Datenbank};
-  DATENBANK record{};
-  Outcome outcome = readAccount(store, table, number, record);
-  if (outcome.result == ZELK_OK) {
-    PERSONENKONTO &account = record.Personenkonto;
-    const PERSONENKONTO before = account;
-    vlba98::strncpy2(account.Bonitaet, rating);
-    if (!vlfn98::PekoProtokoll(store, table, account.Nr, vlfn98::kBonitaetGeaendert, store.HoleOpenJahr(),
-                               before.Bonitaet, account.Bonitaet) ||
-        !store.Update(record, FileNumber(table)))
-      outcome = {ZELKERR_Datenbank};
-    changed = account;
+  must(writing.isOpen());
+  const auto account = readAccount(store, table, number);
+  if (!account) {
+    must(writing.rollback());
+    return kNoSuchAccount;
   }
-  const bool refused = outcome.result != ZELK_OK;
-  return (refused ? writing.rollback() : writing.commit()) ? outcome : Outcome{ZELKERR_Datenbank};
+  changed = *account;
+  vlba98::strncpy2(changed.Bonitaet, rating);
+  vlfn98::PekoProtokoll(store, table, account->Nr, vlfn98::kBonitaetGeaendert, store.HoleOpenJahr(), account->Bonitaet,
+                        changed.Bonitaet);
+  update({store, FileNumber(table)}, changed);
+  must(writing.commit());
+  return {};
 }
 
 // The source is asked before anything is locked: it may take long, or wait for a person, and nobody else is to wait.
@@ -89,10 +86,9 @@ ZelkResult rateAccount(ThreadContext &context, Store &store, RatingRequest &requ
   if (request.kind != ZELK_KREDITOR && request.kind != ZELK_DEBITOR)
     return refuse(context, ZELKERR_uzl_Kontoart, resources::kKontoartUnzulaessig);
   const int table = vlfn98::KzFromZELKArt(request.kind);
-  DATENBANK record{};
-  if (Outcome read = readAccount(store, table, number, record); read.result != ZELK_OK)
-    return read.message ? refuse(context, read.result, read.message) : read.result;
-  request.party = record.Personenkonto;
+  const auto account = readAccount(store, table, number);
+  if (!account) return refuse(context, kNoSuchAccount.result, kNoSuchAccount.message);
+  request.party = *account;
   Rating rating;
   if (ZelkResult asked = ask(context, request, rating); asked != ZELK_OK) return asked;
 

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "store/typed.h"
 #include "vlba98/text.h"
 
 using namespace vldb98;
@@ -61,15 +62,12 @@ bool holds(const ItemSelection &selection, const DATENBANK &item) {
 }
 
 ZelkResult findFirst(Store &store, const ItemSelection &selection, int table, DATENBANK &item) {
-  constexpr int32_t kBehindWriter = 1;
-  const Rule &rule = ruleOf(selection.by);
-  const FileNumber file = fileOf(table, selection);
-  uint8_t found;
-  int done = rule.size == 0 ? store.GetFirstExt(item, found, file, ZELK_ENG_DEFAULT, kBehindWriter)
-                            : store.GetGeExt(item, KeyBuilder().text(selection.value, size_t(rule.size) - 1), found,
-                                             file, ZELK_ENG_DEFAULT, kBehindWriter);
-  if (!done) return ZELKERR_Datenbank;
-  return found && holds(selection, item) ? ZELK_OK : ZELK_keinKonto;
+  constexpr int32_t waitForWriter = 1;
+  const In items{store, fileOf(table, selection), waitForWriter};
+  const auto found = selection.by == By::Nothing ? first<DATENBANK>(items) : atLeast<DATENBANK>(items, selection.value);
+  if (!found || !holds(selection, *found)) return ZELK_keinKonto;
+  item = *found;
+  return ZELK_OK;
 }
 
 } // namespace openitems

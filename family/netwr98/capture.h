@@ -8,10 +8,10 @@
 namespace netwr98 {
 
 /// Whether document capture assigned costs to a document of the open client. \param document number of its
-/// document-management link; 0: no document \return 0 when the store failed
-int OCR_IsBelegkontierungAktiv(vldb98::Store &store, int32_t document, uint8_t &active);
+/// document-management link; 0: no document
+bool OCR_IsBelegkontierungAktiv(vldb98::Store &store, int32_t document);
 
-/// The cost template that document capture assigned to a document; 0: none. \return 0 when the store failed
-int OCR_GetBucDlg(vldb98::Store &store, int32_t document, int32_t &costTemplate);
+/// The cost template that document capture assigned to a document; 0: none.
+int32_t OCR_GetBucDlg(vldb98::Store &store, int32_t document);
 
 } // namespace netwr98

@@ -9,14 +9,14 @@
 namespace vlfn98 {
 
 /// The fields that every account has, in the record buffer.
-struct Account {
+struct AccountFields {
   const char *number; ///< blank-padded to 7
   const char *shortName;
   const char *name;
 };
 
-inline Account accountOf(int table, const vldb98::DATENBANK &record) {
-  auto fields = [](const auto &account) -> Account { return {account.Nr, account.Kuerzel, account.Name}; };
+inline AccountFields accountOf(int table, const vldb98::DATENBANK &record) {
+  auto fields = [](const auto &account) -> AccountFields { return {account.Nr, account.Kuerzel, account.Name}; };
   if (table == vldb98::kSachkonto) return fields(record.Sachkonto);
   return table == vldb98::kKost ? fields(record.Kost) : fields(record.Personenkonto);
 }

@@ -4,7 +4,10 @@
 #include <cstring>
 #include <string>
 
+#include "store/typed.h"
 #include "vlba98/text.h"
+
+using namespace vldb98;
 
 namespace vlfn98 {
 
@@ -16,14 +19,40 @@ void KonvertKonto(char (&number)[8], int length) {
   vlba98::FillWithSpaces(number);
 }
 
-int GetKostKontoKey(const char *number, int32_t dimension, const char *reference, vldb98::SCHLUESSEL &key) {
-  vldb98::KeyBuilder builder;
+int GetKostKontoKey(const char *number, int32_t dimension, const char *reference, SCHLUESSEL &key) {
   // A dimension that does not fit is one that there is not.
-  builder.number(int16_t(std::clamp<int32_t>(dimension, INT16_MIN, INT16_MAX))).account(number);
-  bool withReference = reference && *reference;
-  if (withReference) builder.account(reference);
-  key = builder;
-  return vldb98::fileNumber(0, withReference ? 10 : 9);
+  const int32_t fitting = std::clamp<int32_t>(dimension, INT16_MIN, INT16_MAX);
+  const bool withReference = reference && *reference;
+  const int file = fileNumber(kKost, withReference ? 10 : 9);
+  key = withReference ? keyOf(FileNumber(file), fitting, number, reference) : keyOf(FileNumber(file), fitting, number);
+  return file - kKost;
+}
+
+namespace {
+
+// What an account is found by.
+struct AccountKey {
+  AccountKey(int table, const char *number, int32_t dimension, const char *reference) : file(FileNumber(table)) {
+    if (table == kKost)
+      file = FileNumber(file + GetKostKontoKey(number, dimension, reference, key));
+    else
+      key = keyOf(file, number);
+  }
+  FileNumber file;
+  SCHLUESSEL key;
+};
+
+} // namespace
+
+std::optional<DATENBANK> findAccount(Store &store, int table, const char *number, int32_t dimension,
+                                     const char *reference) {
+  const AccountKey by(table, number, dimension, reference);
+  return find<DATENBANK>({store, by.file}, by.key);
+}
+
+bool existsAccount(Store &store, int table, const char *number, int32_t dimension, const char *reference) {
+  const AccountKey by(table, number, dimension, reference);
+  return exists<DATENBANK>({store, by.file}, by.key);
 }
 
 } // namespace vlfn98

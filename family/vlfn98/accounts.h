@@ -2,9 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
-#include "records/keys.h"
-#include "records/schema.h"
+#include "store/store.h"
 
 namespace vlfn98 {
 
@@ -37,5 +37,12 @@ void KonvertKonto(char (&number)[8], int length);
 /// The key of a cost centre, from its number, dimension and cost reference (may be null).
 /// \return what to add to table 16 for the file number: 9 x 127, or 10 x 127 when a reference is given
 int GetKostKontoKey(const char *number, int32_t dimension, const char *reference, vldb98::SCHLUESSEL &key);
+
+/// An account of the open fiscal year. \param table 0, 2, 3 or 16 \param number at most 7 characters count
+/// \param dimension,reference of a cost centre
+std::optional<vldb98::DATENBANK> findAccount(vldb98::Store &store, int table, const char *number, int32_t dimension,
+                                             const char *reference);
+/// Whether there is one.
+bool existsAccount(vldb98::Store &store, int table, const char *number, int32_t dimension, const char *reference);
 
 } // namespace vlfn98

@@ -2,7 +2,7 @@
 
 #include <iterator>
 
-#include "records/keys.h"
+#include "store/typed.h"
 #include "vlba98/geld.h"
 #include "vlba98/text.h"
 
@@ -71,24 +71,19 @@ Werte summeDerWerte(int table, const DATENBANK &record, const Wertebereich &rang
   return total;
 }
 
-int GetKontoMonatsWerte(Store &store, int table, const char *account, const Zeitspanne &days, Werte &values) {
-  constexpr int16_t ofTheYear = 0;
+Werte GetKontoMonatsWerte(Store &store, int table, const char *account, const Zeitspanne &days) {
+  constexpr int ofTheYear = 0;
+  constexpr FileNumber byAccount = fileNumber(kBuchungsbeleg, 1);
   static const Table &entries = *findTable(kBuchungsbeleg);
   static const int fields[] = {entries.fieldIndex("Soll"), entries.fieldIndex("Haben"), entries.fieldIndex("EuroSoll"),
                                entries.fieldIndex("EuroHaben")};
   auto key = [&](const vlba98::Datum &day) {
-    return KeyBuilder()
-        .number(int16_t(table))
-        .account(account)
-        .number(ofTheYear)
-        .text(vlba98::toReversed(day).data(), 6);
+    return keyOf(byAccount, table, account, ofTheYear, vlba98::toReversed(day).data());
   };
-  values = {};
-  if (days.von > days.bis) return 1;
+  if (days.von > days.bis) return {};
   int64_t sums[std::size(fields)];
-  if (!store.Sum(key(days.von), key(days.bis), fields, sums, fileNumber(kBuchungsbeleg, 1))) return 0;
-  values = {sums[0], sums[1], sums[2], sums[3]};
-  return 1;
+  must(store.Sum(key(days.von), key(days.bis), fields, sums, byAccount));
+  return {sums[0], sums[1], sums[2], sums[3]};
 }
 
 } // namespace vlfn98

@@ -54,7 +54,7 @@ struct Wertebereich {
 Werte summeDerWerte(int table, const vldb98::DATENBANK &record, const Wertebereich &range);
 
 /// What the posted entries of an account of the open fiscal year come to on some days, opening and closing entries
-/// excepted. \param table 0, 2 or 3 \param account blank-padded \return 0 when the store failed
-int GetKontoMonatsWerte(vldb98::Store &store, int table, const char *account, const Zeitspanne &days, Werte &values);
+/// excepted. \param table 0, 2 or 3
+Werte GetKontoMonatsWerte(vldb98::Store &store, int table, const char *account, const Zeitspanne &days);
 
 } // namespace vlfn98

@@ -10,14 +10,12 @@ namespace vlfn98 {
 
 /// Opens a client by its number and reads its master record into the store's open client.
 /// \return 1; -5 ZELKERR_uzl_Mandnr for a number that is not in use; -56 ZELKERR_alter_Mandant, -103
-///         ZELKERR_neuerer_Mandant for data of another program version; -3 ZELKERR_Datenbank
+///         ZELKERR_neuerer_Mandant for data of another program version
 int32_t HoleMandantenDaten(vldb98::Store &store, int64_t client);
-
-enum class BookableYear { Yes, No, StoreFailed };
 
 /// Whether a day lies in a fiscal year of the open client that exists and is not closed. If so, that year becomes the
 /// open one, so that its accounts are meant.
 /// \param closedToo closed fiscal years count as bookable
-BookableYear IsBuchjahr(vldb98::Store &store, const vlba98::Datum &day, bool closedToo = false);
+bool IsBuchjahr(vldb98::Store &store, const vlba98::Datum &day, bool closedToo = false);
 
 } // namespace vlfn98

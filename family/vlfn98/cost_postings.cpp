@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "records/keys.h"
+#include "store/typed.h"
 #include "vlba98/geld.h"
 #include "vlba98/text.h"
 #include "vlfn98/costs.h"
@@ -48,24 +48,21 @@ void add(Werte &values, const KOSTENBUCHUNG &posting) {
 
 } // namespace
 
-int IsKostrefActive(Store &store, uint8_t &active) {
-  DATENBANK record{};
-  uint8_t found;
-  active = 0;
-  int done = store.GetFirstExt(record, found, kKost);
-  while (done && found && !active) {
-    active = !vlba98::trimmed(record.Kost.Kostref).empty();
-    if (!active) done = store.GetNextExt(record, found, kKost);
-  }
-  return done;
+bool IsKostrefActive(Store &store) {
+  bool active = false;
+  forEach<KOST>(store, [&](const KOST &centre) {
+    active = !vlba98::trimmed(centre.Kostref).empty();
+    return !active;
+  });
+  return active;
 }
 
-int SummeDerKostenbuchungen(Store &store, const Zeitspanne &days, const Kostenauswahl &selection, Werte &values) {
-  values = {};
-  if (days.von > days.bis) return 1;
+Werte SummeDerKostenbuchungen(Store &store, const Zeitspanne &days, const Kostenauswahl &selection) {
+  Werte values;
+  if (days.von > days.bis) return values;
   FISTA_EXT client{};
   uint8_t found;
-  if (!store.GetExtFista(client, found)) return 0;
+  must(store.GetExtFista(client, found));
   const NamedCentres centres(client, selection.dimension);
   auto counts = [&](const KOSTENBUCHUNG &posting) {
     if (!selection.costType.empty() && vlba98::trimmed(posting.Kostenart) != selection.costType) return false;
@@ -73,23 +70,20 @@ int SummeDerKostenbuchungen(Store &store, const Zeitspanne &days, const Kostenau
       return selection.costCentres->count(number) > 0 && (!selection.reference || reference == *selection.reference);
     });
   };
-  auto key = [](const vlba98::Datum &day) { return KeyBuilder().text(vlba98::toReversed(day).data(), 6); };
-  DATENBANK record{};
   constexpr FileNumber byDate = fileNumber(kKostenbuchung, 1);
-  int done = store.GetRangeExt(record, key(days.von), key(days.bis), found, byDate);
-  while (done && found) {
-    if (counts(record.Kostenbuchung)) add(values, record.Kostenbuchung);
-    done = store.GetNextExt(record, found, byDate);
-  }
-  return done;
+  auto key = [](const vlba98::Datum &day) { return keyOf(byDate, vlba98::toReversed(day).data()); };
+  forEach<KOSTENBUCHUNG>({store, byDate}, Between{key(days.von), key(days.bis)}, [&](const KOSTENBUCHUNG &posting) {
+    if (counts(posting)) add(values, posting);
+  });
+  return values;
 }
 
-int GetKostMonatsWerte(Store &store, const KOST &centre, const Zeitspanne &days, Werte &values) {
+Werte GetKostMonatsWerte(Store &store, const KOST &centre, const Zeitspanne &days) {
   Kostenauswahl selection;
   selection.costCentres = {std::string(vlba98::trimmed(centre.Nr))};
   selection.reference = vlba98::trimmed(centre.Kostref);
   selection.dimension = centre.Dimension;
-  return SummeDerKostenbuchungen(store, days, selection, values);
+  return SummeDerKostenbuchungen(store, days, selection);
 }
 
 } // namespace vlfn98

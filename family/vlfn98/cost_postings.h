@@ -11,8 +11,7 @@
 namespace vlfn98 {
 
 /// Whether the open client uses cost references: some cost centre of the open fiscal year has one.
-/// \return 0 when the store failed
-int IsKostrefActive(vldb98::Store &store, uint8_t &active);
+bool IsKostrefActive(vldb98::Store &store);
 
 /// Which cost postings count. Numbers without blanks.
 struct Kostenauswahl {
@@ -23,11 +22,9 @@ struct Kostenauswahl {
 };
 
 /// What the cost postings of some days of the open fiscal year come to: costs, less what lessens them, as debit.
-/// \return 0 when the store failed
-int SummeDerKostenbuchungen(vldb98::Store &store, const Zeitspanne &days, const Kostenauswahl &selection,
-                            Werte &values);
+Werte SummeDerKostenbuchungen(vldb98::Store &store, const Zeitspanne &days, const Kostenauswahl &selection);
 
-/// The same of the cost postings that have moved the costs of a cost centre. \return 0 when the store failed
-int GetKostMonatsWerte(vldb98::Store &store, const vldb98::KOST &centre, const Zeitspanne &days, Werte &values);
+/// The same of the cost postings that have moved the costs of a cost centre.
+Werte GetKostMonatsWerte(vldb98::Store &store, const vldb98::KOST &centre, const Zeitspanne &days);
 
 } // namespace vlfn98

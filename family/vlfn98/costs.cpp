@@ -4,7 +4,9 @@
 #include <cstring>
 #include <limits>
 
+#include "store/typed.h"
 #include "vlba98/muldiv.h"
+#include "vlba98/text.h"
 #include "vlfn98/accounts.h"
 
 using namespace vldb98;
@@ -17,14 +19,10 @@ int kostDimension(const FISTA_EXT &client, int n) {
   return assigned[n] != 0 ? assigned[n] : n;
 }
 
-int IsKostenstelle(Store &store, const char *number, int dimension, KOST &centre, uint8_t &exists) {
+std::optional<KOST> IsKostenstelle(Store &store, const char *number, int dimension) {
   SCHLUESSEL key;
   const auto file = FileNumber(kKost + GetKostKontoKey(number, dimension, nullptr, key));
-  DATENBANK record{};
-  exists = 0;
-  if (!store.UsedGet(record, key, exists, file)) return 0;
-  if (exists) centre = record.Kost;
-  return 1;
+  return find<KOST>({store, file}, key);
 }
 
 bool IsKostDateValid(const KOST &centre, const char *reversedDate) {
@@ -32,34 +30,22 @@ bool IsKostDateValid(const KOST &centre, const char *reversedDate) {
          (!*centre.LaufzeitBis || std::strcmp(reversedDate, centre.LaufzeitBis) <= 0);
 }
 
-int CheckKomb(Store &store, const char *costType, const char *centre, uint8_t &allowed) {
-  DATENBANK first{};
-  uint8_t there = 0;
-  allowed = 0;
-  if (!store.GetGeExt(first, KeyBuilder().account(costType), there, kKombination)) return 0;
-  const SCHLUESSEL wanted = KeyBuilder().account(costType).account(centre);
-  const bool limited = there && std::memcmp(first.Kombination.Kostenart, wanted.bytes, 7) == 0;
-  if (limited) return store.Used(wanted, allowed, kKombination);
-  allowed = 1;
-  return 1;
+bool CheckKomb(Store &store, const char *costType, const char *centre) {
+  const auto first = atLeast<KOMBINATION>(store, costType);
+  const bool limited = first && vlba98::trimmed(first->Kostenart) == vlba98::trimmed(costType);
+  return !limited || exists<KOMBINATION>(store, costType, centre);
 }
 
-int IsKoscha(Store &store, int32_t number, uint8_t &exists) {
-  return store.Used(KeyBuilder().number(number), exists, kKoscha);
+bool IsKoscha(Store &store, int32_t number) {
+  return exists<KOSCHA>(store, number);
 }
 
-int HoleKoscha(Store &store, int32_t number, std::vector<KOSCHA_ZEILE> &shares) {
-  shares.clear();
-  DATENBANK record{};
-  uint8_t there = 0;
-  int done =
-      store.GetRangeExt(record, KeyBuilder().number(number).number(std::numeric_limits<int32_t>::min()),
-                        KeyBuilder().number(number).number(std::numeric_limits<int32_t>::max()), there, kKoschaZeile);
-  while (done && there) {
-    shares.push_back(record.KoschaZeile);
-    done = store.GetNextExt(record, there, kKoschaZeile);
-  }
-  return done;
+std::vector<KOSCHA_ZEILE> HoleKoscha(Store &store, int32_t number) {
+  std::vector<KOSCHA_ZEILE> shares;
+  const Between all{keyOf(kKoschaZeile, number, std::numeric_limits<int32_t>::min()),
+                    keyOf(kKoschaZeile, number, std::numeric_limits<int32_t>::max())};
+  forEach<KOSCHA_ZEILE>(store, all, [&](const KOSCHA_ZEILE &share) { shares.push_back(share); });
+  return shares;
 }
 
 void verteile(int64_t amount, std::span<const int64_t> weights, std::span<int64_t> parts) {

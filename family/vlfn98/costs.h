@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -16,8 +17,8 @@ constexpr int kKostenstellen = 6;
 /// the others as the client assigns them.
 int kostDimension(const vldb98::FISTA_EXT &client, int n);
 
-/// The cost centre of a number in a dimension, of the open fiscal year. \return 0 when the store failed
-int IsKostenstelle(vldb98::Store &store, const char *number, int dimension, vldb98::KOST &centre, uint8_t &exists);
+/// The cost centre of a number in a dimension, of the open fiscal year.
+std::optional<vldb98::KOST> IsKostenstelle(vldb98::Store &store, const char *number, int dimension);
 
 /// Whether a day (reversed) lies in the running time of a cost centre.
 bool IsKostDateValid(const vldb98::KOST &centre, const char *reversedDate);
@@ -27,14 +28,14 @@ constexpr bool isKostenkennung(int32_t value) {
   return value >= 0 && value <= 2;
 }
 
-/// Whether a cost type and a cost centre go together. \return 0 when the store failed
-int CheckKomb(vldb98::Store &store, const char *costType, const char *centre, uint8_t &allowed);
+/// Whether a cost type and a cost centre go together.
+bool CheckKomb(vldb98::Store &store, const char *costType, const char *centre);
 
-/// Whether the open client has a cost template of the number. \return 0 when the store failed
-int IsKoscha(vldb98::Store &store, int32_t number, uint8_t &exists);
+/// Whether the open client has a cost template of the number.
+bool IsKoscha(vldb98::Store &store, int32_t number);
 
-/// The shares of a cost template in their order; none when there is no such template. \return 0 when the store failed
-int HoleKoscha(vldb98::Store &store, int32_t number, std::vector<vldb98::KOSCHA_ZEILE> &shares);
+/// The shares of a cost template in their order; none when there is no such template.
+std::vector<vldb98::KOSCHA_ZEILE> HoleKoscha(vldb98::Store &store, int32_t number);
 
 /// Distributes an amount by weights. The parts add up to the amount exactly: each is the rounded share of the amount up
 /// to its place, less what went before. Weights below zero count as zero; without any weight the first takes all.

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string>
 
+#include "store/typed.h"
 #include "vlba98/geld.h"
 #include "vlba98/text.h"
 
@@ -14,10 +15,6 @@ namespace {
 
 constexpr size_t kDecimals = 6, kLeastDecimals = 2, kIntegerDigits = 9;
 constexpr int64_t kMillion = 1'000'000;
-
-SCHLUESSEL keyOf(const char *currency, const char *reversedDate) {
-  return KeyBuilder().text(currency, sizeof(KURSE::Waehrung) - 1).text(reversedDate, sizeof(KURSE::Datum) - 1);
-}
 
 } // namespace
 
@@ -45,32 +42,24 @@ void formatKurs(int64_t millionths, char (&text)[13]) {
   vlba98::strncpy2(text, std::to_string(millionths / kMillion) + vlba98::HoleDezimalTrenner() + decimals);
 }
 
-int HoleKurs(Store &store, const char *currency, const char *reversedDate, Wechselkurs &rate, uint8_t &found) {
-  DATENBANK record{};
-  uint8_t there = 0;
-  found = 0;
-  if (!store.GetLeExt(record, keyOf(currency, reversedDate), there, kKurse)) return 0;
-  if (!there || std::strcmp(record.Kurse.Waehrung, currency) != 0) return 1;
-  auto millionths = parseKurs(record.Kurse.Kurs);
-  if (!millionths || record.Kurse.Einheiten < 1) return 0; // a damaged rate must not pass as none
-  rate = {*millionths, record.Kurse.Einheiten};
-  found = 1;
-  return 1;
+std::optional<Wechselkurs> HoleKurs(Store &store, const char *currency, const char *reversedDate) {
+  const auto stored = atMost<KURSE>(store, currency, reversedDate);
+  if (!stored || std::strcmp(stored->Waehrung, currency) != 0) return std::nullopt;
+  const auto millionths = parseKurs(stored->Kurs);
+  if (!millionths || stored->Einheiten < 1) throw StoreFailed(); // a damaged rate must not pass as none
+  return Wechselkurs{*millionths, stored->Einheiten};
 }
 
-int SpeichereKurs(Store &store, const char *currency, const char *reversedDate, const Wechselkurs &rate) {
-  const SCHLUESSEL key = keyOf(currency, reversedDate);
-  uint8_t there = 0;
-  if (!store.Used(key, there, kKurse)) return 0;
-  if (there) return 1;
+void SpeichereKurs(Store &store, const char *currency, const char *reversedDate, const Wechselkurs &rate) {
+  const auto isStored = [&] { return exists<KURSE>(store, currency, reversedDate); };
+  if (isStored()) return;
   DATENBANK record{};
   vlba98::strncpy2(record.Kurse.Waehrung, currency);
   vlba98::strncpy2(record.Kurse.Datum, reversedDate);
   formatKurs(rate.millionths, record.Kurse.Kurs);
   record.Kurse.Einheiten = rate.units;
-  if (store.Insert(record, kKurse)) return 1;
-  // Somebody else may have stored one meanwhile.
-  return store.Used(key, there, kKurse) && there;
+  // Where it is refused, somebody else may have stored one meanwhile.
+  if (!store.Insert(record, kKurse)) must(isStored());
 }
 
 std::optional<int64_t> toOwnCurrency(int64_t foreign, const Wechselkurs &rate) {

@@ -22,11 +22,10 @@ std::optional<int64_t> parseKurs(std::string_view text);
 void formatKurs(int64_t millionths, char (&text)[13]);
 
 /// The latest rate of a currency (three capital letters) of the open client from a day or before it.
-/// \return 0 when the store failed
-int HoleKurs(vldb98::Store &store, const char *currency, const char *reversedDate, Wechselkurs &rate, uint8_t &found);
+std::optional<Wechselkurs> HoleKurs(vldb98::Store &store, const char *currency, const char *reversedDate);
 
-/// Stores a rate for a day; one that is stored for that day already stays. \return 0 when the store failed
-int SpeichereKurs(vldb98::Store &store, const char *currency, const char *reversedDate, const Wechselkurs &rate);
+/// Stores a rate for a day; one that is stored for that day already stays.
+void SpeichereKurs(vldb98::Store &store, const char *currency, const char *reversedDate, const Wechselkurs &rate);
 
 /// An amount in the client's currency, rounded commercially. \return nothing beyond ±999.999.999,99
 std::optional<int64_t> toOwnCurrency(int64_t foreign, const Wechselkurs &rate);

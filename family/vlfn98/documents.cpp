@@ -1,5 +1,6 @@
 #include "vlfn98/documents.h"
 
+#include "store/typed.h"
 #include "vlba98/text.h"
 
 using namespace vldb98;
@@ -20,27 +21,17 @@ bool CheckEsr(std::string_view reference) {
   return (digits == 16 || digits == 27) && check == -1;
 }
 
-int DmsInsertDmsID(Store &store, const char *identifier, int32_t &number) {
-  DATENBANK record{};
-  uint8_t found;
-  if (!store.UsedGet(record, KeyBuilder().text(identifier, sizeof(DMS_ID::Id) - 1), found, fileNumber(kDmsId, 1)))
-    return 0;
-  if (!found) {
-    record = {};
-    vlba98::strncpy2(record.DmsId.Id, identifier);
-    if (!store.Insert(record, kDmsId)) return 0;
-  }
-  number = record.DmsId.Nr;
-  return 1;
+int32_t DmsInsertDmsID(Store &store, const char *identifier) {
+  if (const auto known = find<DMS_ID>({store, fileNumber(kDmsId, 1)}, identifier)) return known->Nr;
+  DMS_ID added{};
+  vlba98::strncpy2(added.Id, identifier);
+  insert(store, added);
+  return added.Nr;
 }
 
-int DmsGetDmsID(Store &store, int32_t number, char (&identifier)[51]) {
-  DATENBANK record{};
-  uint8_t found = 0;
-  identifier[0] = 0;
-  if (number != 0 && !store.UsedGet(record, KeyBuilder().number(number), found, kDmsId)) return 0;
-  if (found) vlba98::strncpy2(identifier, record.DmsId.Id);
-  return 1;
+void DmsGetDmsID(Store &store, int32_t number, char (&identifier)[51]) {
+  const auto known = number != 0 ? find<DMS_ID>(store, number) : std::nullopt;
+  vlba98::strncpy2(identifier, known ? known->Id : "");
 }
 
 } // namespace vlfn98

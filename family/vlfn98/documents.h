@@ -16,10 +16,9 @@ namespace vlfn98 {
 bool CheckEsr(std::string_view reference);
 
 /// The number of a document-management identifier of the open client; it is registered when it is new.
-/// \return 0 when the store failed
-int DmsInsertDmsID(vldb98::Store &store, const char *identifier, int32_t &number);
+int32_t DmsInsertDmsID(vldb98::Store &store, const char *identifier);
 
-/// The identifier of a number; empty when there is none. \return 0 when the store failed
-int DmsGetDmsID(vldb98::Store &store, int32_t number, char (&identifier)[51]);
+/// The identifier of a number; empty when there is none.
+void DmsGetDmsID(vldb98::Store &store, int32_t number, char (&identifier)[51]);
 
 } // namespace vlfn98

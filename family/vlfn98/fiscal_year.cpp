@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "records/keys.h"
+#include "store/typed.h"
 #include "vlba98/text.h"
 
 using namespace vldb98;
@@ -26,31 +26,24 @@ Datum firstDay(const GESCHAEFTSJAHR &year, int month) {
 
 } // namespace
 
-int HoleGeschaeftsjahr(Store &store, const Datum &wanted, GESCHAEFTSJAHR &year, uint8_t &found) {
-  DATENBANK record{};
-  auto reversed = vlba98::toReversed(wanted);
-  if (!store.GetLeExt(record, KeyBuilder().text(reversed.data(), 6), found, fileNumber(kGeschaeftsjahr, 1))) return 0;
+std::optional<GESCHAEFTSJAHR> HoleGeschaeftsjahr(Store &store, const Datum &wanted) {
+  auto year = atMost<GESCHAEFTSJAHR>({store, fileNumber(kGeschaeftsjahr, 1)}, vlba98::toReversed(wanted).data());
   // Between two fiscal years may lie days of none.
-  found = found && wanted <= day(record.Geschaeftsjahr.Ende);
-  if (found) year = record.Geschaeftsjahr;
-  return 1;
+  return year && wanted <= day(year->Ende) ? year : std::nullopt;
 }
 
-int HoleGeschaeftsjahr(Store &store, int calendarYear, GESCHAEFTSJAHR &year, uint8_t &found) {
-  DATENBANK record{};
-  found = 0;
-  if (calendarYear < vlba98::firstYear || calendarYear > vlba98::lastYear) return 1;
-  if (!store.UsedGet(record, KeyBuilder().number(int16_t(calendarYear)), found, kGeschaeftsjahr)) return 0;
-  if (found) year = record.Geschaeftsjahr;
-  return 1;
+std::optional<GESCHAEFTSJAHR> HoleGeschaeftsjahr(Store &store, int calendarYear) {
+  if (calendarYear < vlba98::firstYear || calendarYear > vlba98::lastYear) return std::nullopt;
+  return find<GESCHAEFTSJAHR>(store, calendarYear);
 }
 
-int OeffneJahr(Store &store, int calendarYear, uint8_t &exists) {
+bool OeffneJahr(Store &store, int calendarYear) {
   char code[3];
-  exists = 0;
-  if (!vlba98::itotwo(calendarYear - vlba98::firstYear, code)) return 1;
-  if (!store.ExistiertJahr(code, exists)) return 0;
-  return !exists || std::strcmp(store.HoleOpenJahr(), code) == 0 || store.SetzeOpenJahr(code);
+  uint8_t there = 0;
+  if (!vlba98::itotwo(calendarYear - vlba98::firstYear, code)) return false;
+  must(store.ExistiertJahr(code, there));
+  if (there && std::strcmp(store.HoleOpenJahr(), code) != 0) must(store.SetzeOpenJahr(code));
+  return there;
 }
 
 int BuchungsMonat(const GESCHAEFTSJAHR &year, const Datum &wanted) {

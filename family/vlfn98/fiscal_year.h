@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "store/store.h"
 #include "vlba98/datum.h"
@@ -10,14 +11,14 @@ namespace vlfn98 {
 
 constexpr int kMonate = 12;
 
-/// The fiscal year of the open client that a day lies in. \return 0 when the store failed
-int HoleGeschaeftsjahr(vldb98::Store &store, const vlba98::Datum &day, vldb98::GESCHAEFTSJAHR &year, uint8_t &found);
+/// The fiscal year of the open client that a day lies in.
+std::optional<vldb98::GESCHAEFTSJAHR> HoleGeschaeftsjahr(vldb98::Store &store, const vlba98::Datum &day);
 
-/// The fiscal year of the open client that bears a calendar year. \return 0 when the store failed
-int HoleGeschaeftsjahr(vldb98::Store &store, int calendarYear, vldb98::GESCHAEFTSJAHR &year, uint8_t &found);
+/// The fiscal year of the open client that bears a calendar year.
+std::optional<vldb98::GESCHAEFTSJAHR> HoleGeschaeftsjahr(vldb98::Store &store, int calendarYear);
 
-/// Makes the fiscal year that bears a calendar year the open one. \return 0 when the store failed
-int OeffneJahr(vldb98::Store &store, int calendarYear, uint8_t &exists);
+/// Makes the fiscal year that bears a calendar year the open one. \return false when there is none
+bool OeffneJahr(vldb98::Store &store, int calendarYear);
 
 /// The month of a fiscal year that a day of it lies in: 1 for the calendar month in which the year begins. What lies
 /// behind the twelfth month of a longer year belongs to the twelfth.

@@ -1,5 +1,6 @@
 #include "vlfn98/items.h"
 
+#include "store/typed.h"
 #include "vlba98/text.h"
 
 using namespace vldb98;
@@ -16,13 +17,9 @@ Inkassonummern GetInkassoForderungsnummer(const OPBELEG &item) {
   return {item.InkassoForderung, item.InkassoMahnkosten};
 }
 
-int HoleBenutzername(Store &store, int32_t number, char (&name)[41]) {
-  DATENBANK record{};
-  uint8_t found = 0;
-  name[0] = 0;
-  if (number != 0 && !store.UsedGet(record, KeyBuilder().number(number), found, kBenutzer)) return 0;
-  if (found) vlba98::strncpy2(name, record.Benutzer.Name);
-  return 1;
+void HoleBenutzername(Store &store, int32_t number, char (&name)[41]) {
+  const auto user = number != 0 ? find<BENUTZER>(store, number) : std::nullopt;
+  vlba98::strncpy2(name, user ? user->Name : "");
 }
 
 } // namespace vlfn98

@@ -23,7 +23,6 @@ struct Inkassonummern {
 Inkassonummern GetInkassoForderungsnummer(const vldb98::OPBELEG &item);
 
 /// The name of a user of the accounting program; empty when there is none of the number.
-/// \return 0 when the store failed
-int HoleBenutzername(vldb98::Store &store, int32_t number, char (&name)[41]);
+void HoleBenutzername(vldb98::Store &store, int32_t number, char (&name)[41]);
 
 } // namespace vlfn98

@@ -3,6 +3,7 @@
 #include <atomic>
 
 #include "platform/system.h"
+#include "store/typed.h"
 #include "vlba98/datum.h"
 #include "vlba98/text.h"
 
@@ -31,11 +32,10 @@ std::optional<Rating> PruefeBonitaet(const RatingRequest &request, RatingSource 
   return rating;
 }
 
-int PekoProtokoll(Store &store, int table, const char *account, int16_t action, const char *yearCode,
-                  const char *before, const char *after) {
+void PekoProtokoll(Store &store, int table, const char *account, int16_t action, const char *yearCode,
+                   const char *before, const char *after) {
   const platform::LocalTime now = platform::localTime();
-  DATENBANK record{};
-  KONTOPROTOKOLL &entry = record.Kontoprotokoll;
+  KONTOPROTOKOLL entry{};
   entry.Kontotabelle = int16_t(table);
   vlba98::strncpy2(entry.Konto, account);
   entry.Aktion = action;
@@ -47,7 +47,7 @@ int PekoProtokoll(Store &store, int table, const char *account, int16_t action, 
   putTwo(entry.Uhrzeit + 6, now.second);
   vlba98::strncpy2(entry.Alt, before);
   vlba98::strncpy2(entry.Neu, after);
-  return store.Insert(record, kKontoprotokoll);
+  insert(store, entry);
 }
 
 } // namespace vlfn98

@@ -61,10 +61,10 @@ std::optional<Rating> rateFromFile(const std::string &path, const RatingRequest 
 /// Actions of the account-change protocol.
 constexpr int16_t kBonitaetGeaendert = 10;
 
-/// Writes a change of an account, now, into the account-change protocol. \return 0 when the store failed
+/// Writes a change of an account, now, into the account-change protocol.
 /// \param table    the account's: 2, 3
 /// \param yearCode fiscal year of the account
-int PekoProtokoll(vldb98::Store &store, int table, const char *account, int16_t action, const char *yearCode,
-                  const char *before, const char *after);
+void PekoProtokoll(vldb98::Store &store, int table, const char *account, int16_t action, const char *yearCode,
+                   const char *before, const char *after);
 
 } // namespace vlfn98

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdlib>
 
+#include "store/typed.h"
 #include "vlba98/geld.h"
 
 using namespace vldb98;
@@ -44,21 +45,11 @@ int32_t SteuerFlags(const STEUSA &key) {
   return key.Art >= 0 && size_t(key.Art) < flagsOfKind.size() ? flagsOfKind[size_t(key.Art)] : 0;
 }
 
-int GetSteusa(Store &store, int16_t key, const char *reversedDate, int64_t rate, STEUSA &record, uint8_t &found) {
-  DATENBANK read{};
-  found = 0;
-  uint8_t there = 0;
-  if (!store.GetLeExt(read, KeyBuilder().number(key).text(reversedDate, sizeof(STEUSA::GueltigAb) - 1), there, kSteusa))
-    return 0;
-  while (there && read.Steusa.Schluessel == key) {
-    if (rate < 0 || rateOf(read.Steusa) == rate) {
-      record = read.Steusa;
-      found = 1;
-      return 1;
-    }
-    if (!store.GetPrevExt(read, there, kSteusa)) return 0;
-  }
-  return 1;
+std::optional<STEUSA> GetSteusa(Store &store, int16_t key, const char *reversedDate, int64_t rate) {
+  auto record = atMost<STEUSA>(store, key, reversedDate);
+  while (record && record->Schluessel == key && rate >= 0 && rateOf(*record) != rate)
+    record = previous<STEUSA>(store);
+  return record && record->Schluessel == key ? record : std::nullopt;
 }
 
 int64_t CalcSteuerAnteil(int64_t tax, const STEUSA &key) {

@@ -36,10 +36,8 @@ int32_t SteuerFlags(const vldb98::STEUSA &key);
 /// \param reversedDate the document date, reversed
 /// \param rate         when the record of that day has another rate: the latest record of the key, from an earlier day
 ///                     on, that has this one (a delivery before a change of the rate); below 0: whatever its rate
-/// \param found        false when the key has no such record
-/// \return 0 when the store failed
-int GetSteusa(vldb98::Store &store, int16_t key, const char *reversedDate, int64_t rate, vldb98::STEUSA &record,
-              uint8_t &found);
+/// \return nothing when the key has no such record
+std::optional<vldb98::STEUSA> GetSteusa(vldb98::Store &store, int16_t key, const char *reversedDate, int64_t rate);
 
 /// The deductible share of a tax amount.
 int64_t CalcSteuerAnteil(int64_t tax, const vldb98::STEUSA &key);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "store/typed.h"
 #include "vlba98/text.h"
 
 using namespace vldb98;
@@ -20,8 +21,8 @@ std::string storedShortName(const char *given) {
   return name;
 }
 
-int IsZahlziel(Store &store, int32_t number, uint8_t &exists) {
-  return store.Used(KeyBuilder().number(number), exists, kZahlziel);
+bool IsZahlziel(Store &store, int32_t number) {
+  return exists<ZAHLZIEL>(store, number);
 }
 
 std::optional<vlba98::Datum> faelligkeit(const ZAHLZIEL &term, const vlba98::Datum &from) {
@@ -36,15 +37,11 @@ std::optional<vlba98::Datum> faelligkeit(const ZAHLZIEL &term, const vlba98::Dat
   return due;
 }
 
-int ErmittleZahlungsziel(Store &store, int32_t number, const vlba98::Datum &from, char (&due)[7]) {
+void ErmittleZahlungsziel(Store &store, int32_t number, const vlba98::Datum &from, char (&due)[7]) {
   due[0] = 0;
-  if (number == 0) return 1;
-  DATENBANK record{};
-  uint8_t found = 0;
-  if (!store.UsedGet(record, KeyBuilder().number(number), found, kZahlziel)) return 0;
-  if (!found) return 1;
-  if (auto day = faelligkeit(record.Zahlziel, from)) std::memcpy(due, vlba98::toReversed(*day).data(), sizeof due);
-  return 1;
+  const auto term = number != 0 ? find<ZAHLZIEL>(store, number) : std::nullopt;
+  if (const auto day = term ? faelligkeit(*term, from) : std::nullopt)
+    std::memcpy(due, vlba98::toReversed(*day).data(), sizeof due);
 }
 
 } // namespace vlfn98

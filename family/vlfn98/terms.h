@@ -14,8 +14,8 @@ namespace vlfn98 {
 /// null
 std::string storedShortName(const char *given);
 
-/// Whether the open client has a payment term of the number. \return 0 when the store failed
-int IsZahlziel(vldb98::Store &store, int32_t number, uint8_t &exists);
+/// Whether the open client has a payment term of the number.
+bool IsZahlziel(vldb98::Store &store, int32_t number);
 
 /// The day on which payment is due: the net payment period after the day given; then so many months on as the term
 /// names following months; then, where it names a day of the month, that day of the month reached (the last of a
@@ -25,7 +25,6 @@ std::optional<vlba98::Datum> faelligkeit(const vldb98::ZAHLZIEL &term, const vlb
 
 /// The due date of a payment term of the open client.
 /// \param due receives the reversed date; empty where there is no such term or no such day
-/// \return 0 when the store failed
-int ErmittleZahlungsziel(vldb98::Store &store, int32_t number, const vlba98::Datum &from, char (&due)[7]);
+void ErmittleZahlungsziel(vldb98::Store &store, int32_t number, const vlba98::Datum &from, char (&due)[7]);
 
 } // namespace vlfn98

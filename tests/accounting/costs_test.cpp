@@ -148,17 +148,12 @@ TEST_F(CostBooks, CentresOfADimensionAndYear) {
   for (const auto &row : rows) {
     SCOPED_TRACE(std::string(row.number) + " in " + std::to_string(row.dimension));
     open(row.client, row.year);
-    KOST centre{};
-    uint8_t exists = 9;
-    ASSERT_TRUE(IsKostenstelle(*store, row.number, row.dimension, centre, exists));
-    EXPECT_EQ(exists, row.exists ? 1 : 0);
-    EXPECT_EQ(centre.Dimension, row.exists ? row.dimension : 0);
+    const auto centre = IsKostenstelle(*store, row.number, row.dimension);
+    EXPECT_EQ(centre.has_value(), row.exists);
+    EXPECT_EQ(centre ? centre->Dimension : 0, row.exists ? row.dimension : 0);
   }
-  KOST centre{};
-  uint8_t exists = 0;
   open(1, "46");
-  ASSERT_TRUE(IsKostenstelle(*store, "600", 0, centre, exists) && exists);
-  EXPECT_STREQ(centre.LaufzeitVon, "460301");
+  EXPECT_STREQ(IsKostenstelle(*store, "600", 0).value().LaufzeitVon, "460301");
 }
 
 TEST_F(CostBooks, CombinationsThatAreAllowed) {
@@ -169,11 +164,8 @@ TEST_F(CostBooks, CombinationsThatAreAllowed) {
               {"4610", "4", false},  {"4710", "300", true}, {"4710", "400", false}, {"4600", "400", true},
               {"4609", "400", true}, {"4700", "300", true}, {"0027", "100", true},  {"9999", "100", true},
               {"461", "100", true},  {"46100", "100", true}};
-  for (const auto &row : rows) {
-    uint8_t allowed = 9;
-    ASSERT_TRUE(CheckKomb(*store, row.costType, row.centre, allowed));
-    EXPECT_EQ(allowed, row.allowed ? 1 : 0) << row.costType << " and " << row.centre;
-  }
+  for (const auto &row : rows)
+    EXPECT_EQ(CheckKomb(*store, row.costType, row.centre), row.allowed) << row.costType << " and " << row.centre;
 }
 
 TEST_F(CostBooks, TemplatesWithTheirShares) {
@@ -188,17 +180,13 @@ TEST_F(CostBooks, TemplatesWithTheirShares) {
               {0, ""},
               {-1, ""}};
   for (const auto &row : rows) {
-    std::vector<KOSCHA_ZEILE> shares(2);
-    ASSERT_TRUE(HoleKoscha(*store, row.number, shares));
     std::string text;
-    for (const KOSCHA_ZEILE &share : shares)
+    for (const KOSCHA_ZEILE &share : HoleKoscha(*store, row.number))
       text += std::string(vlba98::trimmed(share.Kostenstelle1)) + "/" +
               std::string(vlba98::trimmed(share.Kostenstelle2)) + "/" + std::to_string(share.Kostenkennung) + "/" +
               share.Anteil + " ";
     EXPECT_EQ(text, row.shares) << row.number;
-    uint8_t exists = 9;
-    ASSERT_TRUE(IsKoscha(*store, row.number, exists));
-    EXPECT_EQ(exists, row.shares.empty() ? 0 : 1) << row.number;
+    EXPECT_EQ(IsKoscha(*store, row.number), !row.shares.empty()) << row.number;
   }
 }
 
@@ -212,12 +200,8 @@ TEST_F(CostBooks, TemplateThatCaptureAssigned) {
     numbers[costTemplate / 2] = link.DmsId.Nr;
   }
   for (const auto &[document, assigned] : {std::pair{0, 0}, {numbers[0], 0}, {numbers[1], 2}, {4711, 0}, {-1, 0}}) {
-    uint8_t active = 9;
-    int32_t costTemplate = 9;
-    ASSERT_TRUE(netwr98::OCR_IsBelegkontierungAktiv(*store, document, active));
-    ASSERT_TRUE(netwr98::OCR_GetBucDlg(*store, document, costTemplate));
-    EXPECT_EQ(active, assigned ? 1 : 0) << document;
-    EXPECT_EQ(costTemplate, assigned) << document;
+    EXPECT_EQ(netwr98::OCR_IsBelegkontierungAktiv(*store, document), assigned != 0) << document;
+    EXPECT_EQ(netwr98::OCR_GetBucDlg(*store, document), assigned) << document;
   }
 }
 

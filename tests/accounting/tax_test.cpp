@@ -221,19 +221,16 @@ TEST_F(Books, TaxKeyOfADayAndARate) {
                  " at " + std::to_string(row.rate));
     uint8_t found = 0;
     ASSERT_TRUE(store->SetzeFista(row.client, found) && found);
-    STEUSA record = steusa(77, 7, 7);
-    found = 9;
-    ASSERT_TRUE(GetSteusa(*store, row.key, row.day, row.rate, record, found));
-    EXPECT_EQ(found, row.satz ? 1 : 0);
-    EXPECT_EQ(record.Schluessel, row.satz ? row.key : 77);
-    if (!row.satz) continue;
-    EXPECT_STREQ(record.GueltigAb, row.validFrom);
-    EXPECT_STREQ(record.Satz, row.satz);
+    const auto record = GetSteusa(*store, row.key, row.day, row.rate);
+    EXPECT_EQ(record.has_value(), row.satz != nullptr);
+    if (!record || !row.satz) continue;
+    EXPECT_EQ(record->Schluessel, row.key);
+    EXPECT_STREQ(record->GueltigAb, row.validFrom);
+    EXPECT_STREQ(record->Satz, row.satz);
   }
   uint8_t found = 0;
-  STEUSA shared{};
-  ASSERT_TRUE(store->SetzeFista(1, found) && GetSteusa(*store, 9, "461121", -1, shared, found) && found);
-  EXPECT_EQ(CalcSteuerAnteil(19'01, shared), 9'51);
+  ASSERT_TRUE(store->SetzeFista(1, found));
+  EXPECT_EQ(CalcSteuerAnteil(19'01, GetSteusa(*store, 9, "461121", -1).value()), 9'51);
 }
 
 } // namespace

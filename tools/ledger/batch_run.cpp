@@ -90,11 +90,9 @@ public:
 
 private:
   STAPEL batch() {
-    DATENBANK record{};
-    uint8_t found = 0;
-    must(store_.UsedGet(record, KeyBuilder().number(order_.batch), found, kStapel));
+    const auto found = find<STAPEL>(store_, order_.batch);
     if (!found) throw Refusal{"Den Stapel " + std::to_string(order_.batch) + " gibt es nicht."};
-    return record.Stapel;
+    return *found;
   }
 
   void checkBatch() {
@@ -106,20 +104,14 @@ private:
   }
 
   void checkUser() {
-    uint8_t exists = 0;
-    if (order_.user == 0) return;
-    must(store_.Used(KeyBuilder().number(order_.user), exists, kBenutzer));
-    if (!exists) throw Refusal{"Den Benutzer " + std::to_string(order_.user) + " gibt es nicht."};
+    if (order_.user != 0 && !exists<BENUTZER>(store_, order_.user))
+      throw Refusal{"Den Benutzer " + std::to_string(order_.user) + " gibt es nicht."};
   }
 
   size_t countPostings() {
-    DATENBANK record{};
-    uint8_t found = 0;
     size_t count = 0;
-    int done = store_.GetGeExt(record, KeyBuilder().number(order_.batch), found, kBatchbuchung);
-    for (; done && found && record.Batchbuchung.Stapel == order_.batch; ++count)
-      done = store_.GetNextExt(record, found, kBatchbuchung);
-    must(done);
+    forEach<BATCHBUCHUNG>(store_, from(order_.batch),
+                          [&](const BATCHBUCHUNG &posting) { return posting.Stapel == order_.batch && ++count; });
     return count;
   }
 
@@ -157,7 +149,6 @@ private:
     const Amount &amount = movement.amount;
     chart_.move(*movement.account, year, artOf(posting), posting.Belegdatum, movement.debit, amount);
     const SPLIT &line = *movement.line;
-    DATENBANK record{};
     BUCHUNGSBELEG written{};
     written.Nr = entry;
     written.Zeile = row;
@@ -186,8 +177,7 @@ private:
     written.Buchung = posting.Nr;
     written.Split = line.Nr;
     vlba98::strncpy2(written.Buchungstag, order_.day);
-    record.Buchungsbeleg = written;
-    must(store_.Insert(record, kBuchungsbeleg));
+    insert(store_, written);
   }
 
   std::optional<SACHKONTO> generalLedgerAccount(Year &year, int16_t kind, const char *number) {
@@ -273,18 +263,15 @@ private:
       centres.push_back(&centre);
       chart_.moveCosts(centre, year, posting.Belegdatum, moved);
     }
-    DATENBANK record{};
-    record.Kostenbuchung = written;
     chart_.open(year);
-    must(store_.Insert(record, kKostenbuchung));
+    insert(store_, written);
   }
 
   void clearBatch() {
     must(store_.EmptyBat(order_.batch));
-    DATENBANK record{};
-    record.Stapel = batch();
-    record.Stapel.Gecleart = 1;
-    must(store_.Update(record, kStapel));
+    STAPEL cleared = batch();
+    cleared.Gecleart = 1;
+    update(store_, cleared);
   }
 
   Store &store_;
@@ -296,7 +283,7 @@ private:
 
 } // namespace
 
-Outcome postBatch(Store &store, const Order &order) {
+Outcome postBatch(Store &store, const Order &order) try {
   Outcome outcome;
   auto refuse = [&](std::string reason) {
     outcome.state = Outcome::Refused;
@@ -306,8 +293,6 @@ Outcome postBatch(Store &store, const Order &order) {
   switch (vlfn98::HoleMandantenDaten(store, order.client)) {
   case ZELK_OK:
     break;
-  case ZELKERR_Datenbank:
-    return outcome;
   case ZELKERR_uzl_Mandnr:
     return refuse("Den Mandanten " + std::to_string(order.client) + " gibt es nicht.");
   default:
@@ -319,17 +304,16 @@ Outcome postBatch(Store &store, const Order &order) {
     return outcome;
   }
   Transaction transaction(store, false);
-  if (!transaction.isOpen()) return outcome;
+  must(transaction.isOpen());
   try {
     BatchRun(store, order, outcome).run();
   } catch (const Refusal &refusal) {
     refuse(refusal.text);
-  } catch (const StoreFailed &) {
-    outcome.state = Outcome::StoreFailed;
   }
-  const bool ended = outcome.state == Outcome::Posted ? transaction.commit() : transaction.rollback();
-  if (!ended) outcome.state = Outcome::StoreFailed;
+  must(outcome.state == Outcome::Posted ? transaction.commit() : transaction.rollback());
   return outcome;
+} catch (const StoreFailed &) {
+  return {};
 }
 
 } // namespace ledger

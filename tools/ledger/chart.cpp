@@ -4,11 +4,12 @@
 #include <cstring>
 
 #include "ledger/refusal.h"
+#include "store/typed.h"
 #include "vlba98/encoding.h"
 #include "vlba98/geld.h"
 #include "vlba98/muldiv.h"
 #include "vlba98/text.h"
-#include "vlfn98/accounts.h"
+#include "vlfn98/costs.h"
 #include "vlfn98/currency.h"
 #include "vlfn98/fiscal_year.h"
 #include "vlfn98/tax.h"
@@ -51,14 +52,11 @@ Chart::Chart(Store &store) : store_(store) {
   char first[3];
   must(store.HoleMinJahr(first));
   firstYear_ = vlba98::yearOfCode(first);
-  DATENBANK record{};
-  int done = store.GetFirstExt(record, found, kGeschaeftsjahr);
-  for (; done && found; done = store.GetNextExt(record, found, kGeschaeftsjahr)) {
-    Year &year = years_[record.Geschaeftsjahr.Jahr];
-    year.record = record.Geschaeftsjahr;
+  forEach<GESCHAEFTSJAHR>(store, [&](const GESCHAEFTSJAHR &record) {
+    Year &year = years_[record.Jahr];
+    year.record = record;
     must(vlba98::itotwo(year.record.Jahr - vlba98::firstYear, year.code));
-  }
-  must(done);
+  });
 }
 
 Year &Chart::yearOf(const char *reversedDate) {
@@ -76,11 +74,9 @@ void Chart::open(const Year &year) {
 
 int32_t Chart::nextEntry(Year &year) {
   if (year.lastEntry < 0) {
-    DATENBANK record{};
-    uint8_t found;
     open(year);
-    must(store_.GetLastExt(record, found, kBuchungsbeleg));
-    year.lastEntry = found ? record.Buchungsbeleg.Nr : 0;
+    const auto greatest = last<BUCHUNGSBELEG>(store_);
+    year.lastEntry = greatest ? greatest->Nr : 0;
   }
   return ++year.lastEntry;
 }
@@ -89,12 +85,12 @@ Account &Chart::account(Year &year, int table, const char *number, const char *r
   auto [known, fresh] = year.accounts.try_emplace({table, number});
   Account &account = known->second;
   if (fresh) {
-    uint8_t found = 0;
     open(year);
     account.table = table;
-    std::memset(&account.record, 0, sizeof account.record);
-    must(store_.UsedGet(account.record, KeyBuilder().account(number), found, FileNumber(table)));
-    if (!found) {
+    const auto record = find<DATENBANK>({store_, FileNumber(table)}, number);
+    if (record) {
+      account.record = *record;
+    } else {
       year.accounts.erase(known);
       throw Refusal{std::string(role) + " " + utf8(number) + " gibt es im Geschäftsjahr " +
                     std::to_string(year.record.Jahr) + " nicht."};
@@ -109,18 +105,14 @@ Account &Chart::account(Year &year, int table, const char *number, const char *r
 CostCentre &Chart::centre(Year &year, int dimension, const char *number) {
   auto [known, fresh] = year.centres.try_emplace({dimension, number});
   if (fresh) {
-    SCHLUESSEL key;
-    const auto file = FileNumber(kKost + vlfn98::GetKostKontoKey(number, dimension, nullptr, key));
-    DATENBANK record{};
-    uint8_t found = 0;
     open(year);
-    must(store_.UsedGet(record, key, found, file));
-    if (!found) {
+    const auto record = vlfn98::IsKostenstelle(store_, number, dimension);
+    if (!record) {
       year.centres.erase(known);
       throw Refusal{"Kostenstelle " + utf8(number) + " gibt es im Geschäftsjahr " + std::to_string(year.record.Jahr) +
                     " nicht."};
     }
-    known->second.record = record.Kost;
+    known->second.record = *record;
   }
   return known->second;
 }
@@ -128,9 +120,10 @@ CostCentre &Chart::centre(Year &year, int dimension, const char *number) {
 const STEUSA &Chart::taxKey(int16_t key, const char *reversedDate, int64_t rate) {
   auto [known, fresh] = taxKeys_.try_emplace({key, reversedDate, rate});
   if (fresh) {
-    uint8_t found = 0;
-    must(vlfn98::GetSteusa(store_, key, reversedDate, rate, known->second, found));
-    if (!found) {
+    const auto record = vlfn98::GetSteusa(store_, key, reversedDate, rate);
+    if (record) {
+      known->second = *record;
+    } else {
       taxKeys_.erase(known);
       throw Refusal{"Der Steuerschlüssel " + std::to_string(key) + " hat am " + displayed(reversedDate) +
                     " nicht den Steuersatz der Buchung."};
@@ -143,10 +136,7 @@ const ZAHLZIEL *Chart::term(int32_t number) {
   if (number == 0) return nullptr;
   auto [known, fresh] = terms_.try_emplace(number);
   if (fresh) {
-    DATENBANK record{};
-    uint8_t found = 0;
-    must(store_.UsedGet(record, KeyBuilder().number(number), found, kZahlziel));
-    if (found) known->second = record.Zahlziel;
+    if (const auto record = find<ZAHLZIEL>(store_, number)) known->second = *record;
   }
   return known->second.Nr ? &known->second : nullptr;
 }

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "ledger/refusal.h"
+#include "store/typed.h"
 #include "vlba98/geld.h"
 #include "vlba98/muldiv.h"
 #include "vlba98/text.h"
@@ -104,14 +105,12 @@ std::optional<OpenItems::Change> OpenItems::reckon(const Year &year, const BATCH
   // Opening balances bring items into the client's first year only: later ones carry forward what is open already.
   if (posting.Abschluss || (posting.Eroeffnung && !chart_.isFirst(year)) || movement.amount == 0) return std::nullopt;
   const char *account = movement.account->record.Personenkonto.Nr;
-  DATENBANK item{};
-  uint8_t found = 0;
   const char *number = itemNumber(posting);
-  must(store_.GetGeExt(item, KeyBuilder().text(number, sizeof(OPBELEG::OPBelegnummer) - 1).account(account), found,
-                       fileNumber(tableOfItems(*movement.account), kByNumber)));
-  const bool known =
-      found && std::strcmp(item.Opbeleg.OPBelegnummer, number) == 0 && std::strcmp(item.Opbeleg.Konto, account) == 0;
-  Change result{tableOfItems(*movement.account), tableOfHistory(*movement.account), item.Opbeleg, !known, {}};
+  const In items{store_, fileNumber(tableOfItems(*movement.account), kByNumber)};
+  const auto item = atLeast<OPBELEG>(items, number, account);
+  const bool known = item && std::strcmp(item->OPBelegnummer, number) == 0 && std::strcmp(item->Konto, account) == 0;
+  Change result{
+      tableOfItems(*movement.account), tableOfHistory(*movement.account), item.value_or(OPBELEG{}), !known, {}};
   if (known)
     change(posting, movement, result);
   else
@@ -195,49 +194,39 @@ OPHISTORIE OpenItems::paymentOf(const BATCHBUCHUNG &posting, const ItemMovement 
 
 void OpenItems::write(const Year &year, Change &change) {
   const auto table = FileNumber(change.table), history = FileNumber(change.history);
-  DATENBANK record{};
-  if (change.isNew) change.item.Nr = nextNumber();
-  record.Opbeleg = change.item;
   if (change.isNew) {
-    must(store_.Insert(record, table));
+    change.item.Nr = nextNumber();
+    insert({store_, table}, change.item);
     ++counts_.created;
     return;
   }
-  store_.setCurrent(record, table);
+  makeCurrent({store_, table}, change.item);
   if (valueOf(change.item.Ausstand) == 0) {
     must(store_.Delete(table));
     ++counts_.settled;
   } else {
-    must(store_.Update(record, table));
+    update({store_, table}, change.item);
   }
   if (!change.payment) {
     ++counts_.raised;
     return;
   }
   change.payment->Zeile = greatestInHistory(change.history, change.item.Nr) + 1;
-  record.Ophistorie = *change.payment;
   chart_.open(year);
-  must(store_.Insert(record, history));
+  insert({store_, history}, *change.payment);
   ++counts_.payments;
 }
 
 int32_t OpenItems::nextNumber() {
   if (lastNumber_ < 0) {
     lastNumber_ = 0;
-    for (int table : {int(kOPKreditor), int(kOPDebitor)}) {
-      DATENBANK record{};
-      uint8_t found;
-      must(store_.GetLastExt(record, found, FileNumber(table)));
-      if (found) lastNumber_ = std::max(lastNumber_, int32_t(record.Opbeleg.Nr));
-    }
+    for (FileNumber table : {kOPKreditor, kOPDebitor})
+      if (const auto item = last<OPBELEG>({store_, table})) lastNumber_ = std::max(lastNumber_, int32_t(item->Nr));
     for (auto &[number, year] : chart_.years()) {
       chart_.open(year);
-      for (int table : {int(kHistOPKreditor), int(kHistOPDebitor)}) {
-        DATENBANK record{};
-        uint8_t found;
-        must(store_.GetLastExt(record, found, FileNumber(table)));
-        if (found) lastNumber_ = std::max(lastNumber_, int32_t(record.Ophistorie.OP.Nr));
-      }
+      for (FileNumber table : {kHistOPKreditor, kHistOPDebitor})
+        if (const auto payment = last<OPHISTORIE>({store_, table}))
+          lastNumber_ = std::max(lastNumber_, int32_t(payment->OP.Nr));
     }
   }
   return ++lastNumber_;
@@ -247,12 +236,9 @@ int32_t OpenItems::nextNumber() {
 int32_t OpenItems::greatestInHistory(int table, int32_t item) {
   int32_t greatest = 0;
   for (auto &[number, year] : chart_.years()) {
-    DATENBANK record{};
-    uint8_t found;
     chart_.open(year);
-    must(store_.GetLeExt(record, KeyBuilder().number(item).number(std::numeric_limits<int32_t>::max()), found,
-                         FileNumber(table)));
-    if (found && record.Ophistorie.OP.Nr == item) greatest = std::max(greatest, int32_t(record.Ophistorie.Zeile));
+    const auto payment = atMost<OPHISTORIE>({store_, FileNumber(table)}, item, std::numeric_limits<int32_t>::max());
+    if (payment && payment->OP.Nr == item) greatest = std::max(greatest, int32_t(payment->Zeile));
   }
   return greatest;
 }

@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "store/typed.h"
+
 namespace ledger {
 
 /// Thrown: a posting cannot be posted. The batch is then posted not at all.
@@ -10,11 +12,7 @@ struct Refusal {
   std::string text; ///< UTF-8
 };
 
-/// Thrown: the record store failed.
-struct StoreFailed {};
-
-inline void must(int done) {
-  if (!done) throw StoreFailed();
-}
+using vldb98::must;
+using vldb98::StoreFailed;
 
 } // namespace ledger

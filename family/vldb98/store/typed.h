@@ -96,6 +96,15 @@ template <class Record> Record &recordIn(DATENBANK &buffer) {
     return buffer.*RecordTraits<Record>::member;
 }
 
+/// \param operation one of the store's, given the buffer, the found flag and the file number
+template <class Record, class Operation> std::optional<Record> read(const In &in, Operation &&operation) {
+  DATENBANK buffer{};
+  uint8_t found = 0;
+  must(operation(buffer, found, fileOf<Record>(in)));
+  if (!found) return std::nullopt;
+  return recordIn<Record>(buffer);
+}
+
 } // namespace detail
 
 /// The key of a file number with these values in its first fields.
@@ -104,143 +113,126 @@ template <class... Values> SCHLUESSEL keyOf(FileNumber file, const Values &...va
   (writer.add(values), ...);
   return writer.key();
 }
+/// A key that is built already.
+inline const SCHLUESSEL &keyOf(FileNumber, const SCHLUESSEL &key) {
+  return key;
+}
 
 /// The record with exactly this key. Where several have it, the first.
 template <class Record, class... Values> std::optional<Record> find(In in, const Values &...values) {
-  const FileNumber file = detail::fileOf<Record>(in);
-  DATENBANK buffer{};
-  uint8_t found;
-  must(in.store.UsedGet(buffer, keyOf(file, values...), found, file));
-  if (!found) return std::nullopt;
-  return detail::recordIn<Record>(buffer);
+  return detail::read<Record>(in, [&](DATENBANK &buffer, uint8_t &found, FileNumber file) {
+    return in.store.UsedGet(buffer, keyOf(file, values...), found, file);
+  });
 }
 
 template <class Record, class... Values> bool exists(In in, const Values &...values) {
   const FileNumber file = detail::fileOf<Record>(in);
-  uint8_t found;
+  uint8_t found = 0;
   must(in.store.Used(keyOf(file, values...), found, file));
   return found;
 }
 
-/// Values that a walk or a read begins with.
+/// The first record whose key is at least this one.
+template <class Record, class... Values> std::optional<Record> atLeast(In in, const Values &...values) {
+  return detail::read<Record>(in, [&](DATENBANK &buffer, uint8_t &found, FileNumber file) {
+    return in.store.GetGeExt(buffer, keyOf(file, values...), found, file, ZELK_ENG_DEFAULT, in.selector);
+  });
+}
+/// The last record whose key is at most this one.
+template <class Record, class... Values> std::optional<Record> atMost(In in, const Values &...values) {
+  return detail::read<Record>(in, [&](DATENBANK &buffer, uint8_t &found, FileNumber file) {
+    return in.store.GetLeExt(buffer, keyOf(file, values...), found, file, ZELK_ENG_DEFAULT, in.selector);
+  });
+}
+
+template <class Record> std::optional<Record> first(In in) {
+  return detail::read<Record>(in, [&](DATENBANK &buffer, uint8_t &found, FileNumber file) {
+    return in.store.GetFirstExt(buffer, found, file, ZELK_ENG_DEFAULT, in.selector);
+  });
+}
+template <class Record> std::optional<Record> last(In in) {
+  return detail::read<Record>(in, [&](DATENBANK &buffer, uint8_t &found, FileNumber file) {
+    return in.store.GetLastExt(buffer, found, file, ZELK_ENG_DEFAULT, in.selector);
+  });
+}
+/// The record after the one that was read last.
+template <class Record> std::optional<Record> next(In in) {
+  return detail::read<Record>(
+      in, [&](DATENBANK &buffer, uint8_t &found, FileNumber file) { return in.store.GetNextExt(buffer, found, file); });
+}
+/// The record before the one that was read last.
+template <class Record> std::optional<Record> previous(In in) {
+  return detail::read<Record>(
+      in, [&](DATENBANK &buffer, uint8_t &found, FileNumber file) { return in.store.GetPrevExt(buffer, found, file); });
+}
+
+/// Where a walk begins: the values of a key. Lasts as long as they do.
 template <class... Values> struct From {
   std::tuple<const Values &...> values;
   SCHLUESSEL key(FileNumber file) const {
     return std::apply([&](const Values &...each) { return keyOf(file, each...); }, values);
   }
 };
-/// Lasts as long as its values.
 template <class... Values> From<Values...> from(const Values &...values) {
   return {std::tie(values...)};
 }
 /// Two keys, both included.
 struct Between {
-  const SCHLUESSEL &lower, &upper;
+  SCHLUESSEL lower, upper;
 };
-
-enum class Nearest : uint8_t { AtLeast, AtMost };
-
-/// The first record whose key is at least this one, or the last one whose key is at most this one.
-template <class Record, class... Values> std::optional<Record> nearest(Nearest side, In in, const Values &...values) {
-  const FileNumber file = detail::fileOf<Record>(in);
-  const SCHLUESSEL key = keyOf(file, values...);
-  DATENBANK buffer{};
-  uint8_t found;
-  must(side == Nearest::AtLeast ? in.store.GetGeExt(buffer, key, found, file, ZELK_ENG_DEFAULT, in.selector)
-                                : in.store.GetLeExt(buffer, key, found, file, ZELK_ENG_DEFAULT, in.selector));
-  if (!found) return std::nullopt;
-  return detail::recordIn<Record>(buffer);
-}
-template <class Record, class... Values> std::optional<Record> atLeast(In in, const Values &...values) {
-  return nearest<Record>(Nearest::AtLeast, in, values...);
-}
-template <class Record, class... Values> std::optional<Record> atMost(In in, const Values &...values) {
-  return nearest<Record>(Nearest::AtMost, in, values...);
-}
-
-template <class Record> std::optional<Record> first(In in) {
-  DATENBANK buffer{};
-  uint8_t found;
-  must(in.store.GetFirstExt(buffer, found, detail::fileOf<Record>(in), ZELK_ENG_DEFAULT, in.selector));
-  if (!found) return std::nullopt;
-  return detail::recordIn<Record>(buffer);
-}
-template <class Record> std::optional<Record> last(In in) {
-  DATENBANK buffer{};
-  uint8_t found;
-  must(in.store.GetLastExt(buffer, found, detail::fileOf<Record>(in), ZELK_ENG_DEFAULT, in.selector));
-  if (!found) return std::nullopt;
-  return detail::recordIn<Record>(buffer);
-}
-/// The record after the one that was read last.
-template <class Record> std::optional<Record> next(In in) {
-  DATENBANK buffer{};
-  uint8_t found;
-  must(in.store.GetNextExt(buffer, found, detail::fileOf<Record>(in)));
-  if (!found) return std::nullopt;
-  return detail::recordIn<Record>(buffer);
-}
 
 namespace detail {
 
-/// Calls visit for the record in the buffer and those after it. \param step reads the next one
-template <class Record, class Visit, class Step>
-void walk(DATENBANK &buffer, uint8_t &found, Visit &&visit, Step &&step) {
+/// \param start,step read the first record and the next one; \param visit see forEach
+template <class Record, class Start, class Step, class Visit>
+void walk(const In &in, Start &&start, Step &&step, Visit &&visit) {
+  const FileNumber file = fileOf<Record>(in);
+  DATENBANK buffer{};
+  uint8_t found = 0;
   Record &record = recordIn<Record>(buffer);
-  while (found) {
+  for (must(start(buffer, found, file)); found; must(step(buffer, found, file))) {
     if constexpr (std::is_void_v<std::invoke_result_t<Visit &, Record &>>)
       visit(record);
     else if (!visit(record))
       return;
-    must(step());
   }
 }
 
-template <class Record, class Start, class Visit> void walkFrom(In in, Start &&start, Visit &&visit) {
-  const FileNumber file = fileOf<Record>(in);
-  DATENBANK buffer{};
-  uint8_t found = 0;
-  must(start(buffer, found, file));
-  walk<Record>(buffer, found, visit, [&] { return in.store.GetNextExt(buffer, found, file); });
+inline auto nextIn(Store &store) {
+  return [&store](DATENBANK &buffer, uint8_t &found, FileNumber file) { return store.GetNextExt(buffer, found, file); };
 }
 
 } // namespace detail
 
 /// Every record in the order of the key. \param visit gets the record; where it returns something, false ends the walk.
-/// What it reads of the same table goes on from there, unless it puts the table back with setCurrent
+/// Where it reads the same table itself, the walk goes on from there
 template <class Record, class Visit> void forEach(In in, Visit &&visit) {
-  detail::walkFrom<Record>(
-      in,
-      [&](DATENBANK &buffer, uint8_t &found, FileNumber file) {
-        return in.store.GetFirstExt(buffer, found, file, ZELK_ENG_DEFAULT, in.selector);
-      },
-      visit);
+  const auto start = [&](DATENBANK &buffer, uint8_t &found, FileNumber file) {
+    return in.store.GetFirstExt(buffer, found, file, ZELK_ENG_DEFAULT, in.selector);
+  };
+  detail::walk<Record>(in, start, detail::nextIn(in.store), visit);
 }
-/// Every record whose key is at least the one that begins with the values.
-template <class Record, class... Values, class Visit> void forEach(In in, From<Values...> start, Visit &&visit) {
-  detail::walkFrom<Record>(
-      in,
-      [&](DATENBANK &buffer, uint8_t &found, FileNumber file) {
-        return in.store.GetGeExt(buffer, start.key(file), found, file, ZELK_ENG_DEFAULT, in.selector);
-      },
-      visit);
+/// Every record whose key is at least the one given.
+template <class Record, class... Values, class Visit> void forEach(In in, From<Values...> from, Visit &&visit) {
+  const auto start = [&](DATENBANK &buffer, uint8_t &found, FileNumber file) {
+    return in.store.GetGeExt(buffer, from.key(file), found, file, ZELK_ENG_DEFAULT, in.selector);
+  };
+  detail::walk<Record>(in, start, detail::nextIn(in.store), visit);
 }
 /// Every record whose key lies between two keys, both included.
-template <class Record, class Visit> void forEach(In in, Between range, Visit &&visit) {
-  detail::walkFrom<Record>(
-      in,
-      [&](DATENBANK &buffer, uint8_t &found, FileNumber file) {
-        return in.store.GetRangeExt(buffer, range.lower, range.upper, found, file);
-      },
-      visit);
+template <class Record, class Visit> void forEach(In in, const Between &range, Visit &&visit) {
+  const auto start = [&](DATENBANK &buffer, uint8_t &found, FileNumber file) {
+    return in.store.GetRangeExt(buffer, range.lower, range.upper, found, file);
+  };
+  detail::walk<Record>(in, start, detail::nextIn(in.store), visit);
 }
 /// Every record, in the order of the table itself.
 template <class Record, class Visit> void forEachStored(In in, Visit &&visit) {
-  const FileNumber file = detail::fileOf<Record>(in);
-  DATENBANK buffer{};
-  uint8_t found = 0;
-  must(in.store.StepFirstExt(buffer, found, file));
-  detail::walk<Record>(buffer, found, visit, [&] { return in.store.StepNextExt(buffer, found, file); });
+  detail::walk<Record>(
+      in,
+      [&](DATENBANK &buffer, uint8_t &found, FileNumber file) { return in.store.StepFirstExt(buffer, found, file); },
+      [&](DATENBANK &buffer, uint8_t &found, FileNumber file) { return in.store.StepNextExt(buffer, found, file); },
+      visit);
 }
 
 /// Inserts a record; a number that the table assigns is written back.
@@ -249,6 +241,12 @@ template <class Record> void insert(In in, Record &record) {
   detail::recordIn<Record>(buffer) = record;
   must(in.store.Insert(buffer, detail::fileOf<Record>(in)));
   record = detail::recordIn<Record>(buffer);
+}
+/// Makes a record that was read earlier the one that was read last, for update and for the steps of a walk.
+template <class Record> void makeCurrent(In in, const Record &record) {
+  DATENBANK buffer{};
+  detail::recordIn<Record>(buffer) = record;
+  in.store.setCurrent(buffer, detail::fileOf<Record>(in));
 }
 /// Puts a record in the place of the one that was read last.
 template <class Record> void update(In in, const Record &record) {
