@@ -20,7 +20,7 @@ int HoleGeschaeftsjahr(vldb98::Store &store, int calendarYear, vldb98::GESCHAEFT
 int OeffneJahr(vldb98::Store &store, int calendarYear, uint8_t &exists);
 
 /// The month of a fiscal year that a day of it lies in: 1 for the calendar month in which the year begins. What lies
-/// behind the twelfth month of a longer year belongs to the twelfth.
+/// behind the twelfth month of a longer year belongs to the twelfth, since accounts have values of twelve months.
 int BuchungsMonat(const vldb98::GESCHAEFTSJAHR &year, const vlba98::Datum &day);
 
 struct Zeitspanne {
