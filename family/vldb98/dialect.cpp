@@ -84,8 +84,7 @@ Dialect mysqlFamily(const char *name, const char *createBehind) {
       .textBytesPerCharacter = 1,
       .tableExists = "SELECT 1 FROM information_schema.tables WHERE table_schema=DATABASE() AND table_name=? LIMIT 1",
       .tablesEndTransactions = true,
-      // In what only MariaDB reads stands what only MariaDB knows. The tables of variables, which every server has,
-      // take ten times as long.
+      // In what only MariaDB reads stands what only MariaDB knows.
       .whoIsThere = "SELECT DATABASE(), VERSION(), "
                     "CONCAT('' /*M!100500 , IF(@@wsrep_on AND @@wsrep_provider<>'none','cluster','') */), "
                     "CONNECTION_ID()",
