@@ -49,7 +49,8 @@ bool isAccount(Store &store, const std::string &number) {
   return kind != 0 && kind != kOnlyCostCentre;
 }
 
-// Goes through the client's fiscal years, and back to the one that was open.
+// Goes through the client's fiscal years, and back to the one that was open. What is free in the current year alone is
+// no proposal: the open items and balances of an account that was not carried over would get a new owner.
 class OtherYears {
 public:
   explicit OtherYears(Store &store) : store_(store), open_(store.HoleOpenJahr()) {}

@@ -15,6 +15,7 @@ endif()
 
 add_library(sqlite3 STATIC "${sqlite_dir}/sqlite3.c")
 target_include_directories(sqlite3 SYSTEM INTERFACE "${sqlite_dir}")
+# No memory mapping: a disk that fails would be a signal, which ends the host, in place of an error.
 target_compile_definitions(sqlite3 PRIVATE
   SQLITE_THREADSAFE=2
   SQLITE_DQS=0

@@ -56,7 +56,7 @@ Outcome deliver(int32_t form, std::initializer_list<Figure> figures) {
   char internal[vlba98::geldWidth + 1];
   for (const Figure &figure : figures)
     if (figure.buffer && !vlba98::formatGeld(figure.hundredths, internal))
-      return {ZELKERR_sonst, resources::kBetragZuGross};
+      return {ZELKERR_sonst, resources::kBetragZuGross}; // the text of -37 speaks of account numbers
   for (const Figure &figure : figures) {
     if (!figure.buffer) continue;
     vlba98::formatGeld(figure.hundredths, internal);

@@ -17,7 +17,8 @@ namespace frame {
 namespace {
 
 // The directory that is made current while the product works in its own directory. One for the process, changed by
-// every call; hosts that call from several threads share it, as they share the current directory itself.
+// every call; hosts that call from several threads share it, as they share the current directory itself. Which file is
+// opened never depends on it: the store knows absolute paths only.
 class DatabaseDirectory {
 public:
   /// Becomes the directory when there is none yet, else makes it current when another one is.
@@ -114,7 +115,8 @@ ZelkResult runBody(const Export &self, std::span<const Parameter> parameters, de
     reportOverflow(*overflow, flag && flag->number);
     return ZELKERR_Ueberlauf;
   }
-  // A connection can be lost behind what a call was to do, and the database's file removed or replaced between two.
+  // A connection can be lost behind what a call was to do, and the database's file removed or replaced between two. The
+  // file is looked for here only: it can go right behind any look, so more of them would not be certain either.
   if (context && context->sessionLost()) context->closeSession();
   ZelkResult result;
   try {

@@ -58,6 +58,7 @@ void readTimeout(Notification &state) {
 
 // \return false when the process was not ready in time; then none is asked again
 bool handOver(Notification &state, const ZELK_OUT_BLOCK &block) {
+  // Not cut short by the end of the process, which may have started another one to answer for it.
   if (!state.process->waitReady(Wait{state.applications, state.factor}.milliseconds())) {
     state.enabled = false;
     return false;

@@ -21,6 +21,7 @@ public:
   }
   /// Writes the lines that were noted and the result, as one piece.
   virtual ~Protokoll() {
+    // Without its parameters where the protocol was started meanwhile, by the call itself or by another thread's.
     if (began_ || protocolOpen()) end();
   }
   Protokoll(const Protokoll &) = delete;

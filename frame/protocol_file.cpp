@@ -180,6 +180,7 @@ ZelkResult writeProtocol(std::string_view piece, Flush flush) {
 bool chooseProtocolFile(const std::string &name) {
   ProtocolFile &file = protocolFile();
   std::lock_guard guard(file.mutex);
+  // What the file is will be looked at when the protocol starts: it may change until then.
   if (name.empty() || toCodePage(name).size() >= kProtocolNameSize ||
       !platform::writeRegistry(Hive::CurrentUser, kKey, kValue, name))
     return false;

@@ -86,6 +86,7 @@ bool Selection::switchOrder(int order) {
 
 void Selection::search(const std::string &typed) {
   typed_ = typed;
+  // Nothing rather than the line before: OK must not take an entry that nobody meant.
   selected_.reset();
   auto start = vlba98::toWindows1252(typed);
   if (!start || start->empty()) return;
@@ -99,6 +100,7 @@ void Selection::select(size_t index) {
 
 bool Selection::confirm() {
   if (!selected_) {
+    // Whatever the messages flag: it answers a click, no call is refused.
     showMessage(resources::kBitteAuswaehlen);
     return false;
   }

@@ -96,6 +96,7 @@ ZelkResult rateAccount(ThreadContext &context, Store &store, RatingRequest &requ
   Store *now = context.session();
   if (!now) return ZELKERR_Datenbank;
   if (ZelkResult opened = openClient(context, *now, request.client); opened <= 0) return opened;
+  // Also where the source does not know the account: a stored rating must not outlive its source's word.
   const FileNumber tables[] = {FileNumber(table)};
   PERSONENKONTO changed;
   ZelkResult result =

@@ -21,7 +21,7 @@ std::optional<vldb98::GESCHAEFTSJAHR> HoleGeschaeftsjahr(vldb98::Store &store, i
 bool OeffneJahr(vldb98::Store &store, int calendarYear);
 
 /// The month of a fiscal year that a day of it lies in: 1 for the calendar month in which the year begins. What lies
-/// behind the twelfth month of a longer year belongs to the twelfth.
+/// behind the twelfth month of a longer year belongs to the twelfth, since accounts have values of twelve months.
 int BuchungsMonat(const vldb98::GESCHAEFTSJAHR &year, const vlba98::Datum &day);
 
 struct Zeitspanne {

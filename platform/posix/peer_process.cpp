@@ -199,6 +199,7 @@ std::unique_ptr<PeerProcess> PeerProcess::start(const std::string &program, size
   void *block = map(objects.memory, blockSize);
   if (!block) return nullptr;
   if (pid_t child = spawn(program, objects); child >= 0) {
+    // clone() would give the handle with the process, but asks for a fork of the host by hand in place of posix_spawn.
     if (Descriptor process(::pidfd_open(child, 0)); process && isOwn(process))
       return std::make_unique<PosixPeerProcess>(std::move(process), std::move(objects), block, blockSize);
     // Never by its number: a host that collects every child may have done so, and the number be another process's.

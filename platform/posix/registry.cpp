@@ -76,7 +76,8 @@ std::string targetOf(std::string path) {
   return path;
 }
 
-// Puts a new file in the place of the old one, with its owner and mode, or leaves all as it is.
+// Puts a new file in the place of the old one, with its owner and mode, or leaves all as it is. To write in place would
+// keep the owner where this cannot, but leave half a file on a full disk.
 bool replaceFile(const std::string &path, const std::string &content) {
   struct stat old {};
   const bool exists = ::stat(path.c_str(), &old) == 0;

@@ -32,6 +32,8 @@ template <class Record> auto centresOf(Record &record) {
                     record.Kostenstelle4, record.Kostenstelle5, record.Kostenstelle6};
 }
 
+// Stored with the posting: asked for again at an evaluation, a cost centre that was added since would change what was
+// posted.
 auto referencesOf(KOSTENBUCHUNG &record) {
   return std::array{record.Kostref1, record.Kostref2, record.Kostref3,
                     record.Kostref4, record.Kostref5, record.Kostref6};

@@ -181,6 +181,7 @@ CopyOutcome Kopiere(Store &source, Store &target, uint16_t client, std::vector<T
   if (!target.Used(key, there, kFirmenstamm)) return CopyOutcome::TargetFailed;
   if (there) return CopyOutcome::ClientIsThere;
 
+  // Without locks: postings that come meanwhile would wait for them and then be skipped.
   Transaction reading(source, true), writing(target, false);
   if (!reading.isOpen()) return CopyOutcome::SourceFailed;
   if (!writing.isOpen()) return CopyOutcome::TargetFailed;

@@ -177,6 +177,7 @@ private:
 
 std::unique_ptr<Locks> openClusterLocks(SqlConnection &connection, std::unique_ptr<Locks> named,
                                         std::chrono::milliseconds wait) {
+  // With the first session, not with the schema: a server becomes a node long after its tables were made.
   auto locks = std::make_unique<ClusterLocks>(connection, std::move(named), wait);
   return locks->makeTable() ? std::move(locks) : nullptr;
 }
