@@ -268,9 +268,9 @@ ZELK_API ZelkResult ZELK_CALL ZELK_Status(void);
 /* --- 4  Start, end, database -------------------------------------------------------------------------------------- */
 
 /* Attaches the library to the process: reads the settings, starts call protocol and change notification where the
- * settings ask for them. Every function does so first of all; a later call, or one after a failure, does nothing until
- * ZELK_Detach. On Windows it sets the C runtime's locale for character types and collation to the user's, and loading
- * the library initialises COM for the loading thread (single-threaded apartment), until a thread ends or
+ * settings ask for them. Every working function does so first of all; a later call, or one after a failure, does
+ * nothing until ZELK_Detach. On Windows it sets the C runtime's locale for character types and collation to the user's,
+ * and loading the library initialises COM for the loading thread (single-threaded apartment), until a thread ends or
  * ZELK_Detach.
  *
  *   connect  also open the database
@@ -741,7 +741,8 @@ ZELK_AT4(ZELK_SPLITBUCHUNG, Waehrung, 80, ESR, 84, DMSID, 134, Teilbuchung, 185)
  *   -11            Belegdatum is no date, or lies in no fiscal year of the client or a closed one
  *   -25            Teilbuchungsanzahl is not 1 to 10
  *   -10            opening posting without exactly one empty account in each line
- *   -60            ESR, where the client's country is not "CH"; or not 16 or 27 digits, the last a right check digit
+ *   -60            ESR, where the client's country is not "CH"; or other than 16 or 27 digits (blanks between them
+ *                  aside), of which the last is the check digit (modulo 10, recursive)
  *   -26            several lines: the first one lacks an account; or neither the debit nor the credit account is the
  *                  same in all lines; or a creditor or debtor stands on the side that differs
  *   -27            there is no payment term Zahlungsziel
@@ -815,10 +816,10 @@ ZELK_API ZelkResult ZELK_CALL ZELK_BuchungEinfuegenDirekt(
 /* A split posting can be built in the calling thread; it may then have more than ten lines, and cost postings:
  *
  *     ZELK_SplitStart(1, 3, "21.01.2026", "ER-7", 0, 0, NULL, NULL, NULL, 0, NULL, NULL);
- *     ZELK_SplitEinfuegen("4930", ZELK_SACHKONTO, "70001", ZELK_KREDITOR, "119,00", "19,00", NULL, "Papier", 0, NULL);
+ *     ZELK_SplitEinfuegen("4930", ZELK_SACHKONTO, "70010", ZELK_KREDITOR, "119,00", "19,00", NULL, "Papier", 0, NULL);
  *     ZELK_SplitKobuEinfuegen("100", NULL, 1, "60,00", NULL, NULL, NULL, NULL);       of the line above
  *     ZELK_SplitKobuEinfuegen("200", NULL, 1, "40,00", NULL, NULL, NULL, NULL);       together its net amount
- *     ZELK_SplitEinfuegen("4910", ZELK_SACHKONTO, "70001", ZELK_KREDITOR, "5,00", NULL, NULL, "Porto", 0, NULL);
+ *     ZELK_SplitEinfuegen("4910", ZELK_SACHKONTO, "70010", ZELK_KREDITOR, "5,00", NULL, NULL, "Porto", 0, NULL);
  *     result = ZELK_SplitEnde(1, 0);
  *
  * The arguments mean what the fields of the records do; texts that are too long are cut. Belegdatum, Valutadatum: any
