@@ -1,6 +1,6 @@
 /*
- * A reference for writers of the notification process: prints each change as one line in UTF-8. The library starts it as
- * zelkout.exe (zelkout on Linux) from the program directory; docs/benachrichtigung.md tells what is expected of it.
+ * A reference for writers of the notification process: prints each change as one line in UTF-8. The library starts it
+ * as zelkout.exe (zelkout on Linux) from the program directory; docs/benachrichtigung.md tells what is expected of it.
  *
  * The lines go to the file that the environment names in ZELK_OUT_DATEI, else to standard output.
  */
@@ -40,7 +40,9 @@ static int wait_for_change(const PEER *peer) {
   return SUBMITTED;
 }
 
-static void signal_ready(const PEER *peer) { SetEvent((HANDLE)peer->ready); }
+static void signal_ready(const PEER *peer) {
+  SetEvent((HANDLE)peer->ready);
+}
 
 #else
 

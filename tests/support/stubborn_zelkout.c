@@ -12,11 +12,19 @@
 
 #if defined(_WIN32)
 #include <io.h>
-static int own_id(void) { return (int)GetCurrentProcessId(); }
-static void nap(void) { Sleep(2); }
+static int own_id(void) {
+  return (int)GetCurrentProcessId();
+}
+static void nap(void) {
+  Sleep(2);
+}
 #else
-static int own_id(void) { return (int)getpid(); }
-static void nap(void) { poll(NULL, 0, 2); }
+static int own_id(void) {
+  return (int)getpid();
+}
+static void nap(void) {
+  poll(NULL, 0, 2);
+}
 #endif
 
 int main(int argc, char **argv) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <regex>
 #include <set>
+#include <sstream>
 
 #include "platform/files.h"
 #include "support/books.h"
@@ -79,20 +80,24 @@ TEST_F(LibraryFile, NeedsAndShowsNothingElse) {
 }
 #endif
 
-/// The project's own files, with their text.
+/// The project's own sources and headers, with their text.
 std::vector<std::pair<std::filesystem::path, std::string>> sources() {
   std::vector<std::pair<std::filesystem::path, std::string>> files;
-  for (const char *folder : {"accounts", "bench", "clients", "evaluations", "examples", "family", "frame", "include",
-                             "openitems", "platform", "postings", "resources", "tests", "tools"})
-    for (const auto &entry : std::filesystem::recursive_directory_iterator(sourceFolder() / folder)) {
+  for (const auto &folder : std::filesystem::directory_iterator(sourceFolder())) {
+    const std::string name = folder.path().filename().string();
+    if (!folder.is_directory() || name == "build" || name[0] == '.') continue;
+    for (const auto &entry : std::filesystem::recursive_directory_iterator(folder)) {
       std::string extension = entry.path().extension().string();
       if (extension == ".cpp" || extension == ".h" || extension == ".c")
         files.emplace_back(std::filesystem::relative(entry.path(), sourceFolder()), read(entry.path()));
     }
+  }
   return files;
 }
 
-TEST(Style, KeepsTheSystemAndTheEnginesInTheirFolders) {
+using Style = Environment;
+
+TEST_F(Style, KeepsTheSystemAndTheEnginesInTheirFolders) {
   struct Rule {
     const char *what, *pattern;
     std::vector<std::string> allowed; // beginnings of paths
@@ -129,6 +134,29 @@ TEST(Style, KeepsTheSystemAndTheEnginesInTheirFolders) {
       EXPECT_TRUE(allowed || !std::regex_search(text, std::regex(rule.pattern))) << path << ": " << rule.what;
     }
 }
+
+#if !defined(_WIN32)
+TEST_F(Style, IsThatOfClangFormat) {
+  std::string arguments = "--dry-run -Werror";
+  for (const auto &[path, text] : sources())
+    arguments += " '" + (sourceFolder() / path).string() + "'";
+  const std::string output = (folder() / "clang-format").string(), program = "/usr/bin/clang-format";
+  ASSERT_TRUE(platform::isFile(program)) << program << " is missing: tools/setup native installs it";
+  EXPECT_EQ(runProgram(program, arguments, output), 0) << read(output) << "clang-format -i mends it";
+}
+
+// Words and texts that it does not break, too.
+TEST_F(Style, HasNoLineOfMoreThan120Columns) {
+  for (const auto &[path, text] : sources()) {
+    std::istringstream lines(text);
+    std::string line;
+    for (int number = 1; std::getline(lines, line); ++number) {
+      auto columns = std::count_if(line.begin(), line.end(), [](char c) { return (c & 0xC0) != 0x80; }); // of UTF-8
+      EXPECT_LE(columns, 120) << path.string() << ":" << number;
+    }
+  }
+}
+#endif
 
 } // namespace
 } // namespace test
