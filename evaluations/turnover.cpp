@@ -37,7 +37,8 @@ Outcome sumUpTo(Store &store, const AccountRequest &account, const char *date, v
 
   const auto year = vlfn98::HoleGeschaeftsjahr(store, *day);
   // In no fiscal year there is no account.
-  if (!year || !vlfn98::OeffneJahr(store, year->Jahr)) return noSuchAccount(account.kind);
+  if (!year) return noSuchAccount(account.kind);
+  vlfn98::oeffne(store, *year);
   const int table = vlfn98::KzFromZELKArt(account.kind);
   waitForYear(store, kJahressaetze, table);
   DATENBANK record{};

@@ -21,7 +21,9 @@ int32_t HoleMandantenDaten(Store &store, int64_t client) {
 
 bool IsBuchjahr(Store &store, const vlba98::Datum &day, bool closedToo) {
   const auto year = HoleGeschaeftsjahr(store, day);
-  return year && (closedToo || !year->Abgeschlossen) && OeffneJahr(store, year->Jahr);
+  if (!year || (year->Abgeschlossen && !closedToo)) return false;
+  oeffne(store, *year);
+  return true;
 }
 
 } // namespace vlfn98

@@ -37,13 +37,16 @@ std::optional<GESCHAEFTSJAHR> HoleGeschaeftsjahr(Store &store, int calendarYear)
   return find<GESCHAEFTSJAHR>(store, calendarYear);
 }
 
-bool OeffneJahr(Store &store, int calendarYear) {
+void oeffne(Store &store, const GESCHAEFTSJAHR &year) {
   char code[3];
-  uint8_t there = 0;
-  if (!vlba98::itotwo(calendarYear - vlba98::firstYear, code)) return false;
-  must(store.ExistiertJahr(code, there));
-  if (there && std::strcmp(store.HoleOpenJahr(), code) != 0) must(store.SetzeOpenJahr(code));
-  return there;
+  must(vlba98::itotwo(year.Jahr - vlba98::firstYear, code));
+  if (std::strcmp(store.HoleOpenJahr(), code) != 0) must(store.SetzeOpenJahr(code));
+}
+
+bool OeffneJahr(Store &store, int calendarYear) {
+  const auto year = HoleGeschaeftsjahr(store, calendarYear);
+  if (year) oeffne(store, *year);
+  return year.has_value();
 }
 
 int BuchungsMonat(const GESCHAEFTSJAHR &year, const Datum &wanted) {

@@ -17,6 +17,9 @@ std::optional<vldb98::GESCHAEFTSJAHR> HoleGeschaeftsjahr(vldb98::Store &store, c
 /// The fiscal year of the open client that bears a calendar year.
 std::optional<vldb98::GESCHAEFTSJAHR> HoleGeschaeftsjahr(vldb98::Store &store, int calendarYear);
 
+/// Makes a fiscal year that was read the open one.
+void oeffne(vldb98::Store &store, const vldb98::GESCHAEFTSJAHR &year);
+
 /// Makes the fiscal year that bears a calendar year the open one. \return false when there is none
 bool OeffneJahr(vldb98::Store &store, int calendarYear);
 

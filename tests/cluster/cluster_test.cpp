@@ -10,7 +10,7 @@
 #include <stdexcept>
 #include <thread>
 
-#include "isam/isam_engine.h"
+#include "isam/server_engine.h"
 #include "odbc/odbc_connection.h"
 #include "support/drafts.h"
 #include "support/process.h"
@@ -63,7 +63,7 @@ std::unique_ptr<Store> withRowsAlone(const ServerSettings &node) {
   if (!connection) return nullptr;
   auto locks = openClusterLocks(*connection, nullptr, std::chrono::milliseconds(0));
   if (!locks) return nullptr;
-  return opened(std::make_unique<Store>(std::make_unique<IsamEngine>(std::move(connection), std::move(locks))));
+  return opened(std::make_unique<Store>(std::make_unique<ServerEngine>(std::move(connection), std::move(locks))));
 }
 
 /// Posts under a document number, again and again while others are in the way.

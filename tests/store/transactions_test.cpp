@@ -58,11 +58,13 @@ TEST_P(Transactions, NestAndAreDecidedByTheOutermost) {
       {"bir", "111", ""},
       {"bibicic", "1111111", "ABC"},
       {"bibicir", "1111111", ""},
-      {"bibiric", "1111110", ""}, // the inner rollback dooms the outermost commit
+      {"bibiric", "1111111", "AC"}, // the inner one is rolled back alone
+      {"bbirbicic", "111111111", "BC"},
+      {"bibbirirc", "111111111", "A"},
       {"bibirir", "1111111", ""},
-      {"bbribc", "111111", ""},    // still open at its end: the session's end undoes it
-      {"bbrcbic", "1110111", "A"}, // doom ends with its transaction
-      {"bbbirccbic", "1111110111", "B"},
+      {"bbribc", "111111", ""}, // still open at its end: the session's end undoes it
+      {"bbrcbic", "1111111", "A"},
+      {"bbbirccbic", "1111111111", "B"},
       {"c", "0", ""},
       {"r", "0", ""},
       {"icr", "100", "A"},

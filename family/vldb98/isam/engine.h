@@ -94,10 +94,10 @@ public:
   /// whatever their number; done also when there is none. The current record of the table stays where it was.
   virtual bool deleteBeginning(FileNumber file, const SCHLUESSEL &key, int fields) = 0;
 
-  /// Transactions nest: only the outermost one is the database's. An inner rollback makes the outermost commit fail,
-  /// rolled back. On the embedded database one that is to write begins with its first read or change, so that locks
-  /// waited for before that keep no other writer waiting, and all of it sees what their holders left.
-  /// \param snapshot begins without the intention to write
+  /// Transactions nest: the outermost one is the database's, an inner one a part of it that can be rolled back alone.
+  /// On the embedded database one that is to write begins with its first read or change, so that locks waited for
+  /// before that keep no other writer waiting, and all of it sees what their holders left. \param snapshot begins
+  /// without the intention to write
   virtual bool transaction(TransactionOp op, bool snapshot) = 0;
   virtual int transactionDepth() const = 0;
 

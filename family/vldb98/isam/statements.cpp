@@ -251,9 +251,8 @@ std::string deleteStatement(const Table &table, const std::vector<int> &fields) 
 std::string greatestStatement(const Dialect &dialect, const Table &table) {
   std::string assigned = columns(table, {table.assigned}).front();
   return "SELECT " + filledIn(dialect.rowsInFront, "%d", "1") + assigned +
-         from(dialect, table, table.keys.front(), dialect.locksRows) +
-         where(rowConditions(table, fieldsBeforeAssigned(table))) + " ORDER BY " + assigned + " DESC" +
-         atMost(dialect, 1, dialect.locksRows);
+         from(dialect, table, table.keys.front(), true) + where(rowConditions(table, fieldsBeforeAssigned(table))) +
+         " ORDER BY " + assigned + " DESC" + atMost(dialect, 1, true);
 }
 
 std::string assignedStatement(const Table &table) {

@@ -48,14 +48,29 @@ public:
     Rows known, unknown;
     for (const auto &[row, stand] : rows_)
       (stand.noted ? known : unknown).emplace(row, stand);
-    if (!raiseNoted(known) || !raise(unknown)) return false;
-    remember(known);
-    remember(unknown);
-    return true;
+    return raiseAll(known, unknown);
+  }
+
+  void savepoint() override { atSavepoints_.push_back(rows_); }
+
+  bool endSavepoint(bool kept) override {
+    const Rows before = std::move(atSavepoints_.back());
+    atSavepoints_.pop_back();
+    if (kept) return true;
+    // What was raised since is not any more.
+    Rows known, unknown;
+    for (auto &[row, stand] : rows_) {
+      const auto then = before.find(row);
+      if (!stand.raised || (then != before.end() && then->second.raised)) continue;
+      stand.raised.reset();
+      (stand.noted ? known : unknown).emplace(row, stand);
+    }
+    return raiseAll(known, unknown);
   }
 
   void endWriting(bool committed) override {
     writing_ = false;
+    atSavepoints_.clear();
     for (auto &[row, stand] : rows_) {
       if (committed && stand.raised) stand.noted = stand.raised;
       stand.raised.reset();
@@ -147,6 +162,13 @@ private:
     return true;
   }
 
+  bool raiseAll(Rows &known, Rows &unknown) {
+    if (!raiseNoted(known) || !raise(unknown)) return false;
+    remember(known);
+    remember(unknown);
+    return true;
+  }
+
   // In a transaction that writes: from now to its end nobody else does.
   bool raise(Rows &rows) { return rows.empty() || deliver(LockRows::Raise, rows, &Stand::raised); }
 
@@ -169,6 +191,7 @@ private:
   std::unique_ptr<Locks> named_;
   Statements statements_;
   Rows rows_; // of the locks held
+  std::vector<Rows> atSavepoints_;
   std::vector<LockName> leaving_;
   bool writing_ = false;
 };

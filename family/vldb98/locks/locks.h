@@ -67,6 +67,10 @@ public:
   /// Told in a transaction that has just begun and will write. \return false when somebody else changed what the locks
   /// held are on since they were taken: the transaction is rolled back, or has to be
   virtual bool beginWriting() { return true; }
+  /// Told in such a transaction at a savepoint, and when it is given up. \return false when what was undone since
+  /// cannot be held any more
+  virtual void savepoint() {}
+  virtual bool endSavepoint([[maybe_unused]] bool kept) { return true; }
   /// Told at the end of such a transaction, before its locks are released.
   virtual void endWriting([[maybe_unused]] bool committed) {}
 

@@ -43,11 +43,8 @@ struct Dialect {
   const char *primaryIndex;     ///< what useIndex calls the primary key
   const char *forUpdateAtTable; ///< keeps others from writing the rows that are read
   const char *forUpdateBehind;  ///< the same, at the end of the statement
-  bool locksRows;               ///< several write at once, so that a read before a write has to keep its row
 
   // --- Round trips ---
-  /// Every statement is a way to a server and back: reads and inserts are put together.
-  bool remote;
   /// An insert reckons the number that it assigns, and delivers it.
   bool insertsDeliver;
 
@@ -73,6 +70,7 @@ struct Dialect {
   std::vector<std::string> (*setUp)(std::chrono::milliseconds wait); ///< statements behind the connection
   std::vector<std::string> begin, beginSnapshot;
   const char *commit, *rollback;
+  const char *savepoint, *rollbackTo, *release; ///< %d: its number; an empty release: not needed
   std::span<const NativeError> errors;
 
   // --- Connection string ---

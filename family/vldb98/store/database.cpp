@@ -6,7 +6,7 @@
 #include <optional>
 #include <random>
 
-#include "isam/isam_engine.h"
+#include "isam/server_engine.h"
 #include "platform/files.h"
 #include "platform/ui.h"
 #include "store/guards.h"
@@ -52,7 +52,7 @@ std::unique_ptr<Engine> openServerEngine(const DatabaseSettings &settings) {
     locks = openClusterLocks(*connection, std::move(locks), settings.lockWait);
     if (!locks) return nullptr;
   }
-  return std::make_unique<IsamEngine>(std::move(connection), std::move(locks));
+  return std::make_unique<ServerEngine>(std::move(connection), std::move(locks));
 }
 
 std::unique_ptr<Engine> openEngine(const DatabaseSettings &settings) {

@@ -135,7 +135,11 @@ int Store::DeleteBeginning(const SCHLUESSEL &key, int fields, FileNumber file, D
 }
 
 bool Store::inBulk(FileNumber file) {
-  if (engine_->transactionDepth() == 0) bulks_.clear(); // of a transaction that was ended in their place
+  // Of a transaction that was ended in their place.
+  if (engine_->transactionDepth() == 0) {
+    bulks_.clear();
+    bulkRefused_ = false;
+  }
   return bulks_.contains(tableOf(file));
 }
 
@@ -150,8 +154,11 @@ int Store::MultiInsertNext(DATENBANK &record, FileNumber file, DBENGINE engine) 
 }
 int Store::EndMultiInsert(FileNumber file, DBENGINE engine) {
   if (!inBulk(file) || !inUse(engine)) return 0;
-  const bool refused = std::any_of(bulks_.begin(), bulks_.end(), [](const auto &bulk) { return bulk.second; });
+  // One that was refused undoes those that overlap with it, too, of which it may end neither first nor last.
+  bulkRefused_ |= std::any_of(bulks_.begin(), bulks_.end(), [](const auto &bulk) { return bulk.second; });
   bulks_.erase(tableOf(file));
+  const bool refused = bulkRefused_;
+  if (bulks_.empty()) bulkRefused_ = false;
   const int ended = Transaktion(refused ? 4 : 2, 0, engine);
   return !refused && ended;
 }

@@ -241,6 +241,7 @@ private:
   std::vector<KOBU> costs_;
   BATCHBUCHUNG posting_{};    // as last read or written; number 0: none
   std::map<int, bool> bulks_; // bulk insertions under way: by table, whether a record was refused
+  bool bulkRefused_ = false;  // of those that overlap
   bool outcomeUnknown_ = false;
 };
 
