@@ -198,7 +198,7 @@ std::unique_ptr<Store> openSession(const DatabaseSettings &settings) {
     same.lockWait = wait;
     return openSession(same);
   };
-  return std::make_unique<Store>(std::move(engine), reopen, settings.lockWait);
+  return std::make_unique<Store>(std::move(engine), std::make_unique<Settlement>(reopen, settings.lockWait));
 }
 
 void setEngineDecorator(EngineDecorator decorator) {

@@ -7,8 +7,8 @@
 
 namespace vldb98 {
 
-Store::Store(std::unique_ptr<Engine> engine, Reopen reopen, std::chrono::milliseconds patience)
-    : engine_(std::move(engine)), reopen_(std::move(reopen)), patience_(patience) {}
+Store::Store(std::unique_ptr<Engine> engine, std::unique_ptr<Settlement> settlement)
+    : engine_(std::move(engine)), settlement_(std::move(settlement)) {}
 Store::~Store() = default;
 
 int Store::read(ReadOp op, FileNumber file, DBENGINE engine, const SCHLUESSEL *key, const SCHLUESSEL *upper,

@@ -17,8 +17,6 @@
 ///   table's lock and takes nothing either, so that a fetch that is abandoned never stands in a posting's way.
 #pragma once
 
-#include <chrono>
-#include <functional>
 #include <map>
 #include <memory>
 #include <span>
@@ -27,17 +25,14 @@
 
 #include "isam/engine.h"
 #include "store/identifier.h"
+#include "store/settlement.h"
 
 namespace vldb98 {
 
 class Store {
 public:
-  /// Opens another session of the same database, which waits so long for locks; null when it cannot be had.
-  using Reopen = std::function<std::unique_ptr<Store>(std::chrono::milliseconds wait)>;
-
-  /// \param reopen   where the connection can be lost
-  /// \param patience how long an outcome is asked for that the connection was lost with
-  explicit Store(std::unique_ptr<Engine> engine, Reopen reopen = {}, std::chrono::milliseconds patience = {});
+  /// \param settlement where a connection can be lost
+  explicit Store(std::unique_ptr<Engine> engine, std::unique_ptr<Settlement> settlement = nullptr);
   ~Store();
 
   // --- Positioning reads ---
@@ -219,9 +214,6 @@ private:
   bool lockNamed(const LockName &name, int mode);
   bool inBulk(FileNumber file);
   bool writePosting(BATCHBUCHUNG &posting);
-  enum class Outcome : uint8_t { Stored, NotStored, Unknown };
-  Outcome settle(const BATCHBUCHUNG &posting);
-  Outcome settleOnce(const BATCHBUCHUNG &posting, std::chrono::milliseconds wait);
   bool markBatch(int32_t batch, bool holdsPostings);
   template <class Record> bool insertAll(FileNumber file, const std::vector<Record> &records);
   template <class Record> int readLines(FileNumber file, std::vector<Record> &lines, const BATCHBUCHUNG &posting);
@@ -232,8 +224,7 @@ private:
   void applyScope();
 
   std::unique_ptr<Engine> engine_;
-  Reopen reopen_;
-  std::chrono::milliseconds patience_;
+  std::unique_ptr<Settlement> settlement_;
   IdentifierSource identifiers_;
   FIRMENSTAMM client_{};
   char openYear_[3] = "";

@@ -57,10 +57,10 @@ int Store::InsertBat(BATCHBUCHUNG &posting) {
   bool complete = false;
   int written = inTransaction([&] { return complete = writePosting(posting); });
   outcomeUnknown_ = false;
-  if (!written && complete && reopen_ && engine_->commitUnanswered()) {
-    const Outcome outcome = settle(posting);
-    written = outcome == Outcome::Stored;
-    outcomeUnknown_ = outcome == Outcome::Unknown;
+  if (!written && complete && settlement_ && engine_->commitUnanswered()) {
+    const Settlement::Outcome outcome = settlement_->of(posting, client_.Nummer, trace());
+    written = outcome == Settlement::Outcome::Stored;
+    outcomeUnknown_ = outcome == Settlement::Outcome::Unknown;
   }
   posting_ = written ? posting : BATCHBUCHUNG{};
   if (!written) posting.Nr = 0;

@@ -1,4 +1,5 @@
-// What became of a posting whose COMMIT was never answered.
+#include "store/settlement.h"
+
 #include <algorithm>
 
 #include "platform/system.h"
@@ -15,11 +16,11 @@ constexpr uint32_t kFirstPause = 10'000, kLongestPause = 500'000;
 
 } // namespace
 
-Store::Outcome Store::settle(const BATCHBUCHUNG &posting) {
+Settlement::Outcome Settlement::of(const BATCHBUCHUNG &posting, uint16_t client, const SessionTrace &lost) {
   const uint64_t end = platform::steadyMilliseconds() + uint64_t(patience_.count());
   uint64_t left = uint64_t(patience_.count());
   for (uint32_t pause = kFirstPause;; pause = std::min(pause * 2, kLongestPause)) {
-    const Outcome outcome = settleOnce(posting, std::chrono::milliseconds(left));
+    const Outcome outcome = ask(posting, client, lost, std::chrono::milliseconds(left));
     const uint64_t now = platform::steadyMilliseconds();
     if (outcome != Outcome::Unknown || now >= end) return outcome;
     platform::sleepMicroseconds(pause);
@@ -30,17 +31,18 @@ Store::Outcome Store::settle(const BATCHBUCHUNG &posting) {
 // A mark with the posting's identifier can be inserted only when the posting is not stored, and only when its
 // transaction, which holds the identifier as long as it is open, has ended: on whatever node of a cluster a COMMIT
 // still lies, it fails then. The mark goes with the transaction that brought it, so that nobody ever sees it.
-Store::Outcome Store::settleOnce(const BATCHBUCHUNG &posting, std::chrono::milliseconds wait) {
+Settlement::Outcome Settlement::ask(const BATCHBUCHUNG &posting, uint16_t client, const SessionTrace &lost,
+                                    std::chrono::milliseconds wait) {
   const std::unique_ptr<Store> other = reopen_(wait);
   uint8_t found = 0;
   if (!other) return Outcome::Unknown;
-  other->endLost(trace());
-  if (!other->SetzeFista(client_.Nummer, found) || !found) return Outcome::Unknown;
+  other->endLost(lost);
+  if (!other->SetzeFista(client, found) || !found) return Outcome::Unknown;
   Transaction marking(*other, false);
   if (!marking.isOpen()) return Outcome::Unknown;
   DATENBANK record{};
   record.Batchbuchung.Stapel = kNoBatch;
-  record.Batchbuchung.Nr = identifiers_.anyNumber();
+  record.Batchbuchung.Nr = numbers_.anyNumber();
   std::copy(std::begin(posting.Kennung), std::end(posting.Kennung), record.Batchbuchung.Kennung);
   if (other->Insert(record, kBatchbuchung))
     return marking.finish(other->Delete(kBatchbuchung)) ? Outcome::NotStored : Outcome::Unknown;
