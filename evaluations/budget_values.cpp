@@ -4,6 +4,7 @@
 
 #include "evaluations/figures.h"
 #include "frame/call.h"
+#include "frame/client.h"
 #include "frame/fetch.h"
 #include "frame/money_output.h"
 #include "records/keys.h"
@@ -75,9 +76,9 @@ ZelkResult start(ThreadContext &context, Store &store, FileNumber file, const SC
   return done ? ZELK_keinKonto : ZELKERR_Datenbank;
 }
 
-// Reads the record behind the pending one.
-ZelkResult readAhead(ThreadContext &context, DATENBANK &next) {
-  ZelkResult result = detail::readAhead(context, kJahressaetze, next);
+// Reads the next record that belongs to the fetch.
+ZelkResult readNext(ThreadContext &context, DATENBANK &next) {
+  ZelkResult result = readNext(context, kJahressaetze, next);
   if (result != ZELK_OK) return result;
   uint8_t found = 1;
   if (skip(*context.session(), context.fetch, next, found)) return found ? ZELK_OK : ZELK_letzterDatensatz;
@@ -167,7 +168,7 @@ ZelkResult ZELK_CALL ZELK_HoleSollwerte(char *Kontonummer, char *Kuerzel, char *
                const bool anyValue = std::any_of(std::begin(values), std::end(values), [](char *v) { return v; });
                if (anyValue && !isAmountForm(Ausgabeart)) return finish(*context, checkForm(Ausgabeart));
                DATENBANK next{};
-               const ZelkResult ahead = readAhead(*context, next);
+               const ZelkResult ahead = readNext(*context, next);
                if (ahead < 0) return ahead;
                const int table = tableOf(fetch.file);
                const Outcome delivered = deliverRecord(table, fetch.record, Ausgabeart, values);

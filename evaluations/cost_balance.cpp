@@ -3,6 +3,7 @@
 
 #include "evaluations/figures.h"
 #include "frame/call.h"
+#include "frame/client.h"
 #include "frame/snapshot.h"
 #include "records/keys.h"
 #include "vlba98/encoding.h"
@@ -123,7 +124,7 @@ Outcome select(Store &store, const Request &request, vlfn98::Kostenauswahl &sele
 }
 
 Outcome costsOf(Store &store, const Request &request, int64_t &euro) {
-  if (Outcome opened = openClient(store, request.client); opened.result <= 0) return opened;
+  if (Outcome opened = openQuietly(store, request.client); opened.result <= 0) return opened;
   if (Outcome checked = checkYear(store, request.year); checked.result <= 0) return checked;
   vlfn98::Kostenauswahl selection;
   if (Outcome selected = select(store, request, selection); selected.result <= 0) return selected;

@@ -2,7 +2,7 @@
 #include <atomic>
 
 #include "frame/call.h"
-#include "frame/fetch.h"
+#include "frame/client.h"
 #include "frame/messages.h"
 #include "frame/snapshot.h"
 #include "records/keys.h"

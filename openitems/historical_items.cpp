@@ -1,7 +1,8 @@
 // Items as they were after each payment, over all fiscal years of a client.
+#include "frame/client.h"
 #include "frame/fetch.h"
-#include "frame/lifecycle.h"
 #include "frame/messages.h"
+#include "frame/lifecycle.h"
 #include "openitems/outputs.h"
 #include "openitems/selection.h"
 #include "vlba98/datum.h"
@@ -75,7 +76,7 @@ ZelkResult deliverHistoricalItem(ThreadContext &context, Outputs &outputs) {
   Store *store = resumeFetch(context);
   DATENBANK next{};
   if (!store || !outputs.lookUp(*store, fetch.record)) return ZELKERR_Datenbank;
-  ZelkResult result = readBehind(fetch, *store, next);
+  ZelkResult result = readFollowing(fetch, *store, next);
   if (result == ZELK_letzterDatensatz || (result == ZELK_OK && !openitems::holds(selection, next)))
     result = findFromYear(*store, selection, table, vlba98::yearOfCode(fetch.year) + 1, next);
   if (result < 0) return result;

@@ -1,4 +1,5 @@
 // The items that are open now.
+#include "frame/client.h"
 #include "frame/fetch.h"
 #include "frame/messages.h"
 #include "openitems/outputs.h"
@@ -34,7 +35,7 @@ ZelkResult deliverOpenItem(ThreadContext &context, Outputs &outputs) {
   Store *store = resumeFetch(context);
   DATENBANK next{};
   if (!store || !outputs.lookUp(*store, fetch.record)) return ZELKERR_Datenbank;
-  ZelkResult result = readBehind(fetch, *store, next);
+  ZelkResult result = readFollowing(fetch, *store, next);
   if (result < 0) return result;
   outputs.write(fetch.record, fetch.kind, store->HoleFista());
   if (result == ZELK_OK && !openitems::holds(context.itemSelection, next)) result = ZELK_letzterDatensatz;

@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "frame/call.h"
+#include "frame/client.h"
 #include "frame/fetch.h"
 #include "frame/messages.h"
 #include "frame/stored_posting.h"

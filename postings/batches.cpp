@@ -4,6 +4,7 @@
 #include <string>
 
 #include "frame/call.h"
+#include "frame/client.h"
 #include "frame/fetch.h"
 #include "frame/lifecycle.h"
 #include "frame/selection.h"
