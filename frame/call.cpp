@@ -6,6 +6,7 @@
 
 #include "frame/lifecycle.h"
 #include "frame/messages.h"
+#include "frame/program.h"
 #include "frame/protocol.h"
 #include "platform/files.h"
 #include "platform/ui.h"
@@ -48,7 +49,7 @@ class DirectoryGuard {
 public:
   explicit DirectoryGuard(bool connect) {
     saved_[0] = 0;
-    ZELK_Attach(connect);
+    attach(connect);
     if (!vldb98::IsZELKMode()) return;
     platform::currentDirectory(saved_);
     // From a directory without a name (it was deleted) there is no way back.

@@ -2,7 +2,7 @@
 #include "frame/client.h"
 #include "frame/fetch.h"
 #include "frame/messages.h"
-#include "frame/lifecycle.h"
+#include "frame/program.h"
 #include "openitems/outputs.h"
 #include "openitems/selection.h"
 #include "vlba98/datum.h"

@@ -6,7 +6,7 @@
 #include "frame/locked_tables.h"
 #include "frame/messages.h"
 #include "frame/notification.h"
-#include "frame/lifecycle.h"
+#include "frame/program.h"
 #include "frame/protocol.h"
 #include "openitems/selection.h"
 #include "vlba98/encoding.h"

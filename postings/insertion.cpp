@@ -4,7 +4,7 @@
 #include <cstring>
 #include <utility>
 
-#include "frame/lifecycle.h"
+#include "frame/program.h"
 #include "postings/sides.h"
 #include "vlba98/text.h"
 #include "vlfn98/accounts.h"

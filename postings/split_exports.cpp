@@ -5,7 +5,7 @@
 #include "frame/call.h"
 #include "frame/client.h"
 #include "frame/messages.h"
-#include "frame/lifecycle.h"
+#include "frame/program.h"
 #include "postings/construction.h"
 #include "postings/fields.h"
 #include "vlba98/text.h"
