@@ -1,6 +1,7 @@
 // The exports that control the call protocol.
 #include <cstring>
 
+#include "frame/call.h"
 #include "frame/protocol.h"
 #include "frame/settings.h"
 #include "platform/ui.h"
