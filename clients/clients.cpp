@@ -13,6 +13,12 @@ using namespace vldb98;
 
 namespace {
 
+/// What the thread keeps of this subsystem.
+struct Kept {
+  uint32_t option = 0; ///< of the last read of client information
+  uint32_t cursor = 0; ///< number of the next client of the client list; 0: no such fetch
+};
+
 // Runs the work on the open client's data, or returns why it cannot be opened.
 template <class Work> ZelkResult withClient(ThreadContext &context, int64_t client, Work &&work) {
   Store *store = context.session();
@@ -46,7 +52,7 @@ void fill(ZELK_MANDANTENINFO &info, const FIRMENSTAMM &client) {
 }
 
 ZelkResult readInfo(ThreadContext &context, int32_t client, ZELK_MANDANTENINFO *info, uint32_t option) {
-  context.clientOption = option;
+  context.slot<Kept>().option = option;
   if (!info) return ZELKERR_nicht_moeglich;
   return withClient(context, client, [&](Store &store) -> ZelkResult {
     fill(*info, store.HoleFista());
@@ -59,13 +65,14 @@ ZelkResult readInfo(ThreadContext &context, int32_t client, ZELK_MANDANTENINFO *
 ZelkResult ZELK_CALL ZELK_InitHoleMandant() {
   static constexpr Export self{.name = "ZELK_InitHoleMandant", .fetch = true, .companion = resources::kKeineMandanten};
   return run(self, {}, [](ThreadContext *context) -> ZelkResult {
-    context->clientCursor = 0;
+    uint32_t &cursor = context->slot<Kept>().cursor;
+    cursor = 0;
     Store *store = context->session();
     DATENBANK record{};
     uint8_t found;
     if (!store || !store->GetFirstExt(record, found, kFirmenstamm)) return ZELKERR_Datenbank;
     if (!found) return ZELKERR_keine_Mandanten;
-    context->clientCursor = record.Firmenstamm.Nummer;
+    cursor = record.Firmenstamm.Nummer;
     return ZELK_OK;
   });
 }
@@ -74,19 +81,20 @@ ZelkResult ZELK_CALL ZELK_HoleMandant(uint32_t *Mandantennummer, char *Name, cha
   static constexpr Export self{.name = "ZELK_HoleMandant", .fetch = true};
   return run(self, {out("Mandantennummer:", Mandantennummer), out("Name:", Name), out("Zusatz:", Zusatz)},
              [&](ThreadContext *context) -> ZelkResult {
-               if (context->clientCursor == 0) return ZELKERR_keinInit;
+               uint32_t &cursor = context->slot<Kept>().cursor;
+               if (cursor == 0) return ZELKERR_keinInit;
                Store *store = context->session();
                DATENBANK record{};
                uint8_t found;
                KeyBuilder key;
-               key.number(uint16_t(context->clientCursor));
+               key.number(uint16_t(cursor));
                if (!store || !store->UsedGet(record, key, found, kFirmenstamm) || !found) return ZELKERR_Datenbank;
                FIRMENSTAMM client = record.Firmenstamm;
                if (!store->GetNextExt(record, found, kFirmenstamm)) return ZELKERR_Datenbank;
                if (Mandantennummer) *Mandantennummer = client.Nummer;
                if (Name) std::memcpy(Name, client.Name, sizeof client.Name);
                if (Zusatz) std::memcpy(Zusatz, client.Zusatz, sizeof client.Zusatz);
-               context->clientCursor = found ? record.Firmenstamm.Nummer : 0;
+               cursor = found ? record.Firmenstamm.Nummer : 0;
                return found ? ZELK_OK : ZELK_letzterDatensatz;
              });
 }

@@ -43,11 +43,18 @@ Outcome openYear(Store &store, int32_t year) {
   return {ZELKERR_uzl_Zeitraum, resources::kIstUnzulaessig, "Zeitraum"};
 }
 
+/// The cost centres that a fetch of their budget values is limited to; kept in the fetch.
+struct Centres {
+  int32_t dimension;
+  char reference[8]; ///< blank-padded; empty: whatever theirs is
+};
+
 bool belongs(const SharedFetch &fetch, const DATENBANK &record) {
   if (tableOf(fetch.file) != kKost) return true;
+  const auto &wanted = std::any_cast<const Centres &>(fetch.own);
   const KOST &centre = record.Kost;
-  return centre.Dimension == fetch.dimension &&
-         (!*fetch.reference || std::memcmp(centre.Kostref, fetch.reference, sizeof fetch.reference) == 0);
+  return centre.Dimension == wanted.dimension &&
+         (!*wanted.reference || std::memcmp(centre.Kostref, wanted.reference, sizeof wanted.reference) == 0);
 }
 
 // Goes on to the next record that belongs to the fetch. \return 0 when the store failed
@@ -64,11 +71,12 @@ ZelkResult start(ThreadContext &context, Store &store, FileNumber file, const SC
   if (ZelkResult started = startFetch(context, store, file, from, ZELK_keinKonto); started != ZELK_OK) return started;
   SharedFetch &fetch = context.fetch;
   fetch.kind = kJahressaetze;
-  fetch.dimension = dimension;
+  Centres wanted{dimension, ""};
   if (reference && *reference) {
-    vlba98::strncpy2(fetch.reference, reference);
-    vlba98::FillWithSpaces(fetch.reference);
+    vlba98::strncpy2(wanted.reference, reference);
+    vlba98::FillWithSpaces(wanted.reference);
   }
+  fetch.own = wanted;
   uint8_t found = 1;
   const int done = skip(store, fetch, fetch.record, found);
   if (done && found) return ZELK_OK;

@@ -97,7 +97,6 @@ ZelkResult ZELK_CALL ZELK_SQLDeInit() {
 ZelkResult ZELK_CALL ZELK_BeendeHolen() {
   static constexpr Export self{.name = "ZELK_BeendeHolen"};
   return run(self, {}, [](ThreadContext *context) -> ZelkResult {
-    context->delivered = {};
     context->fetch.end();
     return ZELK_OK;
   });

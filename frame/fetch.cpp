@@ -2,7 +2,6 @@
 
 #include <cstring>
 
-#include "vlba98/text.h"
 #include "vlfn98/client.h"
 
 using namespace vldb98;
@@ -20,16 +19,6 @@ bool reopen(Store &store, const SharedFetch &fetch) {
 }
 
 } // namespace
-
-void SharedFetch::begin(const Store &store, FileNumber walked, const DATENBANK &first) {
-  *this = SharedFetch();
-  kind = tableOf(walked);
-  pending = true;
-  file = walked;
-  record = first;
-  client = store.HoleFista().Nummer;
-  vlba98::strncpy2(year, store.HoleOpenJahr());
-}
 
 ZelkResult startFetch(ThreadContext &context, Store &store, FileNumber file, const SCHLUESSEL *from, ZelkResult none) {
   context.fetch.end();

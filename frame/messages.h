@@ -9,7 +9,7 @@
 
 namespace frame {
 
-struct ThreadContext;
+class ThreadContext;
 
 /// Title of the library's message boxes.
 inline constexpr char kMessageCaption[] = "Velta MERKA FIBU";

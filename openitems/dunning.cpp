@@ -9,6 +9,7 @@
 
 using namespace frame;
 using namespace vldb98;
+using openitems::ItemSelection;
 
 namespace {
 

@@ -71,7 +71,7 @@ ZelkResult deliverHistoricalItem(ThreadContext &context, Outputs &outputs) {
   if (!isHistoricalTable(fetch.kind)) return ZELKERR_keinInit;
   if (outputs.formMissing()) return ZELKERR_uzl_Format;
   if (!fetch.pending) return ZELKERR_keinDatensatz;
-  const ItemSelection &selection = context.itemSelection;
+  const auto &selection = std::any_cast<const ItemSelection &>(fetch.own);
   const int table = fetch.kind;
   Store *store = resumeFetch(context);
   DATENBANK next{};
@@ -82,7 +82,7 @@ ZelkResult deliverHistoricalItem(ThreadContext &context, Outputs &outputs) {
   if (result < 0) return result;
   outputs.write(fetch.record, table, store->HoleFista());
   if (result == ZELK_OK) {
-    fetch.begin(*store, fetch.file, next);
+    fetch.moveTo(*store, fetch.file, next);
     return ZELK_OK;
   }
   fetch.end();
@@ -118,8 +118,7 @@ ZelkResult ZELK_CALL ZELK_InitHoleHistOP(int32_t Mandantennummer, const char *Ko
                DATENBANK item{};
                result = findFromYear(*store, selection, table, first, item);
                if (result != ZELK_OK) return result;
-               context->itemSelection = selection;
-               context->fetch.begin(*store, openitems::fileOf(table, selection), item);
+               context->fetch.begin(*store, openitems::fileOf(table, selection), item, selection);
                return ZELK_OK;
              });
 }
