@@ -115,7 +115,7 @@ ZelkResult runBody(const Export &self, std::span<const Parameter> parameters, de
     reportOverflow(*overflow, flag && flag->number);
     return ZELKERR_Ueberlauf;
   }
-  // A connection can be lost behind what a call was to do, and the database's file removed or replaced between two.
+  // A connection can be lost after what a call was to do, and the database's file removed or replaced between two.
   if (context && context->sessionLost()) context->closeSession();
   ZelkResult result;
   try {

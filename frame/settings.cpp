@@ -61,7 +61,7 @@ uint32_t deliver(const std::string &text, char *buffer, uint32_t size) {
   return length;
 }
 
-// Two terminators behind a text that was cut, as behind a list of names.
+// Two terminators after a text that was cut, as after a list of names.
 uint32_t deliverCut(const std::string &text, char *buffer, uint32_t size) {
   if (text.size() < size) return deliver(text, buffer, size);
   if (size < 2) return deliver("", buffer, size);

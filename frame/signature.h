@@ -20,8 +20,8 @@ struct Export {
   bool needsStatus = true;                 ///< the initialisation status must be 1
   bool needsContext = true;                ///< -42 without a thread context
   bool engine = false;                     ///< results 1 to 3 carry the names of engines
-  const char *remark = nullptr;            ///< stands behind the name in the call protocol
-  bool dumpInOneLine = false;              ///< so do its parameters, behind each other
+  const char *remark = nullptr;            ///< stands after the name in the call protocol
+  bool dumpInOneLine = false;              ///< so do its parameters, one after another
 };
 
 /// One labelled parameter or record field of a call, for the call protocol and the check of the widths.
