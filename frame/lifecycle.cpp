@@ -96,7 +96,7 @@ void attach(bool connect) {
   {
     std::lock_guard guard(state.mutex);
     if (state.attached) return;
-    // Whoever asks meanwhile, and after an attach that was torn off.
+    // For whoever asks meanwhile, and should the attach be torn off.
     setInitialisationStatus(ZELKERR_Ini);
     try {
       setInitialisationStatus(attachParts(connect));

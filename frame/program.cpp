@@ -6,41 +6,38 @@
 namespace frame {
 namespace {
 
-struct Program {
-  std::atomic<ZelkResult> status{0};
-  std::atomic<bool> detached{false};
-  ProgramSettings settings;
-};
+std::atomic<ZelkResult> status{0};
+std::atomic<bool> isDetached{false};
 
-Program &program() {
-  static Program instance;
+ProgramSettings &settings() {
+  static ProgramSettings instance;
   return instance;
 }
 
 } // namespace
 
 const ProgramSettings &programSettings() {
-  return program().settings;
+  return settings();
 }
 
 ZelkResult initialisationStatus() {
-  return program().status;
+  return status;
 }
 
 bool detached() {
-  return program().detached;
+  return isDetached;
 }
 
 void setDetached() {
-  program().detached = true;
+  isDetached = true;
 }
 
-void setProgramSettings(ProgramSettings settings) {
-  program().settings = std::move(settings);
+void setProgramSettings(ProgramSettings read) {
+  settings() = std::move(read);
 }
 
-void setInitialisationStatus(ZelkResult status) {
-  program().status = status;
+void setInitialisationStatus(ZelkResult now) {
+  status = now;
 }
 
 } // namespace frame
