@@ -2,6 +2,7 @@
 #include "vlfn98/accounts.h"
 #include "frame/account_output.h"
 #include "frame/call.h"
+#include "frame/client.h"
 #include "frame/fetch.h"
 #include "frame/messages.h"
 #include "store/typed.h"

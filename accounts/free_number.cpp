@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "frame/call.h"
-#include "frame/fetch.h"
+#include "frame/client.h"
 #include "frame/messages.h"
 #include "frame/snapshot.h"
 #include "store/typed.h"

@@ -1,6 +1,6 @@
 // Looking payment terms up.
 #include "frame/call.h"
-#include "frame/fetch.h"
+#include "frame/client.h"
 #include "frame/messages.h"
 #include "frame/snapshot.h"
 #include "store/typed.h"

@@ -14,6 +14,12 @@ using namespace vldb98;
 
 namespace {
 
+/// What the thread keeps of this subsystem.
+struct Kept {
+  uint32_t option = 0; ///< of the last read of client information
+  uint32_t cursor = 0; ///< number of the next client of the client list; 0: no such fetch
+};
+
 // Runs the work on the open client's data, or returns why it cannot be opened.
 template <class Work> ZelkResult withClient(ThreadContext &context, int64_t client, Work &&work) {
   Store *store = context.session();
@@ -47,7 +53,7 @@ void fill(ZELK_MANDANTENINFO &info, const FIRMENSTAMM &client) {
 }
 
 ZelkResult readInfo(ThreadContext &context, int32_t client, ZELK_MANDANTENINFO *info, uint32_t option) {
-  context.clientOption = option;
+  context.slot<Kept>().option = option;
   if (!info) return ZELKERR_nicht_moeglich;
   return withClient(context, client, [&](Store &store) -> ZelkResult {
     fill(*info, store.HoleFista());
@@ -60,12 +66,13 @@ ZelkResult readInfo(ThreadContext &context, int32_t client, ZELK_MANDANTENINFO *
 ZelkResult ZELK_CALL ZELK_InitHoleMandant() {
   static constexpr Export self{.name = "ZELK_InitHoleMandant", .fetch = true, .companion = resources::kKeineMandanten};
   return run(self, {}, [](ThreadContext *context) -> ZelkResult {
-    context->clientCursor = 0;
+    uint32_t &cursor = context->slot<Kept>().cursor;
+    cursor = 0;
     Store *store = context->session();
     if (!store) return ZELKERR_Datenbank;
     const auto client = first<FIRMENSTAMM>(*store);
     if (!client) return ZELKERR_keine_Mandanten;
-    context->clientCursor = client->Nummer;
+    cursor = client->Nummer;
     return ZELK_OK;
   });
 }
@@ -74,16 +81,17 @@ ZelkResult ZELK_CALL ZELK_HoleMandant(uint32_t *Mandantennummer, char *Name, cha
   static constexpr Export self{.name = "ZELK_HoleMandant", .fetch = true};
   return run(self, {out("Mandantennummer:", Mandantennummer), out("Name:", Name), out("Zusatz:", Zusatz)},
              [&](ThreadContext *context) -> ZelkResult {
-               if (context->clientCursor == 0) return ZELKERR_keinInit;
+               uint32_t &cursor = context->slot<Kept>().cursor;
+               if (cursor == 0) return ZELKERR_keinInit;
                Store *store = context->session();
                if (!store) return ZELKERR_Datenbank;
-               const auto client = find<FIRMENSTAMM>(*store, context->clientCursor);
+               const auto client = find<FIRMENSTAMM>(*store, cursor);
                if (!client) return ZELKERR_Datenbank;
                const auto following = next<FIRMENSTAMM>(*store);
                if (Mandantennummer) *Mandantennummer = client->Nummer;
                if (Name) std::memcpy(Name, client->Name, sizeof client->Name);
                if (Zusatz) std::memcpy(Zusatz, client->Zusatz, sizeof client->Zusatz);
-               context->clientCursor = following ? following->Nummer : 0;
+               cursor = following ? following->Nummer : 0;
                return following ? ZELK_OK : ZELK_letzterDatensatz;
              });
 }

@@ -4,6 +4,7 @@
 
 #include "evaluations/figures.h"
 #include "frame/call.h"
+#include "frame/client.h"
 #include "frame/fetch.h"
 #include "frame/money_output.h"
 #include "store/typed.h"
@@ -40,11 +41,18 @@ Outcome openYear(Store &store, int32_t year) {
   return {ZELKERR_uzl_Zeitraum, resources::kIstUnzulaessig, "Zeitraum"};
 }
 
+/// The cost centres that a fetch of their budget values is limited to; kept in the fetch.
+struct Centres {
+  int32_t dimension;
+  char reference[8]; ///< blank-padded; empty: whatever theirs is
+};
+
 bool belongs(const SharedFetch &fetch, const DATENBANK &record) {
   if (tableOf(fetch.file) != kKost) return true;
+  const auto &wanted = std::any_cast<const Centres &>(fetch.own);
   const KOST &centre = record.Kost;
-  return centre.Dimension == fetch.dimension &&
-         (!*fetch.reference || std::memcmp(centre.Kostref, fetch.reference, sizeof fetch.reference) == 0);
+  return centre.Dimension == wanted.dimension &&
+         (!*wanted.reference || std::memcmp(centre.Kostref, wanted.reference, sizeof wanted.reference) == 0);
 }
 
 // Goes on to the next record that belongs to the fetch, from one that may be. \return whether there is one
@@ -63,20 +71,21 @@ ZelkResult start(ThreadContext &context, Store &store, FileNumber file, const SC
   if (ZelkResult started = startFetch(context, store, file, from, ZELK_keinKonto); started != ZELK_OK) return started;
   SharedFetch &fetch = context.fetch;
   fetch.kind = kJahressaetze;
-  fetch.dimension = dimension;
+  Centres wanted{dimension, ""};
   if (reference && *reference) {
-    vlba98::strncpy2(fetch.reference, reference);
-    vlba98::FillWithSpaces(fetch.reference);
+    vlba98::strncpy2(wanted.reference, reference);
+    vlba98::FillWithSpaces(wanted.reference);
   }
+  fetch.own = wanted;
   SharedFetch standing = std::exchange(fetch, {});
   if (!skip(store, standing, standing.record)) return ZELK_keinKonto;
   fetch = standing;
   return ZELK_OK;
 }
 
-// Reads the record behind the pending one.
-ZelkResult readAhead(ThreadContext &context, DATENBANK &next) {
-  ZelkResult result = frame::detail::readAhead(context, kJahressaetze, next);
+// Reads the next record that belongs to the fetch.
+ZelkResult readNext(ThreadContext &context, DATENBANK &next) {
+  ZelkResult result = readNext(context, kJahressaetze, next);
   if (result != ZELK_OK) return result;
   try {
     return skip(*context.session(), context.fetch, next) ? ZELK_OK : ZELK_letzterDatensatz;
@@ -168,7 +177,7 @@ ZelkResult ZELK_CALL ZELK_HoleSollwerte(char *Kontonummer, char *Kuerzel, char *
                const bool anyValue = std::any_of(std::begin(values), std::end(values), [](char *v) { return v; });
                if (anyValue && !isAmountForm(Ausgabeart)) return finish(*context, checkForm(Ausgabeart));
                DATENBANK next{};
-               const ZelkResult ahead = readAhead(*context, next);
+               const ZelkResult ahead = readNext(*context, next);
                if (ahead < 0) return ahead;
                const int table = tableOf(fetch.file);
                const Outcome delivered = deliverRecord(table, fetch.record, Ausgabeart, values);

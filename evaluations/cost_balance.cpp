@@ -3,6 +3,7 @@
 
 #include "evaluations/figures.h"
 #include "frame/call.h"
+#include "frame/client.h"
 #include "frame/snapshot.h"
 #include "store/typed.h"
 #include "vlba98/encoding.h"
@@ -106,7 +107,7 @@ Outcome select(Store &store, const CostRequest &request, vlfn98::Kostenauswahl &
 }
 
 Outcome costsOf(Store &store, const CostRequest &request, int64_t &euro) {
-  if (Outcome opened = openClient(store, request.client); opened.result <= 0) return opened;
+  if (Outcome opened = openQuietly(store, request.client); opened.result <= 0) return opened;
   if (Outcome checked = checkYear(store, request.year); checked.result <= 0) return checked;
   vlfn98::Kostenauswahl selection;
   if (Outcome selected = select(store, request, selection); selected.result <= 0) return selected;

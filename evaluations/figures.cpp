@@ -24,12 +24,6 @@ Outcome checkForm(int32_t form) {
   return isAmountForm(form) ? Outcome{} : inadmissible(ZELKERR_uzl_Format, "Das Ausgabeformat ist");
 }
 
-Outcome openClient(Store &store, int32_t client) {
-  const ZelkResult opened = vlfn98::HoleMandantenDaten(store, client);
-  if (opened > 0) return {opened};
-  return {opened, resources::kGibtEsNicht, "Mandant"};
-}
-
 Outcome readAccount(Store &store, const AccountRequest &account, DATENBANK &record) {
   const char *number = account.number ? account.number : "";
   if (std::strlen(number) >= sizeof SACHKONTO::Nr) return noSuchAccount(account.kind);
@@ -63,10 +57,6 @@ Outcome deliver(int32_t form, std::initializer_list<Figure> figures) {
     formatAmount(form, figure.buffer, internal);
   }
   return {};
-}
-
-ZelkResult finish(const ThreadContext &context, const Outcome &outcome) {
-  return outcome.message ? refuse(context, outcome.result, outcome.message, outcome.fill) : outcome.result;
 }
 
 } // namespace evaluations

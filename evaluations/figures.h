@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "frame/context.h"
-#include "frame/locked_tables.h"
+#include "frame/messages.h"
 #include "store/store.h"
 
 namespace evaluations {
@@ -32,9 +32,6 @@ frame::Outcome inadmissible(ZelkResult code, std::string_view what);
 /// -20 for an output form other than 1 to 3, else 1.
 frame::Outcome checkForm(int32_t form);
 
-/// Opens the client: 1, or why it cannot be opened.
-frame::Outcome openClient(vldb98::Store &store, int32_t client);
-
 /// -23 for a cost centre, -10 for another account.
 frame::Outcome noSuchAccount(int32_t kind);
 
@@ -50,8 +47,5 @@ void waitForYear(vldb98::Store &store, vldb98::FileNumber resource, int table);
 
 /// Hands figures out, all of them or none: -2 where one that is wanted lies beyond ±999.999.999,99.
 frame::Outcome deliver(int32_t form, std::initializer_list<Figure> figures);
-
-/// The result of a call, with its message where it is a refusal.
-ZelkResult finish(const frame::ThreadContext &context, const frame::Outcome &outcome);
 
 } // namespace evaluations

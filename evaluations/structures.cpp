@@ -1,8 +1,9 @@
 // The walk through a report structure.
 #include <atomic>
+#include <set>
 
 #include "frame/call.h"
-#include "frame/fetch.h"
+#include "frame/client.h"
 #include "frame/messages.h"
 #include "frame/snapshot.h"
 #include "store/typed.h"
@@ -13,6 +14,16 @@ using namespace frame;
 using namespace vldb98;
 
 namespace {
+
+/// A walk through a report structure, as the thread keeps it.
+struct StructureWalk {
+  bool active = false;
+  bool hiddenToo = false;
+  int32_t client = 0;
+  FileNumber file = 0;
+  AUFBAU line{};               ///< the next one to deliver
+  std::set<int32_t> delivered; ///< numbers of the lines so far, hidden ones included
+};
 
 constexpr int32_t kRoot = 1;
 constexpr int32_t kAllLines = 32768;                            // added to a class
@@ -100,7 +111,7 @@ void copyWithoutBlanks(char *target, const char *source, size_t size) {
 }
 
 ZelkResult deliver(ThreadContext &context, int32_t *kind, char *name, int32_t *level, char *identifier) {
-  StructureWalk &walk = context.structure;
+  StructureWalk &walk = context.slot<StructureWalk>();
   if (!walk.active) return ZELKERR_keinInit;
   const AUFBAU line = walk.line;
   const bool account = line.Flags & kAccountLine;
@@ -131,7 +142,7 @@ ZelkResult ZELK_CALL ZELK_InitHoleAufbau(int32_t Mandatennummer, int32_t Klasse,
   static constexpr Export self{.name = "ZELK_InitHoleAufbau"};
   return run(self, {number("Mandatennummer:", Mandatennummer), number("Klasse:", Klasse), messages(Fehlermeldungen)},
              [&](ThreadContext *context) -> ZelkResult {
-               context->structure = {};
+               context->slot<StructureWalk>() = {};
                Store *store = context->session();
                if (!store) return ZELKERR_Datenbank;
                if (ZelkResult opened = openClient(*context, *store, Mandatennummer); opened <= 0) return opened;
@@ -150,7 +161,7 @@ ZelkResult ZELK_CALL ZELK_InitHoleAufbau(int32_t Mandatennummer, int32_t Klasse,
                nestingLevel = 0;
                walker.commit();
                walk.active = true;
-               context->structure = std::move(walk);
+               context->slot<StructureWalk>() = std::move(walk);
                return result;
              });
 }

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "frame/client.h"
 #include "frame/snapshot.h"
 #include "vlba98/datum.h"
 #include "vlfn98/accounts.h"
@@ -30,7 +31,7 @@ Outcome checkAccount(const AccountRequest &account) {
 
 // Reads the account and sums it up to a day, in one state of the books.
 Outcome sumUpTo(Store &store, const AccountRequest &account, const char *date, vlfn98::Werte &values) {
-  if (Outcome opened = openClient(store, account.client); opened.result <= 0) return opened;
+  if (Outcome opened = openQuietly(store, account.client); opened.result <= 0) return opened;
   if (!vlfn98::isAccountKind(account.kind)) return {ZELKERR_uzl_Kontoart, resources::kKontoartUnzulaessig};
   const auto day = vlba98::parseDatum(date);
   if (!day) return {ZELKERR_uzl_Datum, resources::kDatumUnzulaessig};
@@ -85,7 +86,7 @@ Outcome turnover(ThreadContext &context, const AccountRequest &account, int32_t 
   if (!range) return inadmissible(ZELKERR_uzl_Zeitraum, "Die Zeitraumangabe ist");
   Store *store = context.session();
   if (!store) return {ZELKERR_Datenbank};
-  if (Outcome opened = openClient(*store, account.client); opened.result <= 0) return opened;
+  if (Outcome opened = openQuietly(*store, account.client); opened.result <= 0) return opened;
   if (Outcome opened = openYear(*store, year); opened.result <= 0) return opened;
   DATENBANK record;
   if (Outcome read = readAccount(*store, account, record); read.result <= 0) return read;

@@ -1,78 +1,19 @@
 #include "frame/call.h"
 
 #include <cstring>
-#include <mutex>
 #include <string>
 
 #include "frame/lifecycle.h"
 #include "frame/messages.h"
+#include "frame/program.h"
 #include "frame/protocol.h"
-#include "platform/files.h"
+#include "frame/working_directory.h"
 #include "platform/ui.h"
-#include "store/database.h"
 #include "store/typed.h"
 #include "vlba98/encoding.h"
 
 namespace frame {
 namespace {
-
-// The directory that is made current while the product works in its own directory. One for the process, changed by
-// every call; hosts that call from several threads share it, as they share the current directory itself. Which file is
-// opened never depends on it: the store knows absolute paths only.
-class DatabaseDirectory {
-public:
-  /// Becomes the directory when there is none yet, else makes it current when another one is.
-  void enter(const char *current) {
-    std::lock_guard guard(mutex_);
-    if (path_.empty())
-      path_ = current;
-    else if (path_ != current)
-      platform::setCurrentDirectory(path_);
-  }
-  void set(const char *path) {
-    std::lock_guard guard(mutex_);
-    path_ = path;
-  }
-
-private:
-  std::mutex mutex_;
-  std::string path_;
-};
-
-DatabaseDirectory &databaseDirectory() {
-  static DatabaseDirectory instance;
-  return instance;
-}
-
-// Attaches on first use, and in the own directory mode makes the database directory current for the call.
-class DirectoryGuard {
-public:
-  explicit DirectoryGuard(bool connect) {
-    saved_[0] = 0;
-    ZELK_Attach(connect);
-    if (!vldb98::IsZELKMode()) return;
-    platform::currentDirectory(saved_);
-    // From a directory without a name (it was deleted) there is no way back.
-    if (*saved_) databaseDirectory().enter(saved_);
-  }
-  ~DirectoryGuard() {
-    if (!*saved_) return;
-    platform::DirectoryName now;
-    platform::currentDirectory(now);
-    if (std::strcmp(now, saved_) == 0) return;
-    try {
-      databaseDirectory().set(now);
-      platform::setCurrentDirectory(saved_);
-    } catch (...) {
-      // Out of memory: the host's directory then stays the database's.
-    }
-  }
-  DirectoryGuard(const DirectoryGuard &) = delete;
-  DirectoryGuard &operator=(const DirectoryGuard &) = delete;
-
-private:
-  platform::DirectoryName saved_;
-};
 
 std::string overflowText(std::string_view field) {
   std::string text(resources::text(resources::kTextUeberlauf));
@@ -115,8 +56,8 @@ ZelkResult runBody(const Export &self, std::span<const Parameter> parameters, de
     reportOverflow(*overflow, flag && flag->number);
     return ZELKERR_Ueberlauf;
   }
-  // A connection can be lost behind what a call was to do, and the database's file removed or replaced between two. The
-  // file is looked for here only: it can go right behind any look, so more of them would not be certain either.
+  // A connection can be lost after what a call was to do, and the database's file removed or replaced between two. The
+  // file is looked for here only: it can go right after any look, so more of them would not be certain either.
   if (context && context->sessionLost()) context->closeSession();
   ZelkResult result;
   try {
@@ -135,7 +76,8 @@ ZelkResult runBody(const Export &self, std::span<const Parameter> parameters, de
 
 ZelkResult detail::run(const Export &self, std::span<const Parameter> parameters, Body body, void *object) noexcept {
   try {
-    DirectoryGuard guard(self.connect);
+    attach(self.connect);
+    WorkingDirectory directory;
     if (self.refusesWhenDetached && detached()) return ZELKERR_Datenbank;
     ZelkResult result = 0;
     Protokoll protocol(self, parameters, result);
@@ -150,14 +92,6 @@ ZelkResult detail::run(const Export &self, std::span<const Parameter> parameters
   } catch (...) {
     return ZELKERR_sonst;
   }
-}
-
-int resultNameId(const Export &self, ZelkResult result) {
-  if (result < resources::kLeastResult || result > resources::kGreatestResult) return 0;
-  if (self.fetch && (result == 1 || result == 0)) return resources::kKeinDatensatz - result;
-  if (self.dialog && result == 0) return resources::kAbbruch;
-  if (self.companion != resources::kNoCompanion && result == -1) return self.companion;
-  return resources::nameId(result);
 }
 
 } // namespace frame

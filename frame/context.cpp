@@ -1,5 +1,6 @@
 #include "frame/context.h"
 
+#include <atomic>
 #include <new>
 #include <utility>
 
@@ -16,6 +17,11 @@ void destroy(void *context) {
 }
 
 } // namespace
+
+size_t detail::nextSlot() {
+  static std::atomic<size_t> next{0};
+  return next++;
+}
 
 vldb98::Store *ThreadContext::session() {
   // A change of the database concerns the sessions of all threads; each notices at its next call.

@@ -1,14 +1,33 @@
-// Exports of the frame itself: texts of results, connection, end of a fetch.
+// Exports of the frame itself: attach and detach, texts of results, connection, end of a fetch.
 #include <algorithm>
 #include <cstring>
 
 #include "frame/call.h"
 #include "frame/lifecycle.h"
+#include "frame/program.h"
+#include "frame/protocol.h"
 #include "store/database.h"
 #include "vlba98/encoding.h"
 #include "vlba98/text.h"
 
 using namespace frame;
+
+int ZELK_CALL ZELK_Attach(bool connect) {
+  attach(connect);
+  return 1;
+}
+
+int ZELK_CALL ZELK_Detach() {
+  detach();
+  return 1;
+}
+
+ZelkResult ZELK_CALL ZELK_Status() {
+  static constexpr Export self{.name = "ZELK_Status"};
+  const ZelkResult status = initialisationStatus(), result = status < 0 ? status : ZELK_OK;
+  Protokoll entry(self, {}, result);
+  return result;
+}
 
 ZelkResult ZELK_CALL ZELK_HoleFehlertext(int32_t code, char *Kurztext, char *Langtext) {
   static constexpr Export self{
@@ -78,7 +97,6 @@ ZelkResult ZELK_CALL ZELK_SQLDeInit() {
 ZelkResult ZELK_CALL ZELK_BeendeHolen() {
   static constexpr Export self{.name = "ZELK_BeendeHolen"};
   return run(self, {}, [](ThreadContext *context) -> ZelkResult {
-    context->delivered = {};
     context->fetch.end();
     return ZELK_OK;
   });

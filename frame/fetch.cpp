@@ -2,8 +2,6 @@
 
 #include <cstring>
 
-#include "frame/messages.h"
-#include "vlba98/text.h"
 #include "vlfn98/client.h"
 
 using namespace vldb98;
@@ -22,22 +20,6 @@ bool reopen(Store &store, const SharedFetch &fetch) {
 
 } // namespace
 
-ZelkResult openClient(ThreadContext &context, Store &store, int32_t client) {
-  int32_t opened = vlfn98::HoleMandantenDaten(store, client);
-  if (opened > 0 || opened == ZELKERR_Datenbank) return opened;
-  return refuse(context, opened, resources::kGibtEsNicht, "Mandant");
-}
-
-void SharedFetch::begin(const Store &store, FileNumber walked, const DATENBANK &first) {
-  *this = SharedFetch();
-  kind = tableOf(walked);
-  pending = true;
-  file = walked;
-  record = first;
-  client = store.HoleFista().Nummer;
-  vlba98::strncpy2(year, store.HoleOpenJahr());
-}
-
 ZelkResult startFetch(ThreadContext &context, Store &store, FileNumber file, const SCHLUESSEL *from, ZelkResult none) {
   context.fetch.end();
   DATENBANK first{};
@@ -55,19 +37,19 @@ Store *resumeFetch(ThreadContext &context) {
   return store && reopen(*store, context.fetch) ? store : nullptr;
 }
 
-ZelkResult readBehind(const SharedFetch &fetch, Store &store, DATENBANK &next) {
+ZelkResult readFollowing(const SharedFetch &fetch, Store &store, DATENBANK &next) {
   store.setCurrent(fetch.record, fetch.file);
   uint8_t found;
   if (!store.GetNextExt(next, found, fetch.file)) return ZELKERR_Datenbank;
   return found ? ZELK_OK : ZELK_letzterDatensatz;
 }
 
-ZelkResult detail::readAhead(ThreadContext &context, int32_t kind, DATENBANK &next) {
+ZelkResult readNext(ThreadContext &context, int32_t kind, DATENBANK &next) {
   SharedFetch &fetch = context.fetch;
   if (fetch.kind != kind) return ZELKERR_keinInit;
   if (!fetch.pending) return ZELKERR_keinDatensatz;
   Store *store = resumeFetch(context);
-  ZelkResult result = store ? readBehind(fetch, *store, next) : ZELKERR_Datenbank;
+  ZelkResult result = store ? readFollowing(fetch, *store, next) : ZELKERR_Datenbank;
   if (result < 0) fetch.end();
   return result;
 }

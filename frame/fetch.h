@@ -6,36 +6,30 @@
 
 namespace frame {
 
-/// Opens a client for a call that shows its refusals: "Der Mandant existiert nicht!".
-/// \return 1, or the result that the call returns
-ZelkResult openClient(ThreadContext &context, vldb98::Store &store, int32_t client);
-
 /// Starts a fetch in the open client and year; its kind is the table of the file number. What ran before has ended.
 /// \param from first key to be delivered; null: from the start
 /// \param none result when there is no record
 ZelkResult startFetch(ThreadContext &context, vldb98::Store &store, vldb98::FileNumber file,
                       const vldb98::SCHLUESSEL *from, ZelkResult none);
 
-/// Delivers the pending record and reads the next one, from where the fetch stands, whatever the thread did in between.
-/// \param kind table number that the fetch must be on
-/// \param deliver called with the record, after the read ahead succeeded
-template <class Deliver> ZelkResult deliverNext(ThreadContext &context, int32_t kind, Deliver &&deliver);
-
-/// For fetches that need more than that: the session with the client and year of the running fetch open. \return null
+/// The session with the client and year of the running fetch open, whatever the thread did in between. \return null
 /// when the store failed
 vldb98::Store *resumeFetch(ThreadContext &context);
 
-/// Reads the record behind the pending one, in the session resumed. The fetch stays where it is.
+/// Reads the record that follows the pending one, in the session resumed. The fetch stays where it is.
 /// \return 1, 2 when there is none, -3
-ZelkResult readBehind(const SharedFetch &fetch, vldb98::Store &store, vldb98::DATENBANK &next);
+ZelkResult readFollowing(const SharedFetch &fetch, vldb98::Store &store, vldb98::DATENBANK &next);
 
-namespace detail {
-ZelkResult readAhead(ThreadContext &context, int32_t kind, vldb98::DATENBANK &next);
-}
+/// The same for a fetch that is to be on a kind and to have a pending record, and ends when the store fails.
+/// \return 1, 2, -3, or that it is not so
+ZelkResult readNext(ThreadContext &context, int32_t kind, vldb98::DATENBANK &next);
 
+/// Delivers the pending record and moves on to the next one.
+/// \param kind    table number that the fetch must be on
+/// \param deliver called with the record, after the next one was read
 template <class Deliver> ZelkResult deliverNext(ThreadContext &context, int32_t kind, Deliver &&deliver) {
   vldb98::DATENBANK next{};
-  ZelkResult result = detail::readAhead(context, kind, next);
+  ZelkResult result = readNext(context, kind, next);
   if (result < 0) return result;
   deliver(context.fetch.record);
   context.fetch.pending = result == ZELK_OK;

@@ -1,12 +1,14 @@
 #include "frame/lifecycle.h"
 
+#include <atomic>
 #include <mutex>
 #include <utility>
 
 #include "frame/context.h"
 #include "frame/messages.h"
 #include "frame/notification.h"
-#include "frame/protocol.h"
+#include "frame/program.h"
+#include "frame/protocol_file.h"
 #include "frame/settings.h"
 #include "odbc/odbc_connection.h"
 #include "platform/files.h"
@@ -20,10 +22,7 @@ namespace {
 struct Lifecycle {
   std::mutex mutex;
   std::atomic<bool> attached{false};
-  std::atomic<ZelkResult> status{0};
-  std::atomic<bool> detached{false};
   bool notificationLoaded = false;
-  ProgramSettings settings;
 };
 
 Lifecycle &lifecycle() {
@@ -60,99 +59,80 @@ vldb98::DatabaseSettings databaseSettings(const std::string &programDirectory) {
   return settings;
 }
 
-void attach(Lifecycle &state, bool connect) {
-  platform::adoptUserLocale();
-  state.status = ZELKERR_Ini;
-  ProgramSettings &settings = state.settings;
-  settings = {};
+ProgramSettings readProgramSettings() {
+  ProgramSettings settings;
   settings.programDirectory = findProgramDirectory();
-  if (settings.programDirectory.empty()) return;
-  state.status = ZELKERR_Thread;
-  if (!allocateContextSlot()) return;
-  state.status = ZELKERR_Ini;
-  vldb98::VLDB_Attach(databaseSettings(settings.programDirectory));
-  // A database that cannot be opened now does not fail the attach: each call tries it again, and says so.
-  if (connect && vldb98::IsZELKMode())
-    vldb98::ConnectSQL(vldb98::kConnectSilently, vldb98::ZELK_ENG_DEFAULT, nullptr, nullptr, nullptr, 0, nullptr,
-                       nullptr);
   settings.reportDirectory = setting("ZELK", "ReportPfad", 260);
   if (settings.reportDirectory.empty()) settings.reportDirectory = setting("MFIBU", "ReportPfad", 260);
   if (!settings.reportDirectory.empty()) settings.reportDirectory = platform::withSeparator(settings.reportDirectory);
   settings.totalRecall = setting("MFIBU", "TotalRecall", 3) == "98";
   settings.noFiscalYearCheck = setting("MFIBU", "NoGejaCheck", 2) == "j";
   settings.basicEdition = setting("MFIBU", "Edition", 10) == "Basis";
-  startProtocolBySetting(settings.programDirectory);
-  state.status = ZELK_OK;
+  return settings;
+}
+
+// \return the initialisation status
+ZelkResult attachParts(bool connect) {
+  platform::adoptUserLocale();
+  setProgramSettings(readProgramSettings());
+  const std::string &programDirectory = programSettings().programDirectory;
+  if (programDirectory.empty()) return ZELKERR_Ini;
+  if (!allocateContextSlot()) return ZELKERR_Thread;
+  vldb98::VLDB_Attach(databaseSettings(programDirectory));
+  // A database that cannot be opened now does not fail the attach: each call tries it again, and says so.
+  if (connect && vldb98::IsZELKMode())
+    vldb98::ConnectSQL(vldb98::kConnectSilently, vldb98::ZELK_ENG_DEFAULT, nullptr, nullptr, nullptr, 0, nullptr,
+                       nullptr);
+  startProtocolBySetting();
+  return ZELK_OK;
 }
 
 } // namespace
 
-ZelkResult initialisationStatus() {
-  return lifecycle().status;
-}
-bool detached() {
-  return lifecycle().detached;
-}
-void setDetached() {
-  lifecycle().detached = true;
-}
-const ProgramSettings &programSettings() {
-  return lifecycle().settings;
-}
-
-} // namespace frame
-
-using frame::lifecycle;
-
-int ZELK_CALL ZELK_Attach(bool connect) {
-  auto &state = lifecycle();
-  if (state.attached.load(std::memory_order_acquire)) return 1;
+void attach(bool connect) {
+  Lifecycle &state = lifecycle();
+  if (state.attached.load(std::memory_order_acquire)) return;
   bool notifies = true;
   {
     std::lock_guard guard(state.mutex);
-    if (state.attached) return 1;
+    if (state.attached) return;
+    // For whoever asks meanwhile, and should the attach be torn off.
+    setInitialisationStatus(ZELKERR_Ini);
     try {
-      frame::attach(state, connect);
+      setInitialisationStatus(attachParts(connect));
     } catch (...) {
-      state.status = ZELKERR_Ini;
+      // Out of memory.
     }
-    state.notificationLoaded = state.status == ZELK_OK;
+    state.notificationLoaded = initialisationStatus() == ZELK_OK;
     // Before any other thread can post something that would go unnoticed.
-    if (state.notificationLoaded) notifies = frame::startNotification();
+    if (state.notificationLoaded) notifies = startNotification();
     // A failed attach is not tried again either, until ZELK_Detach.
     state.attached.store(true, std::memory_order_release);
   }
   // Without the mutex: it may show a message box, under which the host can call again.
-  if (!notifies) frame::showMessage(resources::kZelkoutStart);
-  return 1;
+  if (!notifies) showMessage(resources::kZelkoutStart);
 }
 
-int ZELK_CALL ZELK_Detach() {
-  auto &state = lifecycle();
+void detach() {
+  Lifecycle &state = lifecycle();
   bool notifies;
   {
     std::lock_guard guard(state.mutex);
-    if (!state.attached) return 1;
-    frame::writeProtocolEnd();
-    frame::closeProtocol();
+    if (!state.attached) return;
+    writeProtocolEnd();
+    closeProtocol();
     platform::releaseProcessInitialisation();
     notifies = std::exchange(state.notificationLoaded, false);
   }
   // Without the mutex: this too may show a message box.
-  if (notifies) ZELK_FreeDLLs();
+  if (notifies) endNotification();
   std::lock_guard guard(state.mutex);
-  if (!state.attached) return 1;
-  frame::freeThreadContext();
-  frame::freeContextSlot();
+  if (!state.attached) return;
+  freeThreadContext();
+  freeContextSlot();
   vldb98::VLDB_Detach();
-  state.status = 0;
+  setInitialisationStatus(0);
   state.attached = false;
-  return 1;
 }
 
-ZelkResult ZELK_CALL ZELK_Status() {
-  static constexpr frame::Export self{.name = "ZELK_Status"};
-  ZelkResult status = frame::initialisationStatus(), result = status < 0 ? status : ZELK_OK;
-  frame::Protokoll entry(self, {}, result);
-  return result;
-}
+} // namespace frame

@@ -1,29 +1,15 @@
-/// Attach and detach of the library, and what both leave for the whole process.
+/// Attach and detach of the library.
 #pragma once
-
-#include <atomic>
-#include <string>
-
-#include "zelk98/zelk98.h"
 
 namespace frame {
 
-/// Settings that are read at attach. Paths are UTF-8 and end with a separator.
-struct ProgramSettings {
-  std::string programDirectory;
-  std::string reportDirectory; ///< empty when none is set
-  bool totalRecall = false;    ///< the call protocol is never emptied
-  bool noFiscalYearCheck = false;
-  bool basicEdition = false; ///< without foreign currencies and cost accounting
-};
+/// Attaches the library when it is not attached; a failed attach counts as one, and the initialisation status tells
+/// what came of it. May show a message. Costs a look at a flag when there is nothing to do. \param connect whether the
+/// default connection is to be opened
+void attach(bool connect);
 
-/// 0 before the first attach; 1 attached; -36 or -42 while or after an attach that failed.
-ZelkResult initialisationStatus();
-
-/// Set by ZELK_SQLDeInit for the rest of the process.
-bool detached();
-void setDetached();
-
-const ProgramSettings &programSettings();
+/// Gives back what the attach took: the call protocol, the notification process, the calling thread's context, the
+/// record store. Those of other threads are freed when they end.
+void detach();
 
 } // namespace frame

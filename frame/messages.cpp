@@ -65,4 +65,8 @@ ZelkResult refuse(const ThreadContext &context, ZelkResult code, int message, st
   return code;
 }
 
+ZelkResult finish(const ThreadContext &context, const Outcome &outcome) {
+  return outcome.message ? refuse(context, outcome.result, outcome.message, outcome.fill) : outcome.result;
+}
+
 } // namespace frame

@@ -3,12 +3,13 @@
 
 #include <string_view>
 
+#include "frame/outcome.h"
 #include "resources/strings.h"
 #include "zelk98/zelk98.h"
 
 namespace frame {
 
-struct ThreadContext;
+class ThreadContext;
 
 /// Title of the library's message boxes.
 inline constexpr char kMessageCaption[] = "Velta MERKA FIBU";
@@ -23,5 +24,9 @@ int showMessage(int message, std::string_view fill = {}, int partial = -1);
 /// the code.
 ZelkResult refuse(const ThreadContext &context, ZelkResult code, int message, std::string_view fill = {},
                   int partial = -1);
+
+/// Ends a call: refuses it when its outcome has a message. To be called without locks: a person who looks at a message
+/// box must not keep others from working. \return the outcome's result
+ZelkResult finish(const ThreadContext &context, const Outcome &outcome);
 
 } // namespace frame

@@ -16,7 +16,7 @@ void formatAmount(int32_t form, char *buffer, const char *internal) {
   if (form != kFixedForm && form != kPlainForm) {
     char display[vlba98::geldDisplaySize];
     vlba98::MakeGeld(display, digits, 1);
-    // Hosts were promised this size; an amount that is hard to read is better than bytes behind their buffer.
+    // Hosts were promised this size; an amount that is hard to read is better than bytes after their buffer.
     if (std::strlen(display) >= kAmountSize) vlba98::MakeGeld(display, digits, 0);
     std::memcpy(buffer, display, std::strlen(display) + 1);
     return;

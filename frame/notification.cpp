@@ -1,4 +1,3 @@
-// Start, hand-over and end of the notification of dependent applications.
 #include "frame/notification.h"
 
 #include <algorithm>
@@ -11,9 +10,9 @@
 #include <utility>
 
 #include "frame/context.h"
-#include "frame/lifecycle.h"
 #include "frame/messages.h"
 #include "frame/notification_payload.h"
+#include "frame/program.h"
 #include "frame/settings.h"
 #include "platform/peer_process.h"
 #include "platform/registry.h"
@@ -138,6 +137,37 @@ bool startNotification() noexcept try {
   return false;
 }
 
+void endNotification() noexcept try {
+  Notification &state = notification();
+  std::unique_ptr<platform::PeerProcess> process;
+  bool enabled;
+  Wait wait;
+  {
+    std::lock_guard guard(state.mutex);
+    process = std::move(state.process);
+    enabled = state.enabled.exchange(false);
+    wait = {state.applications, state.factor};
+  }
+  if (process) end(*process, enabled, wait);
+} catch (...) {
+  // Out of memory: nobody is told that the last change may be missing.
+}
+
+void notifyChange(int32_t action, int32_t kind, int32_t client, const void *record, int16_t start) noexcept try {
+  if (!notification().enabled.load(std::memory_order_acquire)) return;
+  vldb98::Store *store = nullptr;
+  if (kind == kPostingChange && record)
+    store = sessionWithLines(client, *static_cast<const vldb98::BATCHBUCHUNG *>(record));
+  bool more = true;
+  handOverAll([&](ZELK_OUT_BLOCK &block) {
+    if (!std::exchange(more, false)) return false;
+    block = changeBlock(action, kind, client, record, store, size_t(std::max<int16_t>(start, 0)));
+    return true;
+  });
+} catch (...) {
+  // What changed is stored, whatever becomes of its notification.
+}
+
 void notifyPosting(vldb98::Store &store, const vldb98::BATCHBUCHUNG &posting) noexcept {
   if (!notification().enabled.load(std::memory_order_acquire)) return;
   try {
@@ -150,59 +180,18 @@ void notifyPosting(vldb98::Store &store, const vldb98::BATCHBUCHUNG &posting) no
       return true;
     });
   } catch (...) {
-    // The posting is stored, whatever becomes of its notification.
+    // As above.
   }
 }
 
 void notifyBatchEmptied(const vldb98::Store &store, int32_t batch) noexcept {
   vldb98::BATCHBUCHUNG all{};
   all.Stapel = batch;
-  ZELK_Out(kDeleted, kPostingChange, store.HoleFista().Nummer, &all, 0);
+  notifyChange(kDeleted, kPostingChange, store.HoleFista().Nummer, &all, 0);
 }
 
 void notifyAccount(const vldb98::Store &store, int32_t kind, const vldb98::PERSONENKONTO &account) noexcept {
-  ZELK_Out(kChanged, kind, store.HoleFista().Nummer, &account, 0);
+  notifyChange(kChanged, kind, store.HoleFista().Nummer, &account, 0);
 }
 
 } // namespace frame
-
-using frame::notification;
-
-void ZELK_CALL ZELK_InitDLLs() try {
-  const bool first = frame::initialisationStatus() == 0;
-  ZELK_Attach(true);
-  // The attach has started the process, or told that it could not.
-  if (first && frame::initialisationStatus() == ZELK_OK) return;
-  ZELK_FreeDLLs();
-  if (!frame::startNotification()) frame::showMessage(resources::kZelkoutStart);
-} catch (...) {
-}
-
-void ZELK_CALL ZELK_FreeDLLs() try {
-  auto &state = notification();
-  std::unique_ptr<platform::PeerProcess> process;
-  bool enabled;
-  frame::Wait wait;
-  {
-    std::lock_guard guard(state.mutex);
-    process = std::move(state.process);
-    enabled = state.enabled.exchange(false);
-    wait = {state.applications, state.factor};
-  }
-  if (process) frame::end(*process, enabled, wait);
-} catch (...) {
-}
-
-void ZELK_CALL ZELK_Out(int32_t Aktion, int32_t Art, int32_t Wert, const void *Satz, int16_t Start) try {
-  if (!notification().enabled.load(std::memory_order_acquire)) return;
-  vldb98::Store *store = nullptr;
-  if (Art == frame::kPostingChange && Satz)
-    store = frame::sessionWithLines(Wert, *static_cast<const vldb98::BATCHBUCHUNG *>(Satz));
-  bool more = true;
-  frame::handOverAll([&](ZELK_OUT_BLOCK &block) {
-    if (!std::exchange(more, false)) return false;
-    block = frame::changeBlock(Aktion, Art, Wert, Satz, store, size_t(std::max<int16_t>(Start, 0)));
-    return true;
-  });
-} catch (...) {
-}

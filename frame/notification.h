@@ -11,6 +11,14 @@ namespace frame {
 /// failed, which the user is still to be told
 bool startNotification() noexcept;
 
+/// Ends the notification process; waits for it to be done with its last change, and shows a message when it is not.
+void endNotification() noexcept;
+
+/// Hands one change over, as ZELK_Out tells it.
+/// \param record in the store's layout of the kind; null: no payload. A posting without a number: all of its batch
+/// \param start  first of a posting's lines
+void notifyChange(int32_t action, int32_t kind, int32_t client, const void *record, int16_t start) noexcept;
+
 /// Hands a posting over that the session has just stored and whose lines are still in its memory, ten lines at a time.
 /// To be called without locks: it may wait for the notification process, and show a message. Without registered
 /// applications it costs a look at a flag.

@@ -35,7 +35,7 @@ void fill(ZELK_OUT_PERSONENKONTO &out, int32_t value, const PERSONENKONTO &accou
 }
 
 // An amount or rate in internal form, its sign moved from the separator to the front. A negative amount so fills its
-// field; the reserved byte behind it ends the text.
+// field; the reserved byte after it ends the text.
 void put(char *field, size_t width, const char *geld) {
   size_t separator = std::strlen(geld);
   if (separator < 3) return;

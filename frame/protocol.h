@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "frame/call.h"
 #include "frame/protocol_file.h"
+#include "frame/signature.h"
 
 namespace frame {
 

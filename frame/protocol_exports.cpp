@@ -1,6 +1,7 @@
 // The exports that control the call protocol.
 #include <cstring>
 
+#include "frame/call.h"
 #include "frame/protocol.h"
 #include "frame/settings.h"
 #include "platform/ui.h"
@@ -28,7 +29,7 @@ ZelkResult tellFile(char *buffer) {
 
 ZelkResult ZELK_CALL ZELK_Protokoll(int32_t Fenster, int32_t Aktion, char *Dateiname) {
   static constexpr Export self{.name = "ZELK_Protokoll", .dialog = true, .needsContext = false};
-  // Only one action reads the name; behind the buffer of another there may be anything.
+  // Only one action reads the name; after the buffer of another there may be anything.
   return run(self,
              {number("Fenster:", Fenster), number("Aktion:", Aktion),
               Aktion == kTake ? text("Dateiname:", Dateiname) : out("Dateiname:", Dateiname)},

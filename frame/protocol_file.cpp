@@ -4,8 +4,8 @@
 #include <memory>
 #include <mutex>
 
-#include "frame/lifecycle.h"
 #include "frame/own_files.h"
+#include "frame/program.h"
 #include "frame/settings.h"
 #include "platform/append_file.h"
 #include "platform/files.h"
@@ -147,13 +147,14 @@ ZelkResult startProtocol() {
   return file.open(program.totalRecall) ? file.write(header(kStart)) : ZELKERR_keine_Protokolldatei;
 }
 
-void startProtocolBySetting(const std::string &programDirectory) {
+void startProtocolBySetting() {
   if (!askedForBySetting()) return;
   ProtocolFile &file = protocolFile();
   std::lock_guard guard(file.mutex);
   if (file.isOpen()) return;
-  file.name = programDirectory + kDefaultName;
-  if (file.open(programSettings().totalRecall))
+  const ProgramSettings &program = programSettings();
+  file.name = program.programDirectory + kDefaultName;
+  if (file.open(program.totalRecall))
     file.write(header(kStart) + "\tStart des Protokolls erfolgte durch Registry-Eintrag.\r\n");
 }
 

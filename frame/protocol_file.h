@@ -27,7 +27,7 @@ ZelkResult startProtocol();
 
 /// The same at attach when the setting "Protokoll" asks for it: the file in the program directory, and a line that
 /// tells who has started it.
-void startProtocolBySetting(const std::string &programDirectory);
+void startProtocolBySetting();
 
 /// Writes the end header when the file is open.
 void writeProtocolEnd() noexcept;

@@ -13,6 +13,11 @@ namespace {
 // Width to which the number is padded where it leads the line.
 constexpr size_t kNumberWidth = 7;
 
+// Kept for each thread.
+struct LastSelection {
+  SelectionOrder order = SelectionOrder::Number;
+};
+
 // Letters of Windows-1252 in lower case, so that a search finds them whatever their case.
 unsigned char folded(char c) {
   auto byte = static_cast<unsigned char>(c);
@@ -110,10 +115,11 @@ bool Selection::confirm() {
 }
 
 ZelkResult choose(ThreadContext &context, int title, const FillSelection &fill, void *parent, std::string &chosen) {
-  Selection selection(title, SelectionOrder(context.selectionOrder), fill);
+  SelectionOrder &last = context.slot<LastSelection>().order;
+  Selection selection(title, last, fill);
   if (ZelkResult filled = selection.refill(); filled < ZELK_OK) return filled;
   platform::ui().choose(selection, parent);
-  context.selectionOrder = selection.order();
+  last = SelectionOrder(selection.order());
   chosen = selection.chosen();
   return selection.result();
 }

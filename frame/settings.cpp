@@ -45,6 +45,11 @@ std::optional<std::string> read(const std::string &section, const std::string &k
   return platform::readRegistry(Hive::LocalMachine, path, key);
 }
 
+bool writeSetting(const std::string &section, const std::string &key, const std::string &value) {
+  return platform::writeRegistry(userSpecific() ? Hive::CurrentUser : Hive::LocalMachine, sectionKey(section), key,
+                                 value);
+}
+
 std::string fromCodePage(const char *text) {
   return vlba98::toUtf8(text ? text : "");
 }
@@ -56,7 +61,7 @@ uint32_t deliver(const std::string &text, char *buffer, uint32_t size) {
   return length;
 }
 
-// Two terminators behind a text that was cut, as behind a list of names.
+// Two terminators after a text that was cut, as after a list of names.
 uint32_t deliverCut(const std::string &text, char *buffer, uint32_t size) {
   if (text.size() < size) return deliver(text, buffer, size);
   if (size < 2) return deliver("", buffer, size);
@@ -101,13 +106,6 @@ int positiveSetting(const char *section, const char *key, int missing) {
   auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), number);
   return error == std::errc() && *end == 0 && number > 0 ? number : missing;
 }
-
-namespace {
-bool writeSetting(const std::string &section, const std::string &key, const std::string &value) {
-  return platform::writeRegistry(userSpecific() ? Hive::CurrentUser : Hive::LocalMachine, sectionKey(section), key,
-                                 value);
-}
-} // namespace
 
 } // namespace frame
 

@@ -11,6 +11,7 @@
 
 using namespace frame;
 using namespace vldb98;
+using openitems::ItemSelection;
 
 namespace {
 

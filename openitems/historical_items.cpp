@@ -1,7 +1,8 @@
 // Items as they were after each payment, over all fiscal years of a client.
+#include "frame/client.h"
 #include "frame/fetch.h"
-#include "frame/lifecycle.h"
 #include "frame/messages.h"
+#include "frame/program.h"
 #include "openitems/outputs.h"
 #include "openitems/selection.h"
 #include "vlba98/datum.h"
@@ -59,19 +60,19 @@ ZelkResult deliverHistoricalItem(ThreadContext &context, Outputs &outputs) {
   if (!isHistoricalTable(fetch.kind)) return ZELKERR_keinInit;
   if (outputs.formMissing()) return ZELKERR_uzl_Format;
   if (!fetch.pending) return ZELKERR_keinDatensatz;
-  const ItemSelection &selection = context.itemSelection;
+  const auto &selection = std::any_cast<const ItemSelection &>(fetch.own);
   const int table = fetch.kind;
   Store *store = resumeFetch(context);
   if (!store) return ZELKERR_Datenbank;
   outputs.lookUp(*store, fetch.record);
   DATENBANK next{};
-  ZelkResult result = readBehind(fetch, *store, next);
+  ZelkResult result = readFollowing(fetch, *store, next);
   if (result == ZELK_letzterDatensatz || (result == ZELK_OK && !openitems::holds(selection, next)))
     result = findFromYear(*store, selection, table, vlba98::yearOfCode(fetch.year) + 1, next);
   if (result < 0) return result;
   outputs.write(fetch.record, table, store->HoleFista());
   if (result == ZELK_OK) {
-    fetch.begin(*store, fetch.file, next);
+    fetch.moveTo(*store, fetch.file, next);
     return ZELK_OK;
   }
   fetch.end();
@@ -107,8 +108,7 @@ ZelkResult ZELK_CALL ZELK_InitHoleHistOP(int32_t Mandantennummer, const char *Ko
                DATENBANK item{};
                result = findFromYear(*store, selection, table, first, item);
                if (result != ZELK_OK) return result;
-               context->itemSelection = selection;
-               context->fetch.begin(*store, openitems::fileOf(table, selection), item);
+               context->fetch.begin(*store, openitems::fileOf(table, selection), item, selection);
                return ZELK_OK;
              });
 }

@@ -1,4 +1,5 @@
 // The items that are open now.
+#include "frame/client.h"
 #include "frame/fetch.h"
 #include "frame/messages.h"
 #include "openitems/outputs.h"
@@ -34,10 +35,11 @@ ZelkResult deliverOpenItem(ThreadContext &context, Outputs &outputs) {
   if (!store) return ZELKERR_Datenbank;
   outputs.lookUp(*store, fetch.record);
   DATENBANK next{};
-  ZelkResult result = readBehind(fetch, *store, next);
+  ZelkResult result = readFollowing(fetch, *store, next);
   if (result < 0) return result;
   outputs.write(fetch.record, fetch.kind, store->HoleFista());
-  if (result == ZELK_OK && !openitems::holds(context.itemSelection, next)) result = ZELK_letzterDatensatz;
+  if (result == ZELK_OK && !openitems::holds(std::any_cast<const ItemSelection &>(fetch.own), next))
+    result = ZELK_letzterDatensatz;
   fetch.pending = result == ZELK_OK;
   if (fetch.pending) fetch.record = next;
   return result;
@@ -68,8 +70,7 @@ ZelkResult ZELK_CALL ZELK_InitHoleOP(int32_t Mandantennummer, const char *Konton
                DATENBANK first{};
                ZelkResult result = openitems::findFirst(*store, selection, table, first);
                if (result != ZELK_OK) return result;
-               context->itemSelection = selection;
-               context->fetch.begin(*store, openitems::fileOf(table, selection), first);
+               context->fetch.begin(*store, openitems::fileOf(table, selection), first, selection);
                return ZELK_OK;
              });
 }

@@ -2,11 +2,11 @@
 #include "vlfn98/rating.h"
 
 #include "frame/call.h"
-#include "frame/fetch.h"
-#include "frame/lifecycle.h"
+#include "frame/client.h"
 #include "frame/locked_tables.h"
 #include "frame/messages.h"
 #include "frame/notification.h"
+#include "frame/program.h"
 #include "frame/protocol.h"
 #include "openitems/selection.h"
 #include "store/typed.h"

@@ -3,12 +3,18 @@
 
 #include <string_view>
 
-#include "frame/context.h"
+#include "store/store.h"
 #include "zelk98/zelk98.h"
 
 namespace openitems {
 
-using frame::ItemSelection;
+/// What a fetch of open or historical items is limited to; kept in the fetch.
+struct ItemSelection {
+  enum class By : uint8_t { Nothing, Account, Document, OpenItem, Date };
+  By by = By::Nothing;
+  char value[17] = ""; ///< as the field is stored: an account blank-padded, a date reversed
+  int lastYear = 0;    ///< historical items: the client's current year, with four digits
+};
 
 /// What a host gave, without the blanks around; empty when it gave nothing.
 std::string_view given(const char *text);

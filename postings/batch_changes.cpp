@@ -2,7 +2,7 @@
 #include <string>
 
 #include "frame/call.h"
-#include "frame/fetch.h"
+#include "frame/client.h"
 #include "frame/locked_tables.h"
 #include "frame/notification.h"
 #include "vlba98/text.h"

@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "frame/call.h"
+#include "frame/client.h"
 #include "frame/fetch.h"
 #include "frame/messages.h"
 #include "frame/stored_posting.h"
@@ -13,6 +14,20 @@ using namespace frame;
 using namespace vldb98;
 
 namespace {
+
+/// What the fetch keeps beside its place.
+struct Reading {
+  BATCHBUCHUNG posting{}; ///< the next one to deliver
+  bool delivered = false; ///< the lists are those of the posting that was delivered last
+  std::vector<SPLIT> lines = {};
+  std::vector<KOBU> costs = {};
+  size_t nextLine = 0, nextCost = 0;
+};
+
+// Null while the thread's fetch is not of batch postings.
+Reading *readingOf(ThreadContext &context) {
+  return std::any_cast<Reading>(&context.fetch.own);
+}
 
 void fill(ZELK_BATCHZEILE &out, const SPLIT &stored) {
   out = {};
@@ -48,9 +63,12 @@ void fill(ZELK_BATCHKOBU &out, const KOBU &stored) {
 
 // Delivers the next one of a list in the posting that was delivered last.
 template <class Out, class Record>
-ZelkResult deliver(ThreadContext &context, Out *out, const std::vector<Record> &list, size_t &next) {
-  if (context.fetch.kind != kBatchbuchung || !context.delivered.any) return ZELKERR_keinInit;
+ZelkResult deliver(ThreadContext &context, Out *out, std::vector<Record> Reading::*records, size_t Reading::*position) {
+  Reading *reading = readingOf(context);
+  if (!reading || !reading->delivered) return ZELKERR_keinInit;
   if (!out) return ZELKERR_nicht_moeglich;
+  const std::vector<Record> &list = reading->*records;
+  size_t &next = reading->*position;
   if (next == list.size()) return list.empty() ? ZELK_keinKonto : ZELKERR_keinDatensatz;
   fill(*out, list[next++]);
   return next == list.size() ? ZELK_letzterDatensatz : ZELK_OK;
@@ -76,7 +94,6 @@ ZelkResult ZELK_CALL ZELK_InitHoleBatch(int32_t Mandantennummer, int32_t Stapeln
       {number("Mandantennummer:", Mandantennummer), number("Stapelnummer:", Stapelnummer), messages(Fehlermeldungen)},
       [&](ThreadContext *context) -> ZelkResult {
         context->fetch.end();
-        context->delivered = {};
         Store *store = context->session();
         if (!store) return ZELKERR_Datenbank;
         if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
@@ -89,7 +106,7 @@ ZelkResult ZELK_CALL ZELK_InitHoleBatch(int32_t Mandantennummer, int32_t Stapeln
         context->fetch.kind = kBatchbuchung;
         context->fetch.pending = true;
         context->fetch.client = Mandantennummer;
-        context->batchPosting = posting;
+        context->fetch.own = Reading{posting};
         return ZELK_OK;
       });
 }
@@ -97,14 +114,15 @@ ZelkResult ZELK_CALL ZELK_InitHoleBatch(int32_t Mandantennummer, int32_t Stapeln
 ZelkResult ZELK_CALL ZELK_HoleBatch(ZELK_SPLITBUCHUNG *Buchung) {
   static constexpr Export self{.name = "ZELK_HoleBatch", .fetch = true};
   return run(self, {out("Buchung:", Buchung)}, [&](ThreadContext *context) -> ZelkResult {
-    if (context->fetch.kind != kBatchbuchung) return ZELKERR_keinInit;
+    Reading *reading = readingOf(*context);
+    if (!reading) return ZELKERR_keinInit;
     if (!context->fetch.pending) return ZELKERR_keinDatensatz;
     if (!Buchung) return ZELKERR_nicht_moeglich;
     Store *store = context->session();
     if (!store || vlfn98::HoleMandantenDaten(*store, context->fetch.client) != ZELK_OK) return ZELKERR_Datenbank;
     // Read again, since the lines in memory are the posting's that was built or read last; and one that was deleted
     // meanwhile makes room for the next.
-    BATCHBUCHUNG &at = context->batchPosting;
+    BATCHBUCHUNG &at = reading->posting;
     uint8_t found;
     ZELK_SPLITBUCHUNG delivered;
     if (!store->ReadBat(at, at.Stapel, at.Nr, found)) return ZELKERR_Datenbank;
@@ -113,31 +131,29 @@ ZelkResult ZELK_CALL ZELK_HoleBatch(ZELK_SPLITBUCHUNG *Buchung) {
       return ZELKERR_keinDatensatz;
     }
     DATENBANK next{};
-    DeliveredPosting whole;
-    whole.any = true;
+    Reading whole;
+    whole.delivered = true;
     for (size_t i = 0; i < store->lineCount(); ++i)
       whole.lines.push_back(*store->PSplit(i));
     for (size_t i = 0; i < store->costCount(); ++i)
       whole.costs.push_back(*store->costAt(i));
     if (!fill(delivered, *store, at) || !store->GetNextExt(next, found, kBatchbuchung)) return ZELKERR_Datenbank;
     *Buchung = delivered;
-    context->delivered = std::move(whole);
     context->fetch.pending = found && next.Batchbuchung.Stapel == at.Stapel;
-    if (context->fetch.pending) at = next.Batchbuchung;
+    whole.posting = context->fetch.pending ? next.Batchbuchung : at;
+    *reading = std::move(whole);
     return context->fetch.pending ? ZELK_OK : ZELK_letzterDatensatz;
   });
 }
 
 ZelkResult ZELK_CALL ZELK_HoleBatchZeile(ZELK_BATCHZEILE *Zeile) {
   static constexpr Export self{.name = "ZELK_HoleBatchZeile", .fetch = true};
-  return run(self, {out("Zeile:", Zeile)}, [&](ThreadContext *context) {
-    return deliver(*context, Zeile, context->delivered.lines, context->delivered.nextLine);
-  });
+  return run(self, {out("Zeile:", Zeile)},
+             [&](ThreadContext *context) { return deliver(*context, Zeile, &Reading::lines, &Reading::nextLine); });
 }
 
 ZelkResult ZELK_CALL ZELK_HoleBatchKobu(ZELK_BATCHKOBU *Kobu) {
   static constexpr Export self{.name = "ZELK_HoleBatchKobu", .fetch = true};
-  return run(self, {out("Kobu:", Kobu)}, [&](ThreadContext *context) {
-    return deliver(*context, Kobu, context->delivered.costs, context->delivered.nextCost);
-  });
+  return run(self, {out("Kobu:", Kobu)},
+             [&](ThreadContext *context) { return deliver(*context, Kobu, &Reading::costs, &Reading::nextCost); });
 }

@@ -4,8 +4,9 @@
 #include <string>
 
 #include "frame/call.h"
+#include "frame/client.h"
 #include "frame/fetch.h"
-#include "frame/lifecycle.h"
+#include "frame/program.h"
 #include "frame/selection.h"
 #include "frame/snapshot.h"
 

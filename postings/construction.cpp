@@ -18,8 +18,7 @@ void Construction::clear() {
 }
 
 Construction &constructionOf(frame::ThreadContext &context) {
-  if (!context.construction) context.construction = std::make_shared<Construction>();
-  return *context.construction;
+  return context.slot<Construction>();
 }
 
 } // namespace postings

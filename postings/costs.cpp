@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "frame/lifecycle.h"
+#include "frame/program.h"
 #include "netwr98/capture.h"
 #include "postings/insertion.h"
 #include "resources/strings.h"

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "frame/call.h"
-#include "frame/fetch.h"
+#include "frame/client.h"
 #include "frame/messages.h"
 #include "frame/notification.h"
 #include "frame/protocol.h"

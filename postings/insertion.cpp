@@ -4,7 +4,7 @@
 #include <cstring>
 #include <utility>
 
-#include "frame/lifecycle.h"
+#include "frame/program.h"
 #include "postings/sides.h"
 #include "store/typed.h"
 #include "vlba98/text.h"

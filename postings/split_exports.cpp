@@ -3,9 +3,9 @@
 #include <cstring>
 
 #include "frame/call.h"
-#include "frame/fetch.h"
-#include "frame/lifecycle.h"
+#include "frame/client.h"
 #include "frame/messages.h"
+#include "frame/program.h"
 #include "postings/construction.h"
 #include "postings/fields.h"
 #include "vlba98/text.h"

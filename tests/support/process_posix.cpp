@@ -60,7 +60,9 @@ int64_t peakMemory() {
 bool processRuns(int id) {
   // Where nobody collects the orphans of a machine, one that has ended can still be signalled.
   std::ifstream file("/proc/" + std::to_string(id) + "/stat");
-  std::string text{std::istreambuf_iterator<char>(file), {}};
+  // Not by iterators over the buffer: when the process ends meanwhile, they would throw.
+  std::string text;
+  std::getline(file, text, '\0');
   size_t name = text.rfind(')');
   return name != std::string::npos && text.find('Z', name) == std::string::npos;
 }
