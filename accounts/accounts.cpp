@@ -22,12 +22,11 @@ ZelkResult ZELK_CALL ZELK_ExistiertKonto(int32_t Mandantennummer, const char *Ko
               number("Kontoart:", Kontoart), number("Dimension:", Dimension), text("Kostref:", Kostref)},
              [&](ThreadContext *context) -> ZelkResult {
                if (!vlfn98::isAccountKind(Kontoart)) return ZELKERR_uzl_Kontoart;
-               Store *store = context->session();
-               if (!store) return ZELKERR_Datenbank;
-               if (int32_t opened = vlfn98::HoleMandantenDaten(*store, Mandantennummer); opened < 1) return opened;
+               Store &store = context->store();
+               if (int32_t opened = vlfn98::HoleMandantenDaten(store, Mandantennummer); opened < 1) return opened;
                const char *account = Kontonummer ? Kontonummer : "";
                const bool known =
-                   vlfn98::existsAccount(*store, vlfn98::KzFromZELKArt(Kontoart), account, Dimension, Kostref);
+                   vlfn98::existsAccount(store, vlfn98::KzFromZELKArt(Kontoart), account, Dimension, Kostref);
                return known ? ZELK_OK : ZELK_keinKonto;
              });
 }
@@ -38,18 +37,16 @@ ZelkResult ZELK_CALL ZELK_ExistiertKuerzel(int32_t Mandantennummer, const char *
              {number("Mandantennummer:", Mandantennummer), text("Kürzel:", Kuerzel), number("Kontoart:", Kontoart)},
              [&](ThreadContext *context) -> ZelkResult {
                if (!vlfn98::isAccountKind(Kontoart)) return ZELKERR_uzl_Kontoart;
-               Store *store = context->session();
-               if (!store) return ZELKERR_Datenbank;
-               if (int32_t opened = vlfn98::HoleMandantenDaten(*store, Mandantennummer); opened < 1) return opened;
+               Store &store = context->store();
+               if (int32_t opened = vlfn98::HoleMandantenDaten(store, Mandantennummer); opened < 1) return opened;
                uint8_t found;
-               must(store->UsedKuerzel(Kuerzel ? Kuerzel : "", found, vlfn98::KzFromZELKArt(Kontoart)));
+               must(store.UsedKuerzel(Kuerzel ? Kuerzel : "", found, vlfn98::KzFromZELKArt(Kontoart)));
                return found ? ZELK_OK : ZELK_keinKonto;
              });
 }
 
 namespace {
 
-constexpr size_t kMaxFrom = 41;
 void fill(ZELK_SAKO &out, const SACHKONTO &account) {
   out = {};
   vlba98::copyTrimmed(out.Kontonummer, account.Nr);
@@ -99,19 +96,13 @@ ZelkResult ZELK_CALL ZELK_InitHoleKonto(int32_t Mandantennummer, int32_t Kontoar
                  return refuse(*context, ZELKERR_uzl_Kontoart, resources::kKontoartUnzulaessig);
                if (Sortierung < 0 || Sortierung >= vlfn98::kOrders)
                  return refuse(*context, ZELKERR_uzl_Sortierung, resources::kSortierungUnzulaessig);
-               Store *store = context->session();
-               if (!store) return ZELKERR_Datenbank;
-               if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
+               Store &store = context->store();
+               if (ZelkResult opened = openClient(*context, store, Mandantennummer); opened <= 0) return opened;
                int table = vlfn98::KzFromZELKArt(Kontoart);
                FileNumber file = fileNumber(table, vlfn98::keyIndex(table, Sortierung));
-               if (!Ab || !*Ab) return startFetch(*context, *store, file, nullptr, ZELK_keinKonto);
-               KeyBuilder from;
-               if (Sortierung == 0)
-                 from.account(Ab);
-               else
-                 from.text(Ab, kMaxFrom);
-               SCHLUESSEL key = from;
-               return startFetch(*context, *store, file, &key, ZELK_keinKonto);
+               if (!Ab || !*Ab) return startFetch(*context, store, file, nullptr, ZELK_keinKonto);
+               const SCHLUESSEL key = keyOf(file, Ab);
+               return startFetch(*context, store, file, &key, ZELK_keinKonto);
              });
 }
 

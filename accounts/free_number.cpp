@@ -159,11 +159,10 @@ ZelkResult ZELK_CALL ZELK_HoleFreieKontonr(int32_t Mandantennummer, int32_t Kont
                if (!vlfn98::isAccountKind(Kontoart) || Kontoart == ZELK_KOSTENSTELLE) return ZELKERR_uzl_Kontoart;
                if (!NummerOut)
                  return refuse(*context, ZELKERR_nicht_moeglich, resources::textId(ZELKERR_nicht_moeglich));
-               Store *store = context->session();
-               if (!store) return ZELKERR_Datenbank;
-               if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
+               Store &store = context->store();
+               if (ZelkResult opened = openClient(*context, store, Mandantennummer); opened <= 0) return opened;
                std::string proposal;
-               Search search{*store, vlfn98::KzFromZELKArt(Kontoart), bound(NummerVon), bound(NummerBis)};
+               Search search{store, vlfn98::KzFromZELKArt(Kontoart), bound(NummerVon), bound(NummerBis)};
                ZelkResult result = search.run(proposal);
                if (result == ZELK_OK) vlba98::strncpy2(NummerOut, vlba98::trimmed(proposal), kWidth + 1);
                return result;

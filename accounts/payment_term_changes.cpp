@@ -139,9 +139,8 @@ ZelkResult ZELK_CALL ZELK_Zahlungsziel(int32_t Mandantennummer, int32_t Aktion, 
               number("Zahltage:", Zahltage), number("TagInMonat:", TagInMonat), number("MonatePlus:", MonatePlus),
               text("Bemerkung:", Bemerkung), method, messages(Fehlermeldungen)},
              [&](ThreadContext *context) -> ZelkResult {
-               Store *store = context->session();
-               if (!store) return ZELKERR_Datenbank;
-               if (int32_t opened = vlfn98::HoleMandantenDaten(*store, Mandantennummer); opened < 1) return opened;
+               Store &store = context->store();
+               if (int32_t opened = vlfn98::HoleMandantenDaten(store, Mandantennummer); opened < 1) return opened;
                if (Aktion != kCreate && Aktion != kChange)
                  return refuse(*context, ZELKERR_sonst, resources::kUnzulaessigeAktion);
                TermRequest request{Aktion,
@@ -156,6 +155,6 @@ ZelkResult ZELK_CALL ZELK_Zahlungsziel(int32_t Mandantennummer, int32_t Aktion, 
                                    MonatePlus,
                                    orEmpty(Bemerkung),
                                    Zahlungsart};
-               return changeLocked(*context, *store, kTermTable, [&] { return save(*store, request); });
+               return changeLocked(*context, store, kTermTable, [&] { return save(store, request); });
              });
 }

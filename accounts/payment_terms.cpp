@@ -49,11 +49,10 @@ ZelkResult ZELK_CALL ZELK_HoleZahlungsziel(int32_t Mandantennummer, int32_t Zahl
               out("Zahlungsziel:", Zahlungsziel), messages(Fehlermeldungen)},
              [&](ThreadContext *context) -> ZelkResult {
                if (!Zahlungsziel) return ZELKERR_nicht_moeglich;
-               Store *store = context->session();
-               if (!store) return ZELKERR_Datenbank;
-               if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
+               Store &store = context->store();
+               if (ZelkResult opened = openClient(*context, store, Mandantennummer); opened <= 0) return opened;
                ZELK_ZAHLUNGSZIEL term;
-               ZelkResult result = inSnapshot(*store, [&] { return readTerm(*store, Zahlzielnummer, term); });
+               ZelkResult result = inSnapshot(store, [&] { return readTerm(store, Zahlzielnummer, term); });
                if (result == ZELKERR_uzl_Zahlungsziel) return refuse(*context, result, resources::kZahlzielFehlt);
                if (result == ZELK_OK) *Zahlungsziel = term;
                return result;
@@ -64,10 +63,9 @@ ZelkResult ZELK_CALL ZELK_HoleZZnr(int32_t Mandantennummer, const char *Name) {
   static constexpr Export self{.name = "ZELK_HoleZZnr"};
   return run(self, {number("Mandantennummer:", Mandantennummer), text("Name:", Name)},
              [&](ThreadContext *context) -> ZelkResult {
-               Store *store = context->session();
-               if (!store) return ZELKERR_Datenbank;
-               if (int32_t opened = vlfn98::HoleMandantenDaten(*store, Mandantennummer); opened < 1) return opened;
-               const auto term = find<ZAHLZIEL>({*store, fileNumber(kZahlziel, 1)}, vlfn98::storedShortName(Name));
+               Store &store = context->store();
+               if (int32_t opened = vlfn98::HoleMandantenDaten(store, Mandantennummer); opened < 1) return opened;
+               const auto term = find<ZAHLZIEL>({store, fileNumber(kZahlziel, 1)}, vlfn98::storedShortName(Name));
                return term ? ZelkResult(term->Nr) : ZELK_keinKonto;
              });
 }

@@ -76,10 +76,9 @@ ZelkResult AccountList::fill(Store &store, SelectionOrder order, const AddEntry 
 
 // Runs the work on the open client. Every time anew: while a dialog is open, the host's windows may call the library.
 template <class Work> ZelkResult withClient(ThreadContext &context, int32_t client, Work &&work) {
-  Store *store = context.session();
-  if (!store) return ZELKERR_Datenbank;
-  int32_t opened = vlfn98::HoleMandantenDaten(*store, client);
-  return opened < ZELK_OK ? opened : work(*store);
+  Store &store = context.store();
+  int32_t opened = vlfn98::HoleMandantenDaten(store, client);
+  return opened < ZELK_OK ? opened : work(store);
 }
 
 } // namespace

@@ -22,10 +22,9 @@ struct Kept {
 
 // Runs the work on the open client's data, or returns why it cannot be opened.
 template <class Work> ZelkResult withClient(ThreadContext &context, int64_t client, Work &&work) {
-  Store *store = context.session();
-  if (!store) return ZELKERR_Datenbank;
-  int32_t opened = vlfn98::HoleMandantenDaten(*store, client);
-  return opened <= 0 ? opened : work(*store);
+  Store &store = context.store();
+  int32_t opened = vlfn98::HoleMandantenDaten(store, client);
+  return opened <= 0 ? opened : work(store);
 }
 
 template <size_t N> void copyWithoutBlanks(char (&target)[N], const char (&source)[N]) {
@@ -68,9 +67,8 @@ ZelkResult ZELK_CALL ZELK_InitHoleMandant() {
   return run(self, {}, [](ThreadContext *context) -> ZelkResult {
     uint32_t &cursor = context->slot<Kept>().cursor;
     cursor = 0;
-    Store *store = context->session();
-    if (!store) return ZELKERR_Datenbank;
-    const auto client = first<FIRMENSTAMM>(*store);
+    Store &store = context->store();
+    const auto client = first<FIRMENSTAMM>(store);
     if (!client) return ZELKERR_keine_Mandanten;
     cursor = client->Nummer;
     return ZELK_OK;
@@ -83,11 +81,10 @@ ZelkResult ZELK_CALL ZELK_HoleMandant(uint32_t *Mandantennummer, char *Name, cha
              [&](ThreadContext *context) -> ZelkResult {
                uint32_t &cursor = context->slot<Kept>().cursor;
                if (cursor == 0) return ZELKERR_keinInit;
-               Store *store = context->session();
-               if (!store) return ZELKERR_Datenbank;
-               const auto client = find<FIRMENSTAMM>(*store, cursor);
+               Store &store = context->store();
+               const auto client = find<FIRMENSTAMM>(store, cursor);
                if (!client) return ZELKERR_Datenbank;
-               const auto following = next<FIRMENSTAMM>(*store);
+               const auto following = next<FIRMENSTAMM>(store);
                if (Mandantennummer) *Mandantennummer = client->Nummer;
                if (Name) std::memcpy(Name, client->Name, sizeof client->Name);
                if (Zusatz) std::memcpy(Zusatz, client->Zusatz, sizeof client->Zusatz);
@@ -153,12 +150,11 @@ ZelkResult ZELK_CALL ZELK_HoleMandantenInfoDirekt(int32_t Mandantennummer, int32
 ZelkResult ZELK_CALL ZELK_HoleMandantenVersion(int32_t Mandantennummer) {
   static constexpr Export self{.name = "ZELK_HoleMandantenVersion"};
   return run(self, {number("Mandantennummer:", Mandantennummer)}, [&](ThreadContext *context) -> ZelkResult {
-    Store *store = context->session();
-    if (!store) return ZELKERR_Datenbank;
+    Store &store = context->store();
     // Also the version of data that cannot be worked with is told.
-    int32_t opened = vlfn98::HoleMandantenDaten(*store, Mandantennummer);
+    int32_t opened = vlfn98::HoleMandantenDaten(store, Mandantennummer);
     bool readable = opened > 0 || opened == ZELKERR_alter_Mandant || opened == ZELKERR_neuerer_Mandant;
-    return readable ? store->HoleFista().Version : opened;
+    return readable ? store.HoleFista().Version : opened;
   });
 }
 
@@ -180,11 +176,10 @@ ZelkResult ZELK_CALL ZELK_HoleMandantenNr(void *HandleParent) {
         *context, resources::kMandantenauswahl,
         [&](SelectionOrder order, const AddEntry &add) -> ZelkResult {
           // Anew at every filling: while the dialog is open, the host's windows may call the library.
-          Store *store = context->session();
-          if (!store) return ZELKERR_Datenbank;
+          Store &store = context->store();
           const FileNumber file = fileNumber(kFirmenstamm, order == SelectionOrder::Name ? 1 : 0);
           ZelkResult filled = ZELKERR_keine_Mandanten;
-          forEach<FIRMENSTAMM>({*store, file}, [&](const FIRMENSTAMM &client) {
+          forEach<FIRMENSTAMM>({store, file}, [&](const FIRMENSTAMM &client) {
             add(std::to_string(client.Nummer), client.Name);
             filled = ZELK_OK;
           });

@@ -22,7 +22,6 @@ namespace {
 
 // Records of a fiscal year: the kind of the fetch, whatever their table.
 constexpr int32_t kJahressaetze = 117;
-constexpr size_t kMaxFrom = 41;
 constexpr int kValues = vlfn98::kMonate + 1; // the months and the year
 
 int tableOfKind(int32_t kind) {
@@ -88,7 +87,7 @@ ZelkResult readNext(ThreadContext &context, DATENBANK &next) {
   ZelkResult result = readNext(context, kJahressaetze, next);
   if (result != ZELK_OK) return result;
   try {
-    return skip(*context.session(), context.fetch, next) ? ZELK_OK : ZELK_letzterDatensatz;
+    return skip(context.store(), context.fetch, next) ? ZELK_OK : ZELK_letzterDatensatz;
   } catch (const StoreFailed &) {
     context.fetch.end();
     throw;
@@ -139,21 +138,15 @@ ZelkResult ZELK_CALL ZELK_InitHoleSollwerte(int32_t Mandantennummer, int32_t Kon
                context->fetch.end();
                if (Sortierung < 0 || Sortierung >= vlfn98::kOrders)
                  return refuse(*context, ZELKERR_uzl_Sortierung, resources::kSortierungUnzulaessig);
-               Store *store = context->session();
-               if (!store) return ZELKERR_Datenbank;
-               if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
-               if (Outcome opened = openYear(*store, Jahr); opened.result <= 0) return finish(*context, opened);
+               Store &store = context->store();
+               if (ZelkResult opened = openClient(*context, store, Mandantennummer); opened <= 0) return opened;
+               if (Outcome opened = openYear(store, Jahr); opened.result <= 0) return finish(*context, opened);
                const int table = tableOfKind(Kontoart);
-               waitForYear(*store, kJahressaetze, table);
+               waitForYear(store, kJahressaetze, table);
                const FileNumber file = fileNumber(table, vlfn98::keyIndex(table, Sortierung));
-               if (!Ab || !*Ab) return start(*context, *store, file, nullptr, Dimension, Kostref);
-               KeyBuilder from;
-               if (Sortierung == 0)
-                 from.account(Ab);
-               else
-                 from.text(Ab, kMaxFrom);
-               const SCHLUESSEL key = from;
-               return start(*context, *store, file, &key, Dimension, Kostref);
+               if (!Ab || !*Ab) return start(*context, store, file, nullptr, Dimension, Kostref);
+               const SCHLUESSEL key = keyOf(file, Ab);
+               return start(*context, store, file, &key, Dimension, Kostref);
              });
 }
 

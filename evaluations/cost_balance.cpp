@@ -154,11 +154,10 @@ ZelkResult ZELK_CALL ZELK_HoleKostenSaldo(int32_t Mandantennummer, const char *K
                Outcome outcome = checkForm(Ausgabeart);
                if (outcome.result > 0) outcome = checkNumbers(given(Kontonummer), given(Kostenart));
                if (outcome.result <= 0) return finish(*context, outcome);
-               Store *store = context->session();
-               if (!store) return ZelkResult(ZELKERR_Datenbank);
+               Store &store = context->store();
                int64_t euro = 0;
-               inSnapshot(*store, [&] {
-                 outcome = costsOf(*store, request, euro);
+               inSnapshot(store, [&] {
+                 outcome = costsOf(store, request, euro);
                  return outcome.result;
                });
                if (outcome.result > 0) outcome = deliver(Ausgabeart, {{Eurosaldo, euro}});

@@ -118,10 +118,10 @@ ZelkResult deliver(ThreadContext &context, int32_t *kind, char *name, int32_t *l
   const int32_t depth = nestingLevel - (account ? 1 : 0);
   // Until it has gone on: a walk that failed is over.
   walk.active = false;
-  Store *store = context.session();
-  if (!store || vlfn98::HoleMandantenDaten(*store, walk.client) != ZELK_OK) return ZELKERR_Datenbank;
-  Walker walker(*store, walk);
-  const ZelkResult result = inSnapshot(*store, [&] { return walker.advance(); });
+  Store &store = context.store();
+  must(vlfn98::HoleMandantenDaten(store, walk.client) == ZELK_OK);
+  Walker walker(store, walk);
+  const ZelkResult result = inSnapshot(store, [&] { return walker.advance(); });
   if (result < 0) return result;
   if (result == ZELK_OK) walker.commit();
   walk.active = result == ZELK_OK;
@@ -143,9 +143,8 @@ ZelkResult ZELK_CALL ZELK_InitHoleAufbau(int32_t Mandatennummer, int32_t Klasse,
   return run(self, {number("Mandatennummer:", Mandatennummer), number("Klasse:", Klasse), messages(Fehlermeldungen)},
              [&](ThreadContext *context) -> ZelkResult {
                context->slot<StructureWalk>() = {};
-               Store *store = context->session();
-               if (!store) return ZELKERR_Datenbank;
-               if (ZelkResult opened = openClient(*context, *store, Mandatennummer); opened <= 0) return opened;
+               Store &store = context->store();
+               if (ZelkResult opened = openClient(*context, store, Mandatennummer); opened <= 0) return opened;
                const int32_t structure = Klasse & ~kAllLines;
                if (structure < 0 || structure >= int32_t(kStructureTables.size()))
                  return refuse(*context, ZELKERR_uzl_Klasse, resources::kKlasseUnzulaessig);
@@ -154,9 +153,9 @@ ZelkResult ZELK_CALL ZELK_InitHoleAufbau(int32_t Mandatennummer, int32_t Klasse,
                walk.client = Mandatennummer;
                walk.file = kStructureTables[size_t(structure)];
                constexpr int waitOnly = 1;
-               must(store->Lock(walk.file, nullptr, waitOnly));
-               Walker walker(*store, walk);
-               const ZelkResult result = inSnapshot(*store, [&] { return walker.begin(); });
+               must(store.Lock(walk.file, nullptr, waitOnly));
+               Walker walker(store, walk);
+               const ZelkResult result = inSnapshot(store, [&] { return walker.begin(); });
                if (result != ZELK_OK) return result;
                nestingLevel = 0;
                walker.commit();

@@ -84,12 +84,11 @@ Outcome turnover(ThreadContext &context, const AccountRequest &account, int32_t 
   if (Outcome checked = checkAccount(account); checked.result <= 0) return checked;
   const auto range = parsePeriod(period);
   if (!range) return inadmissible(ZELKERR_uzl_Zeitraum, "Die Zeitraumangabe ist");
-  Store *store = context.session();
-  if (!store) return {ZELKERR_Datenbank};
-  if (Outcome opened = openQuietly(*store, account.client); opened.result <= 0) return opened;
-  if (Outcome opened = openYear(*store, year); opened.result <= 0) return opened;
+  Store &store = context.store();
+  if (Outcome opened = openQuietly(store, account.client); opened.result <= 0) return opened;
+  if (Outcome opened = openYear(store, year); opened.result <= 0) return opened;
   DATENBANK record;
-  if (Outcome read = readAccount(*store, account, record); read.result <= 0) return read;
+  if (Outcome read = readAccount(store, account, record); read.result <= 0) return read;
   const vlfn98::Werte values = vlfn98::summeDerWerte(vlfn98::KzFromZELKArt(account.kind), record, *range);
   if (account.kind == ZELK_KOSTENSTELLE)
     return deliver(form, {{outputs.balance, values.saldo()}, {outputs.euroBalance, values.euroSaldo()}});
@@ -104,12 +103,11 @@ Outcome turnover(ThreadContext &context, const AccountRequest &account, int32_t 
 Outcome balanceOnDay(ThreadContext &context, const AccountRequest &account, const char *date, int32_t form,
                      char *balance, char *euroBalance) {
   if (Outcome checked = checkForm(form); checked.result <= 0) return checked;
-  Store *store = context.session();
-  if (!store) return {ZELKERR_Datenbank};
+  Store &store = context.store();
   Outcome outcome;
   vlfn98::Werte values;
-  inSnapshot(*store, [&] {
-    outcome = sumUpTo(*store, account, date, values);
+  inSnapshot(store, [&] {
+    outcome = sumUpTo(store, account, date, values);
     return outcome.result;
   });
   if (outcome.result <= 0) return outcome;

@@ -7,7 +7,7 @@
 
 namespace frame {
 
-/// Opens a client in the session. \return 1; -3; "Der Mandant existiert nicht!", still to be shown
+/// Opens a client in the session. \return 1; "Der Mandant existiert nicht!", still to be shown
 Outcome openQuietly(vldb98::Store &store, int32_t client);
 
 /// The same with the refusal shown. \return 1, or the result that the call returns

@@ -6,6 +6,7 @@
 
 #include "platform/system.h"
 #include "store/database.h"
+#include "store/typed.h"
 
 namespace frame {
 namespace {
@@ -36,6 +37,12 @@ vldb98::Store *ThreadContext::session() {
     if (session_ && lost_.connection) session_->endLost(std::exchange(lost_, {}));
   }
   return session_.get();
+}
+
+vldb98::Store &ThreadContext::store() {
+  vldb98::Store *opened = session();
+  vldb98::must(opened != nullptr);
+  return *opened;
 }
 
 void ThreadContext::closeSession() {

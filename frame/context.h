@@ -31,6 +31,8 @@ public:
 
   /// The thread's session, opened on first need; null when the database cannot be opened.
   vldb98::Store *session();
+  /// The same. \throws vldb98::StoreFailed when it cannot be opened
+  vldb98::Store &store();
 
   /// Whether the session has lost its connection, or its file is no longer in its place.
   bool sessionLost() const { return session_ && !session_->usable(); }

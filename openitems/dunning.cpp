@@ -32,14 +32,13 @@ ZelkResult ZELK_CALL ZELK_HoleAktMahnstufe(int32_t Mandantennummer, const char *
   static constexpr Export self{.name = "ZELK_HoleAktMahnstufe"};
   return run(self, {number("Mandantennummer:", Mandantennummer), text("Debi-Konto:", DebiKonto)},
              [&](ThreadContext *context) -> ZelkResult {
-               Store *store = context->session();
-               if (!store) return ZELKERR_Datenbank;
-               if (int32_t opened = vlfn98::HoleMandantenDaten(*store, Mandantennummer); opened < 1) return opened;
+               Store &store = context->store();
+               if (int32_t opened = vlfn98::HoleMandantenDaten(store, Mandantennummer); opened < 1) return opened;
                const std::string number = DebiKonto ? DebiKonto : "";
-               if (number.size() > openitems::kAccountWidth || !exists<PERSONENKONTO>({*store, kDebitor}, number))
+               if (number.size() > openitems::kAccountWidth || !exists<PERSONENKONTO>({store, kDebitor}, number))
                  return ZELKERR_uzl_Kontonr;
                constexpr int waitForHolder = 1;
-               must(store->Lock(kOPDebitor, nullptr, waitForHolder));
-               return inSnapshot(*store, [&] { return greatestLevel(*store, std::string(vlba98::trimmed(number))); });
+               must(store.Lock(kOPDebitor, nullptr, waitForHolder));
+               return inSnapshot(store, [&] { return greatestLevel(store, std::string(vlba98::trimmed(number))); });
              });
 }

@@ -62,17 +62,17 @@ ZelkResult deliverHistoricalItem(ThreadContext &context, Outputs &outputs) {
   if (!fetch.pending) return ZELKERR_keinDatensatz;
   const auto &selection = std::any_cast<const ItemSelection &>(fetch.own);
   const int table = fetch.kind;
-  Store *store = resumeFetch(context);
-  if (!store) return ZELKERR_Datenbank;
-  outputs.lookUp(*store, fetch.record);
+  Store &store = resumeFetch(context);
+  outputs.lookUp(store, fetch.record);
   DATENBANK next{};
-  ZelkResult result = readFollowing(fetch, *store, next);
-  if (result == ZELK_letzterDatensatz || (result == ZELK_OK && !openitems::holds(selection, next)))
-    result = findFromYear(*store, selection, table, vlba98::yearOfCode(fetch.year) + 1, next);
-  if (result < 0) return result;
-  outputs.write(fetch.record, table, store->HoleFista());
+  ZelkResult result = ZELK_OK;
+  if (const auto following = readFollowing(fetch, store); following && openitems::holds(selection, *following))
+    next = *following;
+  else
+    result = findFromYear(store, selection, table, vlba98::yearOfCode(fetch.year) + 1, next);
+  outputs.write(fetch.record, table, store.HoleFista());
   if (result == ZELK_OK) {
-    fetch.moveTo(*store, fetch.file, next);
+    fetch.moveTo(store, fetch.file, next);
     return ZELK_OK;
   }
   fetch.end();
@@ -95,20 +95,19 @@ ZelkResult ZELK_CALL ZELK_InitHoleHistOP(int32_t Mandantennummer, const char *Ko
                  return refuse(*context, ZELKERR_nur_PlusVersion, resources::kHistorischeOPs);
                if (Kontoart != ZELK_KREDITOR && Kontoart != ZELK_DEBITOR)
                  return refuse(*context, ZELKERR_uzl_Kontoart, resources::kKontoartUnzulaessig);
-               Store *store = context->session();
-               if (!store) return ZELKERR_Datenbank;
-               if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
+               Store &store = context->store();
+               if (ZelkResult opened = openClient(*context, store, Mandantennummer); opened <= 0) return opened;
                ItemSelection selection;
                ZelkResult result = select(*context, {Buchungsdatum, Belegnr, OPBelegnr, Kontonummer}, selection);
                if (result != ZELK_OK) return result;
-               const FIRMENSTAMM &client = store->HoleFista();
+               const FIRMENSTAMM &client = store.HoleFista();
                selection.lastYear = vlba98::yearOfCode(client.AktJahr);
                const int first = client.StartJahr[0] ? vlba98::yearOfCode(client.StartJahr) : selection.lastYear;
                const int table = Kontoart == ZELK_KREDITOR ? kHistOPKreditor : kHistOPDebitor;
                DATENBANK item{};
-               result = findFromYear(*store, selection, table, first, item);
+               result = findFromYear(store, selection, table, first, item);
                if (result != ZELK_OK) return result;
-               context->fetch.begin(*store, openitems::fileOf(table, selection), item, selection);
+               context->fetch.begin(store, openitems::fileOf(table, selection), item, selection);
                return ZELK_OK;
              });
 }

@@ -31,18 +31,14 @@ ZelkResult deliverOpenItem(ThreadContext &context, Outputs &outputs) {
   if (!isOpenItemTable(fetch.kind)) return ZELKERR_keinInit;
   if (outputs.formMissing()) return ZELKERR_uzl_Format;
   if (!fetch.pending) return ZELKERR_keinDatensatz;
-  Store *store = resumeFetch(context);
-  if (!store) return ZELKERR_Datenbank;
-  outputs.lookUp(*store, fetch.record);
-  DATENBANK next{};
-  ZelkResult result = readFollowing(fetch, *store, next);
-  if (result < 0) return result;
-  outputs.write(fetch.record, fetch.kind, store->HoleFista());
-  if (result == ZELK_OK && !openitems::holds(std::any_cast<const ItemSelection &>(fetch.own), next))
-    result = ZELK_letzterDatensatz;
-  fetch.pending = result == ZELK_OK;
-  if (fetch.pending) fetch.record = next;
-  return result;
+  Store &store = resumeFetch(context);
+  outputs.lookUp(store, fetch.record);
+  const auto next = readFollowing(fetch, store);
+  outputs.write(fetch.record, fetch.kind, store.HoleFista());
+  fetch.pending = next && openitems::holds(std::any_cast<const ItemSelection &>(fetch.own), *next);
+  if (!fetch.pending) return ZELK_letzterDatensatz;
+  fetch.record = *next;
+  return ZELK_OK;
 }
 
 } // namespace
@@ -57,20 +53,19 @@ ZelkResult ZELK_CALL ZELK_InitHoleOP(int32_t Mandantennummer, const char *Konton
                context->fetch.end();
                if (Kontoart != ZELK_KREDITOR && Kontoart != ZELK_DEBITOR)
                  return refuse(*context, ZELKERR_uzl_Kontoart, resources::kKontoartUnzulaessig);
-               Store *store = context->session();
-               if (!store) return ZELKERR_Datenbank;
-               if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
+               Store &store = context->store();
+               if (ZelkResult opened = openClient(*context, store, Mandantennummer); opened <= 0) return opened;
                std::string_view account = openitems::given(Kontonummer);
                if (!account.empty())
-                 if (ZelkResult checked = checkAccount(*context, *store, Kontoart, account); checked <= 0)
+                 if (ZelkResult checked = checkAccount(*context, store, Kontoart, account); checked <= 0)
                    return checked;
                using By = ItemSelection::By;
                ItemSelection selection = openitems::selectBy(account.empty() ? By::Nothing : By::Account, account);
                const int table = Kontoart == ZELK_KREDITOR ? kOPKreditor : kOPDebitor;
                DATENBANK first{};
-               ZelkResult result = openitems::findFirst(*store, selection, table, first);
+               ZelkResult result = openitems::findFirst(store, selection, table, first);
                if (result != ZELK_OK) return result;
-               context->fetch.begin(*store, openitems::fileOf(table, selection), first, selection);
+               context->fetch.begin(store, openitems::fileOf(table, selection), first, selection);
                return ZELK_OK;
              });
 }

@@ -93,15 +93,14 @@ ZelkResult rateAccount(ThreadContext &context, Store &store, RatingRequest &requ
   if (ZelkResult asked = ask(context, request, rating); asked != ZELK_OK) return asked;
 
   // The source may have called the library, which then stands in another client or year, or in another session.
-  Store *now = context.session();
-  if (!now) return ZELKERR_Datenbank;
-  if (ZelkResult opened = openClient(context, *now, request.client); opened <= 0) return opened;
+  Store &now = context.store();
+  if (ZelkResult opened = openClient(context, now, request.client); opened <= 0) return opened;
   // Also where the source does not know the account: a stored rating must not outlive its source's word.
   const FileNumber tables[] = {FileNumber(table)};
   PERSONENKONTO changed;
   ZelkResult result =
-      changeLocked(context, *now, tables, [&] { return writeRating(*now, table, number, rating.text, changed); });
-  if (result == ZELK_OK) notifyAccount(*now, request.kind, changed);
+      changeLocked(context, now, tables, [&] { return writeRating(now, table, number, rating.text, changed); });
+  if (result == ZELK_OK) notifyAccount(now, request.kind, changed);
   return result;
 }
 
@@ -131,15 +130,14 @@ ZelkResult ZELK_CALL ZELK_ErmittleBonitaet(void *HandleParent, int32_t Mandanten
               text("Registernummer:", Registernummer)},
              [&](ThreadContext *context) -> ZelkResult {
                if (Mandantennummer == 0) return ZELKERR_uzl_Mandnr;
-               Store *store = context->session();
-               if (!store) return ZELKERR_Datenbank;
-               if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
+               Store &store = context->store();
+               if (ZelkResult opened = openClient(*context, store, Mandantennummer); opened <= 0) return opened;
                RatingRequest request;
                request.parent = HandleParent;
                request.client = Mandantennummer;
                request.kind = Kontoart;
                std::string_view account = openitems::given(Kontonr);
-               if (!account.empty()) return rateAccount(*context, *store, request, account);
+               if (!account.empty()) return rateAccount(*context, store, request, account);
                if (Kontoart != 0) return ZELK_keinKonto;
                auto copy = [](auto &field, const char *given) { vlba98::strncpy2(field, given ? given : ""); };
                request.searchType = Suchtyp;
