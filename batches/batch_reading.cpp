@@ -5,6 +5,7 @@
 #include "frame/fetch.h"
 #include "frame/messages.h"
 #include "frame/stored_posting.h"
+#include "store/typed.h"
 #include "vlba98/text.h"
 #include "vlfn98/client.h"
 #include "vlfn98/documents.h"
@@ -56,14 +57,14 @@ ZelkResult deliver(ThreadContext &context, Out *out, const std::vector<Record> &
   return next == list.size() ? ZELK_letzterDatensatz : ZELK_OK;
 }
 
-int fill(ZELK_SPLITBUCHUNG &out, Store &store, const BATCHBUCHUNG &posting) {
+void fill(ZELK_SPLITBUCHUNG &out, Store &store, const BATCHBUCHUNG &posting) {
   out = {};
   out.Mandantennummer = store.HoleFista().Nummer;
   out.Teilbuchungsanzahl = posting.Anzahl;
   fillHead(out, posting);
   for (size_t i = 0; i < std::size(out.Teilbuchung); ++i)
     if (const SPLIT *stored = store.PSplit(i)) fillLine(out.Teilbuchung[i], *stored);
-  return vlfn98::DmsGetDmsID(store, posting.DMSNr, out.DMSID);
+  must(vlfn98::DmsGetDmsID(store, posting.DMSNr, out.DMSID));
 }
 
 } // namespace
@@ -79,11 +80,11 @@ ZelkResult ZELK_CALL ZELK_InitHoleBatch(int32_t Mandantennummer, int32_t Stapeln
         Store *store = context->session();
         if (!store) return ZELKERR_Datenbank;
         if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
-        uint8_t found;
-        if (!store->Used(KeyBuilder().number(Stapelnummer), found, kStapel)) return ZELKERR_Datenbank;
-        if (!found) return refuse(*context, ZELKERR_uzl_Stapelnr, resources::kGibtEsNicht, "Stapel");
+        if (!exists<STAPEL>(*store, Stapelnummer))
+          return refuse(*context, ZELKERR_uzl_Stapelnr, resources::kGibtEsNicht, "Stapel");
         BATCHBUCHUNG posting{};
-        if (!store->ReadBat(posting, Stapelnummer, 0, found)) return ZELKERR_Datenbank;
+        uint8_t found;
+        must(store->ReadBat(posting, Stapelnummer, 0, found));
         if (!found) return ZELK_keinKonto;
         context->fetch.kind = kBatchbuchung;
         context->fetch.pending = true;
@@ -105,24 +106,24 @@ ZelkResult ZELK_CALL ZELK_HoleBatch(ZELK_SPLITBUCHUNG *Buchung) {
     // meanwhile makes room for the next.
     BATCHBUCHUNG &at = context->batchPosting;
     uint8_t found;
-    ZELK_SPLITBUCHUNG delivered;
-    if (!store->ReadBat(at, at.Stapel, at.Nr, found)) return ZELKERR_Datenbank;
+    must(store->ReadBat(at, at.Stapel, at.Nr, found));
     if (!found) {
       context->fetch.pending = false;
       return ZELKERR_keinDatensatz;
     }
-    DATENBANK next{};
     DeliveredPosting whole;
     whole.any = true;
     for (size_t i = 0; i < store->lineCount(); ++i)
       whole.lines.push_back(*store->PSplit(i));
     for (size_t i = 0; i < store->costCount(); ++i)
       whole.costs.push_back(*store->costAt(i));
-    if (!fill(delivered, *store, at) || !store->GetNextExt(next, found, kBatchbuchung)) return ZELKERR_Datenbank;
+    ZELK_SPLITBUCHUNG delivered;
+    fill(delivered, *store, at);
+    const auto following = next<BATCHBUCHUNG>(*store);
     *Buchung = delivered;
     context->delivered = std::move(whole);
-    context->fetch.pending = found && next.Batchbuchung.Stapel == at.Stapel;
-    if (context->fetch.pending) at = next.Batchbuchung;
+    context->fetch.pending = following && following->Stapel == at.Stapel;
+    if (context->fetch.pending) at = *following;
     return context->fetch.pending ? ZELK_OK : ZELK_letzterDatensatz;
   });
 }

@@ -8,6 +8,7 @@
 #include "frame/lifecycle.h"
 #include "frame/selection.h"
 #include "frame/snapshot.h"
+#include "store/typed.h"
 
 using namespace frame;
 using namespace vldb98;
@@ -50,17 +51,17 @@ ZelkResult ZELK_CALL ZELK_HoleStapel(int32_t *Stapelnummer, char *Stapelname, in
 
 namespace {
 
-ZelkResult fillBatches(Store &store, SelectionOrder order, const AddEntry &add) {
-  FileNumber file = fileNumber(kStapel, order == SelectionOrder::Name ? 1 : 0);
-  DATENBANK record{};
-  uint8_t found;
-  int done = store.GetFirstExt(record, found, file);
-  if (done && !found) return ZELKERR_keine_Stapel;
-  while (done && found) {
-    add(std::to_string(record.Stapel.Nr), record.Stapel.Name);
-    done = store.GetNextExt(record, found, file);
-  }
-  return done ? ZELK_OK : ZELKERR_Datenbank;
+// What fails is told by the result: between here and the export lies the dialog, through which nothing can be thrown.
+ZelkResult fillBatches(Store &store, SelectionOrder order, const AddEntry &add) try {
+  const FileNumber file = fileNumber(kStapel, order == SelectionOrder::Name ? 1 : 0);
+  bool any = false;
+  forEach<STAPEL>({store, file}, [&](const STAPEL &batch) {
+    add(std::to_string(batch.Nr), batch.Name);
+    any = true;
+  });
+  return any ? ZELK_OK : ZELKERR_keine_Stapel;
+} catch (const StoreFailed &) {
+  return ZELKERR_Datenbank;
 }
 
 } // namespace
