@@ -15,6 +15,9 @@ using namespace vldb98;
 
 namespace {
 
+// Hosts in other languages declare the records by their widths.
+static_assert(sizeof(ZELK_BATCHZEILE) == 196 && sizeof(ZELK_BATCHKOBU) == 194);
+
 void fill(ZELK_BATCHZEILE &out, const SPLIT &stored) {
   out = {};
   fillLine(out.Teilbuchung, stored);
