@@ -35,10 +35,8 @@ ZelkResult checkSwissRules(ThreadContext &context, Construction &construction) {
   if (!store) return ZELKERR_Datenbank;
   ZelkResult opened = openClient(context, *store, construction.posting.head.Mandantennummer);
   if (opened <= 0) return opened;
-  vldb98::FISTA_EXT client{};
-  uint8_t found;
-  vldb98::must(store->GetExtFista(client, found));
-  construction.swissRules = client.Schweiz;
+  const auto client = vldb98::find<vldb98::FISTA_EXT>(*store, store->HoleFista().Nummer);
+  construction.swissRules = client && client->Schweiz;
   return construction.swissRules ? ZELK_OK : ZELKERR_Helva_only;
 }
 

@@ -121,9 +121,9 @@ Refusal CostAllocation::takeGiven(const LineInProgress &line, const PostingCost 
     return line.refuse(ZELKERR_uzl_Einheitenwechsel, resources::kIstUnzulaessig, "Einheitenwechsel");
   unit_ = given.Einheit;
   vlba98::strncpy2(cost.Einheit, given.Einheit);
-  const auto cents = readAmount(given.Betrag, vlba98::geldWidth, false);
-  if (!cents) return line.refuse(ZELKERR_uzl_Kostenbetrag, resources::kIstUnzulaessig, "Kostenbuchungsbetrag");
-  amount = *cents;
+  const auto hundredths = readAmount(given.Betrag, vlba98::geldWidth, false);
+  if (!hundredths) return line.refuse(ZELKERR_uzl_Kostenbetrag, resources::kIstUnzulaessig, "Kostenbuchungsbetrag");
+  amount = *hundredths;
   vlba98::strncpy2(cost.Bemerkung, given.Bemerkung);
   vlba98::strncpy2(cost.Bemerkung2, given.Bemerkung2);
   return {};

@@ -44,12 +44,7 @@ void ReadingOneState::end() {
 }
 
 const FISTA_EXT &PostingInProgress::clientExtension() {
-  if (!extension_) {
-    FISTA_EXT read{};
-    uint8_t found;
-    must(store.GetExtFista(read, found));
-    extension_ = read;
-  }
+  if (!extension_) extension_ = find<FISTA_EXT>(store, client().Nummer).value_or(FISTA_EXT{});
   return *extension_;
 }
 

@@ -100,7 +100,7 @@ ZelkResult insertWithin(ThreadContext &context, const Posting &posting, int32_t 
   std::vector<Parameter> parameters = parametersOf(posting);
   parameters.push_back(messages(Fehlermeldungen));
   return runWithin(context, kInsertingExport, parameters,
-                   [&](ThreadContext *own) { return insert(*own, posting, client); });
+                   [&](ThreadContext *) { return insert(context, posting, client); });
 }
 
 } // namespace postings
