@@ -4,9 +4,9 @@
 #include "frame/fetch.h"
 #include "frame/lifecycle.h"
 #include "frame/messages.h"
+#include "postings/attempts.h"
 #include "postings/construction.h"
 #include "postings/fields.h"
-#include "postings/insert.h"
 #include "store/typed.h"
 
 using namespace frame;

@@ -4,8 +4,8 @@
 
 #include "frame/fetch.h"
 #include "frame/messages.h"
+#include "postings/attempts.h"
 #include "postings/fields.h"
-#include "postings/insert.h"
 #include "vlba98/text.h"
 
 using namespace frame;

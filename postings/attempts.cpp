@@ -1,4 +1,4 @@
-#include "postings/insert.h"
+#include "postings/attempts.h"
 
 #include <optional>
 #include <string>

@@ -1,5 +1,5 @@
-/// A posting into the books: the client's tables locked, tried again where others were in the way, a missing rate asked
-/// for, the refusal shown.
+/// A posting into the books, in as many attempts as it takes: the tables locked, a missing rate asked for, the refusal
+/// shown.
 #pragma once
 
 #include "frame/call.h"
