@@ -35,7 +35,7 @@ ZelkResult checkSwissRules(ThreadContext &context, Construction &construction) {
   if (!store) return ZELKERR_Datenbank;
   ZelkResult opened = openClient(context, *store, construction.posting.head.Mandantennummer);
   if (opened <= 0) return opened;
-  const auto client = vldb98::find<vldb98::FISTA_EXT>(*store, store->HoleFista().Nummer);
+  const auto client = vldb98::find<vldb98::FISTA_EXT>(*store, uint16_t(store->HoleFista().Nummer));
   construction.swissRules = client && client->Schweiz;
   return construction.swissRules ? ZELK_OK : ZELKERR_Helva_only;
 }

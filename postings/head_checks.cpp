@@ -83,9 +83,11 @@ Refusal checkPaymentSlip(PostingInProgress &posting) {
 // The document stays registered, whatever becomes of the posting.
 Refusal registerDocument(PostingInProgress &posting) {
   if (isBlank(posting.given.head.DMSID)) return {};
+  int32_t number; // the records are packed: a reference to their field would have to be aligned
   posting.reading.end();
-  must(vlfn98::DmsInsertDmsID(posting.store, posting.given.head.DMSID, posting.stored.DMSNr));
+  must(vlfn98::DmsInsertDmsID(posting.store, posting.given.head.DMSID, number));
   posting.reading.begin();
+  posting.stored.DMSNr = number;
   return {};
 }
 

@@ -44,7 +44,7 @@ void ReadingOneState::end() {
 }
 
 const FISTA_EXT &PostingInProgress::clientExtension() {
-  if (!extension_) extension_ = find<FISTA_EXT>(store, client().Nummer).value_or(FISTA_EXT{});
+  if (!extension_) extension_ = find<FISTA_EXT>(store, uint16_t(client().Nummer)).value_or(FISTA_EXT{});
   return *extension_;
 }
 

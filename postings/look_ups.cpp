@@ -69,7 +69,7 @@ void readAhead(PostingInProgress &posting) {
   const FIRMENSTAMM &client = posting.client();
   const PostingHead &head = posting.given.head;
   wanted.add(ReadOp::Exact, kStapel, head.Stapelnummer);
-  wanted.add(ReadOp::Exact, kFistaExt, client.Nummer);
+  wanted.add(ReadOp::Exact, kFistaExt, uint16_t(client.Nummer));
   if (const auto date = vlba98::parseDatum(head.Belegdatum))
     wanted.add(ReadOp::Le, fileNumber(kGeschaeftsjahr, 1), std::string_view(vlba98::toReversed(*date).data()));
   if (head.Zahlungsziel != 0) wanted.add(ReadOp::Exact, kZahlziel, head.Zahlungsziel);
