@@ -46,10 +46,8 @@ const Parameter *messagesFlag(std::span<const Parameter> parameters) {
   return nullptr;
 }
 
-ZelkResult runBody(const Export &self, std::span<const Parameter> parameters, detail::Body body, void *object) {
-  if (self.needsStatus && initialisationStatus() != ZELK_OK) return initialisationStatus();
-  ThreadContext *context = self.needsContext ? threadContext() : nullptr;
-  if (self.needsContext && !context) return ZELKERR_Thread;
+// What a body has around it, whether a host called its export or another export did.
+ZelkResult runBody(ThreadContext *context, std::span<const Parameter> parameters, detail::Body body, void *object) {
   const Parameter *flag = messagesFlag(parameters);
   if (context && flag) context->fehlermeldungen = int32_t(flag->number);
   if (const Parameter *overflow = firstOverflow(parameters)) {
@@ -72,6 +70,20 @@ ZelkResult runBody(const Export &self, std::span<const Parameter> parameters, de
   return result;
 }
 
+// The entry in the call protocol, with the result of what runs in it.
+template <class Work> ZelkResult inEntry(const Export &self, std::span<const Parameter> parameters, Work &&work) {
+  ZelkResult result = 0;
+  Protokoll protocol(self, parameters, result);
+  try {
+    result = work();
+  } catch (...) {
+    // Wherever the call was torn off, a transaction or a lock may be left.
+    if (ThreadContext *context = threadContext()) context->closeSession();
+    result = ZELKERR_sonst;
+  }
+  return result;
+}
+
 } // namespace
 
 ZelkResult detail::run(const Export &self, std::span<const Parameter> parameters, Body body, void *object) noexcept {
@@ -79,19 +91,20 @@ ZelkResult detail::run(const Export &self, std::span<const Parameter> parameters
     attach(self.connect);
     WorkingDirectory directory;
     if (self.refusesWhenDetached && detached()) return ZELKERR_Datenbank;
-    ZelkResult result = 0;
-    Protokoll protocol(self, parameters, result);
-    try {
-      result = runBody(self, parameters, body, object);
-    } catch (...) {
-      // Wherever the call was torn off, a transaction or a lock may be left.
-      if (ThreadContext *context = threadContext()) context->closeSession();
-      result = ZELKERR_sonst;
-    }
-    return result;
+    return inEntry(self, parameters, [&]() -> ZelkResult {
+      if (self.needsStatus && initialisationStatus() != ZELK_OK) return initialisationStatus();
+      ThreadContext *context = self.needsContext ? threadContext() : nullptr;
+      if (self.needsContext && !context) return ZELKERR_Thread;
+      return runBody(context, parameters, body, object);
+    });
   } catch (...) {
     return ZELKERR_sonst;
   }
+}
+
+ZelkResult detail::runWithin(ThreadContext &context, const Export &self, std::span<const Parameter> parameters,
+                             Body body, void *object) {
+  return inEntry(self, parameters, [&] { return runBody(&context, parameters, body, object); });
 }
 
 } // namespace frame

@@ -14,6 +14,12 @@ namespace frame {
 namespace detail {
 using Body = ZelkResult (*)(void *body, ThreadContext *context);
 ZelkResult run(const Export &self, std::span<const Parameter> parameters, Body body, void *object) noexcept;
+ZelkResult runWithin(ThreadContext &context, const Export &self, std::span<const Parameter> parameters, Body body,
+                     void *object);
+
+template <class Object> ZelkResult call(void *object, ThreadContext *context) {
+  return (*static_cast<Object *>(object))(context);
+}
 } // namespace detail
 
 /// Runs a body in the frame: attach and working directory, detached test, entry in the call protocol, initialisation
@@ -21,14 +27,17 @@ ZelkResult run(const Export &self, std::span<const Parameter> parameters, Body b
 /// that the body throws becomes -3, all else -2.
 /// \param body called with the thread's context (a pointer, null where the export needs none)
 template <class Body> ZelkResult run(const Export &self, std::span<const Parameter> parameters, Body &&body) {
-  using Object = std::remove_reference_t<Body>;
-  return detail::run(
-      self, parameters,
-      [](void *object, ThreadContext *context) -> ZelkResult { return (*static_cast<Object *>(object))(context); },
-      &body);
+  return detail::run(self, parameters, detail::call<std::remove_reference_t<Body>>, &body);
 }
 template <class Body> ZelkResult run(const Export &self, std::initializer_list<Parameter> parameters, Body &&body) {
   return run(self, std::span(parameters.begin(), parameters.size()), body);
+}
+
+/// Runs the body of an export as a part of another export's body. It has its own entry in the call protocol and the
+/// check of its texts; what else the frame does was done for the call around it.
+template <class Body>
+ZelkResult runWithin(ThreadContext &context, const Export &self, std::span<const Parameter> parameters, Body &&body) {
+  return detail::runWithin(context, self, parameters, detail::call<std::remove_reference_t<Body>>, &body);
 }
 
 } // namespace frame

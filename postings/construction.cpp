@@ -1,20 +1,20 @@
 #include "postings/construction.h"
 
+#include <algorithm>
+
 namespace postings {
 
-void Construction::resetExtras() {
+void Construction::forgetExtras() {
   plainAdditions = exAdditions = 0;
-  ownAmounts.clear();
-  movementKinds.clear();
-  documents.clear();
+  for (PostingLine &line : posting.lines) {
+    line.own.reset();
+    line.movementKind = line.document = 0;
+  }
 }
 
-void Construction::clear() {
-  resetExtras();
-  posting = {};
-  std::vector<ZELK_TEILBUCHUNG>().swap(overflow);
-  std::vector<CostEntry>().swap(costs);
-  started = swissRules = false;
+int Construction::linesWithOwnAmounts() const {
+  return int(std::count_if(posting.lines.begin(), posting.lines.end(),
+                           [](const PostingLine &line) { return line.own.has_value(); }));
 }
 
 Construction &constructionOf(frame::ThreadContext &context) {

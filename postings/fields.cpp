@@ -1,7 +1,5 @@
 #include "postings/fields.h"
 
-#include <algorithm>
-#include <array>
 #include <cstring>
 
 #include "vlba98/datum.h"
@@ -12,159 +10,195 @@ namespace {
 
 using frame::Parameter;
 
-enum class Place : uint8_t { Header, Line };
+enum class Part : uint8_t { Head, Line, OwnAmounts, Cost };
+enum class Kind : uint8_t { Number, Text, Date };
+
+constexpr uint16_t kNowhere = UINT16_MAX;
 
 struct Field {
+  PostingField id;
+  Part part;
+  Kind kind;
+  uint16_t width; // bytes
+  uint16_t offset;
+  uint16_t inSingle; // offset in ZELK_BUCHUNG
+  uint16_t inSplit;  // offset in the record of the part
   const char *label;
-  bool text;
-  uint16_t width;  // bytes
-  uint16_t single; // offset in ZELK_BUCHUNG
-  Place place;
-  uint16_t split;            // offset in ZELK_SPLITBUCHUNG or ZELK_TEILBUCHUNG
-  bool printed = true;       // of a single posting
-  bool checkedBySelf = true; // else the split posting that it becomes is
 };
 
-#define NUMBER(label, member, place, record)                                                                           \
-  Field {                                                                                                              \
-    label, false, 4, offsetof(ZELK_BUCHUNG, member), place, offsetof(record, member)                                   \
-  }
-#define TEXT(label, member, place, record, ...)                                                                        \
-  Field {                                                                                                              \
-    label, true, sizeof(ZELK_BUCHUNG::member), offsetof(ZELK_BUCHUNG, member), place,                                  \
-        offsetof(record, member) __VA_OPT__(, ) __VA_ARGS__                                                            \
-  }
-#define HEADER Place::Header, ZELK_SPLITBUCHUNG
-#define LINE Place::Line, ZELK_TEILBUCHUNG
-#define EXPAND(macro, ...) macro(__VA_ARGS__)
+using HeadRecord = ZELK_SPLITBUCHUNG;
+using LineRecord = ZELK_TEILBUCHUNG;
 
-// In the order in which a single posting is printed and checked.
-constexpr Field kFields[] = {
-    EXPAND(NUMBER, "Mandantennummer:", Mandantennummer, HEADER),
-    EXPAND(NUMBER, "Stapelnummer:", Stapelnummer, HEADER),
-    EXPAND(NUMBER, "Kostenschablone:", Kostenschablone, LINE),
-    EXPAND(NUMBER, "Zahlungsziel:", Zahlungsziel, HEADER),
-    EXPAND(NUMBER, "Eröffnungsbuchung:", Eroeffnungsbuchung, HEADER),
-    EXPAND(NUMBER, "Abschlussbuchung:", Abschlussbuchung, HEADER),
-    EXPAND(NUMBER, "Sollart:", Sollart, LINE),
-    EXPAND(NUMBER, "Habenart:", Habenart, LINE),
-    EXPAND(NUMBER, "USt-Direkt:", UStDirekt, HEADER),
-    EXPAND(NUMBER, "Umbuchung:", Umbuchung, HEADER),
-    EXPAND(TEXT, "Belegdatum:", Belegdatum, HEADER),
-    EXPAND(TEXT, "Belegnummer:", Belegnummer, HEADER),
-    EXPAND(TEXT, "Text:", Text, LINE),
-    EXPAND(TEXT, "Text 2:", Text2, LINE, false),
-    EXPAND(TEXT, "Sollkonto:", Sollkonto, LINE),
-    EXPAND(TEXT, "Habenkonto:", Habenkonto, LINE),
-    EXPAND(TEXT, "Bruttobetrag:", Bruttobetrag, LINE),
-    EXPAND(TEXT, "Steuersatz:", Steuersatz, LINE),
-    EXPAND(TEXT, "Steuerbetrag:", Steuerbetrag, LINE),
-    EXPAND(TEXT, "OP-Belegnummer:", OPBelegnummer, HEADER),
-    EXPAND(TEXT, "Valutadatum:", Valutadatum, HEADER),
-    EXPAND(TEXT, "Währung:", Waehrung, HEADER),
-    EXPAND(TEXT, "ESR:", ESR, HEADER),
-    EXPAND(TEXT, "DMS-ID:", DMSID, HEADER, true, false),
-};
+#define COMMON(part, field, kind, bytes)                                                                               \
+  PostingField::field, Part::part, Kind::kind, bytes, offsetof(Posting##part, field)
+#define IN_RECORDS(part, field, kind, bytes, single, split, label)                                                     \
+  Field{COMMON(part, field, kind, bytes), single, split, label},
+#define IN_SPLIT(part, field, kind, bytes, split, label)                                                               \
+  Field{COMMON(part, field, kind, bytes), kNowhere, split, label},
+#define IN_PIECES(part, field, kind, bytes, label) Field{COMMON(part, field, kind, bytes), kNowhere, kNowhere, label},
+constexpr Field kFields[] = {POSTING_FIELDS(IN_RECORDS, IN_SPLIT, IN_PIECES)};
+#undef COMMON
+#undef IN_RECORDS
+#undef IN_SPLIT
+#undef IN_PIECES
 
-constexpr size_t countOf(Place place) {
-  return size_t(
-      std::count_if(std::begin(kFields), std::end(kFields), [=](const Field &f) { return f.place == place; }));
+// Hosts in other languages declare the records by offset and width: a field that moves would be read as another one.
+#define STANDS(record, field, bytes, at)                                                                               \
+  static_assert(offsetof(record, field) == (at) && sizeof(record::field) == (bytes));
+#define IN_PIECES(part, field, kind, bytes, ...) static_assert(sizeof(Posting##part::field) == (bytes));
+#define IN_SPLIT(part, field, kind, bytes, split, label)                                                               \
+  STANDS(part##Record, field, bytes, split)                                                                            \
+  IN_PIECES(part, field, kind, bytes)
+#define IN_RECORDS(part, field, kind, bytes, single, split, label)                                                     \
+  STANDS(ZELK_BUCHUNG, field, bytes, single)                                                                           \
+  IN_SPLIT(part, field, kind, bytes, split, label)
+POSTING_FIELDS(IN_RECORDS, IN_SPLIT, IN_PIECES)
+STANDS(ZELK_SPLITBUCHUNG, Teilbuchung, kRecordLines * sizeof(ZELK_TEILBUCHUNG), 185)
+static_assert(sizeof(ZELK_BUCHUNG) == 313 && sizeof(ZELK_TEILBUCHUNG) == 134 && sizeof(ZELK_SPLITBUCHUNG) == 1525);
+#undef STANDS
+#undef IN_RECORDS
+#undef IN_SPLIT
+#undef IN_PIECES
+
+constexpr size_t countOf(Part part) {
+  return size_t(std::count_if(std::begin(kFields), std::end(kFields), [=](const Field &f) { return f.part == part; }));
 }
 
-// The fields of a place in the order of its record.
-template <Place place> constexpr auto inRecordOrder() {
-  std::array<Field, countOf(place)> fields{};
-  std::copy_if(std::begin(kFields), std::end(kFields), fields.begin(), [](const Field &f) { return f.place == place; });
-  std::sort(fields.begin(), fields.end(), [](const Field &a, const Field &b) { return a.split < b.split; });
+// The fields of a part in the order of its record.
+template <Part part> constexpr auto inRecordOrder() {
+  std::array<Field, countOf(part)> fields{};
+  std::copy_if(std::begin(kFields), std::end(kFields), fields.begin(), [](const Field &f) { return f.part == part; });
+  std::sort(fields.begin(), fields.end(), [](const Field &a, const Field &b) { return a.inSplit < b.inSplit; });
   return fields;
 }
-constexpr auto kHeaderFields = inRecordOrder<Place::Header>();
-constexpr auto kLineFields = inRecordOrder<Place::Line>();
+constexpr auto kHeadFields = inRecordOrder<Part::Head>();
+constexpr auto kLineFields = inRecordOrder<Part::Line>();
 
-const Field &singleField(size_t offset) {
-  return *std::find_if(std::begin(kFields), std::end(kFields), [=](const Field &f) { return f.single == offset; });
+const Field &fieldOf(const FlatArgument &argument) {
+  return kFields[size_t(argument.field)];
 }
 
 Parameter parameter(const Field &field, const char *at) {
-  if (field.text) return {field.label, Parameter::Kind::Field, field.width, 0, at};
+  if (field.kind != Kind::Number) return frame::field(field.label, at, field.width);
   int32_t value;
   std::memcpy(&value, at, sizeof value);
   return frame::number(field.label, value);
 }
 
+template <class Fields, class PartOfPosting>
+void addParameters(std::vector<Parameter> &parameters, const Fields &fields, const PartOfPosting &part) {
+  for (const Field &field : fields)
+    parameters.push_back(parameter(field, reinterpret_cast<const char *>(&part) + field.offset));
+}
+
+template <class Fields, class PartOfPosting, class Record>
+void copyFields(PartOfPosting &part, const Fields &fields, const Record &record, uint16_t Field::*inRecord) {
+  char *to = reinterpret_cast<char *>(&part);
+  const char *from = reinterpret_cast<const char *>(&record);
+  for (const Field &field : fields)
+    if (field.*inRecord != kNowhere) std::memcpy(to + field.offset, from + field.*inRecord, field.width);
+}
+
+enum class TooLong : uint8_t { IsCut, StaysSo };
+
+void putText(char *to, const Field &field, const char *text, TooLong tooLong) {
+  vlba98::DatumText6 six{};
+  if (field.kind == Kind::Date) {
+    const std::string_view given = vlba98::trimmed(text);
+    const auto date = vlba98::parseDatum(given);
+    if (date) six = vlba98::toExternal6(*date);
+    // Blanks are none, however many.
+    if (date || (given.empty() && tooLong == TooLong::StaysSo)) text = six.data();
+  }
+  const size_t room = tooLong == TooLong::IsCut ? field.width - 1u : field.width;
+  std::memset(to, 0, field.width);
+  std::memcpy(to, text, strnlen(text, room));
+}
+
+void takeFields(Part part, void *into, FlatArguments arguments, TooLong tooLong) {
+  for (const FlatArgument &argument : arguments) {
+    const Field &field = fieldOf(argument);
+    if (field.part != part) continue;
+    char *to = static_cast<char *>(into) + field.offset;
+    if (field.kind == Kind::Number)
+      std::memcpy(to, &argument.number, sizeof argument.number);
+    else
+      putText(to, field, argument.text ? argument.text : "", tooLong);
+  }
+}
+
 } // namespace
 
-std::vector<Parameter> parametersOf(const ZELK_BUCHUNG &posting) {
-  const char *bytes = reinterpret_cast<const char *>(&posting);
+std::vector<Parameter> parametersOf(const ZELK_BUCHUNG &record) {
   std::vector<Parameter> parameters;
-  parameters.reserve(std::size(kFields) + 1);
+  parameters.reserve(std::size(kFields));
   for (const Field &field : kFields) {
-    parameters.push_back(parameter(field, bytes + field.single));
-    parameters.back().printed = field.printed;
-    parameters.back().checked = field.checkedBySelf;
+    if (field.inSingle == kNowhere) continue;
+    parameters.push_back(parameter(field, reinterpret_cast<const char *>(&record) + field.inSingle));
+    // Never was in the entry of a single posting; and the split posting that this one becomes finds that one too long.
+    parameters.back().printed = field.id != PostingField::Text2;
+    parameters.back().checked = field.id != PostingField::DMSID;
   }
   return parameters;
 }
 
-std::vector<Parameter> parametersOf(const ZELK_SPLITBUCHUNG &posting, std::span<const ZELK_TEILBUCHUNG> further) {
-  const char *bytes = reinterpret_cast<const char *>(&posting);
-  size_t inRecord = size_t(std::clamp(posting.Teilbuchungsanzahl, 0, int32_t(std::size(posting.Teilbuchung))));
+std::vector<Parameter> parametersOf(const Posting &posting) {
   std::vector<Parameter> parameters;
-  parameters.reserve(kHeaderFields.size() + 2 + kLineFields.size() * (inRecord + further.size()));
-  for (const Field &field : kHeaderFields) {
-    if (field.split == offsetof(ZELK_SPLITBUCHUNG, UStDirekt))
-      parameters.push_back(frame::number("Teilbuchungsanzahl:", posting.Teilbuchungsanzahl));
-    parameters.push_back(parameter(field, bytes + field.split));
-  }
-  auto addLine = [&](const ZELK_TEILBUCHUNG &line) {
-    for (const Field &field : kLineFields)
-      parameters.push_back(parameter(field, reinterpret_cast<const char *>(&line) + field.split));
-  };
-  for (size_t i = 0; i < inRecord; ++i)
-    addLine(posting.Teilbuchung[i]);
-  for (const ZELK_TEILBUCHUNG &line : further)
-    addLine(line);
+  parameters.reserve(kHeadFields.size() + 1 + kLineFields.size() * posting.lines.size());
+  addParameters(parameters, kHeadFields, posting.head);
+  for (const PostingLine &line : posting.lines)
+    addParameters(parameters, kLineFields, line);
   return parameters;
 }
 
-ZELK_SPLITBUCHUNG toSplit(const ZELK_BUCHUNG &posting) {
-  ZELK_SPLITBUCHUNG split{};
-  split.Teilbuchungsanzahl = 1;
-  const char *from = reinterpret_cast<const char *>(&posting);
-  char *header = reinterpret_cast<char *>(&split), *line = reinterpret_cast<char *>(&split.Teilbuchung[0]);
-  for (const Field &field : kFields)
-    std::memcpy((field.place == Place::Header ? header : line) + field.split, from + field.single, field.width);
-  return split;
+Parameter parameterOf(const FlatArgument &argument) {
+  const Field &field = fieldOf(argument);
+  const char *label = argument.label ? argument.label : field.label;
+  return field.kind == Kind::Number ? frame::number(label, argument.number) : frame::text(label, argument.text);
 }
 
-std::vector<Parameter> parametersOf(std::span<const FlatArgument> arguments) {
-  std::vector<Parameter> parameters;
-  parameters.reserve(arguments.size() + 1);
-  for (const FlatArgument &argument : arguments) {
-    const Field &field = singleField(argument.offset);
-    const char *label = argument.label ? argument.label : field.label;
-    parameters.push_back(field.text ? frame::text(label, argument.text) : frame::number(label, argument.number));
-  }
-  return parameters;
-}
-
-ZELK_BUCHUNG toRecord(std::span<const FlatArgument> arguments) {
-  ZELK_BUCHUNG posting{};
-  char *bytes = reinterpret_cast<char *>(&posting);
-  for (const FlatArgument &argument : arguments) {
-    const Field &field = singleField(argument.offset);
-    if (!field.text)
-      std::memcpy(bytes + field.single, &argument.number, sizeof argument.number);
-    else if (argument.text)
-      std::memcpy(bytes + field.single, argument.text, strnlen(argument.text, field.width));
-  }
+Posting toPosting(const ZELK_BUCHUNG &record) {
+  Posting posting;
+  PostingLine line{};
+  copyFields(posting.head, kHeadFields, record, &Field::inSingle);
+  copyFields(line, kLineFields, record, &Field::inSingle);
+  posting.add(line);
   return posting;
 }
 
-bool takeDate(char (&field)[7], const char *text) {
-  auto date = vlba98::parseDatum(vlba98::trimmed(text ? text : ""));
-  if (date) vlba98::strncpy2(field, vlba98::toExternal6(*date).data());
-  return date.has_value();
+Posting toPosting(const ZELK_SPLITBUCHUNG &record) {
+  Posting posting;
+  copyFields(posting.head, kHeadFields, record, &Field::inSplit);
+  posting.lines.resize(size_t(std::clamp(posting.head.Teilbuchungsanzahl, 0, kRecordLines)));
+  for (size_t i = 0; i < posting.lines.size(); ++i)
+    copyFields(posting.lines[i], kLineFields, record.Teilbuchung[i], &Field::inSplit);
+  return posting;
+}
+
+Posting toPosting(FlatArguments arguments) {
+  Posting posting;
+  PostingLine line{};
+  takeFields(Part::Head, &posting.head, arguments, TooLong::StaysSo);
+  takeFields(Part::Line, &line, arguments, TooLong::StaysSo);
+  posting.add(line);
+  return posting;
+}
+
+void take(PostingHead &head, FlatArguments arguments) {
+  takeFields(Part::Head, &head, arguments, TooLong::IsCut);
+}
+void take(PostingLine &line, FlatArguments arguments) {
+  takeFields(Part::Line, &line, arguments, TooLong::IsCut);
+}
+void take(PostingOwnAmounts &amounts, FlatArguments arguments) {
+  takeFields(Part::OwnAmounts, &amounts, arguments, TooLong::IsCut);
+}
+void take(PostingCost &cost, FlatArguments arguments) {
+  takeFields(Part::Cost, &cost, arguments, TooLong::IsCut);
+}
+
+bool isDate(const char *text) {
+  return vlba98::parseDatum(vlba98::trimmed(text ? text : "")).has_value();
 }
 
 } // namespace postings

@@ -1,13 +1,10 @@
-// What an insertion will look up, told to a server beforehand: in few steps what the checks read piece by piece. A
-// look-up that is missing here costs a step, and nothing else.
-#include <algorithm>
+#include "postings/look_ups.h"
+
 #include <set>
 #include <string>
 #include <tuple>
 #include <utility>
 
-#include "postings/insertion.h"
-#include "postings/sides.h"
 #include "vlba98/datum.h"
 #include "vlba98/text.h"
 #include "vlfn98/accounts.h"
@@ -20,31 +17,27 @@ namespace {
 
 constexpr size_t kWorthAStep = 2; // look-ups
 
-bool isEmpty(std::string_view text) {
-  return vlba98::trimmed(text).empty();
-}
-
 // The account that bears a line's costs; null: none, or both.
-const char *costTypeOf(const ZELK_TEILBUCHUNG &line, Kostenseite side) {
-  return side == Kostenseite::Soll ? line.Sollkonto : side == Kostenseite::Haben ? line.Habenkonto : nullptr;
+const char *costTypeOf(const LineInProgress &line, Kostenseite side) {
+  return side == Kostenseite::Soll ? line.debit.number : side == Kostenseite::Haben ? line.credit.number : nullptr;
 }
-
-} // namespace
 
 /// Look-ups, each of them once.
-class Insertion::LookUps {
+class LookUps {
 public:
   void add(ReadOp op, FileNumber file, const SCHLUESSEL &key) {
     if (known_.emplace(op, file, std::string(key.bytes, sizeof key.bytes)).second) list_.push_back({op, file, key});
+  }
+  template <class... Values> void add(ReadOp op, FileNumber file, const Values &...values) {
+    add(op, file, keyOf(file, values...));
   }
 
   /// An account is looked for in one table after the other, up to that of its kind.
   void addAccount(std::string_view number, int32_t kind) {
     constexpr std::pair<FileNumber, int32_t> tables[] = {
         {kSachkonto, ZELK_SACHKONTO}, {kKreditor, ZELK_KREDITOR}, {kDebitor, ZELK_DEBITOR}};
-    const SCHLUESSEL key = KeyBuilder().account(number);
     for (const auto &[file, its] : tables) {
-      add(its == kind ? ReadOp::Exact : ReadOp::Exists, file, key);
+      add(its == kind ? ReadOp::Exact : ReadOp::Exists, file, number);
       if (its == kind) break;
     }
   }
@@ -57,81 +50,76 @@ public:
     const int byNumber = vlfn98::GetKostKontoKey(centre.c_str(), vlfn98::kostDimension(client, n), nullptr, key);
     add(ReadOp::Exact, FileNumber(kKost + byNumber), key);
     if (!costType) return;
-    add(ReadOp::Ge, kKombination, KeyBuilder().account(costType));
-    add(ReadOp::Exists, kKombination, KeyBuilder().account(costType).account(centre));
+    add(ReadOp::Ge, kKombination, std::string_view(costType));
+    add(ReadOp::Exists, kKombination, std::string_view(costType), std::string_view(centre));
   }
 
-  bool tell(Store &store) const { return list_.size() < kWorthAStep || store.ReadAhead(list_); }
+  void tell(Store &store) const { must(list_.size() < kWorthAStep || store.ReadAhead(list_)); }
 
 private:
   std::set<std::tuple<ReadOp, FileNumber, std::string>> known_;
   std::vector<LookUp> list_;
 };
 
-bool Insertion::readAhead() {
-  if (!store_.IsUsedEngineSQL()) return true;
-  LookUps wanted;
-  const FIRMENSTAMM &client = store_.HoleFista();
-  wanted.add(ReadOp::Exact, kStapel, KeyBuilder().number(request_.Stapelnummer));
-  wanted.add(ReadOp::Exact, kFistaExt, KeyBuilder().number(uint16_t(client.Nummer)));
-  if (auto date = vlba98::parseDatum(request_.Belegdatum))
-    wanted.add(ReadOp::Le, fileNumber(kGeschaeftsjahr, 1), KeyBuilder().text(vlba98::toReversed(*date).data(), 6));
-  if (request_.Zahlungsziel != 0)
-    wanted.add(ReadOp::Exact, kZahlziel, KeyBuilder().number(int32_t(request_.Zahlungsziel)));
-  auto addAccounts = [&](const ZELK_TEILBUCHUNG &line) {
-    for (const Side *side : kSides) {
-      char number[8];
-      vlba98::strncpy2(number, line.*side->account);
-      if (isEmpty(number)) continue;
-      vlfn98::KonvertKonto(number, client.Kontolaenge);
-      wanted.addAccount(number, side->kind(line));
-    }
-  };
-  for (int32_t i = 0; i < std::min(int32_t(request_.Teilbuchungsanzahl), kRecordLines); ++i)
-    addAccounts(request_.Teilbuchung[i]);
-  if (construction_) std::for_each(construction_->overflow.begin(), construction_->overflow.end(), addAccounts);
-  return wanted.tell(store_);
-}
+} // namespace
 
-ZelkResult Insertion::readAheadOfAccounts() {
-  if (!store_.IsUsedEngineSQL()) return ZELK_OK;
+void readAhead(PostingInProgress &posting) {
+  if (!posting.store.IsUsedEngineSQL()) return;
   LookUps wanted;
-  const FISTA_EXT *client = extension();
-  if (!client) return ZELKERR_Datenbank;
-  if (foreign_)
-    wanted.add(ReadOp::Le, kKurse,
-               KeyBuilder().text(posting_.Waehrung, sizeof(KURSE::Waehrung) - 1).text(posting_.Belegdatum, 6));
-  for (const ZELK_TEILBUCHUNG &line : lines_) {
-    const Account *accounts[2];
-    for (size_t i = 0; i < std::size(accounts); ++i)
-      if (ZelkResult result = lookUp(line.*kSides[i]->account, accounts[i]); result != ZELK_OK) return result;
-    for (const Account *account : accounts) {
-      if (const int16_t key = account->taxKey(); key != 0)
-        wanted.add(ReadOp::Le, kSteusa, KeyBuilder().number(key).text(posting_.Belegdatum, 6));
-      if (account->term != 0 && request_.Zahlungsziel == 0)
-        wanted.add(ReadOp::Exact, kZahlziel, KeyBuilder().number(account->term));
+  const FIRMENSTAMM &client = posting.client();
+  const PostingHead &head = posting.given.head;
+  wanted.add(ReadOp::Exact, kStapel, head.Stapelnummer);
+  wanted.add(ReadOp::Exact, kFistaExt, uint16_t(client.Nummer));
+  if (const auto date = vlba98::parseDatum(head.Belegdatum))
+    wanted.add(ReadOp::Le, fileNumber(kGeschaeftsjahr, 1), std::string_view(vlba98::toReversed(*date).data()));
+  if (head.Zahlungsziel != 0) wanted.add(ReadOp::Exact, kZahlziel, head.Zahlungsziel);
+  for (const PostingLine &given : posting.given.lines) {
+    LineInProgress line(0, given);
+    for (const Side &side : kSides) {
+      LineAccount &account = line.*side.account;
+      if (isBlank(account.number)) continue;
+      vlfn98::KonvertKonto(account.number, client.Kontolaenge);
+      wanted.addAccount(account.number, account.kind);
     }
-    const Kostenseite side = vlfn98::BestimmeKostenseite(accounts[0]->ledgerAccount(), accounts[1]->ledgerAccount(),
-                                                         client->Kostenstellenpflicht);
-    const auto at = size_t(&line - lines_.data());
-    for (size_t i = 0; construction_ && i < construction_->costs.size(); ++i)
-      if (const CostEntry &entry = construction_->costs[i]; entry.line == at)
-        for (int n = 0; n < kKostenstellen; ++n)
-          wanted.addCentre(*client, costTypeOf(line, side), n, entry.Kostenstelle[n]);
   }
-  return wanted.tell(store_) ? ZELK_OK : ZELKERR_Datenbank;
+  wanted.tell(posting.store);
 }
 
-bool Insertion::readAheadOfShares(const Line &line, Kostenseite side, const std::vector<KOSCHA_ZEILE> &shares) {
-  if (!store_.IsUsedEngineSQL() || shares.empty()) return true;
-  const FISTA_EXT *client = extension();
-  if (!client) return false;
+void readAheadOfAccounts(PostingInProgress &posting) {
+  if (!posting.store.IsUsedEngineSQL()) return;
+  LookUps wanted;
+  const FISTA_EXT &client = posting.clientExtension();
+  const std::string_view day = posting.stored.Belegdatum;
+  if (posting.foreign) wanted.add(ReadOp::Le, kKurse, std::string_view(posting.stored.Waehrung), day);
+  for (const LineInProgress &line : posting.lines) {
+    const SACHKONTO *ledgerAccounts[std::size(kSides)];
+    for (size_t i = 0; i < std::size(kSides); ++i) {
+      const PostingAccount &account = posting.accounts.find((line.*kSides[i].account).number);
+      ledgerAccounts[i] = account.ledgerAccount();
+      if (const int16_t key = account.taxKey(); key != 0) wanted.add(ReadOp::Le, kSteusa, key, day);
+      if (account.term != 0 && posting.given.head.Zahlungsziel == 0) wanted.add(ReadOp::Exact, kZahlziel, account.term);
+    }
+    const Kostenseite side =
+        vlfn98::BestimmeKostenseite(ledgerAccounts[0], ledgerAccounts[1], client.Kostenstellenpflicht);
+    for (const PostingCost &cost : line.given->costs) {
+      int n = 0;
+      for (const char *centre : {cost.Kostenstelle1, cost.Kostenstelle2, cost.Kostenstelle3, cost.Kostenstelle4,
+                                 cost.Kostenstelle5, cost.Kostenstelle6})
+        wanted.addCentre(client, costTypeOf(line, side), n++, centre);
+    }
+  }
+  wanted.tell(posting.store);
+}
+
+void readAheadOfShares(PostingInProgress &posting, const LineInProgress &line, Kostenseite side,
+                       const std::vector<KOSCHA_ZEILE> &shares) {
+  if (!posting.store.IsUsedEngineSQL() || shares.empty()) return;
   LookUps wanted;
   for (const KOSCHA_ZEILE &share : shares) {
-    wanted.addCentre(*client, costTypeOf(line.request, side), 0, share.Kostenstelle1);
-    wanted.addCentre(*client, costTypeOf(line.request, side), 1, share.Kostenstelle2);
+    wanted.addCentre(posting.clientExtension(), costTypeOf(line, side), 0, share.Kostenstelle1);
+    wanted.addCentre(posting.clientExtension(), costTypeOf(line, side), 1, share.Kostenstelle2);
   }
-  return wanted.tell(store_);
+  wanted.tell(posting.store);
 }
 
 } // namespace postings

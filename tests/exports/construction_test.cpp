@@ -160,23 +160,5 @@ TEST_F(Construction, OwnAmountsReachTheLine) {
   EXPECT_EQ(costsOf(last(draft)), "10:30,83/33,33% 20:30,83/33,33% 30:30,84/33,34%");
 }
 
-TEST_F(Construction, ValuesOfALine) {
-  ASSERT_EQ(start(), 1);
-  ZELK_SetAnbuBewegungsart(99); // no line yet
-  for (int line = 1; line <= 12; ++line) {
-    ASSERT_EQ(add(), 1);
-    if (line % 2) ZELK_SetDmsID(1000), ZELK_SetDmsID(line);
-    if (line % 3 == 0) ZELK_SetAnbuBewegungsart(100 + line);
-  }
-  ASSERT_EQ(end(), 1);
-  StoredPosting all = stored().back();
-  for (int line = 1; line <= 12; ++line) {
-    EXPECT_EQ(+all.lines[size_t(line - 1)].DMSNr, line % 2 ? line : 0);
-    EXPECT_EQ(+all.lines[size_t(line - 1)].Bewegungsart, line % 3 ? 0 : 100 + line);
-  }
-  ASSERT_EQ(start() + add() + end(), 3);
-  EXPECT_EQ(+stored().back().lines[0].DMSNr, 0);
-}
-
 } // namespace
 } // namespace test

@@ -135,7 +135,7 @@ TEST_F(PostingCurrency, OthersWorkWhileThePersonThinks) {
   // The host posts from under the dialog, for another client.
   draft.date = "200126";
   recorder.inputs = {"4"};
-  recorder.whileShown = [&] { EXPECT_EQ(insertWhole(swiss), ZELK_OK); };
+  recorder.whileShown = [&] { EXPECT_EQ(insertInPieces(swiss), ZELK_OK); };
   EXPECT_EQ(insert(draft, Way::Pieces).substr(0, 2), "1 ");
   EXPECT_EQ(conversionOf(last(draft)), "400,00-0,00 = 100,00-0,00 at 4,00/1");
   EXPECT_EQ(postingsOf(2, 2).size(), 1u);

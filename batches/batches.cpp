@@ -9,6 +9,7 @@
 #include "frame/program.h"
 #include "frame/selection.h"
 #include "frame/snapshot.h"
+#include "store/typed.h"
 
 using namespace frame;
 using namespace vldb98;
@@ -18,10 +19,9 @@ ZelkResult ZELK_CALL ZELK_InitHoleStapel(int32_t Mandantennummer, int32_t Fehler
   return run(self, {number("Mandantennummer:", Mandantennummer), messages(Fehlermeldungen)},
              [&](ThreadContext *context) -> ZelkResult {
                context->fetch.end();
-               Store *store = context->session();
-               if (!store) return ZELKERR_Datenbank;
-               if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
-               return startFetch(*context, *store, kStapel, nullptr, ZELKERR_keine_Mandanten);
+               Store &store = context->store();
+               if (ZelkResult opened = openClient(*context, store, Mandantennummer); opened <= 0) return opened;
+               return startFetch(*context, store, kStapel, nullptr, ZELKERR_keine_Mandanten);
              });
 }
 
@@ -51,17 +51,17 @@ ZelkResult ZELK_CALL ZELK_HoleStapel(int32_t *Stapelnummer, char *Stapelname, in
 
 namespace {
 
-ZelkResult fillBatches(Store &store, SelectionOrder order, const AddEntry &add) {
-  FileNumber file = fileNumber(kStapel, order == SelectionOrder::Name ? 1 : 0);
-  DATENBANK record{};
-  uint8_t found;
-  int done = store.GetFirstExt(record, found, file);
-  if (done && !found) return ZELKERR_keine_Stapel;
-  while (done && found) {
-    add(std::to_string(record.Stapel.Nr), record.Stapel.Name);
-    done = store.GetNextExt(record, found, file);
-  }
-  return done ? ZELK_OK : ZELKERR_Datenbank;
+// What fails is told by the result: between here and the export lies the dialog, through which nothing can be thrown.
+ZelkResult fillBatches(Store &store, SelectionOrder order, const AddEntry &add) try {
+  const FileNumber file = fileNumber(kStapel, order == SelectionOrder::Name ? 1 : 0);
+  bool any = false;
+  forEach<STAPEL>({store, file}, [&](const STAPEL &batch) {
+    add(std::to_string(batch.Nr), batch.Name);
+    any = true;
+  });
+  return any ? ZELK_OK : ZELKERR_keine_Stapel;
+} catch (const StoreFailed &) {
+  return ZELKERR_Datenbank;
 }
 
 } // namespace
@@ -86,10 +86,9 @@ ZelkResult ZELK_CALL ZELK_HoleStapelNr(void *HandleParent, int32_t Mandantennumm
             *context, resources::kStapelauswahl,
             [&](SelectionOrder order, const AddEntry &add) -> ZelkResult {
               // Anew at every filling: while the dialog is open, the host's windows may call the library.
-              Store *store = context->session();
-              if (!store) return ZELKERR_Datenbank;
-              if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
-              return inSnapshot(*store, [&] { return fillBatches(*store, order, add); });
+              Store &store = context->store();
+              if (ZelkResult opened = openClient(*context, store, Mandantennummer); opened <= 0) return opened;
+              return inSnapshot(store, [&] { return fillBatches(store, order, add); });
             },
             HandleParent, chosen);
         if (result == ZELKERR_Datenbank) context->closeSession();

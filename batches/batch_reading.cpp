@@ -6,6 +6,7 @@
 #include "frame/fetch.h"
 #include "frame/messages.h"
 #include "frame/stored_posting.h"
+#include "store/typed.h"
 #include "vlba98/text.h"
 #include "vlfn98/client.h"
 #include "vlfn98/documents.h"
@@ -14,6 +15,9 @@ using namespace frame;
 using namespace vldb98;
 
 namespace {
+
+// Hosts in other languages declare the records by their widths.
+static_assert(sizeof(ZELK_BATCHZEILE) == 196 && sizeof(ZELK_BATCHKOBU) == 194);
 
 /// What the fetch keeps beside its place.
 struct Reading {
@@ -74,7 +78,7 @@ ZelkResult deliver(ThreadContext &context, Out *out, std::vector<Record> Reading
   return next == list.size() ? ZELK_letzterDatensatz : ZELK_OK;
 }
 
-int fill(ZELK_SPLITBUCHUNG &out, Store &store, const BATCHBUCHUNG &posting) {
+void fill(ZELK_SPLITBUCHUNG &out, Store &store, const BATCHBUCHUNG &posting) {
   out = {};
   out.Mandantennummer = store.HoleFista().Nummer;
   out.Teilbuchungsanzahl = posting.Anzahl;
@@ -82,7 +86,6 @@ int fill(ZELK_SPLITBUCHUNG &out, Store &store, const BATCHBUCHUNG &posting) {
   for (size_t i = 0; i < std::size(out.Teilbuchung); ++i)
     if (const SPLIT *stored = store.PSplit(i)) fillLine(out.Teilbuchung[i], *stored);
   vlfn98::DmsGetDmsID(store, posting.DMSNr, out.DMSID);
-  return true;
 }
 
 } // namespace
@@ -94,14 +97,13 @@ ZelkResult ZELK_CALL ZELK_InitHoleBatch(int32_t Mandantennummer, int32_t Stapeln
       {number("Mandantennummer:", Mandantennummer), number("Stapelnummer:", Stapelnummer), messages(Fehlermeldungen)},
       [&](ThreadContext *context) -> ZelkResult {
         context->fetch.end();
-        Store *store = context->session();
-        if (!store) return ZELKERR_Datenbank;
-        if (ZelkResult opened = openClient(*context, *store, Mandantennummer); opened <= 0) return opened;
-        uint8_t found;
-        if (!store->Used(KeyBuilder().number(Stapelnummer), found, kStapel)) return ZELKERR_Datenbank;
-        if (!found) return refuse(*context, ZELKERR_uzl_Stapelnr, resources::kGibtEsNicht, "Stapel");
+        Store &store = context->store();
+        if (ZelkResult opened = openClient(*context, store, Mandantennummer); opened <= 0) return opened;
+        if (!exists<STAPEL>(store, Stapelnummer))
+          return refuse(*context, ZELKERR_uzl_Stapelnr, resources::kGibtEsNicht, "Stapel");
         BATCHBUCHUNG posting{};
-        if (!store->ReadBat(posting, Stapelnummer, 0, found)) return ZELKERR_Datenbank;
+        uint8_t found;
+        must(store.ReadBat(posting, Stapelnummer, 0, found));
         if (!found) return ZELK_keinKonto;
         context->fetch.kind = kBatchbuchung;
         context->fetch.pending = true;
@@ -118,29 +120,29 @@ ZelkResult ZELK_CALL ZELK_HoleBatch(ZELK_SPLITBUCHUNG *Buchung) {
     if (!reading) return ZELKERR_keinInit;
     if (!context->fetch.pending) return ZELKERR_keinDatensatz;
     if (!Buchung) return ZELKERR_nicht_moeglich;
-    Store *store = context->session();
-    if (!store || vlfn98::HoleMandantenDaten(*store, context->fetch.client) != ZELK_OK) return ZELKERR_Datenbank;
+    Store &store = context->store();
+    must(vlfn98::HoleMandantenDaten(store, context->fetch.client) == ZELK_OK);
     // Read again, since the lines in memory are the posting's that was built or read last; and one that was deleted
     // meanwhile makes room for the next.
     BATCHBUCHUNG &at = reading->posting;
     uint8_t found;
-    ZELK_SPLITBUCHUNG delivered;
-    if (!store->ReadBat(at, at.Stapel, at.Nr, found)) return ZELKERR_Datenbank;
+    must(store.ReadBat(at, at.Stapel, at.Nr, found));
     if (!found) {
       context->fetch.pending = false;
       return ZELKERR_keinDatensatz;
     }
-    DATENBANK next{};
     Reading whole;
     whole.delivered = true;
-    for (size_t i = 0; i < store->lineCount(); ++i)
-      whole.lines.push_back(*store->PSplit(i));
-    for (size_t i = 0; i < store->costCount(); ++i)
-      whole.costs.push_back(*store->costAt(i));
-    if (!fill(delivered, *store, at) || !store->GetNextExt(next, found, kBatchbuchung)) return ZELKERR_Datenbank;
+    for (size_t i = 0; i < store.lineCount(); ++i)
+      whole.lines.push_back(*store.PSplit(i));
+    for (size_t i = 0; i < store.costCount(); ++i)
+      whole.costs.push_back(*store.costAt(i));
+    ZELK_SPLITBUCHUNG delivered;
+    fill(delivered, store, at);
+    const auto following = next<BATCHBUCHUNG>(store);
     *Buchung = delivered;
-    context->fetch.pending = found && next.Batchbuchung.Stapel == at.Stapel;
-    whole.posting = context->fetch.pending ? next.Batchbuchung : at;
+    context->fetch.pending = following && following->Stapel == at.Stapel;
+    whole.posting = context->fetch.pending ? *following : at;
     *reading = std::move(whole);
     return context->fetch.pending ? ZELK_OK : ZELK_letzterDatensatz;
   });
