@@ -4,6 +4,7 @@
 #include <array>
 
 #include "store/guards.h"
+#include "store/typed.h"
 #include "vlba98/datum.h"
 #include "vlba98/text.h"
 
@@ -29,25 +30,21 @@ private:
   uint64_t value_ = 0xcbf29ce484222325;
 };
 
-bool yearsOf(Store &store, std::vector<YearCode> &years) {
-  DATENBANK record{};
-  uint8_t found;
-  int done = store.StepFirstExt(record, found, kGeschaeftsjahr);
-  while (done && found) {
-    YearCode code{};
-    vlba98::itotwo(record.Geschaeftsjahr.Jahr - vlba98::firstYear, code.data());
-    years.push_back(code);
-    done = store.StepNextExt(record, found, kGeschaeftsjahr);
-  }
-  return done != 0;
+std::vector<YearCode> yearsOf(Store &store) {
+  std::vector<YearCode> years;
+  forEachStored<GESCHAEFTSJAHR>(store, [&](const GESCHAEFTSJAHR &year) {
+    YearCode &code = years.emplace_back();
+    vlba98::itotwo(year.Jahr - vlba98::firstYear, code.data());
+  });
+  return years;
 }
 
-// What is done with the rows of a client. Each function returns false to end the walk.
+// What is done with the rows of a client.
 class Visitor {
 public:
   virtual ~Visitor() = default;
-  virtual bool year(const YearCode &code) = 0;
-  virtual bool row(const Table &table, DATENBANK &record) = 0;
+  virtual void year(const YearCode &code) = 0;
+  virtual void row(const Table &table, DATENBANK &record) = 0;
   virtual void endOfTable(const Table &table) = 0;
 };
 
@@ -55,50 +52,34 @@ class Walk {
 public:
   Walk(Store &store, uint16_t client, Visitor &visitor) : store_(store), client_(client), visitor_(visitor) {}
 
-  // Done also when there is no such client: then there are no rows.
-  bool run() {
+  // Where there is no such client there are no rows.
+  void run() {
     uint8_t found;
-    if (!store_.SetzeFista(client_, found)) return false;
-    if (!found) return true;
-    if (!yearsOf(store_, years_)) return false;
+    must(store_.SetzeFista(client_, found));
+    if (!found) return;
+    years_ = yearsOf(store_);
     for (int number : kLeadingTables)
-      if (!table(*findTable(number))) return false;
+      table(*findTable(number));
     for (const Table &t : allTables())
-      if (std::find(kLeadingTables.begin(), kLeadingTables.end(), t.number) == kLeadingTables.end() && !table(t))
-        return false;
-    return true;
+      if (std::find(kLeadingTables.begin(), kLeadingTables.end(), t.number) == kLeadingTables.end()) table(t);
   }
 
 private:
-  bool table(const Table &t) {
-    bool done = t.scope == Scope::Global ? ownRow(t) : t.scope == Scope::Client ? rows(t) : rowsOfYears(t);
-    if (done) visitor_.endOfTable(t);
-    return done;
-  }
-
-  bool ownRow(const Table &t) {
-    DATENBANK record{};
-    uint8_t found;
-    return store_.UsedGet(record, KeyBuilder().number(client_), found, FileNumber(t.number)) &&
-           (!found || visitor_.row(t, record));
-  }
-
-  bool rowsOfYears(const Table &t) {
-    for (const YearCode &code : years_)
-      if (!store_.SetzeOpenJahr(code.data()) || !visitor_.year(code) || !rows(t)) return false;
-    return true;
-  }
-
-  bool rows(const Table &t) {
-    DATENBANK record{};
-    uint8_t found;
-    FileNumber file = FileNumber(t.number);
-    int done = store_.StepFirstExt(record, found, file);
-    while (done && found) {
-      if (!visitor_.row(t, record)) return false;
-      done = store_.StepNextExt(record, found, file);
+  void table(const Table &t) {
+    const In rows{store_, FileNumber(t.number)};
+    const auto visit = [&](DATENBANK &record) { visitor_.row(t, record); };
+    if (t.scope == Scope::Global) {
+      if (auto own = find<DATENBANK>(rows, client_)) visit(*own);
+    } else if (t.scope == Scope::Client) {
+      forEachStored<DATENBANK>(rows, visit);
+    } else {
+      for (const YearCode &code : years_) {
+        must(store_.SetzeOpenJahr(code.data()));
+        visitor_.year(code);
+        forEachStored<DATENBANK>(rows, visit);
+      }
     }
-    return done != 0;
+    visitor_.endOfTable(t);
   }
 
   Store &store_;
@@ -112,16 +93,12 @@ class Reckoning : public Visitor {
 public:
   explicit Reckoning(std::vector<TableContent> &tables) : tables_(tables) { tables_.clear(); }
 
-  bool year(const YearCode &code) override {
-    year_ = code;
-    return true;
-  }
+  void year(const YearCode &code) override { year_ = code; }
 
-  bool row(const Table &table, DATENBANK &record) override {
+  void row(const Table &table, DATENBANK &record) override {
     if (table.scope == Scope::FiscalYear) sum_.add(year_.data(), year_.size());
     sum_.add(record.bytes, table.recordSize);
     ++rows_;
-    return true;
   }
 
   void endOfTable(const Table &table) override {
@@ -137,87 +114,85 @@ private:
   Fnv1a sum_;
 };
 
+// Thrown: the target failed, and not what is read.
+struct TargetFailed {};
+
+template <class Work> auto inTarget(Work &&work) try { return work(); } catch (const StoreFailed &) {
+  throw TargetFailed();
+}
+
 class Copying final : public Reckoning {
 public:
   Copying(Store &target, uint16_t client, std::vector<TableContent> &tables, const CopyProgress &progress)
       : Reckoning(tables), target_(target), client_(client), progress_(progress) {}
 
-  bool failed() const { return failed_; }
-
-  bool year(const YearCode &code) override {
-    if (!target_.SetzeOpenJahr(code.data())) failed_ = true;
-    return !failed_ && Reckoning::year(code);
+  void year(const YearCode &code) override {
+    inTarget([&] { must(target_.SetzeOpenJahr(code.data())); });
+    Reckoning::year(code);
   }
 
-  bool row(const Table &table, DATENBANK &record) override {
-    uint8_t found = 1;
-    bool written = target_.Insert(record, FileNumber(table.number)) &&
-                   (table.number != kFirmenstamm || target_.SetzeFista(client_, found)) && found;
-    if (!written) failed_ = true;
-    if (written && progress_) progress_();
-    return written && Reckoning::row(table, record);
+  void row(const Table &table, DATENBANK &record) override {
+    inTarget([&] {
+      must(target_.Insert(record, FileNumber(table.number)));
+      uint8_t found = 1;
+      if (table.number == kFirmenstamm) must(target_.SetzeFista(client_, found) && found);
+    });
+    if (progress_) progress_();
+    Reckoning::row(table, record);
   }
 
 private:
   Store &target_;
   uint16_t client_;
   const CopyProgress &progress_;
-  bool failed_ = false;
 };
 
 } // namespace
 
-int content(Store &store, uint16_t client, std::vector<TableContent> &tables) {
+std::vector<TableContent> content(Store &store, uint16_t client) {
+  std::vector<TableContent> tables;
   Reckoning reckoning(tables);
-  return Walk(store, client, reckoning).run();
+  Walk(store, client, reckoning).run();
+  return tables;
 }
 
 CopyOutcome Kopiere(Store &source, Store &target, uint16_t client, std::vector<TableContent> &copied,
-                    const CopyProgress &progress) {
-  uint8_t there;
-  SCHLUESSEL key = KeyBuilder().number(client);
-  if (!source.Used(key, there, kFirmenstamm)) return CopyOutcome::SourceFailed;
-  if (!there) return CopyOutcome::NoSuchClient;
-  if (!target.Used(key, there, kFirmenstamm)) return CopyOutcome::TargetFailed;
-  if (there) return CopyOutcome::ClientIsThere;
+                    const CopyProgress &progress) try {
+  if (!exists<FIRMENSTAMM>(source, client)) return CopyOutcome::NoSuchClient;
+  if (inTarget([&] { return exists<FIRMENSTAMM>(target, client); })) return CopyOutcome::ClientIsThere;
 
   // Without locks: postings that come meanwhile would wait for them and then be skipped.
   Transaction reading(source, true), writing(target, false);
-  if (!reading.isOpen()) return CopyOutcome::SourceFailed;
-  if (!writing.isOpen()) return CopyOutcome::TargetFailed;
+  must(reading.isOpen());
+  inTarget([&] { must(writing.isOpen()); });
   Copying copying(target, client, copied, progress);
-  if (!Walk(source, client, copying).run())
-    return copying.failed() ? CopyOutcome::TargetFailed : CopyOutcome::SourceFailed;
-  std::vector<TableContent> written;
-  if (!content(target, client, written)) return CopyOutcome::TargetFailed;
-  if (written != copied) return CopyOutcome::Different;
-  return writing.commit() ? CopyOutcome::Done : CopyOutcome::TargetFailed;
+  Walk(source, client, copying).run();
+  if (inTarget([&] { return content(target, client); }) != copied) return CopyOutcome::Different;
+  inTarget([&] { must(writing.commit()); });
+  return CopyOutcome::Done;
+} catch (const TargetFailed &) {
+  return CopyOutcome::TargetFailed;
+} catch (const StoreFailed &) {
+  return CopyOutcome::SourceFailed;
 }
 
-int removeCopied(Store &store, uint16_t client, const std::vector<TableContent> &copied, bool &unchanged) {
-  unchanged = false;
+bool removeCopied(Store &store, uint16_t client, const std::vector<TableContent> &copied) {
   Transaction transaction(store, false);
-  std::vector<TableContent> now;
-  if (!transaction.isOpen() || !content(store, client, now)) return 0;
-  if (now != copied) return 1;
-  std::vector<YearCode> years;
-  if (!yearsOf(store, years)) return 0;
-  for (const YearCode &code : years) {
-    if (!store.SetzeOpenJahr(code.data())) return 0;
+  must(transaction.isOpen());
+  if (content(store, client) != copied) return false;
+  const auto clear = [&](Scope scope) {
     for (const Table &table : allTables())
-      if (table.scope == Scope::FiscalYear && !store.DeleteTable(table.number)) return 0;
+      if (table.scope == scope) must(store.DeleteTable(table.number));
+  };
+  for (const YearCode &code : yearsOf(store)) {
+    must(store.SetzeOpenJahr(code.data()));
+    clear(Scope::FiscalYear);
   }
-  for (const Table &table : allTables())
-    if (table.scope == Scope::Client && !store.DeleteTable(table.number)) return 0;
-  for (int number : {kFistaExt, kFirmenstamm}) {
-    DATENBANK record{};
-    uint8_t found;
-    FileNumber file = FileNumber(number);
-    if (!store.UsedGet(record, KeyBuilder().number(client), found, file) || (found && !store.Delete(file))) return 0;
-  }
-  if (!transaction.commit()) return 0;
-  unchanged = true;
-  return 1;
+  clear(Scope::Client);
+  for (int number : {kFistaExt, kFirmenstamm})
+    if (find<DATENBANK>({store, FileNumber(number)}, client)) must(store.Delete(FileNumber(number)));
+  must(transaction.commit());
+  return true;
 }
 
 } // namespace zelkctl

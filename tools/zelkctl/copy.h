@@ -27,8 +27,8 @@ struct TableContent {
 using CopyProgress = std::function<void()>;
 
 /// All tables that hold rows of a client, in the order of schema.h; the client's own two rows count with them.
-/// \return 0 when the store failed
-int content(Store &store, uint16_t client, std::vector<TableContent> &tables);
+/// \throws vldb98::StoreFailed
+std::vector<TableContent> content(Store &store, uint16_t client);
 
 enum class CopyOutcome {
   Done,
@@ -47,8 +47,8 @@ CopyOutcome Kopiere(Store &source, Store &target, uint16_t client, std::vector<T
 
 /// Removes a client, all tables in one transaction, provided it still holds what was copied. The session is of no use
 /// afterwards: its open client is gone.
-/// \param unchanged false: somebody has changed the client since; nothing was removed
-/// \return 0 when the store failed
-int removeCopied(Store &store, uint16_t client, const std::vector<TableContent> &copied, bool &unchanged);
+/// \return false when somebody has changed the client since: nothing was removed
+/// \throws vldb98::StoreFailed
+bool removeCopied(Store &store, uint16_t client, const std::vector<TableContent> &copied);
 
 } // namespace zelkctl

@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <limits>
 
+#include "store/typed.h"
 #include "vlba98/text.h"
 #include "zelkctl/console.h"
 #include "zelkctl/copy.h"
@@ -43,6 +44,17 @@ int failed(CopyOutcome outcome, int32_t client, bool toServer) {
   }
 }
 
+// With a bar that shows how far it has come.
+CopyOutcome copy(Store &from, Store &to, uint16_t client, std::vector<TableContent> &copied) try {
+  uint64_t rows = 0;
+  for (const TableContent &table : content(from, client))
+    rows += table.rows;
+  Progress progress("Kopieren", size_t(rows));
+  return Kopiere(from, to, client, copied, [&] { progress.advance(); });
+} catch (const StoreFailed &) {
+  return CopyOutcome::SourceFailed;
+}
+
 } // namespace
 
 int copyClient(int32_t client, const std::string &target, bool remove) {
@@ -52,20 +64,12 @@ int copyClient(int32_t client, const std::string &target, bool remove) {
   if (!from || !to) return kFailed;
   if (client < 1 || client > std::numeric_limits<uint16_t>::max())
     return failed(CopyOutcome::NoSuchClient, client, toServer);
-  std::vector<TableContent> counted, copied;
-  if (!content(*from, uint16_t(client), counted)) return failed(CopyOutcome::SourceFailed, client, toServer);
-  uint64_t rows = 0;
-  for (const TableContent &table : counted)
-    rows += table.rows;
-  CopyOutcome outcome;
-  {
-    Progress progress("Kopieren", size_t(rows));
-    outcome = Kopiere(*from, *to, uint16_t(client), copied, [&] { progress.advance(); });
-  }
+  std::vector<TableContent> copied;
+  const CopyOutcome outcome = copy(*from, *to, uint16_t(client), copied);
   if (outcome != CopyOutcome::Done) return failed(outcome, client, toServer);
 
   TextTable table({{"Tabelle"}, {"Zeilen", true}, {"Prüfsumme"}});
-  rows = 0;
+  uint64_t rows = 0;
   for (const TableContent &one : copied) {
     table.add({one.table->name, std::to_string(one.rows), hexadecimal(one.checksum)});
     rows += one.rows;
@@ -74,14 +78,15 @@ int copyClient(int32_t client, const std::string &target, bool remove) {
   std::printf("\nMandant %d: %s kopiert und verglichen.\n", int(client),
               vlba98::counted(size_t(rows), "Zeile", "Zeilen").c_str());
   if (!remove) return kDone;
-  bool unchanged = false;
-  if (removeCopied(*from, uint16_t(client), copied, unchanged) && unchanged) {
-    std::printf("Mandant %d ist %s gelöscht.\n", int(client), toServer ? "in der Datei" : "auf dem Server");
-    return kDone;
+  try {
+    if (removeCopied(*from, uint16_t(client), copied)) {
+      std::printf("Mandant %d ist %s gelöscht.\n", int(client), toServer ? "in der Datei" : "auf dem Server");
+      return kDone;
+    }
+    complain("Der Mandant ist kopiert, aber nicht gelöscht: er wurde inzwischen geändert.");
+  } catch (const StoreFailed &) {
+    complain("Der Mandant ist kopiert, aber nicht gelöscht: die Datenbank lässt es nicht zu.");
   }
-  complain(std::string("Der Mandant ist kopiert, aber nicht gelöscht: ") +
-           (unchanged ? "die Datenbank lässt es nicht zu."
-                      : "er wurde inzwischen geändert, oder die Datenbank ist nicht zu lesen."));
   return kFailed;
 }
 
