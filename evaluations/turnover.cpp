@@ -4,6 +4,7 @@
 
 #include "frame/client.h"
 #include "frame/snapshot.h"
+#include "store/typed.h"
 #include "vlba98/datum.h"
 #include "vlfn98/accounts.h"
 #include "vlfn98/cost_postings.h"
@@ -85,10 +86,13 @@ Outcome turnover(ThreadContext &context, const AccountRequest &account, int32_t 
   const auto range = parsePeriod(period);
   if (!range) return inadmissible(ZELKERR_uzl_Zeitraum, "Die Zeitraumangabe ist");
   Store &store = context.store();
-  if (Outcome opened = openQuietly(store, account.client); opened.result <= 0) return opened;
-  if (Outcome opened = openYear(store, year); opened.result <= 0) return opened;
   DATENBANK record;
-  if (Outcome read = readAccount(store, account, record); read.result <= 0) return read;
+  const Outcome read = inOneState(store, [&]() -> Outcome {
+    if (Outcome opened = openQuietly(store, account.client); opened.result <= 0) return opened;
+    if (Outcome opened = openYear(store, year); opened.result <= 0) return opened;
+    return readAccount(store, account, record);
+  });
+  if (read.result <= 0) return read;
   const vlfn98::Werte values = vlfn98::summeDerWerte(vlfn98::KzFromZELKArt(account.kind), record, *range);
   if (account.kind == ZELK_KOSTENSTELLE)
     return deliver(form, {{outputs.balance, values.saldo()}, {outputs.euroBalance, values.euroSaldo()}});

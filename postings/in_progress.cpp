@@ -33,16 +33,6 @@ LineInProgress::LineInProgress(size_t at, const PostingLine &line) : index(at), 
   credit.kind = line.Habenart;
 }
 
-void ReadingOneState::begin() {
-  if (!store_.IsUsedEngineSQL()) must(reading_.emplace(store_, true).isOpen());
-}
-
-void ReadingOneState::end() {
-  const bool ended = !reading_ || reading_->commit();
-  reading_.reset();
-  must(ended);
-}
-
 const FISTA_EXT &PostingInProgress::clientExtension() {
   if (!extension_) extension_ = find<FISTA_EXT>(store, uint16_t(client().Nummer)).value_or(FISTA_EXT{});
   return *extension_;

@@ -93,32 +93,6 @@ inline constexpr Side kSides[] = {{&LineInProgress::debit, resources::kSollkonto
                                   {&LineInProgress::credit, resources::kHabenkontonummerUnzulaessig,
                                    ZELKERR_uzl_Habenkontonr, resources::kHabenkontoFalsch}};
 
-/// Between begin and end, what is read from the embedded database is of one state, and costs one look at its log
-/// instead of one each. On a server nothing is begun: the accounts, the batch and the postings are locked by now,
-/// everything else is one record each, and a transaction would cost two or three ways to it.
-class ReadingOneState {
-public:
-  explicit ReadingOneState(vldb98::Store &store) : store_(store) {}
-  void begin();
-  void end();
-
-  /// Begins; gives up at its end what has not ended by then.
-  class Scope {
-  public:
-    explicit Scope(ReadingOneState &its) : its_(its) { its_.begin(); }
-    ~Scope() { its_.reading_.reset(); }
-    Scope(const Scope &) = delete;
-    Scope &operator=(const Scope &) = delete;
-
-  private:
-    ReadingOneState &its_;
-  };
-
-private:
-  vldb98::Store &store_;
-  std::optional<vldb98::Transaction> reading_;
-};
-
 struct PostingInProgress {
   /// \param posting stays where and as it is until the end
   PostingInProgress(vldb98::Store &in, const Posting &posting) : store(in), given(posting), accounts(in), reading(in) {}
@@ -133,7 +107,7 @@ struct PostingInProgress {
   vldb98::BATCHBUCHUNG stored{};
   bool foreign = false; ///< in another currency than the client's
   PostingAccounts accounts;
-  ReadingOneState reading;
+  vldb98::ReadingOneState reading;
 
 private:
   std::optional<vldb98::FISTA_EXT> extension_;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 namespace vlba98 {
 namespace {
@@ -68,6 +69,8 @@ std::optional<std::int64_t> readAmount(const char *&at, std::size_t integerDigit
 } // namespace
 
 std::optional<std::int64_t> parseGeld(std::string_view internalForm) {
+  // Most values of most accounts.
+  if (internalForm == geldZero) return 0;
   if (internalForm.size() < minWidth || internalForm.size() > geldWidth) return std::nullopt;
   const std::size_t separatorAt = internalForm.size() - 3;
   bool digitsOnly = true;
@@ -91,6 +94,10 @@ bool formatGeld(std::int64_t hundredths, char *out, std::size_t width) {
   static constexpr std::uint32_t powersOfTen[] = {1,       10,        100,        1'000,       10'000,
                                                   100'000, 1'000'000, 10'000'000, 100'000'000, 1'000'000'000};
   if (width < minWidth || width > geldWidth || hundredths < -maxGeld || hundredths > maxGeld) return false;
+  if (hundredths == 0 && width == geldWidth) {
+    std::memcpy(out, geldZero, geldWidth + 1);
+    return true;
+  }
   const auto magnitude = static_cast<std::uint64_t>(hundredths < 0 ? -hundredths : hundredths);
   auto units = static_cast<std::uint32_t>(magnitude / 100);
   // Not magnitude % 100: a second 64-bit division, which 32-bit machines do in software.

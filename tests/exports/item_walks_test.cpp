@@ -4,8 +4,6 @@
 #include <random>
 #include <thread>
 
-#include "isam/kept_reads.h"
-#include "platform/system.h"
 #include "support/items.h"
 
 namespace test {
@@ -211,10 +209,6 @@ TEST_F(ItemWalks, GoOnWhateverHappensInBetween) {
   remove(5);
   EXPECT_EQ(next(), "3");
   openItem(7, "10010");
-  // What others do between records that were read together is not seen at once.
-  if (onServer())
-    for (const uint64_t now = platform::steadyMilliseconds(); platform::steadyMilliseconds() - now < ReadBlock::kLife;)
-      std::this_thread::yield();
   EXPECT_EQ(next(), "6");
   EXPECT_EQ(next(), "7");
   EXPECT_EQ(fetchItem(ZELK_HoleOP).result, ZELKERR_keinDatensatz);

@@ -26,7 +26,9 @@ bool IsamEngine::execute(SqlStatement &statement) {
   // A step of several statements can lose its transaction among them, also while one of them is prepared.
   if (!beginChange()) return false;
   Execution execution(statement);
-  return statement.step() == Step::Done;
+  const bool done = statement.step() == Step::Done;
+  if (done && !inTransaction()) ++committedChanges;
+  return done;
 }
 
 bool IsamEngine::change(ChangeOp op, FileNumber file, DATENBANK *record) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "isam/engine.h"
+#include "isam/read_block.h"
 #include "isam/rows.h"
 #include "sql/dialect.h"
 #include "sql/sql.h"
@@ -18,7 +19,11 @@ namespace vldb98 {
 /// which has one writer at a time and answers at once.
 class IsamEngine : public Engine {
 public:
-  IsamEngine(std::unique_ptr<SqlConnection> connection, std::unique_ptr<Locks> locks);
+  /// How long rows that were read for the steps to come may be older than what other processes have stored since:
+  /// longer than a walk needs for them, shorter than anybody could notice.
+  static constexpr uint64_t kBlockLife = 5; ///< milliseconds
+
+  IsamEngine(std::unique_ptr<SqlConnection> connection, std::unique_ptr<Locks> locks, uint64_t blockLife = kBlockLife);
   ~IsamEngine() override;
 
   DBENGINE kind() const override { return dialect_.engine; }
@@ -60,6 +65,8 @@ protected:
     int rangeKey = -1;                                          // key index of a running range
     bool rangeEmpty = false;
     SCHLUESSEL rangeUpper;
+    std::map<std::array<int, 3>, Statement> blocks; // by key index, operation (after them: bounded Next) and rows
+    ReadBlock block;
   };
 
   /// A read that is possible: what it compares with is there.
@@ -79,9 +86,9 @@ protected:
   /// holders of locks that are waited for until then from writing.
   virtual bool beginsLate() const { return true; }
   /// Told before rows of the table change.
-  virtual void tableChanges(const Table &) {}
+  virtual void tableChanges(const Table &table);
   /// Told where what was read may have changed since: another scope, the beginning and the end of a transaction.
-  virtual void stateChanges() {}
+  void stateChanges();
   /// Told when locks are let go, or what they guarded was not committed.
   virtual void guardsEnd() {}
   /// Told when a COMMIT of changes failed.
@@ -127,6 +134,10 @@ private:
   SqlStatement *readStatement(const ReadRequest &asked);
   bool bindRow(SqlStatement &statement, const Table &table, const char *record, int &parameter);
   bool deliver(SqlStatement &statement, const Table &table, DATENBANK &record);
+  bool step(const ReadRequest &asked, DATENBANK &record, bool &found);
+  bool readRange(const ReadRequest &asked, DATENBANK &record, bool &found);
+  bool readBlock(SqlStatement &statement, const Table &table, bool &found);
+  void deliverRow(const Table &table, DATENBANK &record);
   bool beginNow(bool snapshot);
   bool endInner(bool committed, bool savepoint);
   bool endOuter(bool committed);

@@ -94,6 +94,10 @@ bool IsamEngine::read(ReadOp op, FileNumber file, const SCHLUESSEL *key, const S
 bool IsamEngine::readRow(const ReadRequest &asked, DATENBANK *record, bool &found) {
   const auto &[op, file, table, order, key, upper, bounded] = asked;
   if (!begin()) return false;
+  // Rows that are kept from others are read one by one: those that follow need not be wanted.
+  if (steps(op) && !keepsRows()) return step(asked, *record, found);
+  if (op == ReadOp::Range && !keepsRows()) return readRange(asked, *record, found);
+  if (op == ReadOp::Range) stateOf(table).block.drop();
   SqlStatement *statement = readStatement(asked);
   if (!statement) return false;
   const TableState &state = stateOf(table);
@@ -113,9 +117,7 @@ bool IsamEngine::readRow(const ReadRequest &asked, DATENBANK *record, bool &foun
 }
 
 bool IsamEngine::deliver(SqlStatement &statement, const Table &table, DATENBANK &record) {
-  int column = 0;
-  for (const Field &field : table.fields)
-    if (!readColumn(statement, column++, field, record.bytes)) return false;
+  if (!readRecord(statement, 0, table, record.bytes)) return false;
   makeCurrent(table, record.bytes);
   return true;
 }

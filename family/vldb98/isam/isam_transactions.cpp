@@ -12,8 +12,11 @@ std::string savepoint(const char *pattern, size_t depth) {
 
 } // namespace
 
-IsamEngine::IsamEngine(std::unique_ptr<SqlConnection> connection, std::unique_ptr<Locks> locks)
-    : connection_(std::move(connection)), dialect_(connection_->dialect()), locks_(std::move(locks)) {}
+IsamEngine::IsamEngine(std::unique_ptr<SqlConnection> connection, std::unique_ptr<Locks> locks, uint64_t blockLife)
+    : connection_(std::move(connection)), dialect_(connection_->dialect()), locks_(std::move(locks)) {
+  for (TableState &state : tables_)
+    state.block = ReadBlock(blockLife);
+}
 
 IsamEngine::~IsamEngine() {
   if (inTransaction() && connection_->inTransaction()) connection_->rollback();
@@ -75,6 +78,7 @@ bool IsamEngine::endOuter(bool commits) {
   const bool toCommit = !doomed_ && begun && connection_->inTransaction();
   const bool committed = toCommit ? connection_->commit() : !doomed_ && !begun;
   if (!committed && connection_->inTransaction()) connection_->rollback();
+  if (committed && begun && !snapshot_) ++committedChanges;
   if (toCommit && !committed && !snapshot_) commitFailed();
   if (!committed) guardsEnd();
   doomed_ = false;

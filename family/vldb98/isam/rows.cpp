@@ -81,6 +81,39 @@ void bindReversedDate(SqlStatement &statement, int parameter, const char *revers
   statement.bind(parameter, std::string_view(iso, 10));
 }
 
+// Into a field that holds nothing but zeros.
+bool readColumn(SqlStatement &statement, int column, const Field &field, char *at) {
+  if (field.type < FieldType::Text) return storeNumber(field.type, statement.integer(column), at);
+  switch (field.type) {
+  case FieldType::Money: {
+    const auto hundredths = statement.number(column);
+    return !hundredths || vlba98::formatGeld(*hundredths, at, field.size - 1u);
+  }
+  case FieldType::Year: {
+    const auto year = statement.number(column);
+    return !year || vlba98::itotwo(int(*year) - vlba98::firstYear, at);
+  }
+  case FieldType::Date: {
+    std::string_view iso = statement.text(column);
+    if (iso.empty()) return true;
+    auto date = vlba98::fromIso(iso);
+    if (!date) return false;
+    std::memcpy(at, vlba98::toReversed(*date).data(), field.size);
+    return true;
+  }
+  default:
+    break;
+  }
+  const std::string_view utf8 = statement.text(column);
+  const size_t width = field.size - 1u;
+  size_t length = 0;
+  if (!utf8.empty() && !vlba98::windows1252FromUtf8(utf8.data(), utf8.size(), at, width, length)) return false;
+  // Nothing of a sequence that was cut stays after it.
+  if (field.type == FieldType::KeyText) std::memset(at + length, ' ', width - length);
+  at[field.type == FieldType::KeyText ? width : length] = 0;
+  return true;
+}
+
 } // namespace
 
 char *Scratch::take(size_t size) {
@@ -147,35 +180,11 @@ void bindKeyField(SqlStatement &statement, int parameter, const Field &field, co
   bindText(statement, parameter, std::string_view(unpadded, length + 1), scratch);
 }
 
-bool readColumn(SqlStatement &statement, int column, const Field &field, char *record) {
-  char *at = record + field.offset;
-  if (field.type < FieldType::Text) return storeNumber(field.type, statement.integer(column), at);
-  // The whole field: what another record left behind the text would go into keys and to the caller.
-  std::memset(at, 0, field.size);
-  switch (field.type) {
-  case FieldType::Money:
-    return statement.isNull(column) || vlba98::formatGeld(statement.integer(column), at, field.size - 1u);
-  case FieldType::Year:
-    return statement.isNull(column) || vlba98::itotwo(int(statement.integer(column)) - vlba98::firstYear, at);
-  case FieldType::Date: {
-    std::string_view iso = statement.text(column);
-    if (iso.empty()) return true;
-    auto date = vlba98::fromIso(iso);
-    if (!date) return false;
-    std::memcpy(at, vlba98::toReversed(*date).data(), field.size);
-    return true;
-  }
-  default:
-    break;
-  }
-  std::string_view utf8 = statement.text(column);
-  size_t length = 0;
-  if (!vlba98::windows1252FromUtf8(utf8.data(), utf8.size(), at, field.size - 1u, length)) return false;
-  if (field.type == FieldType::KeyText) {
-    std::memset(at + length, ' ', field.size - 1u - length);
-    length = field.size - 1u;
-  }
-  at[length] = 0;
+bool readRecord(SqlStatement &statement, int column, const Table &table, char *record) {
+  // Whole fields: what another record left after a text would go into keys and to the caller.
+  std::memset(record, 0, table.recordSize);
+  for (const Field &field : table.fields)
+    if (!readColumn(statement, column++, field, record + field.offset)) return false;
   return true;
 }
 

@@ -33,7 +33,8 @@ bool bindField(SqlStatement &statement, int parameter, const Field &field, const
 /// Binds a field of a key buffer that stands at the given bytes.
 void bindKeyField(SqlStatement &statement, int parameter, const Field &field, const char *bytes, Scratch &scratch);
 
-/// Reads a column into a field of a record. \return false when the field cannot hold it
-bool readColumn(SqlStatement &statement, int column, const Field &field, char *record);
+/// Reads the columns from one on into a record, all of its table's fields. \return false when a field cannot hold its
+/// column
+bool readRecord(SqlStatement &statement, int column, const Table &table, char *record);
 
 } // namespace vldb98

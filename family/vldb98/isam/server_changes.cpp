@@ -10,7 +10,13 @@ namespace {
 // Of one statement: a server prepares each count by itself, and allows some two thousand parameters.
 constexpr size_t kMostRows = 16;
 
+// A block is a way to the server: it serves longer.
+constexpr uint64_t kServerBlockLife = 1000;
+
 } // namespace
+
+ServerEngine::ServerEngine(std::unique_ptr<SqlConnection> connection, std::unique_ptr<Locks> locks)
+    : IsamEngine(std::move(connection), std::move(locks), kServerBlockLife) {}
 
 bool ServerEngine::insertAssigned(const Table &table, DATENBANK &record) {
   // Rows cannot keep others from inserting the same number: of an empty table there is none to lock. Who holds the

@@ -9,7 +9,7 @@ namespace vldb98 {
 
 class ServerEngine final : public IsamEngine {
 public:
-  using IsamEngine::IsamEngine;
+  ServerEngine(std::unique_ptr<SqlConnection> connection, std::unique_ptr<Locks> locks);
 
   bool readAhead(std::span<const LookUp> wanted) override;
   bool commitUnanswered() const override { return commitUnanswered_; }
@@ -21,17 +21,14 @@ public:
 private:
   // Beside the statements that every engine has.
   struct ServerState {
-    std::map<std::array<int, 3>, Statement> blocks; // by key index, operation (after them: bounded Next) and rows
-    std::map<size_t, Statement> inserts;            // of several records, by their count
+    std::map<size_t, Statement> inserts; // of several records, by their count
     Statement insertNumbered;
-    ReadBlock block;
   };
 
   bool readRow(const ReadRequest &asked, DATENBANK *record, bool &found) override;
   bool keepsRows() const override { return inTransaction() && !snapshot_; }
   bool beginsLate() const override { return false; }
   void tableChanges(const Table &table) override;
-  void stateChanges() override;
   void guardsEnd() override { kept_.clear(); }
   void commitFailed() override {
     if (!usable()) commitUnanswered_ = true;
@@ -41,10 +38,6 @@ private:
 
   const KeptReads::Answer *kept(const ReadRequest &asked) const;
   bool readTogether(std::span<const LookUp> wanted);
-  bool step(const ReadRequest &asked, DATENBANK &record, bool &found);
-  bool readRange(const ReadRequest &asked, DATENBANK &record, bool &found);
-  bool readBlock(SqlStatement &statement, const Table &table, bool &found);
-  void deliverRow(const Table &table, DATENBANK &record);
   bool insertNumbered(const Table &table, char *record, bool &understood);
   bool writeRows(const Table &table, const char *records, size_t count);
   ServerState &serverStateOf(const Table &table) { return onServer_[size_t(table.number)]; }

@@ -1,4 +1,4 @@
-// What is read from a server together: look-ups that will be asked for, and the rows that a walk comes to next.
+// Look-ups that will be asked for, read from a server together.
 #include <algorithm>
 #include <cstring>
 
@@ -12,13 +12,6 @@ namespace {
 constexpr size_t kMostLookUps = 16;
 constexpr size_t kMostStatements = 64; // of look-ups; each is one of the server's, too
 
-// Into a record, from a column on.
-bool readFields(SqlStatement &statement, int column, const Table &table, char *record) {
-  std::memset(record, 0, table.recordSize);
-  return std::all_of(table.fields.begin(), table.fields.end(),
-                     [&](const Field &field) { return readColumn(statement, column++, field, record); });
-}
-
 } // namespace
 
 bool ServerEngine::readRow(const ReadRequest &asked, DATENBANK *record, bool &found) {
@@ -28,12 +21,6 @@ bool ServerEngine::readRow(const ReadRequest &asked, DATENBANK *record, bool &fo
     std::memcpy(record->bytes, answer->record.data(), asked.table.recordSize);
     makeCurrent(asked.table, record->bytes);
     return true;
-  }
-  const bool steps = asked.op == ReadOp::Next || asked.op == ReadOp::Prev || asked.op == ReadOp::StepNext;
-  if (steps && !keepsRows()) return step(asked, *record, found);
-  if (asked.op == ReadOp::Range) {
-    if (!keepsRows()) return readRange(asked, *record, found);
-    serverStateOf(asked.table).block.drop();
   }
   return IsamEngine::readRow(asked, record, found);
 }
@@ -84,7 +71,7 @@ bool ServerEngine::readTogether(std::span<const LookUp> wanted) {
     bool whole = true;
     if (answer.found && !test) {
       answer.record.resize(table.recordSize);
-      whole = readFields(*statement, column, table, answer.record.data());
+      whole = readRecord(*statement, column, table, answer.record.data());
     }
     column += test ? 1 : int(table.fields.size());
     // A damaged record fails whoever asks for it.
@@ -95,75 +82,7 @@ bool ServerEngine::readTogether(std::span<const LookUp> wanted) {
 
 void ServerEngine::tableChanges(const Table &table) {
   kept_.forget(table.number);
-  serverStateOf(table).block.drop();
-}
-
-void ServerEngine::stateChanges() {
-  for (ServerState &state : onServer_)
-    state.block.drop();
-}
-
-bool ServerEngine::step(const ReadRequest &asked, DATENBANK &record, bool &found) {
-  const auto &[op, file, table, key, lower, upper, bounded] = asked;
-  const TableState &state = stateOf(table);
-  ServerState &server = serverStateOf(table);
-  const ReadBlock::Next next = server.block.next(op, key.index, bounded, state.current);
-  found = next == ReadBlock::Next::Row;
-  if (next == ReadBlock::Next::Unknown) {
-    const int rows = server.block.rowsToRead();
-    Statement &slot = server.blocks[{key.index, bounded ? int(kReadOps) : int(op), rows}];
-    SqlStatement *statement =
-        prepared(slot, slot ? std::string() : selectStatement(dialect_, table, key, op, bounded, false, rows));
-    if (!statement) return false;
-    int parameter = bindScope(*statement, table, 1);
-    if (!bindFields(*statement, table, key.totalOrder, state.current.data(), parameter)) return false;
-    if (bounded) bindKey(*statement, table, key.fields, state.rangeUpper, parameter);
-    server.block.begin(op, key.index, bounded, table.recordSize, rows);
-    if (!readBlock(*statement, table, found)) return false;
-  }
-  if (found) deliverRow(table, record);
-  return true;
-}
-
-bool ServerEngine::readRange(const ReadRequest &asked, DATENBANK &record, bool &found) {
-  const auto &[op, file, table, key, lower, upper, bounded] = asked;
-  ServerState &server = serverStateOf(table);
-  constexpr int rows = ReadBlock::kFirstOfRange;
-  Statement &slot = server.blocks[{key.index, int(ReadOp::Range), rows}];
-  SqlStatement *statement =
-      prepared(slot, slot ? std::string() : selectStatement(dialect_, table, key, ReadOp::Range, false, false, rows));
-  if (!statement) return false;
-  int parameter = bindKey(*statement, table, key.fields, *lower, bindScope(*statement, table, 1));
-  bindKey(*statement, table, key.fields, *upper, parameter);
-  server.block.begin(ReadOp::Next, key.index, true, table.recordSize, rows);
-  if (!readBlock(*statement, table, found)) return false;
-  if (found) deliverRow(table, record);
-  return true;
-}
-
-void ServerEngine::deliverRow(const Table &table, DATENBANK &record) {
-  std::memcpy(record.bytes, serverStateOf(table).block.row(), table.recordSize);
-  makeCurrent(table, record.bytes);
-}
-
-bool ServerEngine::readBlock(SqlStatement &statement, const Table &table, bool &found) {
-  ReadBlock &block = serverStateOf(table).block;
-  Execution execution(statement);
-  Step step;
-  while ((step = statement.step()) == Step::Row) {
-    if (readFields(statement, 0, table, block.add())) continue;
-    // A damaged record fails the step that leads to it, none before.
-    block.takeBack();
-    if (block.empty()) return false;
-    block.leaveOpen();
-    break;
-  }
-  if (step == Step::Failed) {
-    block.drop();
-    return false;
-  }
-  found = block.end();
-  return true;
+  IsamEngine::tableChanges(table);
 }
 
 } // namespace vldb98

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -48,6 +49,10 @@ public:
   /// Columns of the row under the statement, from 0. A text is valid until the next step() or reset().
   virtual bool isNull(int column) = 0;
   virtual int64_t integer(int column) = 0;
+  /// The same, or nothing for NULL.
+  virtual std::optional<int64_t> number(int column) {
+    return isNull(column) ? std::nullopt : std::optional(integer(column));
+  }
   virtual std::string_view text(int column) = 0;
 };
 

@@ -47,6 +47,11 @@ public:
 
   bool isNull(int column) override { return sqlite3_column_type(statement_, column) == SQLITE_NULL; }
   int64_t integer(int column) override { return sqlite3_column_int64(statement_, column); }
+  // NULL is read as zero.
+  std::optional<int64_t> number(int column) override {
+    const int64_t value = integer(column);
+    return value == 0 && isNull(column) ? std::nullopt : std::optional(value);
+  }
   std::string_view text(int column) override {
     auto text = reinterpret_cast<const char *>(sqlite3_column_text(statement_, column));
     return text ? std::string_view(text, size_t(sqlite3_column_bytes(statement_, column))) : std::string_view{};
@@ -72,8 +77,10 @@ public:
   bool execute(const std::string &sql) override {
     return sqlite3_exec(handle_.get(), sql.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
   }
-  bool begin(bool snapshot) override { return execute(snapshot ? "BEGIN" : "BEGIN IMMEDIATE"); }
-  bool commit() override { return execute("COMMIT"); }
+  bool begin(bool snapshot) override {
+    return snapshot ? run(beginReading_, "BEGIN") : run(beginWriting_, "BEGIN IMMEDIATE");
+  }
+  bool commit() override { return run(commit_, "COMMIT"); }
   bool rollback() override { return execute("ROLLBACK"); }
   bool inTransaction() override { return sqlite3_get_autocommit(handle_.get()) == 0; }
   int64_t changedRows() override { return sqlite3_changes64(handle_.get()); }
@@ -93,7 +100,16 @@ private:
     return 1;
   }
 
+  // What every transaction needs is prepared once: to parse it costs as much as to read a record.
+  bool run(std::unique_ptr<SqlStatement> &statement, const char *sql) {
+    if (!statement) statement = prepare(sql);
+    if (!statement) return false;
+    Execution execution(*statement);
+    return statement->step() == Step::Done;
+  }
+
   Handle handle_;
+  std::unique_ptr<SqlStatement> beginReading_, beginWriting_, commit_; // end before the handle
   std::string path_;
   platform::FileIdentity file_;
   std::chrono::milliseconds wait_;

@@ -1,9 +1,10 @@
 /// What must not outlive a scope: a transaction, the locks on tables.
 #pragma once
 
+#include <optional>
 #include <span>
 
-#include "store/store.h"
+#include "store/typed.h"
 
 namespace vldb98 {
 
@@ -32,6 +33,47 @@ private:
   Store &store_;
   bool open_;
 };
+
+/// Between begin and end, what is read from the embedded database is of one state, and costs one look at its log
+/// instead of one each. On a server nothing is begun: what is read so is one record each, and a transaction would cost
+/// two or three ways to it.
+class ReadingOneState {
+public:
+  explicit ReadingOneState(Store &store) : store_(store) {}
+  void begin() {
+    if (!store_.IsUsedEngineSQL()) must(reading_.emplace(store_, true).isOpen());
+  }
+  void end() {
+    const bool ended = !reading_ || reading_->commit();
+    reading_.reset();
+    must(ended);
+  }
+
+  /// Begins; gives up at its end what has not ended by then.
+  class Scope {
+  public:
+    explicit Scope(ReadingOneState &its) : its_(its) { its_.begin(); }
+    ~Scope() { its_.reading_.reset(); }
+    Scope(const Scope &) = delete;
+    Scope &operator=(const Scope &) = delete;
+
+  private:
+    ReadingOneState &its_;
+  };
+
+private:
+  Store &store_;
+  std::optional<Transaction> reading_;
+};
+
+/// Reads between its begin and its end.
+template <class Read> auto inOneState(Store &store, Read &&read) {
+  ReadingOneState state(store);
+  const ReadingOneState::Scope scope(state);
+  auto result = read();
+  state.end();
+  return result;
+}
 
 /// Holds tables of the open client, all of them or none. Who changes several of them takes them in the order in which a
 /// posting does, or two callers wait for each other. A transaction around it keeps them to its end.
