@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 
 #include "locks/locks.h"
@@ -100,6 +101,10 @@ public:
   /// without the intention to write
   virtual bool transaction(TransactionOp op, bool snapshot) = 0;
   virtual int transactionDepth() const = 0;
+
+  /// In a transaction that has not changed anything: a number that is another one when anything was committed since.
+  /// Nothing where that costs as much as to read again.
+  virtual std::optional<uint64_t> stateVersion() { return std::nullopt; }
 
   virtual bool table(TableOp op, int number) = 0;
   virtual bool tableExists(int number, bool &exists) = 0;

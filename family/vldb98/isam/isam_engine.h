@@ -39,6 +39,7 @@ public:
   bool deleteBeginning(FileNumber file, const SCHLUESSEL &key, int fields) override;
   bool transaction(TransactionOp op, bool snapshot) override;
   int transactionDepth() const override { return int(outer_.size()); }
+  std::optional<uint64_t> stateVersion() override;
   bool table(TableOp op, int number) override;
   bool tableExists(int number, bool &exists) override;
   bool lock(std::span<const LockName> names, LockMode mode) override { return locks_->acquire(names, mode); }
@@ -153,6 +154,7 @@ private:
   bool changeCurrent(ChangeOp op, const Table &table, DATENBANK *record);
 
   std::array<TableState, kTableLimit> tables_;
+  std::vector<int> walked_; // tables with a block
   Statement tableExists_;
   int year_ = 0;
   std::vector<bool> outer_; // transactions under way: whether a savepoint stands at the beginning of each

@@ -88,6 +88,10 @@ bool IsamEngine::endOuter(bool commits) {
   return commits ? committed : !connection_->inTransaction();
 }
 
+std::optional<uint64_t> IsamEngine::stateVersion() {
+  return begun_ && snapshot_ ? connection_->stateVersion() : std::nullopt;
+}
+
 void IsamEngine::unlock(std::span<const uint16_t> tables, bool atOnce) {
   guardsEnd();
   if (!inTransaction() || atOnce) return locks_->releaseTables(tables);

@@ -11,8 +11,9 @@ void IsamEngine::tableChanges(const Table &table) {
 }
 
 void IsamEngine::stateChanges() {
-  for (TableState &state : tables_)
-    state.block.drop();
+  for (int table : walked_)
+    tables_[size_t(table)].block.drop();
+  walked_.clear();
 }
 
 bool IsamEngine::step(const ReadRequest &asked, DATENBANK &record, bool &found) {
@@ -58,6 +59,7 @@ void IsamEngine::deliverRow(const Table &table, DATENBANK &record) {
 }
 
 bool IsamEngine::readBlock(SqlStatement &statement, const Table &table, bool &found) {
+  if (walked_.empty() || walked_.back() != table.number) walked_.push_back(table.number);
   ReadBlock &block = stateOf(table).block;
   Execution execution(statement);
   Step step;

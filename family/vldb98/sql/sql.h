@@ -84,6 +84,10 @@ public:
   /// Rows that the last insert, update or delete changed.
   virtual int64_t changedRows() = 0;
 
+  /// In a transaction: a number that is another one after whoever has committed a change of anything; nothing where
+  /// that is not known without asking for what may have changed.
+  virtual std::optional<uint64_t> stateVersion() { return std::nullopt; }
+
   virtual const Dialect &dialect() const = 0;
   /// The server is a node of a cluster, whose transactions can fail because of what another node committed.
   virtual bool onCluster() const { return false; }

@@ -83,6 +83,18 @@ public:
   bool commit() override { return run(commit_, "COMMIT"); }
   bool rollback() override { return execute("ROLLBACK"); }
   bool inTransaction() override { return sqlite3_get_autocommit(handle_.get()) == 0; }
+  // SQLite's own count of what others have changed, which its first read brings up to date, and that of its cache,
+  // which counts this connection's changes as well.
+  std::optional<uint64_t> stateVersion() override {
+    if (!dataVersion_) dataVersion_ = prepare("PRAGMA data_version");
+    if (!dataVersion_) return std::nullopt;
+    Execution execution(*dataVersion_);
+    uint32_t ofCache = 0;
+    if (dataVersion_->step() != Step::Row ||
+        sqlite3_file_control(handle_.get(), "main", SQLITE_FCNTL_DATA_VERSION, &ofCache) != SQLITE_OK)
+      return std::nullopt;
+    return uint64_t(dataVersion_->integer(0)) << 32 | ofCache;
+  }
   int64_t changedRows() override { return sqlite3_changes64(handle_.get()); }
   const Dialect &dialect() const override { return sqliteDialect(); }
   // Not SQLite's own test, which looks for the file where links led to when it was opened.
@@ -109,7 +121,7 @@ private:
   }
 
   Handle handle_;
-  std::unique_ptr<SqlStatement> beginReading_, beginWriting_, commit_; // end before the handle
+  std::unique_ptr<SqlStatement> beginReading_, beginWriting_, commit_, dataVersion_; // end before the handle
   std::string path_;
   platform::FileIdentity file_;
   std::chrono::milliseconds wait_;

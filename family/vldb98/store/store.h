@@ -227,6 +227,7 @@ private:
   std::unique_ptr<Settlement> settlement_;
   IdentifierSource identifiers_;
   FIRMENSTAMM client_{};
+  std::optional<uint64_t> clientVersion_; // Engine::stateVersion when it was read
   char openYear_[3] = "";
   std::vector<SPLIT> lines_;
   std::vector<KOBU> costs_;

@@ -16,15 +16,20 @@ void Store::applyScope() {
 }
 
 int Store::SetzeFista(uint16_t client, uint8_t &found) {
-  DATENBANK record{};
-  if (!UsedGet(record, KeyBuilder().number(client), found, kFirmenstamm)) return 0;
-  if (!found) return 1;
-  if (client != client_.Nummer) {
-    // The posting in memory is the former client's.
-    SplitFree();
-    posting_ = {};
+  const auto version = engine_->stateVersion();
+  found = client == client_.Nummer && version && version == clientVersion_;
+  if (!found) {
+    DATENBANK record{};
+    if (!UsedGet(record, KeyBuilder().number(client), found, kFirmenstamm)) return 0;
+    if (!found) return 1;
+    if (client != client_.Nummer) {
+      // The posting in memory is the former client's.
+      SplitFree();
+      posting_ = {};
+    }
+    client_ = record.Firmenstamm;
+    clientVersion_ = version;
   }
-  client_ = record.Firmenstamm;
   std::memcpy(openYear_, client_.AktJahr, sizeof openYear_);
   applyScope();
   return 1;
@@ -36,7 +41,10 @@ int Store::SaveFista(const FIRMENSTAMM &client) {
   if (!UsedGet(record, KeyBuilder().number(client.Nummer), found, kFirmenstamm)) return 0;
   record.Firmenstamm = client;
   int done = found ? Update(record, kFirmenstamm) : Insert(record, kFirmenstamm);
-  if (done && client.Nummer == client_.Nummer) client_ = client;
+  if (done && client.Nummer == client_.Nummer) {
+    client_ = client;
+    clientVersion_.reset();
+  }
   return done;
 }
 

@@ -98,11 +98,18 @@ template <class Record> Record &recordIn(DATENBANK &buffer) {
 
 /// \param operation one of the store's, given the buffer, the found flag and the file number
 template <class Record, class Operation> std::optional<Record> read(const In &in, Operation &&operation) {
-  DATENBANK buffer{};
   uint8_t found = 0;
-  must(operation(buffer, found, fileOf<Record>(in)));
-  if (!found) return std::nullopt;
-  return recordIn<Record>(buffer);
+  if constexpr (std::is_same_v<Record, DATENBANK>) {
+    std::optional<DATENBANK> record(std::in_place);
+    must(operation(*record, found, fileOf<Record>(in)));
+    if (!found) record.reset();
+    return record;
+  } else {
+    DATENBANK buffer;
+    must(operation(buffer, found, fileOf<Record>(in)));
+    if (!found) return std::nullopt;
+    return recordIn<Record>(buffer);
+  }
 }
 
 } // namespace detail
