@@ -66,6 +66,7 @@ def main():
         mutants = choose(found, sizes, chosen.count, chosen.seed)
         print(f'{len(found)} changes are possible; {len(mutants)} chosen in {len(sizes)} folders.')
         stage('Building', build.build, mutants)
+        print(f'{sum(mutant.result == NOT_COMPILED for mutant in mutants)} of them do not compile.')
         tests = stage('Listing the tests', running.discover, checkout, build.folder)
         stage(f'Running {len(tests)} tests without mutants', running.trace, tests, chosen.jobs)
         deaf = stage('Checking that a mutant can be noticed', running.deaf, tests)

@@ -92,7 +92,7 @@ class Build:
                 raise BuildError(f'Still not built after {ROUNDS} rounds.')
 
     def drop(self, mutants, output):
-        """Takes out the mutants of the lines that the compiler complains of; else of the files that it names."""
+        """Takes out the mutants of the lines that the compiler complains of; else of the files; else of all headers."""
         def named(pattern):
             found = set()
             for path, line in re.findall(pattern, output, re.MULTILINE):
@@ -106,7 +106,8 @@ class Build:
         errors = named(r'^(/[^:\n]+):(\d+):\d+: (?:fatal )?error:')
         mentioned = named(r'^(?:In file included from |\s+from )?(/[^:\n]+):(\d+)')
         files = {file for file, _ in errors}
-        dropped = at(errors) or at(mentioned) or [
-            mutant for mutant in mutants if mutant.file in files and mutant.result != NOT_COMPILED]
+        left = [mutant for mutant in mutants if mutant.result != NOT_COMPILED]
+        dropped = (at(errors) or at(mentioned) or [mutant for mutant in left if mutant.file in files] or
+                   [mutant for mutant in left if not mutant.file.endswith('.cpp')])
         for mutant in dropped: mutant.result = NOT_COMPILED
         return bool(dropped)

@@ -26,9 +26,10 @@ CONVERTED = NUMBERS + (TypeKind.BOOL,)
 
 FUNCTIONS = (CursorKind.FUNCTION_DECL, CursorKind.CXX_METHOD, CursorKind.CONSTRUCTOR, CursorKind.DESTRUCTOR,
              CursorKind.CONVERSION_FUNCTION, CursorKind.FUNCTION_TEMPLATE)
-VARIABLES = (CursorKind.VAR_DECL, CursorKind.FIELD_DECL, CursorKind.PARM_DECL)
+VARIABLES = (CursorKind.VAR_DECL, CursorKind.PARM_DECL)
+# What members begin with is among them: constants are made of it, and most of it is overwritten.
 WITHOUT_PLACES = (CursorKind.ENUM_DECL, CursorKind.STATIC_ASSERT, CursorKind.TYPE_ALIAS_DECL, CursorKind.TYPEDEF_DECL,
-                  CursorKind.TYPE_ALIAS_TEMPLATE_DECL, CursorKind.USING_DECLARATION,
+                  CursorKind.TYPE_ALIAS_TEMPLATE_DECL, CursorKind.USING_DECLARATION, CursorKind.FIELD_DECL,
                   CursorKind.TEMPLATE_TYPE_PARAMETER, CursorKind.TEMPLATE_NON_TYPE_PARAMETER,
                   CursorKind.TEMPLATE_TEMPLATE_PARAMETER, CursorKind.TYPE_REF, CursorKind.CXX_UNARY_EXPR)
 LOOPS = (CursorKind.FOR_STMT, CursorKind.WHILE_STMT, CursorKind.DO_STMT, CursorKind.CXX_FOR_RANGE_STMT)
@@ -78,7 +79,6 @@ class Finder:
         elif kind in VARIABLES:
             start = cursor.extent.start.offset
             if re.search(rb'\b(constexpr|constinit)\b', self.text[start:cursor.location.offset]): return
-            if kind == CursorKind.FIELD_DECL and cursor.is_bitfield(): return
             children = [child for child in children if child.extent.start.offset >= cursor.location.offset and
                         not self.before(child.extent.start.offset).endswith(b'[')]
         elif kind == CursorKind.LAMBDA_EXPR:

@@ -13,9 +13,9 @@ from mutants import NOT_COMPILED, NOT_NOTICED, NOT_REACHED, NOTICED
 
 MOST = 65536  # mutants, as in mutant.h
 
-# A changed program may write, delete and signal what it likes. So each test runs in a process and mount namespace of its
-# own: the machine's files are read-only in it, the folder for temporary files and the shared memory are empty, and all
-# that it started ends with it. The first process must not be the test itself, since it would not get all signals.
+# A changed program may write, delete and signal what it likes. So each test runs in a process and mount namespace of
+# its own: the machine's files are read-only in it, the folder for temporary files and the shared memory are empty, and
+# all that it started ends with it. The first process must not be the test itself, since it would not get all signals.
 NO_SANDBOX = 97
 SANDBOX = f'''
 shut_off() {{
