@@ -36,7 +36,6 @@ NAMESPACES = ['unshare', *([] if os.geteuid() == 0 else ['--map-root-user']), '-
               '--kill-child', '--mount-proc', 'sh', '-c', SANDBOX, 'sandbox']
 REACHED = '/tmp/reached'
 
-
 OF_THE_TEXT = 'Style.'  # tests that read the sources
 
 
