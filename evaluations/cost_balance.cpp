@@ -121,7 +121,7 @@ Outcome costsOf(Store &store, const CostRequest &request, int64_t &euro) {
   } else if (request.period < 1 || request.period > vlfn98::kMonate)
     return {ZELKERR_uzl_Zeitraum, resources::kIstUnzulaessig, "Zeitraum"};
   const auto year = vlfn98::HoleGeschaeftsjahr(store, request.year).value_or(GESCHAEFTSJAHR{});
-  waitForYear(store, kJahressaetze, kKostenbuchung);
+  waitForYear(store, kJahressaetze, kKostenbeleg);
   const vlfn98::Zeitspanne days = vlfn98::TageDerMonate(year, first, last);
   euro = vlfn98::SummeDerKostenbuchungen(store, days, selection).euroSaldo();
   return {};

@@ -22,7 +22,7 @@ public:
     for (int n = 0; n < kKostenstellen; ++n)
       counts_[n] = dimension < 0 || dimension >= kDimensions || kostDimension(client, n) == dimension;
   }
-  template <class Wanted> bool any(const KOSTENBUCHUNG &posting, Wanted &&wanted) const {
+  template <class Wanted> bool any(const KOSTENBELEG &posting, Wanted &&wanted) const {
     struct Named {
       const char *number, *reference;
     };
@@ -40,7 +40,7 @@ private:
   bool counts_[kKostenstellen];
 };
 
-void add(Werte &values, const KOSTENBUCHUNG &posting) {
+void add(Werte &values, const KOSTENBELEG &posting) {
   const int sign = posting.Flags & kLessensCosts ? -1 : 1;
   values.soll += sign * vlba98::parseGeld(posting.Betrag).value_or(0);
   values.euroSoll += sign * vlba98::parseGeld(posting.EuroBetrag).value_or(0);
@@ -64,15 +64,15 @@ Werte SummeDerKostenbuchungen(Store &store, const Zeitspanne &days, const Kosten
   uint8_t found;
   must(store.GetExtFista(client, found));
   const NamedCentres centres(client, selection.dimension);
-  auto counts = [&](const KOSTENBUCHUNG &posting) {
+  auto counts = [&](const KOSTENBELEG &posting) {
     if (!selection.costType.empty() && vlba98::trimmed(posting.Kostenart) != selection.costType) return false;
     return !selection.costCentres || centres.any(posting, [&](const std::string &number, std::string_view reference) {
       return selection.costCentres->count(number) > 0 && (!selection.reference || reference == *selection.reference);
     });
   };
-  constexpr FileNumber byDate = fileNumber(kKostenbuchung, 1);
+  constexpr FileNumber byDate = fileNumber(kKostenbeleg, 1);
   auto key = [](const vlba98::Datum &day) { return keyOf(byDate, vlba98::toReversed(day).data()); };
-  forEach<KOSTENBUCHUNG>({store, byDate}, Between{key(days.von), key(days.bis)}, [&](const KOSTENBUCHUNG &posting) {
+  forEach<KOSTENBELEG>({store, byDate}, Between{key(days.von), key(days.bis)}, [&](const KOSTENBELEG &posting) {
     if (counts(posting)) add(values, posting);
   });
   return values;

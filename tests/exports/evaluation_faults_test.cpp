@@ -54,15 +54,15 @@ TEST_F(FaultyFigures, LeaveNoTrace) {
     put(line.Name, "100");
     insert(&DATENBANK::Aufbau, line, kStructureTables[3]);
   }
-  KOSTENBUCHUNG cost{};
-  for (auto field : {&KOSTENBUCHUNG::Kostenstelle1, &KOSTENBUCHUNG::Kostenstelle2, &KOSTENBUCHUNG::Kostenstelle3,
-                     &KOSTENBUCHUNG::Kostenstelle4, &KOSTENBUCHUNG::Kostenstelle5, &KOSTENBUCHUNG::Kostenstelle6})
+  KOSTENBELEG cost{};
+  for (auto field : {&KOSTENBELEG::Kostenstelle1, &KOSTENBELEG::Kostenstelle2, &KOSTENBELEG::Kostenstelle3,
+                     &KOSTENBELEG::Kostenstelle4, &KOSTENBELEG::Kostenstelle5, &KOSTENBELEG::Kostenstelle6})
     put(cost.*field, padded("100"));
   put(cost.Kostenart, padded("4210"));
   for (int year : {2025, 2026}) {
     open(1, year);
     put(cost.Datum, std::to_string(year - 1980) + "0610");
-    insert(&DATENBANK::Kostenbuchung, cost, kKostenbuchung);
+    insert(&DATENBANK::Kostenbeleg, cost, kKostenbeleg);
   }
   Faults faults;
   for (const Scenario &scenario : kScenarios) {

@@ -121,8 +121,8 @@ TEST_F(Ledger, BringsCostsToCostCentres) {
   ASSERT_EQ(post().years.at(2026).costs, 6u);
   std::string postings, centres;
   openYear(1, 2026);
-  eachRow(*store_, kKostenbuchung, [&](const DATENBANK &record) {
-    const KOSTENBUCHUNG cost = record.Kostenbuchung;
+  eachRow(*store_, kKostenbeleg, [&](const DATENBANK &record) {
+    const KOSTENBELEG cost = record.Kostenbeleg;
     postings += std::to_string(cost.Nr) + '.' + std::to_string(cost.Zeile) + ' ' +
                 std::string(vlba98::trimmed(cost.Kostenart)) + ' ' + std::string(vlba98::trimmed(cost.Kostenstelle1)) +
                 ' ' + plain(cost.Betrag) + ' ' + std::to_string(cost.Flags) + "; ";

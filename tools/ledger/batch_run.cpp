@@ -22,10 +22,10 @@ namespace {
 
 // Those of an insertion first, in its order; then the ledger's.
 constexpr FileNumber kTables[] = {kKreditor,  kDebitor,    kSachkonto,     kBatchbuchung,  kSplit,
-                                  kStapel,    kKobu,       kKost,          kBuchungsbeleg, kKostenbuchung,
+                                  kStapel,    kKobu,       kKost,          kBuchungsbeleg, kKostenbeleg,
                                   kOPDebitor, kOPKreditor, kHistOPDebitor, kHistOPKreditor};
 
-constexpr int16_t kLessensCosts = 32; // KOSTENBUCHUNG.Flags
+constexpr int16_t kLessensCosts = 32; // KOSTENBELEG.Flags
 
 template <class Record> auto centresOf(Record &record) {
   return std::array{record.Kostenstelle1, record.Kostenstelle2, record.Kostenstelle3,
@@ -34,7 +34,7 @@ template <class Record> auto centresOf(Record &record) {
 
 // Stored with the posting: asked for again at an evaluation, a cost centre that was added since would change what was
 // posted.
-auto referencesOf(KOSTENBUCHUNG &record) {
+auto referencesOf(KOSTENBELEG &record) {
   return std::array{record.Kostref1, record.Kostref2, record.Kostref3,
                     record.Kostref4, record.Kostref5, record.Kostref6};
 }
@@ -240,7 +240,7 @@ private:
 
   void writeCost(Year &year, const BATCHBUCHUNG &posting, const CostsOfLine &costs, const KOBU &cost,
                  const Amount &amount, int32_t entry, int32_t row) {
-    KOSTENBUCHUNG written{};
+    KOSTENBELEG written{};
     written.Nr = entry;
     written.Zeile = row;
     vlba98::strncpy2(written.Datum, posting.Belegdatum);
