@@ -6,7 +6,7 @@
 #include "frame/fetch.h"
 #include "frame/messages.h"
 #include "store/typed.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/text.h"
 #include "vlfn98/account_fields.h"
 #include "vlfn98/client.h"

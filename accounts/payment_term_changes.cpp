@@ -5,7 +5,7 @@
 #include "frame/call.h"
 #include "frame/locked_tables.h"
 #include "store/typed.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlba98/text.h"
 #include "vlfn98/client.h"
 #include "vlfn98/terms.h"
@@ -59,8 +59,8 @@ Outcome checkIdentity(Store &store, const TermRequest &request) {
 
 // Takes a rate in internal form, "00,00" where none is given. \return false when the text is no rate
 bool takeRate(char (&rate)[6], const char *text) {
-  vlba98::strncpy2(rate, *text ? text : vlba98::satzZero);
-  return vlba98::IsGeld(rate, int(vlba98::satzWidth), 0, 0, rate);
+  vlba98::strncpy2(rate, *text ? text : vlba98::rateZero);
+  return vlba98::IsGeld(rate, int(vlba98::rateWidth), 0, 0, rate);
 }
 
 Outcome checkDiscounts(const TermRequest &request, ZAHLZIEL &term) {
@@ -76,7 +76,7 @@ Outcome checkDiscounts(const TermRequest &request, ZAHLZIEL &term) {
   if (!takeRate(term.Skontosatz2, request.discountRate2))
     return {ZELKERR_uzl_Skontoprozent, resources::kIstUnzulaessig, "Skontosatz 2"};
   // In internal form rates compare as texts.
-  std::string_view rate1 = term.Skontosatz1, rate2 = term.Skontosatz2, none = vlba98::satzZero;
+  std::string_view rate1 = term.Skontosatz1, rate2 = term.Skontosatz2, none = vlba98::rateZero;
   if (request.discountDays2 != 0 && rate1 <= rate2) return {ZELKERR_uzl_Skontoprozent, resources::kSkontoReihenfolge};
   if ((rate1 == none && request.discountDays1 > 0) || (rate2 == none && request.discountDays2 > 0) ||
       (rate1 == rate2 && rate1 != none))

@@ -8,7 +8,7 @@
 #include "bare.h"
 #include "books.h"
 #include "figures.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/text.h"
 
 namespace bench {

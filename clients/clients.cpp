@@ -5,7 +5,7 @@
 #include "frame/call.h"
 #include "frame/selection.h"
 #include "store/typed.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/text.h"
 #include "vlfn98/client.h"
 

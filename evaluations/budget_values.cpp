@@ -8,8 +8,8 @@
 #include "frame/fetch.h"
 #include "frame/money_output.h"
 #include "store/typed.h"
-#include "vlba98/datum.h"
-#include "vlba98/geld.h"
+#include "vlba98/date.h"
+#include "vlba98/money.h"
 #include "vlba98/text.h"
 #include "vlfn98/account_fields.h"
 #include "vlfn98/fiscal_year.h"
@@ -96,7 +96,7 @@ ZelkResult readNext(ThreadContext &context, DATENBANK &next) {
 
 // The value of a month from 0, of the year behind the last.
 int64_t budgetValue(const SOLLWERTE &values, int i) {
-  return vlba98::parseGeld(i < vlfn98::kMonate ? values.Monat[i] : values.Gesamt).value_or(0);
+  return vlba98::parseMoney(i < vlfn98::kMonate ? values.Monat[i] : values.Gesamt).value_or(0);
 }
 
 const SOLLWERTE &budgetOf(int table, const DATENBANK &record) {
@@ -113,14 +113,14 @@ int32_t budgetInEuro(int table, const DATENBANK &record) {
 
 Outcome deliverRecord(int table, const DATENBANK &record, int32_t form, char *const (&buffers)[kValues]) {
   int64_t values[kValues];
-  char internal[vlba98::geldWidth + 1];
+  char internal[vlba98::moneyWidth + 1];
   for (int i = 0; i < kValues; ++i) {
     values[i] = budgetValue(budgetOf(table, record), i);
     if (table == kKost) values[i] += budgetValue(record.Kost.Sollwerte2, i);
-    if (buffers[i] && !vlba98::formatGeld(values[i], internal)) return {ZELKERR_sonst, resources::kBetragZuGross};
+    if (buffers[i] && !vlba98::formatMoney(values[i], internal)) return {ZELKERR_sonst, resources::kBetragZuGross};
   }
   for (int i = 0; i < kValues; ++i)
-    if (buffers[i] && vlba98::formatGeld(values[i], internal)) formatAmount(form, buffers[i], internal);
+    if (buffers[i] && vlba98::formatMoney(values[i], internal)) formatAmount(form, buffers[i], internal);
   return {};
 }
 

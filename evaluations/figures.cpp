@@ -7,7 +7,7 @@
 #include "frame/money_output.h"
 #include "store/typed.h"
 #include "vlba98/encoding.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlfn98/accounts.h"
 #include "vlfn98/client.h"
 
@@ -47,13 +47,13 @@ void waitForYear(Store &store, FileNumber resource, int table) {
 }
 
 Outcome deliver(int32_t form, std::initializer_list<Figure> figures) {
-  char internal[vlba98::geldWidth + 1];
+  char internal[vlba98::moneyWidth + 1];
   for (const Figure &figure : figures)
-    if (figure.buffer && !vlba98::formatGeld(figure.hundredths, internal))
+    if (figure.buffer && !vlba98::formatMoney(figure.hundredths, internal))
       return {ZELKERR_sonst, resources::kBetragZuGross}; // the text of -37 speaks of account numbers
   for (const Figure &figure : figures) {
     if (!figure.buffer) continue;
-    vlba98::formatGeld(figure.hundredths, internal);
+    vlba98::formatMoney(figure.hundredths, internal);
     formatAmount(form, figure.buffer, internal);
   }
   return {};

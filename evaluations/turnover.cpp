@@ -4,7 +4,7 @@
 
 #include "frame/client.h"
 #include "frame/snapshot.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlfn98/accounts.h"
 #include "vlfn98/cost_postings.h"
 
@@ -33,7 +33,7 @@ Outcome checkAccount(const AccountRequest &account) {
 Outcome sumUpTo(Store &store, const AccountRequest &account, const char *date, vlfn98::Werte &values) {
   if (Outcome opened = openQuietly(store, account.client); opened.result <= 0) return opened;
   if (!vlfn98::isAccountKind(account.kind)) return {ZELKERR_uzl_Kontoart, resources::kKontoartUnzulaessig};
-  const auto day = vlba98::parseDatum(date);
+  const auto day = vlba98::parseDate(date);
   if (!day) return {ZELKERR_uzl_Datum, resources::kDatumUnzulaessig};
 
   const auto year = vlfn98::HoleGeschaeftsjahr(store, *day);

@@ -6,7 +6,7 @@
 #include "frame/account_output.h"
 #include "frame/stored_posting.h"
 #include "store/typed.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlba98/text.h"
 #include "vlfn98/documents.h"
 
@@ -31,19 +31,19 @@ void fill(ZELK_OUT_SACHKONTO &out, int32_t value, const SACHKONTO &account) {
 void fill(ZELK_OUT_PERSONENKONTO &out, int32_t value, const PERSONENKONTO &account) {
   out.Wert = value;
   fillPersonal(out, account);
-  vlba98::strncpy2(out.Steuersatz, vlba98::satzZero);
+  vlba98::strncpy2(out.Steuersatz, vlba98::rateZero);
 }
 
 // An amount or rate in internal form, its sign moved from the separator to the front. A negative amount so fills its
 // field; the reserved byte after it ends the text.
-void put(char *field, size_t width, const char *geld) {
-  size_t separator = std::strlen(geld);
+void put(char *field, size_t width, const char *money) {
+  size_t separator = std::strlen(money);
   if (separator < 3) return;
   separator -= 3;
-  bool negative = geld[separator] == '-';
-  if (std::strlen(geld) + negative > width) return;
+  bool negative = money[separator] == '-';
+  if (std::strlen(money) + negative > width) return;
   if (negative) *field++ = '-';
-  std::memcpy(field, geld, std::strlen(geld));
+  std::memcpy(field, money, std::strlen(money));
   field[separator] = vlba98::HoleDezimalTrenner();
 }
 
@@ -56,7 +56,7 @@ void fill(ZELK_TEILBUCHUNG &out, const SPLIT &line, bool roundsToFive) {
   bool foreign = *line.BruttoFW;
   const char *gross = foreign ? line.BruttoFW : line.Brutto;
   put(out.Bruttobetrag, sizeof out.Bruttobetrag, gross);
-  char net[vlba98::geldWidth + 1], tax[vlba98::geldWidth + 1];
+  char net[vlba98::moneyWidth + 1], tax[vlba98::moneyWidth + 1];
   if (!vlba98::IsNull(line.Steuersatz) && !vlba98::IsNull(foreign ? line.SteuerFW : line.Steuerbetrag) &&
       vlba98::proz(net, gross, line.Steuersatz) && (!(roundsToFive && foreign) || vlba98::RundeAuf5(net)) &&
       vlba98::subnegativ(tax, gross, net)) {

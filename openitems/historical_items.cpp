@@ -5,7 +5,7 @@
 #include "frame/program.h"
 #include "openitems/outputs.h"
 #include "openitems/selection.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/text.h"
 #include "vlfn98/fiscal_year.h"
 
@@ -37,7 +37,7 @@ struct ItemRequest {
 ZelkResult select(ThreadContext &context, const ItemRequest &request, ItemSelection &selection) {
   using By = ItemSelection::By;
   if (auto text = openitems::given(request.date); !text.empty()) {
-    auto date = vlba98::parseDatum(text);
+    auto date = vlba98::parseDate(text);
     if (!date) return refuse(context, ZELKERR_uzl_Datum, resources::kDatumUnzulaessig);
     selection = openitems::selectBy(By::Date, vlba98::toReversed(*date).data());
   } else if (auto document = openitems::givenNumber(request.document); !document.empty()) {

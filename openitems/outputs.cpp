@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "frame/money_output.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/text.h"
 #include "vlfn98/dates.h"
 #include "vlfn98/documents.h"

@@ -3,7 +3,7 @@
 #include "frame/program.h"
 #include "netwr98/capture.h"
 #include "postings/look_ups.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlba98/muldiv.h"
 #include "vlba98/text.h"
 
@@ -109,15 +109,15 @@ Refusal CostAllocation::takeGiven(const LineInProgress &line, const PostingCost 
     return line.refuse(ZELKERR_uzl_Kostenkennung, resources::kUnzulaessig, "Die Kostenkennung ist");
   cost.Kostenkennung = given.Kostenkennung;
   if (!isBlank(given.Menge)) {
-    const auto quantity = readAmount(given.Menge, vlba98::geldWidth, false);
+    const auto quantity = readAmount(given.Menge, vlba98::moneyWidth, false);
     if (!quantity) return line.refuse(ZELKERR_uzl_Menge, resources::kDieIstUnzulaessig, "Kostenbuchungsmenge");
-    vlba98::formatGeld(*quantity, cost.Menge);
+    vlba98::formatMoney(*quantity, cost.Menge);
   }
   if (unit_.value_or(given.Einheit) != given.Einheit)
     return line.refuse(ZELKERR_uzl_Einheitenwechsel, resources::kIstUnzulaessig, "Einheitenwechsel");
   unit_ = given.Einheit;
   vlba98::strncpy2(cost.Einheit, given.Einheit);
-  const auto hundredths = readAmount(given.Betrag, vlba98::geldWidth, false);
+  const auto hundredths = readAmount(given.Betrag, vlba98::moneyWidth, false);
   if (!hundredths) return line.refuse(ZELKERR_uzl_Kostenbetrag, resources::kIstUnzulaessig, "Kostenbuchungsbetrag");
   amount = *hundredths;
   vlba98::strncpy2(cost.Bemerkung, given.Bemerkung);
@@ -171,7 +171,7 @@ Refusal CostAllocation::allocateByTemplate(const LineInProgress &line, Kostensei
       return line.given->Kostenschablone != 0 ? inLine(refusal, line) : Refusal{};
     }
     costs.entries.push_back(cost);
-    weights.push_back(vlba98::parseGeld(share.Anteil).value_or(0));
+    weights.push_back(vlba98::parseMoney(share.Anteil).value_or(0));
   }
   costs.amounts.resize(weights.size());
   vlfn98::verteile(line.amounts.net, weights, costs.amounts);
@@ -190,11 +190,11 @@ Refusal CostAllocation::store(const LineInProgress &line, Costs &costs) {
     if (posting_.foreign) {
       own = net ? vlba98::mulDiv(amount, line.ownNet, net, kCommercial).value_or(0) : 0;
       if (i + 1 == costs.entries.size()) own = left;
-      vlba98::formatGeld(amount, cost.BetragFW);
+      vlba98::formatMoney(amount, cost.BetragFW);
     }
     left -= own;
     const auto percent = net ? vlba98::mulDiv(amount, 100'00, net, kCommercial) : 0;
-    if (!percent || !vlba98::formatGeld(*percent, cost.Prozent) || !vlba98::formatGeld(own, cost.Betrag))
+    if (!percent || !vlba98::formatMoney(*percent, cost.Prozent) || !vlba98::formatMoney(own, cost.Betrag))
       return line.refuse(ZELKERR_uzl_Kostenbetrag, resources::kIstUnzulaessig, "Kostenbuchungsbetrag");
     cost.Split = int32_t(line.index);
     must(posting_.store.MemInsertKobu(cost));

@@ -26,7 +26,7 @@ Refusal checkBatch(PostingInProgress &posting) {
 
 Refusal checkDocumentDate(PostingInProgress &posting) {
   const Refusal refusal{ZELKERR_uzl_Belegdatum, resources::kBuchungsdatumUnzulaessig};
-  const auto date = vlba98::parseDatum(posting.given.head.Belegdatum);
+  const auto date = vlba98::parseDate(posting.given.head.Belegdatum);
   if (!date) return refusal;
   Store &store = posting.store;
   const std::string before = store.HoleOpenJahr();
@@ -168,7 +168,7 @@ Refusal takeDocumentNumbers(PostingInProgress &posting) {
 Refusal checkValueDate(PostingInProgress &posting) {
   const char *given = posting.given.head.Valutadatum;
   if (isBlank(given)) return {};
-  const auto date = vlba98::parseDatum(given);
+  const auto date = vlba98::parseDate(given);
   if (!date) return {ZELKERR_uzl_Valutadatum, resources::kValutadatumUnzulaessig};
   vlba98::strncpy2(posting.stored.Valutadatum, vlba98::toReversed(*date).data());
   return {};

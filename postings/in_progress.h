@@ -150,7 +150,7 @@ constexpr bool isPersonal(int32_t kind) {
 bool currenciesAgree(const PostingInProgress &posting, const LineInProgress &line);
 
 /// An amount, or a rate, as a host writes it. \return hundredths; nothing where it is none
-/// \param width    characters of the internal form: geldWidth, or satzWidth for a rate, which is never below zero
+/// \param width    characters of the internal form: moneyWidth, or rateWidth for a rate, which is never below zero
 /// \param optional an empty text counts as zero
 std::optional<int64_t> readAmount(const char *text, size_t width, bool optional);
 

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlfn98/costs.h"
 
 namespace postings {
@@ -25,7 +25,7 @@ Refusal checkAccounts(PostingInProgress &posting, LineInProgress &line) {
 }
 
 // \return whether the text is an amount, or empty
-bool take(int64_t &hundredths, const char *text, size_t width = vlba98::geldWidth) {
+bool take(int64_t &hundredths, const char *text, size_t width = vlba98::moneyWidth) {
   const auto amount = readAmount(text, width, true);
   hundredths = amount.value_or(0);
   return amount.has_value();
@@ -34,7 +34,7 @@ bool take(int64_t &hundredths, const char *text, size_t width = vlba98::geldWidt
 Refusal checkAmounts(PostingInProgress &, LineInProgress &line) {
   auto refused = [&](ZelkResult code, const char *name) { return line.refuse(code, resources::kIstUnzulaessig, name); };
   if (!take(line.gross, line.given->Bruttobetrag)) return refused(ZELKERR_uzl_Bruttobetrag, "Bruttobetrag");
-  if (!take(line.rate, line.given->Steuersatz, vlba98::satzWidth)) return refused(ZELKERR_uzl_Steuersatz, "Steuersatz");
+  if (!take(line.rate, line.given->Steuersatz, vlba98::rateWidth)) return refused(ZELKERR_uzl_Steuersatz, "Steuersatz");
   if (!take(line.tax, line.given->Steuerbetrag)) return refused(ZELKERR_uzl_Steuerbetrag, "Steuerbetrag");
   return {};
 }

@@ -5,7 +5,7 @@
 #include <tuple>
 #include <utility>
 
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/text.h"
 #include "vlfn98/accounts.h"
 
@@ -70,7 +70,7 @@ void readAhead(PostingInProgress &posting) {
   const PostingHead &head = posting.given.head;
   wanted.add(ReadOp::Exact, kStapel, head.Stapelnummer);
   wanted.add(ReadOp::Exact, kFistaExt, uint16_t(client.Nummer));
-  if (const auto date = vlba98::parseDatum(head.Belegdatum))
+  if (const auto date = vlba98::parseDate(head.Belegdatum))
     wanted.add(ReadOp::Le, fileNumber(kGeschaeftsjahr, 1), std::string_view(vlba98::toReversed(*date).data()));
   if (head.Zahlungsziel != 0) wanted.add(ReadOp::Exact, kZahlziel, head.Zahlungsziel);
   for (const PostingLine &given : posting.given.lines) {

@@ -2,14 +2,14 @@
 
 #include "frame/messages.h"
 #include "platform/ui.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/text.h"
 
 namespace postings {
 
 namespace {
 
-vlba98::DatumText10 dayOf(const MissingRate &missing) {
+vlba98::DateText10 dayOf(const MissingRate &missing) {
   return vlba98::toDisplay(*vlba98::fromReversed(missing.day));
 }
 

@@ -3,7 +3,7 @@
 #include <iterator>
 
 #include "store/typed.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlba98/text.h"
 
 using namespace vldb98;
@@ -30,7 +30,7 @@ template <class Account> const char *valueOf(const Account &account, int kind, i
 
 // What the store delivers is a money text, or empty for zero.
 int64_t hundredths(const char *internalForm) {
-  return vlba98::parseGeld(internalForm).value_or(0);
+  return vlba98::parseMoney(internalForm).value_or(0);
 }
 
 template <class Account> Werte sum(const Account &account, const Wertebereich &range) {
@@ -77,7 +77,7 @@ Werte GetKontoMonatsWerte(Store &store, int table, const char *account, const Ze
   static const Table &entries = *findTable(kBuchungsbeleg);
   static const int fields[] = {entries.fieldIndex("Soll"), entries.fieldIndex("Haben"), entries.fieldIndex("EuroSoll"),
                                entries.fieldIndex("EuroHaben")};
-  auto key = [&](const vlba98::Datum &day) {
+  auto key = [&](const vlba98::Date &day) {
     return keyOf(byAccount, table, account, ofTheYear, vlba98::toReversed(day).data());
   };
   if (days.von > days.bis) return {};

@@ -19,7 +19,7 @@ int32_t HoleMandantenDaten(Store &store, int64_t client) {
   return ZELK_OK;
 }
 
-bool IsBuchjahr(Store &store, const vlba98::Datum &day, bool closedToo) {
+bool IsBuchjahr(Store &store, const vlba98::Date &day, bool closedToo) {
   const auto year = HoleGeschaeftsjahr(store, day);
   if (!year || (year->Abgeschlossen && !closedToo)) return false;
   oeffne(store, *year);

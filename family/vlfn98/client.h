@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "store/store.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 
 namespace vlfn98 {
 
@@ -16,6 +16,6 @@ int32_t HoleMandantenDaten(vldb98::Store &store, int64_t client);
 /// Whether a day lies in a fiscal year of the open client that exists and is not closed. If so, that year becomes the
 /// open one, so that its accounts are meant.
 /// \param closedToo closed fiscal years count as bookable
-bool IsBuchjahr(vldb98::Store &store, const vlba98::Datum &day, bool closedToo = false);
+bool IsBuchjahr(vldb98::Store &store, const vlba98::Date &day, bool closedToo = false);
 
 } // namespace vlfn98

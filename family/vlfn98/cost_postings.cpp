@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "store/typed.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlba98/text.h"
 #include "vlfn98/costs.h"
 
@@ -42,8 +42,8 @@ private:
 
 void add(Werte &values, const KOSTENBELEG &posting) {
   const int sign = posting.Flags & kLessensCosts ? -1 : 1;
-  values.soll += sign * vlba98::parseGeld(posting.Betrag).value_or(0);
-  values.euroSoll += sign * vlba98::parseGeld(posting.EuroBetrag).value_or(0);
+  values.soll += sign * vlba98::parseMoney(posting.Betrag).value_or(0);
+  values.euroSoll += sign * vlba98::parseMoney(posting.EuroBetrag).value_or(0);
 }
 
 } // namespace
@@ -71,7 +71,7 @@ Werte SummeDerKostenbuchungen(Store &store, const Zeitspanne &days, const Kosten
     });
   };
   constexpr FileNumber byDate = fileNumber(kKostenbeleg, 1);
-  auto key = [](const vlba98::Datum &day) { return keyOf(byDate, vlba98::toReversed(day).data()); };
+  auto key = [](const vlba98::Date &day) { return keyOf(byDate, vlba98::toReversed(day).data()); };
   forEach<KOSTENBELEG>({store, byDate}, Between{key(days.von), key(days.bis)}, [&](const KOSTENBELEG &posting) {
     if (counts(posting)) add(values, posting);
   });

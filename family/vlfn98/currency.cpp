@@ -5,7 +5,7 @@
 #include <string>
 
 #include "store/typed.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlba98/text.h"
 
 using namespace vldb98;
@@ -64,7 +64,7 @@ void SpeichereKurs(Store &store, const char *currency, const char *reversedDate,
 
 std::optional<int64_t> toOwnCurrency(int64_t foreign, const Wechselkurs &rate) {
   auto own = vlba98::mulDiv(foreign, rate.millionths, rate.units * kMillion, vlba98::Rounding::halfAwayFromZero);
-  if (!own || *own < -vlba98::maxGeld || *own > vlba98::maxGeld) return std::nullopt;
+  if (!own || *own < -vlba98::maxMoney || *own > vlba98::maxMoney) return std::nullopt;
   return own;
 }
 

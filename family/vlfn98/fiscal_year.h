@@ -5,14 +5,14 @@
 #include <optional>
 
 #include "store/store.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 
 namespace vlfn98 {
 
 constexpr int kMonate = 12;
 
 /// The fiscal year of the open client that a day lies in.
-std::optional<vldb98::GESCHAEFTSJAHR> HoleGeschaeftsjahr(vldb98::Store &store, const vlba98::Datum &day);
+std::optional<vldb98::GESCHAEFTSJAHR> HoleGeschaeftsjahr(vldb98::Store &store, const vlba98::Date &day);
 
 /// The fiscal year of the open client that bears a calendar year.
 std::optional<vldb98::GESCHAEFTSJAHR> HoleGeschaeftsjahr(vldb98::Store &store, int calendarYear);
@@ -25,10 +25,10 @@ bool OeffneJahr(vldb98::Store &store, int calendarYear);
 
 /// The month of a fiscal year that a day of it lies in: 1 for the calendar month in which the year begins. What lies
 /// behind the twelfth month of a longer year belongs to the twelfth, since accounts have values of twelve months.
-int BuchungsMonat(const vldb98::GESCHAEFTSJAHR &year, const vlba98::Datum &day);
+int BuchungsMonat(const vldb98::GESCHAEFTSJAHR &year, const vlba98::Date &day);
 
 struct Zeitspanne {
-  vlba98::Datum von, bis; ///< first and last day
+  vlba98::Date von, bis; ///< first and last day
 };
 
 /// The days of months first to last (1 to 12) of a fiscal year; none (von after bis) where a short year has no such

@@ -4,7 +4,7 @@
 #include <cstdlib>
 
 #include "store/typed.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 
 using namespace vldb98;
 
@@ -16,12 +16,12 @@ constexpr int16_t kNichtGerechnet = 8; // a key of this number takes no tax out 
 constexpr int32_t kKreditorArt = 2, kDebitorArt = 4, kKostenstelleArt = 8;
 
 bool withinRange(int64_t amount) {
-  return amount >= -vlba98::maxGeld && amount <= vlba98::maxGeld;
+  return amount >= -vlba98::maxMoney && amount <= vlba98::maxMoney;
 }
 
 // An empty rate is zero.
 int64_t rateOf(const STEUSA &key) {
-  return vlba98::parseGeld(key.Satz).value_or(0);
+  return vlba98::parseMoney(key.Satz).value_or(0);
 }
 
 bool excludesTax(const STEUSA &key) {

@@ -25,11 +25,11 @@ bool IsZahlziel(Store &store, int32_t number) {
   return exists<ZAHLZIEL>(store, number);
 }
 
-std::optional<vlba98::Datum> faelligkeit(const ZAHLZIEL &term, const vlba98::Datum &from) {
+std::optional<vlba98::Date> faelligkeit(const ZAHLZIEL &term, const vlba98::Date &from) {
   auto due = vlba98::addDays(from, term.Zahltage);
   if (due) due = vlba98::addMonths(*due, term.MonatePlus);
   if (!due || term.TagInMonat <= 0) return due;
-  auto dayIn = [&](const vlba98::Datum &month) {
+  auto dayIn = [&](const vlba98::Date &month) {
     return std::min<int>(term.TagInMonat, vlba98::daysInMonth(month.year, month.month));
   };
   if (term.MonatePlus <= 0 && due->day > dayIn(*due)) due = vlba98::addMonths(*due, 1);
@@ -37,7 +37,7 @@ std::optional<vlba98::Datum> faelligkeit(const ZAHLZIEL &term, const vlba98::Dat
   return due;
 }
 
-void ErmittleZahlungsziel(Store &store, int32_t number, const vlba98::Datum &from, char (&due)[7]) {
+void ErmittleZahlungsziel(Store &store, int32_t number, const vlba98::Date &from, char (&due)[7]) {
   due[0] = 0;
   const auto term = number != 0 ? find<ZAHLZIEL>(store, number) : std::nullopt;
   if (const auto day = term ? faelligkeit(*term, from) : std::nullopt)

@@ -7,7 +7,7 @@
 #include "base/random.h"
 #include "netwr98/capture.h"
 #include "support/books.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 
 namespace test {
 namespace {
@@ -44,7 +44,7 @@ TEST(CostDistribution, IsExact) {
     }
     ASSERT_EQ(amountSoFar, amount);
   };
-  const int64_t greatest = vlba98::maxGeld;
+  const int64_t greatest = vlba98::maxMoney;
   for (int64_t amount : {int64_t{0}, int64_t{1}, int64_t{-1}, int64_t{100'00}, greatest, -greatest}) {
     for (const auto &weights : {std::vector<int64_t>{},
                                 {5},

@@ -5,7 +5,7 @@
 #include "base/random.h"
 #include "store/typed.h"
 #include "support/books.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 
 namespace test {
 namespace {
@@ -47,19 +47,19 @@ TEST(ExchangeRate, ConvertsLikeReckoningOnPaper) {
   auto check = [](int64_t foreign, const Wechselkurs &rate) {
     const std::string exact =
         longhand::mulDiv(foreign, rate.millionths, int64_t{rate.units} * 1'000'000, vlba98::Rounding::halfAwayFromZero);
-    const bool fits = !exact.empty() && std::abs(std::stoll(exact)) <= vlba98::maxGeld;
+    const bool fits = !exact.empty() && std::abs(std::stoll(exact)) <= vlba98::maxMoney;
     const auto own = toOwnCurrency(foreign, rate);
     ASSERT_EQ(own ? std::to_string(*own) : "", fits ? exact : "")
         << foreign << " at " << rate.millionths << " for " << rate.units;
   };
-  for (int64_t foreign : {int64_t{0}, int64_t{1}, vlba98::maxGeld, -vlba98::maxGeld})
+  for (int64_t foreign : {int64_t{0}, int64_t{1}, vlba98::maxMoney, -vlba98::maxMoney})
     for (int64_t millionths : {int64_t{1}, int64_t{1'000'000}, int64_t{1'000'001}, int64_t{999'999'999'000'000}})
       for (int32_t units : {1, 1'000, INT32_MAX})
         ASSERT_NO_FATAL_FAILURE(check(foreign, {millionths, units}));
   for (int i = 0; i < 20'000; ++i) {
     const int64_t millionths = 1 + std::abs(anyMagnitude(random, 999'999'999'000'000));
     const int32_t units = std::array{1, 1, 10, 100, 1'000}[random() % 5];
-    ASSERT_NO_FATAL_FAILURE(check(anyMagnitude(random, vlba98::maxGeld), {millionths, units}));
+    ASSERT_NO_FATAL_FAILURE(check(anyMagnitude(random, vlba98::maxMoney), {millionths, units}));
   }
   EXPECT_EQ(toOwnCurrency(1'000'00, {547'999, 100}), 5'48);
   EXPECT_EQ(toOwnCurrency(50, {1'010'000, 1}), 51); // 0,505

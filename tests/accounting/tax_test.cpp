@@ -3,7 +3,7 @@
 
 #include "base/random.h"
 #include "support/books.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 
 namespace test {
 namespace {
@@ -55,7 +55,7 @@ std::optional<Steuerrechnung> expected(int64_t gross, int64_t rate, std::optiona
   }
   int64_t net = gross - tax;
   const bool signChanged = given && ((gross >= 0 && net < 0) || (gross <= 0 && net > 0));
-  const bool fits = std::max(std::abs(net), std::abs(tax)) <= vlba98::maxGeld;
+  const bool fits = std::max(std::abs(net), std::abs(tax)) <= vlba98::maxMoney;
   if (signChanged || !fits) return std::nullopt;
   return Steuerrechnung{net, tax, excluded ? 0 : rate, withKey};
 }
@@ -82,14 +82,14 @@ TEST(Tax, IsReckonedLikeExactFractions) {
           ASSERT_NO_FATAL_FAILURE(check(gross, rate, kNone, key, five));
   for (int i = 0; i < 60'000; ++i) {
     const int64_t gross =
-        random() % 50 ? anyMagnitude(random, vlba98::maxGeld) : oneOf({0, 1, -1, vlba98::maxGeld, -vlba98::maxGeld});
+        random() % 50 ? anyMagnitude(random, vlba98::maxMoney) : oneOf({0, 1, -1, vlba98::maxMoney, -vlba98::maxMoney});
     const int64_t rate = random() % 2 ? oneOf({0, 1, 250, 260, 380, 500, 700, 770, 810, 1'600, 1'900, 9'999})
                                       : int64_t(random() % 10'000);
     const STEUSA key = steusa(int16_t(oneOf({1, 5, 8, 32, 511})), int16_t(oneOf({0, 1, 1, 2, 2, 2, 3, 4})),
                               int16_t(random() % 3 ? 0 : oneOf({-1, 1, 50, 70, 99, 100})));
     std::optional<int64_t> given;
     if (random() % 3 == 0)
-      given = random() % 2 ? anyMagnitude(random, vlba98::maxGeld) : nearest(gross, oneOf({1, -1, 2, 5, 20}));
+      given = random() % 2 ? anyMagnitude(random, vlba98::maxMoney) : nearest(gross, oneOf({1, -1, 2, 5, 20}));
     ASSERT_NO_FATAL_FAILURE(check(gross, rate, given, random() % 8 ? &key : nullptr, random() % 2));
   }
 }
@@ -124,8 +124,8 @@ TEST(Tax, OfTheBook) {
       {100'00, 1900, 100'01, &output, false, "refused"},
       {-100'00, 1900, -100'01, &output, false, "refused"},
       {0, 1900, 5, &output, false, "refused"},
-      {vlba98::maxGeld, 1900, -1, &output, false, "refused"},
-      {vlba98::maxGeld + 1, 0, kNone, nullptr, false, "refused"},
+      {vlba98::maxMoney, 1900, -1, &output, false, "refused"},
+      {vlba98::maxMoney + 1, 0, kNone, nullptr, false, "refused"},
   };
   for (const auto &row : rows)
     EXPECT_EQ(shown(rechneSteuer(row.gross, row.rate, row.given, row.key, row.five)), row.result)

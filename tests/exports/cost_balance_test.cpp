@@ -10,7 +10,7 @@ using namespace vldb98;
 
 /// A cost posting as the test keeps it.
 struct Cost {
-  vlba98::Datum day;
+  vlba98::Date day;
   std::string type, centres[6], reference; // of the fourth cost centre
   int64_t own, euro;                       // with its sign
 };

@@ -288,7 +288,7 @@ TEST_F(Turnover, BeyondNineDigitsIsRefusedWhereItIsWanted) {
 
 /// An entry of an account.
 struct Entry {
-  vlba98::Datum day;
+  vlba98::Date day;
   int16_t kind; // 0 of the year, 1 opening, 2 closing
   int64_t debit, credit, euroDebit, euroCredit;
 };
@@ -296,7 +296,7 @@ struct Entry {
 class BalanceOnDay : public Ledger, public ::testing::WithParamInterface<int> {
 protected:
   /// Random entries of an account over both fiscal years and beside it those of accounts that resemble it.
-  std::vector<Entry> post(int table, const std::string &number, vlba98::Datum from) {
+  std::vector<Entry> post(int table, const std::string &number, vlba98::Date from) {
     std::vector<Entry> entries;
     BUCHUNGSBELEG row{};
     put(row.Gegenkonto, padded(""));
@@ -342,7 +342,7 @@ TEST_P(BalanceOnDay, IsThatOfItsEntries) {
   const int table = client == 1 ? kDebitor : kSachkonto, beginsIn = client == 1 ? 1 : 7;
   for (int year : {2025, 2026}) {
     open(client, year);
-    const vlba98::Datum begin{year, beginsIn, 1};
+    const vlba98::Date begin{year, beginsIn, 1};
     const std::vector<Entry> entries = post(table, number, begin);
     change(table, number, [&](DATENBANK &record) {
       KONTOWERTE &own = client == 1 ? record.Personenkonto.Werte : record.Sachkonto.Werte;

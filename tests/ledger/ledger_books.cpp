@@ -2,7 +2,7 @@
 
 #include <sstream>
 
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/text.h"
 
 namespace test {

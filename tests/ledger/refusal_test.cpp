@@ -2,7 +2,7 @@
 #include "ledger/ledger_books.h"
 
 #include "support/items.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 
 namespace test {
 namespace {
@@ -99,7 +99,7 @@ TEST_F(LedgerRefusals, ChangeNothing) {
       {2026, kSachkonto, account("4910"), [](DATENBANK &r) { r.Sachkonto.Kostenart = 0; },
        "4 B-4: Die Kostenbuchung hat keine eindeutige Kostenart.\n"},
       {2026, kSachkonto, account("1000"),
-       [](DATENBANK &r) { vlba98::formatGeld(vlba98::maxGeld - 999, r.Sachkonto.Werte.Monat[0].Haben); },
+       [](DATENBANK &r) { vlba98::formatMoney(vlba98::maxMoney - 999, r.Sachkonto.Werte.Monat[0].Haben); },
        "4 B-4: Konto 1000: der Wert überschreitet 999.999.999,99.\n"},
       {2026, kFirmenstamm, KeyBuilder().number(uint16_t(1)),
        [](DATENBANK &r) {

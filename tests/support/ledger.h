@@ -5,7 +5,7 @@
 #include <random>
 
 #include "support/books.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 
 namespace test {
 

@@ -8,7 +8,7 @@
 #include "ledger/refusal.h"
 #include "store/guards.h"
 #include "vlba98/encoding.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlba98/muldiv.h"
 #include "vlba98/text.h"
 #include "vlfn98/client.h"
@@ -158,18 +158,18 @@ private:
     vlba98::strncpy2(written.Konto, movement.account->record.Sachkonto.Nr);
     written.Art = int16_t(artOf(posting));
     vlba98::strncpy2(written.Datum, posting.Belegdatum);
-    vlba98::formatGeld(movement.debit ? amount.own : 0, written.Soll);
-    vlba98::formatGeld(movement.debit ? 0 : amount.own, written.Haben);
-    vlba98::formatGeld(movement.debit ? amount.euro : 0, written.EuroSoll);
-    vlba98::formatGeld(movement.debit ? 0 : amount.euro, written.EuroHaben);
+    vlba98::formatMoney(movement.debit ? amount.own : 0, written.Soll);
+    vlba98::formatMoney(movement.debit ? 0 : amount.own, written.Haben);
+    vlba98::formatMoney(movement.debit ? amount.euro : 0, written.EuroSoll);
+    vlba98::formatMoney(movement.debit ? 0 : amount.euro, written.EuroHaben);
     if (movement.foreign) {
       vlba98::strncpy2(written.Waehrung, posting.Waehrung);
-      vlba98::formatGeld(*movement.foreign, written.BetragFW);
+      vlba98::formatMoney(*movement.foreign, written.BetragFW);
     }
     written.Gegentabelle = int16_t(movement.contra->table);
     vlba98::strncpy2(written.Gegenkonto, movement.contra->record.Sachkonto.Nr);
     written.Steuerschluessel = movement.taxKey;
-    vlba98::formatGeld(movement.rate, written.Steuersatz, vlba98::satzWidth);
+    vlba98::formatMoney(movement.rate, written.Steuersatz, vlba98::rateWidth);
     vlba98::strncpy2(written.Belegnummer, posting.Belegnummer);
     vlba98::strncpy2(written.OPBelegnummer, posting.OPBelegnummer);
     vlba98::strncpy2(written.Text, line.Text);
@@ -246,8 +246,8 @@ private:
     vlba98::strncpy2(written.Datum, posting.Belegdatum);
     vlba98::strncpy2(written.Kostenart, costs.onCredit ? costs.line->Habenkonto : costs.line->Sollkonto);
     written.Flags = int16_t(cost.Kostenkennung | (costs.onCredit ? kLessensCosts : 0));
-    vlba98::formatGeld(amount.own, written.Betrag);
-    vlba98::formatGeld(amount.euro, written.EuroBetrag);
+    vlba98::formatMoney(amount.own, written.Betrag);
+    vlba98::formatMoney(amount.euro, written.EuroBetrag);
     vlba98::strncpy2(written.Menge, cost.Menge);
     vlba98::strncpy2(written.Einheit, cost.Einheit);
     vlba98::strncpy2(written.Belegnummer, posting.Belegnummer);

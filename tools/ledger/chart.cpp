@@ -6,7 +6,7 @@
 #include "ledger/refusal.h"
 #include "store/typed.h"
 #include "vlba98/encoding.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlba98/muldiv.h"
 #include "vlba98/text.h"
 #include "vlfn98/costs.h"
@@ -145,7 +145,7 @@ Amount Chart::valued(int64_t own) const {
   if (euroRate_ == 0) return {own, own};
   constexpr int64_t millionths = 1'000'000;
   auto euro = vlba98::mulDiv(own, millionths, euroRate_, vlba98::Rounding::halfAwayFromZero);
-  if (!euro || *euro > vlba98::maxGeld || *euro < -vlba98::maxGeld)
+  if (!euro || *euro > vlba98::maxMoney || *euro < -vlba98::maxMoney)
     throw Refusal{"Der Betrag in Euro überschreitet 999.999.999,99."};
   return {own, *euro};
 }
@@ -159,7 +159,7 @@ int Chart::monthOf(const Year &year, const char *reversedDate) {
 void Chart::add(MoneyText &sum, int64_t amount, const std::string &of) {
   if (amount == 0) return;
   const std::string former = sum;
-  if (!vlba98::formatGeld(vlba98::parseGeld(sum).value_or(0) + amount, sum))
+  if (!vlba98::formatMoney(vlba98::parseMoney(sum).value_or(0) + amount, sum))
     throw Refusal{of + ": der Wert überschreitet 999.999.999,99."};
   former_.emplace_back(&sum, former);
 }

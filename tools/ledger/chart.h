@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "store/store.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 
 namespace ledger {
 

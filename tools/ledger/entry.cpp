@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "ledger/refusal.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlba98/text.h"
 #include "vlfn98/accounts.h"
 #include "vlfn98/tax.h"
@@ -136,7 +136,7 @@ private:
 } // namespace
 
 int64_t valueOf(const char *money) {
-  return vlba98::parseGeld(money).value_or(0);
+  return vlba98::parseMoney(money).value_or(0);
 }
 
 bool isInEuro(const BATCHBUCHUNG &posting, const SPLIT &line) {

@@ -6,7 +6,7 @@
 
 #include "ledger/refusal.h"
 #include "store/typed.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlba98/muldiv.h"
 #include "vlba98/text.h"
 #include "vlfn98/terms.h"
@@ -31,7 +31,7 @@ const char *itemNumber(const BATCHBUCHUNG &posting) {
 }
 
 void put(char (&money)[13], int64_t amount) {
-  if (!vlba98::formatGeld(amount, money)) throw Refusal{"Der offene Posten überschreitet 999.999.999,99."};
+  if (!vlba98::formatMoney(amount, money)) throw Refusal{"Der offene Posten überschreitet 999.999.999,99."};
 }
 
 bool sameSign(int64_t a, int64_t b) {
@@ -49,11 +49,10 @@ void putBlank(char (&number)[8]) {
 }
 
 void putRate(char (&field)[6], int64_t rate) {
-  vlba98::formatGeld(rate, field, vlba98::satzWidth);
+  vlba98::formatMoney(rate, field, vlba98::rateWidth);
 }
 
-void putDiscount(char (&day)[7], char (&rate)[6], int16_t days, const char (&rateOfTerm)[6],
-                 const vlba98::Datum &from) {
+void putDiscount(char (&day)[7], char (&rate)[6], int16_t days, const char (&rateOfTerm)[6], const vlba98::Date &from) {
   if (valueOf(rateOfTerm) == 0) return;
   std::memcpy(rate, rateOfTerm, sizeof rate);
   if (auto until = vlba98::addDays(from, days)) std::memcpy(day, vlba98::toReversed(*until).data(), sizeof day);

@@ -4,7 +4,7 @@
 #include <array>
 
 #include "store/guards.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/text.h"
 
 using namespace vldb98;

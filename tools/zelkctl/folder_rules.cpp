@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include "vlba98/datum.h"
-#include "vlba98/geld.h"
+#include "vlba98/date.h"
+#include "vlba98/money.h"
 #include "vlba98/text.h"
 #include "vlfn98/costs.h"
 #include "vlfn98/currency.h"
@@ -102,7 +102,7 @@ const Rule kRules[] = {
     {kKoschaZeile, "Kostenkennung muss von 0 bis 2 gehen.",
      [](const DATENBANK &r) { return vlfn98::isKostenkennung(r.KoschaZeile.Kostenkennung); }},
     {kKoschaZeile, "Anteil muss über null liegen.",
-     [](const DATENBANK &r) { return vlba98::parseGeld(r.KoschaZeile.Anteil).value_or(0) > 0; }},
+     [](const DATENBANK &r) { return vlba98::parseMoney(r.KoschaZeile.Anteil).value_or(0) > 0; }},
     {kZahlziel, "Kuerzel hat am Anfang oder Ende Leerzeichen.",
      [](const DATENBANK &r) { return vlfn98::storedShortName(r.Zahlziel.Kuerzel) == r.Zahlziel.Kuerzel; }},
     {kAnyStructure, "Flags muss von 0 bis 7 gehen.", [](const DATENBANK &r) { return within(r.Aufbau.Flags, 0, 7); }},

@@ -5,7 +5,7 @@
 
 #include "ledger/batch_run.h"
 #include "platform/system.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/text.h"
 #include "zelkctl/amounts.h"
 #include "zelkctl/console.h"
@@ -15,10 +15,10 @@
 namespace zelkctl {
 namespace {
 
-std::optional<vlba98::Datum> dayOf(const std::string &text) {
-  if (!text.empty()) return vlba98::parseDatum(text);
+std::optional<vlba98::Date> dayOf(const std::string &text) {
+  if (!text.empty()) return vlba98::parseDate(text);
   const platform::LocalTime now = platform::localTime();
-  return vlba98::Datum{now.year, now.month, now.day};
+  return vlba98::Date{now.year, now.month, now.day};
 }
 
 int report(const ledger::Order &order, const ledger::Outcome &outcome) {

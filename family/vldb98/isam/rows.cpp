@@ -3,9 +3,9 @@
 #include <cassert>
 #include <cstring>
 
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/encoding.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 
 namespace vldb98 {
 namespace {
@@ -105,7 +105,7 @@ bool bindField(SqlStatement &statement, int parameter, const Field &field, const
       statement.bindNull(parameter);
       return true;
     }
-    if (auto hundredths = vlba98::parseGeld(text)) {
+    if (auto hundredths = vlba98::parseMoney(text)) {
       statement.bind(parameter, *hundredths);
       return true;
     }
@@ -154,7 +154,7 @@ bool readColumn(SqlStatement &statement, int column, const Field &field, char *r
   std::memset(at, 0, field.size);
   switch (field.type) {
   case FieldType::Money:
-    return statement.isNull(column) || vlba98::formatGeld(statement.integer(column), at, field.size - 1u);
+    return statement.isNull(column) || vlba98::formatMoney(statement.integer(column), at, field.size - 1u);
   case FieldType::Year:
     return statement.isNull(column) || vlba98::itotwo(int(statement.integer(column)) - vlba98::firstYear, at);
   case FieldType::Date: {
