@@ -22,7 +22,7 @@ namespace {
 
 // Records of a fiscal year: the kind of the fetch, whatever their table.
 constexpr int32_t kJahressaetze = 117;
-constexpr int kValues = vlfn98::kMonate + 1; // the months and the year
+constexpr int kValues = vlfn98::kMonths + 1; // the months and the year
 
 int tableOfKind(int32_t kind) {
   return kind == ZELK_KOSTENSTELLE ? kKost
@@ -96,7 +96,7 @@ ZelkResult readNext(ThreadContext &context, DATENBANK &next) {
 
 // The value of a month from 0, of the year behind the last.
 int64_t budgetValue(const SOLLWERTE &values, int i) {
-  return vlba98::parseMoney(i < vlfn98::kMonate ? values.Monat[i] : values.Gesamt).value_or(0);
+  return vlba98::parseMoney(i < vlfn98::kMonths ? values.Monat[i] : values.Gesamt).value_or(0);
 }
 
 const SOLLWERTE &budgetOf(int table, const DATENBANK &record) {

@@ -67,7 +67,7 @@ public:
   CostCentres(Store &store, const CostRequest &request) : store_(store), request_(request) {}
 
   /// \param selection its cost centres stay nothing when the call does not restrict them
-  Outcome select(vlfn98::Kostenauswahl &selection) {
+  Outcome select(vlfn98::CostSelection &selection) {
     if (request_.structure >= int32_t(kStructureTables.size()))
       return inadmissible(ZELKERR_uzl_Kontonr, "Der Aufbau ist");
     const bool hasDimension = request_.dimension >= 0 && request_.dimension < kDimensionen;
@@ -97,7 +97,7 @@ private:
   std::set<std::string> inStructure_;
 };
 
-Outcome select(Store &store, const CostRequest &request, vlfn98::Kostenauswahl &selection) {
+Outcome select(Store &store, const CostRequest &request, vlfn98::CostSelection &selection) {
   selection.costType = request.costType;
   selection.dimension = request.dimension;
   const bool known = request.costType.empty() || exists<SACHKONTO>(store, request.costType);
@@ -109,21 +109,21 @@ Outcome select(Store &store, const CostRequest &request, vlfn98::Kostenauswahl &
 Outcome costsOf(Store &store, const CostRequest &request, int64_t &euro) {
   if (Outcome opened = openQuietly(store, request.client); opened.result <= 0) return opened;
   if (Outcome checked = checkYear(store, request.year); checked.result <= 0) return checked;
-  vlfn98::Kostenauswahl selection;
+  vlfn98::CostSelection selection;
   if (Outcome selected = select(store, request, selection); selected.result <= 0) return selected;
   int first = request.period, last = first;
   if (request.period == kGanzesJahr) {
     first = 1;
-    last = vlfn98::kMonate;
+    last = vlfn98::kMonths;
   } else if (request.period >= kErstesQuartal && request.period < kGanzesJahr) {
     first = 3 * (request.period % kErstesQuartal) + 1;
     last = first + 2;
-  } else if (request.period < 1 || request.period > vlfn98::kMonate)
+  } else if (request.period < 1 || request.period > vlfn98::kMonths)
     return {ZELKERR_uzl_Zeitraum, resources::kIstUnzulaessig, "Zeitraum"};
-  const auto year = vlfn98::HoleGeschaeftsjahr(store, request.year).value_or(GESCHAEFTSJAHR{});
+  const auto year = vlfn98::findFiscalYear(store, request.year).value_or(GESCHAEFTSJAHR{});
   waitForYear(store, kJahressaetze, kKostenbeleg);
-  const vlfn98::Zeitspanne days = vlfn98::TageDerMonate(year, first, last);
-  euro = vlfn98::SummeDerKostenbuchungen(store, days, selection).euroSaldo();
+  const vlfn98::DateRange days = vlfn98::daysOfMonths(year, first, last);
+  euro = vlfn98::sumOfCosts(store, days, selection).euroBalance();
   return {};
 }
 

@@ -30,35 +30,35 @@ Outcome checkAccount(const AccountRequest &account) {
 }
 
 // Reads the account and sums it up to a day, in one state of the books.
-Outcome sumUpTo(Store &store, const AccountRequest &account, const char *date, vlfn98::Werte &values) {
+Outcome sumUpTo(Store &store, const AccountRequest &account, const char *date, vlfn98::AccountValues &values) {
   if (Outcome opened = openQuietly(store, account.client); opened.result <= 0) return opened;
   if (!vlfn98::isAccountKind(account.kind)) return {ZELKERR_uzl_Kontoart, resources::kKontoartUnzulaessig};
   const auto day = vlba98::parseDate(date);
   if (!day) return {ZELKERR_uzl_Datum, resources::kDatumUnzulaessig};
 
-  const auto year = vlfn98::HoleGeschaeftsjahr(store, *day);
+  const auto year = vlfn98::findFiscalYear(store, *day);
   // In no fiscal year there is no account.
   if (!year) return noSuchAccount(account.kind);
-  vlfn98::oeffne(store, *year);
+  vlfn98::openFiscalYear(store, *year);
   const int table = vlfn98::KzFromZELKArt(account.kind);
   waitForYear(store, kJahressaetze, table);
   DATENBANK record{};
   if (Outcome read = readAccount(store, account, record); read.result <= 0) return read;
   waitForYear(store, kJahresbuchungen, -1);
 
-  const int month = vlfn98::BuchungsMonat(*year, *day);
-  values = vlfn98::summeDerWerte(table, record, {1, month - 1, true, false});
-  const vlfn98::Zeitspanne days{vlfn98::TageDerMonate(*year, month, month).von, *day};
-  values += table == kKost ? vlfn98::GetKostMonatsWerte(store, record.Kost, days)
+  const int month = vlfn98::fiscalMonth(*year, *day);
+  values = vlfn98::sumOfValues(table, record, {1, month - 1, true, false});
+  const vlfn98::DateRange days{vlfn98::daysOfMonths(*year, month, month).first, *day};
+  values += table == kKost ? vlfn98::costsOfCentre(store, record.Kost, days)
                            : vlfn98::GetKontoMonatsWerte(store, table, account.number, days);
   return {};
 }
 
 } // namespace
 
-std::optional<vlfn98::Wertebereich> parsePeriod(int32_t code) {
+std::optional<vlfn98::ValueRange> parsePeriod(int32_t code) {
   const int32_t number = code & kZeitraumMaske;
-  vlfn98::Wertebereich range;
+  vlfn98::ValueRange range;
   if (number < 1 || number > kGanzesJahr) return std::nullopt;
   if (number < kErstesQuartal)
     range.first = range.last = number;
@@ -66,14 +66,14 @@ std::optional<vlfn98::Wertebereich> parsePeriod(int32_t code) {
     range.first = 3 * (number - kErstesQuartal) + 1;
     range.last = range.first + 2;
   } else if (number == kAlleMonate || number == kGanzesJahr)
-    range.last = vlfn98::kMonate;
+    range.last = vlfn98::kMonths;
   if ((code & kKumuliert) && range.first <= range.last) range.first = 1;
   if (number == kNurEroeffnung || number == kNurAbschluss) {
     range.opening = number == kNurEroeffnung;
     range.closing = number == kNurAbschluss;
   } else {
     range.opening = number == kGanzesJahr || ((code & kMitEroeffnung) && range.first == 1);
-    range.closing = number == kGanzesJahr || ((code & kMitAbschluss) && range.last == vlfn98::kMonate);
+    range.closing = number == kGanzesJahr || ((code & kMitAbschluss) && range.last == vlfn98::kMonths);
   }
   return range;
 }
@@ -89,15 +89,15 @@ Outcome turnover(ThreadContext &context, const AccountRequest &account, int32_t 
   if (Outcome opened = openYear(store, year); opened.result <= 0) return opened;
   DATENBANK record;
   if (Outcome read = readAccount(store, account, record); read.result <= 0) return read;
-  const vlfn98::Werte values = vlfn98::summeDerWerte(vlfn98::KzFromZELKArt(account.kind), record, *range);
+  const vlfn98::AccountValues values = vlfn98::sumOfValues(vlfn98::KzFromZELKArt(account.kind), record, *range);
   if (account.kind == ZELK_KOSTENSTELLE)
-    return deliver(form, {{outputs.balance, values.saldo()}, {outputs.euroBalance, values.euroSaldo()}});
-  return deliver(form, {{outputs.debit, values.soll},
-                        {outputs.credit, values.haben},
-                        {outputs.balance, values.saldo()},
-                        {outputs.euroDebit, values.euroSoll},
-                        {outputs.euroCredit, values.euroHaben},
-                        {outputs.euroBalance, values.euroSaldo()}});
+    return deliver(form, {{outputs.balance, values.balance()}, {outputs.euroBalance, values.euroBalance()}});
+  return deliver(form, {{outputs.debit, values.debit},
+                        {outputs.credit, values.credit},
+                        {outputs.balance, values.balance()},
+                        {outputs.euroDebit, values.euroDebit},
+                        {outputs.euroCredit, values.euroCredit},
+                        {outputs.euroBalance, values.euroBalance()}});
 }
 
 Outcome balanceOnDay(ThreadContext &context, const AccountRequest &account, const char *date, int32_t form,
@@ -105,13 +105,13 @@ Outcome balanceOnDay(ThreadContext &context, const AccountRequest &account, cons
   if (Outcome checked = checkForm(form); checked.result <= 0) return checked;
   Store &store = context.store();
   Outcome outcome;
-  vlfn98::Werte values;
+  vlfn98::AccountValues values;
   inSnapshot(store, [&] {
     outcome = sumUpTo(store, account, date, values);
     return outcome.result;
   });
   if (outcome.result <= 0) return outcome;
-  return deliver(form, {{balance, values.saldo()}, {euroBalance, values.euroSaldo()}});
+  return deliver(form, {{balance, values.balance()}, {euroBalance, values.euroBalance()}});
 }
 
 } // namespace evaluations

@@ -49,7 +49,7 @@ const Parameter *messagesFlag(std::span<const Parameter> parameters) {
 // What a body has around it, whether a host called its export or another export did.
 ZelkResult runBody(ThreadContext *context, std::span<const Parameter> parameters, detail::Body body, void *object) {
   const Parameter *flag = messagesFlag(parameters);
-  if (context && flag) context->fehlermeldungen = int32_t(flag->number);
+  if (context && flag) context->messages = int32_t(flag->number);
   if (const Parameter *overflow = firstOverflow(parameters)) {
     reportOverflow(*overflow, flag && flag->number);
     return ZELKERR_Ueberlauf;

@@ -34,7 +34,7 @@ public:
     if (!answer || !answer->problem.empty() || !vlfn98::isRating(answer->ratingClass)) return answer;
     const std::string shown = std::to_string(answer->ratingClass) + " " + answer->text;
     protocolLine("Bonität: " + vlba98::toUtf8(shown));
-    if ((request.options & vlfn98::kShowRating) && context_.fehlermeldungen) showMessage(resources::kBonitaet, shown);
+    if ((request.options & vlfn98::kShowRating) && context_.messages) showMessage(resources::kBonitaet, shown);
     return answer;
   }
 
@@ -74,7 +74,7 @@ Outcome writeRating(Store &store, int table, std::string_view number, const char
   }
   changed = *account;
   vlba98::strncpy2(changed.Bonitaet, rating);
-  vlfn98::PekoProtokoll(store, table, account->Nr, vlfn98::kBonitaetGeaendert, store.HoleOpenJahr(), account->Bonitaet,
+  vlfn98::PekoProtokoll(store, table, account->Nr, vlfn98::kRatingChanged, store.HoleOpenJahr(), account->Bonitaet,
                         changed.Bonitaet);
   update({store, FileNumber(table)}, changed);
   must(writing.commit());

@@ -11,7 +11,7 @@ namespace {
 constexpr int32_t kRundenAufFuenf = 0x2000; // of the client's posting options
 
 bool hasTaxKey(const LineAccount &account) {
-  return (account.found->taxKey() & ~vlfn98::kOhneSteuerschluessel) != 0;
+  return (account.found->taxKey() & ~vlfn98::kNoTaxKey) != 0;
 }
 
 const STEUSA *keyOf(const LineInProgress &line) {
@@ -60,13 +60,13 @@ Refusal AmountReckoning::readTaxKey(LineInProgress &line) {
   const auto key = vlfn98::GetSteusa(posting_.store, line.taxChoice.key, posting_.stored.Belegdatum, line.rate);
   if (!key) return refuseAmount(line, ZELKERR_uzl_Steuersatz, "Steuersatz");
   line.taxKey = *key;
-  const bool fits = line.tax == 0 || vlfn98::passtZumSteuersatz(line.gross, line.rate, line.tax, line.taxKey);
+  const bool fits = line.tax == 0 || vlfn98::fitsTaxRate(line.gross, line.rate, line.tax, line.taxKey);
   return fits ? Refusal{} : taxDoesNotFit;
 }
 
 Refusal AmountReckoning::takeTaxOut(LineInProgress &line) {
   const bool roundToFive = posting_.foreign && (posting_.client().Optionen & kRundenAufFuenf);
-  const auto amounts = vlfn98::rechneSteuer(line.gross, line.rate, givenTax(line.tax), keyOf(line), roundToFive);
+  const auto amounts = vlfn98::splitTax(line.gross, line.rate, givenTax(line.tax), keyOf(line), roundToFive);
   if (!amounts) return refuseAmount(line, ZELKERR_uzl_Steuerbetrag, "Steuerbetrag");
   line.amounts = *amounts;
   if (!amounts->keyKept) line.taxChoice = {};
@@ -83,8 +83,8 @@ Refusal AmountReckoning::toOwnCurrency(LineInProgress &line) {
 Refusal AmountReckoning::takeOwnAmounts(LineInProgress &line) {
   const auto [gross, tax] = *line.own;
   const STEUSA *key = keyOf(line);
-  const auto amounts = vlfn98::rechneSteuer(gross, line.rate, givenTax(tax), key, false);
-  const bool fits = tax == 0 || (key && vlfn98::passtZumSteuersatz(gross, line.rate, tax, *key));
+  const auto amounts = vlfn98::splitTax(gross, line.rate, givenTax(tax), key, false);
+  const bool fits = tax == 0 || (key && vlfn98::fitsTaxRate(gross, line.rate, tax, *key));
   if (!amounts || !fits) return refuseAmount(line, ZELKERR_uzl_Steuerbetrag, "Steuerbetrag (EW)");
   line.ownGross = gross;
   line.ownNet = amounts->net;
@@ -103,13 +103,13 @@ Refusal AmountReckoning::convert(LineInProgress &line) {
 Refusal AmountReckoning::readRate() {
   if (rate_) return {};
   BATCHBUCHUNG &stored = posting_.stored;
-  rate_ = vlfn98::HoleKurs(posting_.store, stored.Waehrung, stored.Belegdatum);
+  rate_ = vlfn98::findRate(posting_.store, stored.Waehrung, stored.Belegdatum);
   if (!rate_) {
     vlba98::strncpy2(missingRate_.currency, stored.Waehrung);
     vlba98::strncpy2(missingRate_.day, stored.Belegdatum);
     return {ZELKERR_kein_Kurs, resources::kKursFehlt, currencyAndDay(missingRate_)};
   }
-  vlfn98::formatKurs(rate_->millionths, stored.Kurs);
+  vlfn98::formatRate(rate_->millionths, stored.Kurs);
   stored.Einheiten = rate_->units;
   return {};
 }

@@ -8,7 +8,7 @@
 #include "vlba98/text.h"
 
 using namespace vldb98;
-using vlfn98::Kostenseite;
+using vlfn98::CostSide;
 
 namespace postings {
 namespace {
@@ -17,7 +17,7 @@ struct Centre {
   char (KOBU::*stored)[8];
   char (PostingCost::*given)[8];
 };
-constexpr Centre kCentres[vlfn98::kKostenstellen] = {
+constexpr Centre kCentres[vlfn98::kCentresPerPosting] = {
     {&KOBU::Kostenstelle1, &PostingCost::Kostenstelle1}, {&KOBU::Kostenstelle2, &PostingCost::Kostenstelle2},
     {&KOBU::Kostenstelle3, &PostingCost::Kostenstelle3}, {&KOBU::Kostenstelle4, &PostingCost::Kostenstelle4},
     {&KOBU::Kostenstelle5, &PostingCost::Kostenstelle5}, {&KOBU::Kostenstelle6, &PostingCost::Kostenstelle6}};
@@ -32,12 +32,12 @@ bool bothIncome(const LineInProgress &line) {
   return line.debit.found->isIncome() && line.credit.found->isIncome();
 }
 
-bool onOneSide(Kostenseite side) {
-  return side == Kostenseite::Soll || side == Kostenseite::Haben;
+bool onOneSide(CostSide side) {
+  return side == CostSide::Debit || side == CostSide::Credit;
 }
 
-const LineAccount &costBearing(const LineInProgress &line, Kostenseite side) {
-  return side == Kostenseite::Soll ? line.debit : line.credit;
+const LineAccount &costBearing(const LineInProgress &line, CostSide side) {
+  return side == CostSide::Debit ? line.debit : line.credit;
 }
 
 Refusal inLine(Refusal refusal, const LineInProgress &line) {
@@ -53,13 +53,13 @@ Refusal CostAllocation::allocate(const LineInProgress &line) {
     return wanted ? line.refuse(ZELKERR_uzl_Kostenrechnung, resources::kKostenBasis) : Refusal{};
   const bool income = line.debit.found->isIncome() || line.credit.found->isIncome();
   const bool mandatory = (income || wanted) && posting_.clientExtension().Kostenstellenpflicht;
-  const Kostenseite side =
+  const CostSide side =
       vlfn98::BestimmeKostenseite(line.debit.found->ledgerAccount(), line.credit.found->ledgerAccount(), mandatory);
   Costs costs;
   if (Refusal refusal = given ? allocateGiven(line, side, costs) : allocateByTemplate(line, side, costs))
     return refusal;
   if (!costs.entries.empty()) {
-    if (side == Kostenseite::Beide) return line.refuse(ZELKERR_uzl_Kostenrechnung, resources::kZweiKostenkonten);
+    if (side == CostSide::Both) return line.refuse(ZELKERR_uzl_Kostenrechnung, resources::kZweiKostenkonten);
     if (bothIncome(line)) return line.refuse(ZELKERR_uzl_Kostenrechnung, resources::kGuvUmbuchung);
     return store(line, costs);
   }
@@ -73,10 +73,10 @@ Refusal CostAllocation::allocate(const LineInProgress &line) {
 
 Refusal CostAllocation::checkCentres(const KOBU &cost) {
   const FISTA_EXT &client = posting_.clientExtension();
-  for (int i = 0; i < vlfn98::kKostenstellen; ++i) {
+  for (int i = 0; i < vlfn98::kCentresPerPosting; ++i) {
     std::string name(vlba98::trimmed(cost.*kCentres[i].stored));
     if (name.empty()) continue;
-    const auto centre = vlfn98::IsKostenstelle(posting_.store, name.c_str(), vlfn98::kostDimension(client, i));
+    const auto centre = vlfn98::IsKostenstelle(posting_.store, name.c_str(), vlfn98::costDimension(client, i));
     if (!centre) return {ZELKERR_uzl_Kostenstelle, resources::kKostenstelleFehlt, name};
     if (vlfn98::IsKostDateValid(*centre, posting_.stored.Belegdatum)) continue;
     std::erase(name, ' ');
@@ -85,11 +85,11 @@ Refusal CostAllocation::checkCentres(const KOBU &cost) {
   return {};
 }
 
-Refusal CostAllocation::checkCombinations(const LineInProgress &line, Kostenseite side, const KOBU &cost) {
+Refusal CostAllocation::checkCombinations(const LineInProgress &line, CostSide side, const KOBU &cost) {
   // Where both sides bear costs, or a posting only moves between income-statement accounts, it is refused as a whole.
-  if (side == Kostenseite::Beide || bothIncome(line)) return {};
+  if (side == CostSide::Both || bothIncome(line)) return {};
   const Refusal refused{ZELKERR_uzl_Kostenrechnung, resources::kKombinationUnzulaessig};
-  if (side == Kostenseite::Keine) return refused;
+  if (side == CostSide::None) return refused;
   for (const Centre &centre : kCentres) {
     if (isBlank(cost.*centre.stored)) continue;
     if (!vlfn98::CheckKomb(posting_.store, costBearing(line, side).number, cost.*centre.stored)) return refused;
@@ -105,7 +105,7 @@ Refusal CostAllocation::takeGiven(const LineInProgress &line, const PostingCost 
   }
   if (Refusal refusal = checkCentres(cost)) return inLine(refusal, line);
   if (!anyCentre) return line.refuse(ZELKERR_uzl_Kostenstelle, resources::kKeineKostenstelle);
-  if (!vlfn98::isKostenkennung(given.Kostenkennung))
+  if (!vlfn98::isCostKind(given.Kostenkennung))
     return line.refuse(ZELKERR_uzl_Kostenkennung, resources::kUnzulaessig, "Die Kostenkennung ist");
   cost.Kostenkennung = given.Kostenkennung;
   if (!isBlank(given.Menge)) {
@@ -125,7 +125,7 @@ Refusal CostAllocation::takeGiven(const LineInProgress &line, const PostingCost 
   return {};
 }
 
-Refusal CostAllocation::allocateGiven(const LineInProgress &line, Kostenseite side, Costs &costs) {
+Refusal CostAllocation::allocateGiven(const LineInProgress &line, CostSide side, Costs &costs) {
   int64_t sum = 0;
   for (const PostingCost &given : line.given->costs) {
     KOBU cost{};
@@ -141,7 +141,7 @@ Refusal CostAllocation::allocateGiven(const LineInProgress &line, Kostenseite si
 
 // The more specific one wins: the template that the line names; the one of the captured document; the one of the
 // account.
-int32_t CostAllocation::templateOf(const LineInProgress &line, Kostenseite side) {
+int32_t CostAllocation::templateOf(const LineInProgress &line, CostSide side) {
   if (line.given->Kostenschablone != 0) return line.given->Kostenschablone;
   if (!onOneSide(side) || bothIncome(line)) return 0;
   const int32_t document = posting_.stored.DMSNr;
@@ -150,10 +150,10 @@ int32_t CostAllocation::templateOf(const LineInProgress &line, Kostenseite side)
   return costBearing(line, side).found->ledger.Kostenschablone;
 }
 
-Refusal CostAllocation::allocateByTemplate(const LineInProgress &line, Kostenseite side, Costs &costs) {
+Refusal CostAllocation::allocateByTemplate(const LineInProgress &line, CostSide side, Costs &costs) {
   const int32_t number = templateOf(line, side);
   if (number == 0) return {};
-  const std::vector<KOSCHA_ZEILE> shares = vlfn98::HoleKoscha(posting_.store, number);
+  const std::vector<KOSCHA_ZEILE> shares = vlfn98::sharesOfTemplate(posting_.store, number);
   readAheadOfShares(posting_, line, side, shares);
   std::vector<int64_t> weights;
   for (const KOSCHA_ZEILE &share : shares) {
@@ -174,7 +174,7 @@ Refusal CostAllocation::allocateByTemplate(const LineInProgress &line, Kostensei
     weights.push_back(vlba98::parseMoney(share.Anteil).value_or(0));
   }
   costs.amounts.resize(weights.size());
-  vlfn98::verteile(line.amounts.net, weights, costs.amounts);
+  vlfn98::distribute(line.amounts.net, weights, costs.amounts);
   return {};
 }
 

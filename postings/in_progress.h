@@ -74,9 +74,9 @@ struct LineInProgress {
     int64_t gross, tax;
   };
   std::optional<OwnAmounts> own; ///< as given, beside a foreign currency; without them it is converted
-  vlfn98::Steuerwahl taxChoice;
+  vlfn98::TaxChoice taxChoice;
   vldb98::STEUSA taxKey{};
-  vlfn98::Steuerrechnung amounts{}; ///< in the currency of the posting
+  vlfn98::TaxSplit amounts{};       ///< in the currency of the posting
   int64_t ownGross = 0, ownNet = 0; ///< in the client's
   char dueDate[7] = "";             ///< reversed; empty: none
 };

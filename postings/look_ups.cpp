@@ -10,7 +10,7 @@
 #include "vlfn98/accounts.h"
 
 using namespace vldb98;
-using vlfn98::Kostenseite;
+using vlfn98::CostSide;
 
 namespace postings {
 namespace {
@@ -18,8 +18,8 @@ namespace {
 constexpr size_t kWorthAStep = 2; // look-ups
 
 // The account that bears a line's costs; null: none, or both.
-const char *costTypeOf(const LineInProgress &line, Kostenseite side) {
-  return side == Kostenseite::Soll ? line.debit.number : side == Kostenseite::Haben ? line.credit.number : nullptr;
+const char *costTypeOf(const LineInProgress &line, CostSide side) {
+  return side == CostSide::Debit ? line.debit.number : side == CostSide::Credit ? line.credit.number : nullptr;
 }
 
 /// Look-ups, each of them once.
@@ -47,7 +47,7 @@ public:
     const std::string centre(vlba98::trimmed(number));
     if (centre.empty()) return;
     SCHLUESSEL key;
-    const int byNumber = vlfn98::GetKostKontoKey(centre.c_str(), vlfn98::kostDimension(client, n), nullptr, key);
+    const int byNumber = vlfn98::GetKostKontoKey(centre.c_str(), vlfn98::costDimension(client, n), nullptr, key);
     add(ReadOp::Exact, FileNumber(kKost + byNumber), key);
     if (!costType) return;
     add(ReadOp::Ge, kKombination, std::string_view(costType));
@@ -99,7 +99,7 @@ void readAheadOfAccounts(PostingInProgress &posting) {
       if (const int16_t key = account.taxKey(); key != 0) wanted.add(ReadOp::Le, kSteusa, key, day);
       if (account.term != 0 && posting.given.head.Zahlungsziel == 0) wanted.add(ReadOp::Exact, kZahlziel, account.term);
     }
-    const Kostenseite side =
+    const CostSide side =
         vlfn98::BestimmeKostenseite(ledgerAccounts[0], ledgerAccounts[1], client.Kostenstellenpflicht);
     for (const PostingCost &cost : line.given->costs) {
       int n = 0;
@@ -111,7 +111,7 @@ void readAheadOfAccounts(PostingInProgress &posting) {
   wanted.tell(posting.store);
 }
 
-void readAheadOfShares(PostingInProgress &posting, const LineInProgress &line, Kostenseite side,
+void readAheadOfShares(PostingInProgress &posting, const LineInProgress &line, CostSide side,
                        const std::vector<KOSCHA_ZEILE> &shares) {
   if (!posting.store.IsUsedEngineSQL() || shares.empty()) return;
   LookUps wanted;

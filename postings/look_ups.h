@@ -16,7 +16,7 @@ void readAhead(PostingInProgress &posting);
 void readAheadOfAccounts(PostingInProgress &posting);
 
 /// What the shares of a cost template do.
-void readAheadOfShares(PostingInProgress &posting, const LineInProgress &line, vlfn98::Kostenseite side,
+void readAheadOfShares(PostingInProgress &posting, const LineInProgress &line, vlfn98::CostSide side,
                        const std::vector<vldb98::KOSCHA_ZEILE> &shares);
 
 } // namespace postings

@@ -19,7 +19,7 @@ std::string currencyAndDay(const MissingRate &missing) {
   return std::string(missing.currency) + " am " + dayOf(missing).data();
 }
 
-std::optional<vlfn98::Wechselkurs> askForRate(const MissingRate &missing, std::string_view ownCurrency) {
+std::optional<vlfn98::ExchangeRate> askForRate(const MissingRate &missing, std::string_view ownCurrency) {
   const auto day = dayOf(missing);
   std::string prompt(resources::text(resources::kKursEingabe));
   for (std::string_view value : {std::string_view(missing.currency), std::string_view(day.data()),
@@ -28,7 +28,7 @@ std::optional<vlfn98::Wechselkurs> askForRate(const MissingRate &missing, std::s
   for (;;) {
     auto entered = platform::ui().input(frame::kMessageCaption, prompt);
     if (!entered) return std::nullopt;
-    if (auto millionths = vlfn98::parseKurs(vlba98::trimmed(*entered))) return vlfn98::Wechselkurs{*millionths, 1};
+    if (auto millionths = vlfn98::parseRate(vlba98::trimmed(*entered))) return vlfn98::ExchangeRate{*millionths, 1};
     frame::showMessage(resources::kKursUnzulaessig);
   }
 }

@@ -20,9 +20,9 @@ int32_t HoleMandantenDaten(Store &store, int64_t client) {
 }
 
 bool IsBuchjahr(Store &store, const vlba98::Date &day, bool closedToo) {
-  const auto year = HoleGeschaeftsjahr(store, day);
+  const auto year = findFiscalYear(store, day);
   if (!year || (year->Abgeschlossen && !closedToo)) return false;
-  oeffne(store, *year);
+  openFiscalYear(store, *year);
   return true;
 }
 

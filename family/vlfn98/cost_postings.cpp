@@ -19,31 +19,31 @@ constexpr int kDimensions = 6;
 class NamedCentres {
 public:
   NamedCentres(const FISTA_EXT &client, int32_t dimension) {
-    for (int n = 0; n < kKostenstellen; ++n)
-      counts_[n] = dimension < 0 || dimension >= kDimensions || kostDimension(client, n) == dimension;
+    for (int n = 0; n < kCentresPerPosting; ++n)
+      counts_[n] = dimension < 0 || dimension >= kDimensions || costDimension(client, n) == dimension;
   }
   template <class Wanted> bool any(const KOSTENBELEG &posting, Wanted &&wanted) const {
     struct Named {
       const char *number, *reference;
     };
-    const Named named[kKostenstellen] = {
+    const Named named[kCentresPerPosting] = {
         {posting.Kostenstelle1, posting.Kostref1}, {posting.Kostenstelle2, posting.Kostref2},
         {posting.Kostenstelle3, posting.Kostref3}, {posting.Kostenstelle4, posting.Kostref4},
         {posting.Kostenstelle5, posting.Kostref5}, {posting.Kostenstelle6, posting.Kostref6}};
-    for (int n = 0; n < kKostenstellen; ++n)
+    for (int n = 0; n < kCentresPerPosting; ++n)
       if (counts_[n] && wanted(std::string(vlba98::trimmed(named[n].number)), vlba98::trimmed(named[n].reference)))
         return true;
     return false;
   }
 
 private:
-  bool counts_[kKostenstellen];
+  bool counts_[kCentresPerPosting];
 };
 
-void add(Werte &values, const KOSTENBELEG &posting) {
+void add(AccountValues &values, const KOSTENBELEG &posting) {
   const int sign = posting.Flags & kLessensCosts ? -1 : 1;
-  values.soll += sign * vlba98::parseMoney(posting.Betrag).value_or(0);
-  values.euroSoll += sign * vlba98::parseMoney(posting.EuroBetrag).value_or(0);
+  values.debit += sign * vlba98::parseMoney(posting.Betrag).value_or(0);
+  values.euroDebit += sign * vlba98::parseMoney(posting.EuroBetrag).value_or(0);
 }
 
 } // namespace
@@ -57,9 +57,9 @@ bool IsKostrefActive(Store &store) {
   return active;
 }
 
-Werte SummeDerKostenbuchungen(Store &store, const Zeitspanne &days, const Kostenauswahl &selection) {
-  Werte values;
-  if (days.von > days.bis) return values;
+AccountValues sumOfCosts(Store &store, const DateRange &days, const CostSelection &selection) {
+  AccountValues values;
+  if (days.first > days.last) return values;
   FISTA_EXT client{};
   uint8_t found;
   must(store.GetExtFista(client, found));
@@ -72,18 +72,18 @@ Werte SummeDerKostenbuchungen(Store &store, const Zeitspanne &days, const Kosten
   };
   constexpr FileNumber byDate = fileNumber(kKostenbeleg, 1);
   auto key = [](const vlba98::Date &day) { return keyOf(byDate, vlba98::toReversed(day).data()); };
-  forEach<KOSTENBELEG>({store, byDate}, Between{key(days.von), key(days.bis)}, [&](const KOSTENBELEG &posting) {
+  forEach<KOSTENBELEG>({store, byDate}, Between{key(days.first), key(days.last)}, [&](const KOSTENBELEG &posting) {
     if (counts(posting)) add(values, posting);
   });
   return values;
 }
 
-Werte GetKostMonatsWerte(Store &store, const KOST &centre, const Zeitspanne &days) {
-  Kostenauswahl selection;
+AccountValues costsOfCentre(Store &store, const KOST &centre, const DateRange &days) {
+  CostSelection selection;
   selection.costCentres = {std::string(vlba98::trimmed(centre.Nr))};
   selection.reference = vlba98::trimmed(centre.Kostref);
   selection.dimension = centre.Dimension;
-  return SummeDerKostenbuchungen(store, days, selection);
+  return sumOfCosts(store, days, selection);
 }
 
 } // namespace vlfn98

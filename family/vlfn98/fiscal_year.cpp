@@ -26,37 +26,37 @@ Date firstDay(const GESCHAEFTSJAHR &year, int month) {
 
 } // namespace
 
-std::optional<GESCHAEFTSJAHR> HoleGeschaeftsjahr(Store &store, const Date &wanted) {
+std::optional<GESCHAEFTSJAHR> findFiscalYear(Store &store, const Date &wanted) {
   auto year = atMost<GESCHAEFTSJAHR>({store, fileNumber(kGeschaeftsjahr, 1)}, vlba98::toReversed(wanted).data());
   // Between two fiscal years may lie days of none.
   return year && wanted <= day(year->Ende) ? year : std::nullopt;
 }
 
-std::optional<GESCHAEFTSJAHR> HoleGeschaeftsjahr(Store &store, int calendarYear) {
+std::optional<GESCHAEFTSJAHR> findFiscalYear(Store &store, int calendarYear) {
   if (calendarYear < vlba98::firstYear || calendarYear > vlba98::lastYear) return std::nullopt;
   return find<GESCHAEFTSJAHR>(store, calendarYear);
 }
 
-void oeffne(Store &store, const GESCHAEFTSJAHR &year) {
+void openFiscalYear(Store &store, const GESCHAEFTSJAHR &year) {
   char code[3];
   must(vlba98::itotwo(year.Jahr - vlba98::firstYear, code));
   if (std::strcmp(store.HoleOpenJahr(), code) != 0) must(store.SetzeOpenJahr(code));
 }
 
 bool OeffneJahr(Store &store, int calendarYear) {
-  const auto year = HoleGeschaeftsjahr(store, calendarYear);
-  if (year) oeffne(store, *year);
+  const auto year = findFiscalYear(store, calendarYear);
+  if (year) openFiscalYear(store, *year);
   return year.has_value();
 }
 
-int BuchungsMonat(const GESCHAEFTSJAHR &year, const Date &wanted) {
+int fiscalMonth(const GESCHAEFTSJAHR &year, const Date &wanted) {
   Date begin = day(year.Beginn);
-  return std::clamp(kMonate * (wanted.year - begin.year) + wanted.month - begin.month + 1, 1, kMonate);
+  return std::clamp(kMonths * (wanted.year - begin.year) + wanted.month - begin.month + 1, 1, kMonths);
 }
 
-Zeitspanne TageDerMonate(const GESCHAEFTSJAHR &year, int first, int last) {
+DateRange daysOfMonths(const GESCHAEFTSJAHR &year, int first, int last) {
   Date end = day(year.Ende);
-  if (last < kMonate) {
+  if (last < kMonths) {
     Date next = firstDay(year, last + 1);
     end = std::min(end, vlba98::addDays(next, -1).value_or(end));
   }

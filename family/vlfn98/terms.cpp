@@ -25,7 +25,7 @@ bool IsZahlziel(Store &store, int32_t number) {
   return exists<ZAHLZIEL>(store, number);
 }
 
-std::optional<vlba98::Date> faelligkeit(const ZAHLZIEL &term, const vlba98::Date &from) {
+std::optional<vlba98::Date> dueDate(const ZAHLZIEL &term, const vlba98::Date &from) {
   auto due = vlba98::addDays(from, term.Zahltage);
   if (due) due = vlba98::addMonths(*due, term.MonatePlus);
   if (!due || term.TagInMonat <= 0) return due;
@@ -40,7 +40,7 @@ std::optional<vlba98::Date> faelligkeit(const ZAHLZIEL &term, const vlba98::Date
 void ErmittleZahlungsziel(Store &store, int32_t number, const vlba98::Date &from, char (&due)[7]) {
   due[0] = 0;
   const auto term = number != 0 ? find<ZAHLZIEL>(store, number) : std::nullopt;
-  if (const auto day = term ? faelligkeit(*term, from) : std::nullopt)
+  if (const auto day = term ? dueDate(*term, from) : std::nullopt)
     std::memcpy(due, vlba98::toReversed(*day).data(), sizeof due);
 }
 

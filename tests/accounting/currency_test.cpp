@@ -16,7 +16,7 @@ using namespace vlfn98;
 TEST(ExchangeRate, TextsThatAreNone) {
   for (const char *text : {"", ",", "1,", ",5", "0", "0,000000", "-1,05", "1.05", "1,1234567", "1234567890", "1,05 ",
                            " 1,05", "1,0,5", "1,0x", "12345678,1234", "1e3"})
-    EXPECT_EQ(parseKurs(text), std::nullopt) << text;
+    EXPECT_EQ(parseRate(text), std::nullopt) << text;
 }
 
 TEST(ExchangeRate, TextsAndMillionths) {
@@ -34,17 +34,17 @@ TEST(ExchangeRate, TextsAndMillionths) {
               {"999999999", 999'999'999'000'000, "999999999,00"},
               {"12345678,125", 12'345'678'125'000, "12345678,125"}};
   for (const auto &row : rows) {
-    EXPECT_EQ(parseKurs(row.text), row.millionths) << row.text;
+    EXPECT_EQ(parseRate(row.text), row.millionths) << row.text;
     char text[13];
-    formatKurs(row.millionths, text);
+    formatRate(row.millionths, text);
     EXPECT_STREQ(text, row.written);
-    EXPECT_EQ(parseKurs(text), row.millionths) << text;
+    EXPECT_EQ(parseRate(text), row.millionths) << text;
   }
 }
 
 TEST(ExchangeRate, ConvertsLikeReckoningOnPaper) {
   auto random = generator();
-  auto check = [](int64_t foreign, const Wechselkurs &rate) {
+  auto check = [](int64_t foreign, const ExchangeRate &rate) {
     const std::string exact =
         longhand::mulDiv(foreign, rate.millionths, int64_t{rate.units} * 1'000'000, vlba98::Rounding::halfAwayFromZero);
     const bool fits = !exact.empty() && std::abs(std::stoll(exact)) <= vlba98::maxMoney;
@@ -70,7 +70,7 @@ class Rates : public Books {
 protected:
   /// "rate/units" on a day; "none"; "failed".
   std::string on(const char *currency, const char *day) try {
-    const auto rate = HoleKurs(*store, currency, day);
+    const auto rate = findRate(*store, currency, day);
     return rate ? std::to_string(rate->millionths) + "/" + std::to_string(rate->units) : "none";
   } catch (const StoreFailed &) {
     return "failed";
@@ -95,12 +95,12 @@ TEST_F(Rates, OfADayAreTheLatestUpToIt) {
 }
 
 TEST_F(Rates, AreStoredOncePerDay) {
-  SpeichereKurs(*store, "GBP", "460315", {1'154'321, 10});
+  storeRate(*store, "GBP", "460315", {1'154'321, 10});
   EXPECT_EQ(on("GBP", "460315"), "1154321/10");
   EXPECT_EQ(on("GBP", "460314"), "none");
-  SpeichereKurs(*store, "GBP", "460315", {2'000'000, 1});
+  storeRate(*store, "GBP", "460315", {2'000'000, 1});
   EXPECT_EQ(on("GBP", "461231"), "1154321/10") << "somebody was quicker";
-  SpeichereKurs(*store, "GBP", "460316", {2'000'000, 1});
+  storeRate(*store, "GBP", "460316", {2'000'000, 1});
   EXPECT_EQ(on("GBP", "461231"), "2000000/1");
   uint8_t found = 0;
   ASSERT_TRUE(store->SetzeFista(2, found) && found);

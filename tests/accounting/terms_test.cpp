@@ -44,7 +44,7 @@ TEST(DueDate, AtTheCornersOfTheCalendar) {
       {{2079, 12, 1}, 30, 0, 0, "2079-12-31"},
   };
   for (const auto &row : rows)
-    EXPECT_EQ(shown(vlfn98::faelligkeit(term(row.days, row.months, row.dayOfMonth), row.from)), row.due)
+    EXPECT_EQ(shown(vlfn98::dueDate(term(row.days, row.months, row.dayOfMonth), row.from)), row.due)
         << shown(row.from) << " " << row.days << " " << row.months << " " << row.dayOfMonth;
 }
 
@@ -88,7 +88,7 @@ TEST(DueDate, AgreesWithACountOfDays) {
     ASSERT_TRUE(from);
     const int days = random() % 2 ? int(random() % 100) : 0, months = random() % 2 ? int(random() % 100) : 0,
               dayOfMonth = random() % 3 ? int(random() % 32) : 0;
-    ASSERT_EQ(shown(vlfn98::faelligkeit(term(int16_t(days), int16_t(months), int16_t(dayOfMonth)), *from)),
+    ASSERT_EQ(shown(vlfn98::dueDate(term(int16_t(days), int16_t(months), int16_t(dayOfMonth)), *from)),
               counted(*from, days, months, dayOfMonth))
         << shown(from) << " " << days << " " << months << " " << dayOfMonth;
   }

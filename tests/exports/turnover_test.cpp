@@ -23,14 +23,14 @@ struct Values {
       for (int64_t &value : *side)
         value = int64_t(random() % 20'000'001) - 5'000'000;
   }
-  void write(KONTOWERTE &target, const std::array<int64_t, 14> &soll, const std::array<int64_t, 14> &haben) const {
-    put(target.Eroeffnung.Soll, internalForm(soll[0]));
-    put(target.Eroeffnung.Haben, internalForm(haben[0]));
-    put(target.Abschluss.Soll, internalForm(soll[13]));
-    put(target.Abschluss.Haben, internalForm(haben[13]));
+  void write(KONTOWERTE &target, const std::array<int64_t, 14> &debits, const std::array<int64_t, 14> &credits) const {
+    put(target.Eroeffnung.Soll, internalForm(debits[0]));
+    put(target.Eroeffnung.Haben, internalForm(credits[0]));
+    put(target.Abschluss.Soll, internalForm(debits[13]));
+    put(target.Abschluss.Haben, internalForm(credits[13]));
     for (int month = 1; month <= 12; ++month) {
-      put(target.Monat[month - 1].Soll, internalForm(soll[size_t(month)]));
-      put(target.Monat[month - 1].Haben, internalForm(haben[size_t(month)]));
+      put(target.Monat[month - 1].Soll, internalForm(debits[size_t(month)]));
+      put(target.Monat[month - 1].Haben, internalForm(credits[size_t(month)]));
     }
   }
   template <class Account> void writeTo(Account &account) const {

@@ -342,11 +342,11 @@ TEST_P(Contract, InsertAssignsNumbers) {
 
   record = {};
   std::set<std::string> identifiers;
-  for (int32_t stapel : {1, 2}) {
-    record.Batchbuchung.Stapel = stapel;
+  for (int32_t batch : {1, 2}) {
+    record.Batchbuchung.Stapel = batch;
     for (int32_t n : {1, 2, 3}) {
       put(record.Batchbuchung.Kennung, "");
-      EXPECT_EQ(inserted(kBatchbuchung, 0), n) << "batch " << stapel;
+      EXPECT_EQ(inserted(kBatchbuchung, 0), n) << "batch " << batch;
       identifiers.insert(record.Batchbuchung.Kennung);
     }
   }

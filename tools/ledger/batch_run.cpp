@@ -197,9 +197,9 @@ private:
     const auto credit = generalLedgerAccount(year, line->Habenart, line->Habenkonto);
     const auto side = vlfn98::BestimmeKostenseite(debit ? &*debit : nullptr, credit ? &*credit : nullptr,
                                                   chart_.mandatoryCostCentres());
-    if (side != vlfn98::Kostenseite::Soll && side != vlfn98::Kostenseite::Haben)
+    if (side != vlfn98::CostSide::Debit && side != vlfn98::CostSide::Credit)
       throw Refusal{"Die Kostenbuchung hat keine eindeutige Kostenart."};
-    CostsOfLine costs{line, side == vlfn98::Kostenseite::Haben};
+    CostsOfLine costs{line, side == vlfn98::CostSide::Credit};
     const Account &costType =
         chart_.account(year, kSachkonto, costs.onCredit ? line->Habenkonto : line->Sollkonto, "Konto");
     for (const Movement &movement : movements)
@@ -255,11 +255,11 @@ private:
     vlba98::strncpy2(written.Bemerkung2, cost.Bemerkung2);
     const Amount moved = costs.onCredit ? Amount{-amount.own, -amount.euro} : amount;
     std::vector<CostCentre *> centres; // that it names, each once
-    for (int n = 0; n < vlfn98::kKostenstellen; ++n) {
+    for (int n = 0; n < vlfn98::kCentresPerPosting; ++n) {
       const char *number = centresOf(cost)[size_t(n)];
       std::memcpy(centresOf(written)[size_t(n)], number, sizeof written.Kostenstelle1);
       if (vlba98::trimmed(number).empty()) continue;
-      CostCentre &centre = chart_.centre(year, vlfn98::kostDimension(chart_.extension(), n), number);
+      CostCentre &centre = chart_.centre(year, vlfn98::costDimension(chart_.extension(), n), number);
       std::memcpy(referencesOf(written)[size_t(n)], centre.record.Kostref, sizeof written.Kostref1);
       if (std::find(centres.begin(), centres.end(), &centre) != centres.end()) continue;
       centres.push_back(&centre);

@@ -46,7 +46,7 @@ Chart::Chart(Store &store) : store_(store) {
   uint8_t found;
   must(store.GetExtFista(extension_, found));
   if (!client.Euro) {
-    euroRate_ = vlfn98::parseKurs(client.Eurokurs).value_or(0);
+    euroRate_ = vlfn98::parseRate(client.Eurokurs).value_or(0);
     if (euroRate_ <= 0) throw Refusal{"Der Mandant hat keinen Eurokurs."};
   }
   char first[3];
@@ -153,7 +153,7 @@ Amount Chart::valued(int64_t own) const {
 int Chart::monthOf(const Year &year, const char *reversedDate) {
   const auto day = vlba98::fromReversed(reversedDate);
   if (!day) throw StoreFailed();
-  return vlfn98::BuchungsMonat(year.record, *day);
+  return vlfn98::fiscalMonth(year.record, *day);
 }
 
 void Chart::add(MoneyText &sum, int64_t amount, const std::string &of) {

@@ -46,14 +46,14 @@ public:
   std::vector<Movement> movements() {
     const Value gross = stored(line_.Brutto, line_.BruttoFW), tax = stored(line_.Steuerbetrag, line_.SteuerFW);
     const Value net = gross - tax;
-    const auto side = vlfn98::Steuerseite(line_.Steuerseite);
-    if (valueOf(line_.Netto) != net.amount.own || (tax.amount.own != 0 && side == vlfn98::Steuerseite::Keine))
+    const auto side = vlfn98::TaxSide(line_.Steuerseite);
+    if (valueOf(line_.Netto) != net.amount.own || (tax.amount.own != 0 && side == vlfn98::TaxSide::None))
       throw Refusal{"Netto- und Steuerbetrag ergeben nicht den Bruttobetrag."};
-    taxOnDebit_ = side == vlfn98::Steuerseite::Soll;
-    const bool taxOnCredit = side == vlfn98::Steuerseite::Haben;
+    taxOnDebit_ = side == vlfn98::TaxSide::Debit;
+    const bool taxOnCredit = side == vlfn98::TaxSide::Credit;
     add(*debit_, true, taxOnDebit_ ? net : gross);
     add(*credit_, false, taxOnCredit ? net : gross);
-    if (side != vlfn98::Steuerseite::Keine && line_.Steuerschluessel != 0) addTax(gross, tax);
+    if (side != vlfn98::TaxSide::None && line_.Steuerschluessel != 0) addTax(gross, tax);
     addControlAccounts();
     return std::move(movements_);
   }

@@ -152,8 +152,7 @@ OPBELEG OpenItems::created(const BATCHBUCHUNG &posting, const ItemMovement &move
     putDiscount(item.Skontodatum1, item.Skontosatz1, term->Skontotage1, term->Skontosatz1, *from);
     putDiscount(item.Skontodatum2, item.Skontosatz2, term->Skontotage2, term->Skontosatz2, *from);
     if (!*item.Faelligkeit)
-      if (auto due = vlfn98::faelligkeit(*term, *from))
-        vlba98::strncpy2(item.Faelligkeit, vlba98::toReversed(*due).data());
+      if (auto due = vlfn98::dueDate(*term, *from)) vlba98::strncpy2(item.Faelligkeit, vlba98::toReversed(*due).data());
   }
   return item;
 }
