@@ -20,8 +20,6 @@ using namespace vldb98;
 
 namespace {
 
-// Records of a fiscal year: the kind of the fetch, whatever their table.
-constexpr int32_t kJahressaetze = 117;
 constexpr int kValues = vlfn98::kMonths + 1; // the months and the year
 
 int tableOfKind(int32_t kind) {
@@ -69,7 +67,7 @@ ZelkResult start(ThreadContext &context, Store &store, FileNumber file, const SC
                  const char *reference) {
   if (ZelkResult started = startFetch(context, store, file, from, ZELK_keinKonto); started != ZELK_OK) return started;
   SharedFetch &fetch = context.fetch;
-  fetch.kind = kJahressaetze;
+  fetch.kind = kYearRecords;
   Centres wanted{dimension, ""};
   if (reference && *reference) {
     vlba98::strncpy2(wanted.reference, reference);
@@ -84,7 +82,7 @@ ZelkResult start(ThreadContext &context, Store &store, FileNumber file, const SC
 
 // Reads the next record that belongs to the fetch.
 ZelkResult readNext(ThreadContext &context, DATENBANK &next) {
-  ZelkResult result = readNext(context, kJahressaetze, next);
+  ZelkResult result = readNext(context, kYearRecords, next);
   if (result != ZELK_OK) return result;
   try {
     return skip(context.store(), context.fetch, next) ? ZELK_OK : ZELK_letzterDatensatz;
@@ -142,7 +140,7 @@ ZelkResult ZELK_CALL ZELK_InitHoleSollwerte(int32_t Mandantennummer, int32_t Kon
                if (ZelkResult opened = openClient(*context, store, Mandantennummer); opened <= 0) return opened;
                if (Outcome opened = openYear(store, Jahr); opened.result <= 0) return finish(*context, opened);
                const int table = tableOfKind(Kontoart);
-               waitForYear(store, kJahressaetze, table);
+               waitForYear(store, kYearRecords, table);
                const FileNumber file = fileNumber(table, vlfn98::keyIndex(table, Sortierung));
                if (!Ab || !*Ab) return start(*context, store, file, nullptr, Dimension, Kostref);
                const SCHLUESSEL key = keyOf(file, Ab);
@@ -165,7 +163,7 @@ ZelkResult ZELK_CALL ZELK_HoleSollwerte(char *Kontonummer, char *Kuerzel, char *
               out("Mon12:", pszMon12), out("Gesamt:", pszGesamt), out("SWinEuro:", plSWinEuro)},
              [&](ThreadContext *context) -> ZelkResult {
                SharedFetch &fetch = context->fetch;
-               if (fetch.kind != kJahressaetze) return ZELKERR_keinInit;
+               if (fetch.kind != kYearRecords) return ZELKERR_keinInit;
                if (!fetch.pending) return ZELKERR_keinDatensatz;
                const bool anyValue = std::any_of(std::begin(values), std::end(values), [](char *v) { return v; });
                if (anyValue && !isAmountForm(Ausgabeart)) return finish(*context, checkForm(Ausgabeart));

@@ -9,6 +9,9 @@
 #include "vlba98/encoding.h"
 #include "vlba98/text.h"
 #include "vlfn98/cost_postings.h"
+#include "vlfn98/costs.h"
+#include "vlfn98/periods.h"
+#include "vlfn98/structure_lines.h"
 
 using namespace evaluations;
 using namespace frame;
@@ -16,11 +19,7 @@ using namespace vldb98;
 
 namespace {
 
-constexpr FileNumber kJahressaetze = 117;
 constexpr size_t kMaxNumber = 9;
-constexpr int32_t kDimensionen = 6;
-constexpr int32_t kErstesQuartal = 13, kGanzesJahr = 17;
-constexpr int32_t kKontozeile = 1, kVerborgen = 4; // flags of a structure line
 
 /// What a call asks for. Empty texts: not given.
 struct CostRequest {
@@ -56,7 +55,8 @@ Outcome checkYear(Store &store, int32_t year) {
 std::set<std::string> numbersOf(Store &store, int32_t structure) {
   std::set<std::string> numbers;
   forEachStored<AUFBAU>({store, kStructureTables[size_t(structure)]}, [&](const AUFBAU &line) {
-    if ((line.Flags & kKontozeile) && !(line.Flags & kVerborgen)) numbers.emplace(vlba98::trimmed(line.Name));
+    if ((line.Flags & vlfn98::kAccountLine) && !(line.Flags & vlfn98::kHidden))
+      numbers.emplace(vlba98::trimmed(line.Name));
   });
   return numbers;
 }
@@ -70,7 +70,7 @@ public:
   Outcome select(vlfn98::CostSelection &selection) {
     if (request_.structure >= int32_t(kStructureTables.size()))
       return inadmissible(ZELKERR_uzl_Kontonr, "Der Aufbau ist");
-    const bool hasDimension = request_.dimension >= 0 && request_.dimension < kDimensionen;
+    const bool hasDimension = request_.dimension >= 0 && request_.dimension < vlfn98::kDimensions;
     const bool referenced = !request_.reference.empty() && vlfn98::IsKostrefActive(store_);
     if (request_.structure > 0) inStructure_ = numbersOf(store_, request_.structure);
     if (request_.costCentre.empty() && request_.structure <= 0 && !referenced) return {};
@@ -112,16 +112,16 @@ Outcome costsOf(Store &store, const CostRequest &request, int64_t &euro) {
   vlfn98::CostSelection selection;
   if (Outcome selected = select(store, request, selection); selected.result <= 0) return selected;
   int first = request.period, last = first;
-  if (request.period == kGanzesJahr) {
+  if (request.period == vlfn98::kYearOfCosts) {
     first = 1;
     last = vlfn98::kMonths;
-  } else if (request.period >= kErstesQuartal && request.period < kGanzesJahr) {
-    first = 3 * (request.period % kErstesQuartal) + 1;
+  } else if (request.period >= vlfn98::kFirstQuarter && request.period < vlfn98::kYearOfCosts) {
+    first = 3 * (request.period - vlfn98::kFirstQuarter) + 1;
     last = first + 2;
   } else if (request.period < 1 || request.period > vlfn98::kMonths)
     return {ZELKERR_uzl_Zeitraum, resources::kIstUnzulaessig, "Zeitraum"};
   const auto year = vlfn98::findFiscalYear(store, request.year).value_or(GESCHAEFTSJAHR{});
-  waitForYear(store, kJahressaetze, kKostenbeleg);
+  waitForYear(store, kYearRecords, kKostenbeleg);
   const vlfn98::DateRange days = vlfn98::daysOfMonths(year, first, last);
   euro = vlfn98::sumOfCosts(store, days, selection).euroBalance();
   return {};

@@ -7,14 +7,13 @@
 #include "vlba98/date.h"
 #include "vlfn98/accounts.h"
 #include "vlfn98/cost_postings.h"
+#include "vlfn98/periods.h"
 
 using namespace frame;
 using namespace vldb98;
 
 namespace evaluations {
 namespace {
-
-constexpr FileNumber kJahressaetze = 117, kJahresbuchungen = 118;
 
 Outcome openYear(Store &store, int32_t year) {
   // Opening the client has opened its current booking year.
@@ -41,10 +40,10 @@ Outcome sumUpTo(Store &store, const AccountRequest &account, const char *date, v
   if (!year) return noSuchAccount(account.kind);
   vlfn98::openFiscalYear(store, *year);
   const int table = vlfn98::KzFromZELKArt(account.kind);
-  waitForYear(store, kJahressaetze, table);
+  waitForYear(store, kYearRecords, table);
   DATENBANK record{};
   if (Outcome read = readAccount(store, account, record); read.result <= 0) return read;
-  waitForYear(store, kJahresbuchungen, -1);
+  waitForYear(store, kYearEntries, -1);
 
   const int month = vlfn98::fiscalMonth(*year, *day);
   values = vlfn98::sumOfValues(table, record, {1, month - 1, true, false});
@@ -57,23 +56,23 @@ Outcome sumUpTo(Store &store, const AccountRequest &account, const char *date, v
 } // namespace
 
 std::optional<vlfn98::ValueRange> parsePeriod(int32_t code) {
-  const int32_t number = code & kZeitraumMaske;
+  const int32_t number = code & vlfn98::kPeriodMask;
   vlfn98::ValueRange range;
-  if (number < 1 || number > kGanzesJahr) return std::nullopt;
-  if (number < kErstesQuartal)
+  if (number < 1 || number > vlfn98::kWholeYear) return std::nullopt;
+  if (number < vlfn98::kFirstQuarter)
     range.first = range.last = number;
-  else if (number < kNurEroeffnung) {
-    range.first = 3 * (number - kErstesQuartal) + 1;
+  else if (number < vlfn98::kOpeningOnly) {
+    range.first = 3 * (number - vlfn98::kFirstQuarter) + 1;
     range.last = range.first + 2;
-  } else if (number == kAlleMonate || number == kGanzesJahr)
+  } else if (number == vlfn98::kAllMonths || number == vlfn98::kWholeYear)
     range.last = vlfn98::kMonths;
-  if ((code & kKumuliert) && range.first <= range.last) range.first = 1;
-  if (number == kNurEroeffnung || number == kNurAbschluss) {
-    range.opening = number == kNurEroeffnung;
-    range.closing = number == kNurAbschluss;
+  if ((code & vlfn98::kCumulative) && range.first <= range.last) range.first = 1;
+  if (number == vlfn98::kOpeningOnly || number == vlfn98::kClosingOnly) {
+    range.opening = number == vlfn98::kOpeningOnly;
+    range.closing = number == vlfn98::kClosingOnly;
   } else {
-    range.opening = number == kGanzesJahr || ((code & kMitEroeffnung) && range.first == 1);
-    range.closing = number == kGanzesJahr || ((code & kMitAbschluss) && range.last == vlfn98::kMonths);
+    range.opening = number == vlfn98::kWholeYear || ((code & vlfn98::kWithOpening) && range.first == 1);
+    range.closing = number == vlfn98::kWholeYear || ((code & vlfn98::kWithClosing) && range.last == vlfn98::kMonths);
   }
   return range;
 }

@@ -8,6 +8,8 @@
 #include "store/typed.h"
 #include "vlba98/money.h"
 #include "vlba98/text.h"
+#include "vlfn98/accounts.h"
+#include "vlfn98/client.h"
 #include "vlfn98/documents.h"
 
 using namespace vldb98;
@@ -15,12 +17,9 @@ using namespace vldb98;
 namespace frame {
 namespace {
 
-constexpr int32_t kRundenAufFuenf = 0x2000; // of the client's posting options
-constexpr int16_t kSachkontoArt = 2;        // a general-ledger account among the store's account kinds
-
 void fill(ZELK_OUT_SACHKONTO &out, int32_t value, const SACHKONTO &account) {
   out.Wert = value;
-  out.Kontoart = kSachkontoArt;
+  out.Kontoart = vlfn98::ZELKKontoArtToKontoArt(ZELK_SACHKONTO);
   out.Steuerschluessel = account.Steuerschluessel;
   out.Kostenschablone = account.Kostenschablone;
   vlba98::copyTrimmed(out.Kontonummer, account.Nr);
@@ -81,7 +80,7 @@ void fill(ZELK_SPLITBUCHUNG &out, int32_t value, const BATCHBUCHUNG &posting, St
   } catch (const StoreFailed &) {
     // A change without the identifier is better than none.
   }
-  const bool roundsToFive = (client.Optionen & kRundenAufFuenf) != 0;
+  const bool roundsToFive = (client.Optionen & vlfn98::kRoundToFive) != 0;
   for (ZELK_TEILBUCHUNG &line : out.Teilbuchung) {
     const SPLIT *stored = store->PSplit(start++);
     if (!stored || stored->Stapel != posting.Stapel || stored->Buchung != posting.Nr) break;

@@ -1,14 +1,13 @@
 #include "postings/amounts.h"
 
 #include "vlba98/text.h"
+#include "vlfn98/client.h"
 #include "vlfn98/terms.h"
 
 using namespace vldb98;
 
 namespace postings {
 namespace {
-
-constexpr int32_t kRundenAufFuenf = 0x2000; // of the client's posting options
 
 bool hasTaxKey(const LineAccount &account) {
   return (account.found->taxKey() & ~vlfn98::kNoTaxKey) != 0;
@@ -65,7 +64,7 @@ Refusal AmountReckoning::readTaxKey(LineInProgress &line) {
 }
 
 Refusal AmountReckoning::takeTaxOut(LineInProgress &line) {
-  const bool roundToFive = posting_.foreign && (posting_.client().Optionen & kRundenAufFuenf);
+  const bool roundToFive = posting_.foreign && (posting_.client().Optionen & vlfn98::kRoundToFive);
   const auto amounts = vlfn98::splitTax(line.gross, line.rate, givenTax(line.tax), keyOf(line), roundToFive);
   if (!amounts) return refuseAmount(line, ZELKERR_uzl_Steuerbetrag, "Steuerbetrag");
   line.amounts = *amounts;

@@ -12,7 +12,7 @@ namespace vlfn98 {
 namespace {
 
 template <class Account> const char *valueOf(const Account &account, int kind, int currency, int index) {
-  const KONTOWERTE &values = currency == kEurowert ? account.EuroWerte : account.Werte;
+  const KONTOWERTE &values = currency == kEuro ? account.EuroWerte : account.Werte;
   switch (kind) {
   case kOpeningDebit:
     return values.Eroeffnung.Soll;
@@ -36,10 +36,10 @@ int64_t hundredths(const char *internalForm) {
 template <class Account> AccountValues sum(const Account &account, const ValueRange &range) {
   AccountValues total;
   auto add = [&](int debitKind, int creditKind, int debit, int credit) {
-    total.debit += hundredths(GetSaldozeiger(account, debitKind, kEigeneWaehrung, debit));
-    total.credit += hundredths(GetSaldozeiger(account, creditKind, kEigeneWaehrung, credit));
-    total.euroDebit += hundredths(GetSaldozeiger(account, debitKind, kEurowert, debit));
-    total.euroCredit += hundredths(GetSaldozeiger(account, creditKind, kEurowert, credit));
+    total.debit += hundredths(GetSaldozeiger(account, debitKind, kOwnCurrency, debit));
+    total.credit += hundredths(GetSaldozeiger(account, creditKind, kOwnCurrency, credit));
+    total.euroDebit += hundredths(GetSaldozeiger(account, debitKind, kEuro, debit));
+    total.euroCredit += hundredths(GetSaldozeiger(account, creditKind, kEuro, credit));
   };
   if (range.opening) add(kOpeningDebit, kOpeningCredit, 0, 0);
   if (range.closing) add(kClosingDebit, kClosingCredit, 0, 0);
@@ -57,7 +57,7 @@ const char *GetSaldozeiger(const PERSONENKONTO &account, int kind, int currency,
   return valueOf(account, kind, currency, index);
 }
 const char *GetSaldozeiger(const KOST &centre, int currency, int index) {
-  return currency == kEurowert ? centre.EuroKosten[index] : centre.Kosten[index];
+  return currency == kEuro ? centre.EuroKosten[index] : centre.Kosten[index];
 }
 
 AccountValues sumOfValues(int table, const DATENBANK &record, const ValueRange &range) {
@@ -65,8 +65,8 @@ AccountValues sumOfValues(int table, const DATENBANK &record, const ValueRange &
   if (table != kKost) return sum(record.Personenkonto, range);
   AccountValues total;
   for (int month = range.first; month <= range.last; ++month) {
-    total.debit += hundredths(GetSaldozeiger(record.Kost, kEigeneWaehrung, month - 1));
-    total.euroDebit += hundredths(GetSaldozeiger(record.Kost, kEurowert, month - 1));
+    total.debit += hundredths(GetSaldozeiger(record.Kost, kOwnCurrency, month - 1));
+    total.euroDebit += hundredths(GetSaldozeiger(record.Kost, kEuro, month - 1));
   }
   return total;
 }

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "store/store.h"
+#include "vlfn98/currency.h"
 #include "vlfn98/fiscal_year.h"
 
 namespace vlfn98 {
@@ -18,11 +19,8 @@ enum ValueKind : int {
   kMonthlyValue = 5, ///< by month index
 };
 
-/// Currency indexes of values.
-constexpr int kEigeneWaehrung = 0, kEurowert = -1;
-
 /// The money text of one value.
-/// \param currency 0 the client's currency, -1 Euro
+/// \param currency kOwnCurrency or kEuro
 /// \param index    of a monthly value: 2 m - 2 the debit and 2 m - 1 the credit of month m; of a cost centre, which has
 ///                 monthly values only and no sides: m - 1
 const char *GetSaldozeiger(const vldb98::SACHKONTO &account, int kind, int currency, int index);

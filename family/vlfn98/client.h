@@ -8,6 +8,9 @@
 
 namespace vlfn98 {
 
+/// A posting option of a client (FIRMENSTAMM.Optionen): tax and net amounts are rounded to five hundredths.
+constexpr int32_t kRoundToFive = 0x2000;
+
 /// Opens a client by its number and reads its master record into the store's open client.
 /// \return 1; -5 ZELKERR_uzl_Mandnr for a number that is not in use; -56 ZELKERR_alter_Mandant, -103
 ///         ZELKERR_neuerer_Mandant for data of another program version

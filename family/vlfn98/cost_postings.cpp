@@ -12,9 +12,6 @@ using namespace vldb98;
 namespace vlfn98 {
 namespace {
 
-constexpr int16_t kLessensCosts = 32;
-constexpr int kDimensions = 6;
-
 // The cost centres of a posting that may be the one asked for. However many of them it names, the posting counts once.
 class NamedCentres {
 public:

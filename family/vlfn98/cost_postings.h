@@ -10,6 +10,9 @@
 
 namespace vlfn98 {
 
+/// Mark of a cost posting in KOSTENBELEG.Flags, beside its kind of costs: it stands in credit and lessens them.
+constexpr int16_t kLessensCosts = 32;
+
 /// Whether the open client uses cost references: some cost centre of the open fiscal year has one.
 bool IsKostrefActive(vldb98::Store &store);
 

@@ -10,6 +10,9 @@
 
 namespace vlfn98 {
 
+/// Cost-accounting dimensions, from 0.
+constexpr int kDimensions = 6;
+
 /// Cost centres that one cost posting can name.
 constexpr int kCentresPerPosting = 6;
 

@@ -9,6 +9,9 @@
 
 namespace vlfn98 {
 
+/// Currency indexes: an amount is in the currency of the client, in Euro, or in the one that is named beside it.
+constexpr int16_t kOwnCurrency = 0, kEuro = -1, kOtherCurrency = 1;
+
 /// So many units of the client's currency stand for so many units of the foreign one.
 struct ExchangeRate {
   int64_t millionths = 0; ///< above 0

@@ -1,10 +1,10 @@
 #include "vlfn98/tax.h"
 
-#include <array>
 #include <cstdlib>
 
 #include "store/typed.h"
 #include "vlba98/money.h"
+#include "zelk98/zelk98.h"
 
 using namespace vldb98;
 
@@ -12,8 +12,6 @@ namespace vlfn98 {
 namespace {
 
 constexpr int16_t kNotTakenOut = 8; // a key of this number takes no tax out of the gross amount
-
-constexpr int32_t kKreditorArt = 2, kDebitorArt = 4, kKostenstelleArt = 8;
 
 bool withinRange(int64_t amount) {
   return amount >= -vlba98::maxMoney && amount <= vlba98::maxMoney;
@@ -32,7 +30,7 @@ bool excludesTax(const STEUSA &key) {
 
 TaxChoice chooseTaxKey(int16_t debitKey, int16_t creditKey, int32_t debitKind, int32_t creditKind, bool swissRules) {
   auto mayTake = [&](int32_t against, int32_t own) {
-    return against != kKostenstelleArt && (own != kDebitorArt || swissRules);
+    return against != ZELK_KOSTENSTELLE && (own != ZELK_DEBITOR || swissRules);
   };
   const bool creditHasKey = (creditKey & ~kNoTaxKey) != 0;
   if ((debitKey & ~kNoTaxKey) == 0)
@@ -41,8 +39,20 @@ TaxChoice chooseTaxKey(int16_t debitKey, int16_t creditKey, int32_t debitKind, i
 }
 
 int32_t taxFlags(const STEUSA &key) {
-  static constexpr std::array<int32_t, 5> flagsOfKind{0x1000, 0x0001, 0x0002, 0x0400, 0x0200};
-  return key.Art >= 0 && size_t(key.Art) < flagsOfKind.size() ? flagsOfKind[size_t(key.Art)] : 0;
+  switch (key.Art) {
+  case kTaxFree:
+    return 0x1000;
+  case kOutputTax:
+    return 0x0001;
+  case kInputTax:
+    return 0x0002;
+  case kAcquisition:
+    return 0x0400;
+  case kReverseCharge:
+    return 0x0200;
+  default:
+    return 0;
+  }
 }
 
 std::optional<STEUSA> GetSteusa(Store &store, int16_t key, const char *reversedDate, int64_t rate) {

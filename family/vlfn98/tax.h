@@ -25,11 +25,20 @@ constexpr int16_t kNoTaxKey = 32;
 /// \param swissRules           the client's books are kept under the rules of Switzerland
 TaxChoice chooseTaxKey(int16_t debitKey, int16_t creditKey, int32_t debitKind, int32_t creditKind, bool swissRules);
 
-/// Any of these flags of a tax key: the gross amount holds no tax.
+/// Kinds of tax keys (STEUSA.Art).
+enum TaxKind : int16_t {
+  kTaxFree = 0,
+  kOutputTax = 1,
+  kInputTax = 2,
+  kAcquisition = 3, ///< within the European Union
+  kReverseCharge = 4,
+};
+
+/// Any of these flags of a tax key: the gross amount holds no tax. Tax-free keys, acquisitions and reverse charge have
+/// one.
 constexpr int32_t kTaxExcluded = 0x3600;
 
-/// The flags of a tax key, from its kind: tax-free 0x1000, acquisition 0x0400, reverse charge 0x0200 (all of which
-/// exclude tax from the gross amount), output tax 1, input tax 2.
+/// The flags of a tax key, from its kind; 0 where that is none.
 int32_t taxFlags(const vldb98::STEUSA &key);
 
 /// The record of a tax key of the open client that is valid on a day.

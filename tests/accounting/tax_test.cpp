@@ -29,7 +29,6 @@ STEUSA taxKey(int16_t number, int16_t kind, int16_t share) {
   return key;
 }
 
-constexpr int16_t kTaxFree = 0, kOutput = 1, kInput = 2, kAcquisition = 3, kReverse = 4;
 constexpr auto kNone = std::optional<int64_t>();
 
 std::string shown(const std::optional<TaxSplit> &r) {
@@ -42,7 +41,7 @@ std::string shown(const std::optional<TaxSplit> &r) {
 std::optional<TaxSplit> expected(int64_t gross, int64_t rate, std::optional<int64_t> given, const STEUSA *key,
                                  bool five) {
   const bool withKey = key && rate != 0;
-  const bool excluded = withKey && (key->Art == kTaxFree || key->Art == kAcquisition || key->Art == kReverse);
+  const bool excluded = withKey && (key->Art == kTaxFree || key->Art == kAcquisition || key->Art == kReverseCharge);
   int64_t tax = 0;
   if (!excluded && given) {
     tax = five ? toFive(*given) : *given;
@@ -74,7 +73,7 @@ TEST(Tax, IsReckonedLikeExactFractions) {
       ASSERT_EQ(reckoned->net + reckoned->tax, gross);
     }
   };
-  const STEUSA plain = taxKey(3, kOutput, 0), half = taxKey(5, kInput, 50);
+  const STEUSA plain = taxKey(3, kOutputTax, 0), half = taxKey(5, kInputTax, 50);
   for (int64_t gross = -1'000; gross <= 1'000; ++gross)
     for (int64_t rate : {1, 260, 700, 810, 1'900, 9'999})
       for (const STEUSA *key : {&plain, &half})
@@ -95,9 +94,9 @@ TEST(Tax, IsReckonedLikeExactFractions) {
 }
 
 TEST(Tax, OfTheBook) {
-  const STEUSA output = taxKey(3, kOutput, 0), input = taxKey(5, kInput, 0), half = taxKey(9, kInput, 50),
-               eight = taxKey(8, kInput, 0), acquisition = taxKey(8, kAcquisition, 0),
-               reverse = taxKey(10, kReverse, 0), free = taxKey(1, kTaxFree, 0);
+  const STEUSA output = taxKey(3, kOutputTax, 0), input = taxKey(5, kInputTax, 0), half = taxKey(9, kInputTax, 50),
+               eight = taxKey(8, kInputTax, 0), acquisition = taxKey(8, kAcquisition, 0),
+               reverse = taxKey(10, kReverseCharge, 0), free = taxKey(1, kTaxFree, 0);
   const struct {
     int64_t gross, rate;
     std::optional<int64_t> given;
@@ -133,7 +132,8 @@ TEST(Tax, OfTheBook) {
 }
 
 TEST(Tax, ThatIsGivenFitsWithinFiveHundredths) {
-  const STEUSA whole = taxKey(5, kInput, 0), half = taxKey(9, kInput, 50), acquisition = taxKey(8, kAcquisition, 0);
+  const STEUSA whole = taxKey(5, kInputTax, 0), half = taxKey(9, kInputTax, 50),
+               acquisition = taxKey(8, kAcquisition, 0);
   const struct {
     int64_t gross, rate;
     const STEUSA *key;

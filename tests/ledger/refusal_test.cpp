@@ -9,7 +9,7 @@ namespace {
 
 using namespace vldb98;
 
-constexpr int16_t kOutputTax = 3, kAcquisition = 8;
+constexpr int16_t kOutputTaxKey = 3, kAcquisitionKey = 8;
 
 class LedgerRefusals : public LedgerBooks {
 protected:
@@ -87,9 +87,9 @@ TEST_F(LedgerRefusals, ChangeNothing) {
        "1 B-1: Das Personenkonto 10010 hat kein Sammelkonto.\n"},
       {2026, kKreditor, account("70180"), [](DATENBANK &r) { put(r.Personenkonto.Sammelkonto, "1699   "); },
        "3 B-3: Sammelkonto 1699 gibt es im Geschäftsjahr 2026 nicht.\n"},
-      {2026, kSteusa, taxKey(kOutputTax), [](DATENBANK &r) { put(r.Steusa.Steuerkonto, "       "); },
+      {2026, kSteusa, taxKey(kOutputTaxKey), [](DATENBANK &r) { put(r.Steusa.Steuerkonto, "       "); },
        "1 B-1: Das Steuerkonto des Steuerschlüssels 3 fehlt.\n"},
-      {2026, kSteusa, taxKey(kAcquisition), [](DATENBANK &r) { put(r.Steusa.Gegenkonto, "1599   "); },
+      {2026, kSteusa, taxKey(kAcquisitionKey), [](DATENBANK &r) { put(r.Steusa.Gegenkonto, "1599   "); },
        "3 B-3: Gegenkonto des Steuerschlüssels 8 1599 gibt es im Geschäftsjahr 2026 nicht.\n"},
       {2026, kSplit, KeyBuilder().number(3).number(1).number(0), [](DATENBANK &r) { put(r.Split.Steuersatz, "18,00"); },
        "1 B-1: Der Steuerschlüssel 3 hat am 15.06.2025 nicht den Steuersatz der Buchung.\n"},

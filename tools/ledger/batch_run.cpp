@@ -12,6 +12,7 @@
 #include "vlba98/muldiv.h"
 #include "vlba98/text.h"
 #include "vlfn98/client.h"
+#include "vlfn98/cost_postings.h"
 #include "vlfn98/costs.h"
 #include "zelk98/zelk98.h"
 
@@ -24,8 +25,6 @@ namespace {
 constexpr FileNumber kTables[] = {kKreditor,  kDebitor,    kSachkonto,     kBatchbuchung,  kSplit,
                                   kStapel,    kKobu,       kKost,          kBuchungsbeleg, kKostenbeleg,
                                   kOPDebitor, kOPKreditor, kHistOPDebitor, kHistOPKreditor};
-
-constexpr int16_t kLessensCosts = 32; // KOSTENBELEG.Flags
 
 template <class Record> auto centresOf(Record &record) {
   return std::array{record.Kostenstelle1, record.Kostenstelle2, record.Kostenstelle3,
@@ -245,7 +244,7 @@ private:
     written.Zeile = row;
     vlba98::strncpy2(written.Datum, posting.Belegdatum);
     vlba98::strncpy2(written.Kostenart, costs.onCredit ? costs.line->Habenkonto : costs.line->Sollkonto);
-    written.Flags = int16_t(cost.Kostenkennung | (costs.onCredit ? kLessensCosts : 0));
+    written.Flags = int16_t(cost.Kostenkennung | (costs.onCredit ? vlfn98::kLessensCosts : 0));
     vlba98::formatMoney(amount.own, written.Betrag);
     vlba98::formatMoney(amount.euro, written.EuroBetrag);
     vlba98::strncpy2(written.Menge, cost.Menge);

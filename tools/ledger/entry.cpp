@@ -13,8 +13,6 @@ using namespace vldb98;
 namespace ledger {
 namespace {
 
-enum TaxKind : int16_t { kSteuerfrei = 0, kErwerb = 3, kReverseCharge = 4 };
-
 bool isBlank(const char *number) {
   return vlba98::trimmed(number).empty();
 }
@@ -80,7 +78,7 @@ private:
     const bool excluded = tax.amount.own == 0 && rate_ == 0;
     const STEUSA key =
         chart_.taxKey(line_.Steuerschluessel, posting_.Belegdatum, excluded ? valueOf(line_.Schluesselsatz) : rate_);
-    if (key.Art == kErwerb || key.Art == kReverseCharge) return addTaxOwed(gross, key);
+    if (key.Art == vlfn98::kAcquisition || key.Art == vlfn98::kReverseCharge) return addTaxOwed(gross, key);
     if (tax.amount.own != 0) add(taxAccount(key, key.Steuerkonto, "Steuerkonto"), taxOnDebit_, tax);
   }
 

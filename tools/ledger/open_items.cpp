@@ -9,6 +9,7 @@
 #include "vlba98/money.h"
 #include "vlba98/muldiv.h"
 #include "vlba98/text.h"
+#include "vlfn98/currency.h"
 #include "vlfn98/terms.h"
 
 using namespace vldb98;
@@ -17,7 +18,6 @@ namespace ledger {
 namespace {
 
 constexpr int kByNumber = 9; // key of the open items: document number of the item, account
-constexpr int16_t kOwnCurrency = 0, kEuro = -1, kOtherCurrency = 1;
 
 int tableOfItems(const Account &account) {
   return account.table == kDebitor ? kOPDebitor : kOPKreditor;
@@ -133,7 +133,7 @@ OPBELEG OpenItems::created(const BATCHBUCHUNG &posting, const ItemMovement &move
   put(item.Ausstand, movement.amount);
   if (movement.foreign) {
     vlba98::strncpy2(item.Waehrung, posting.Waehrung);
-    item.Waehrungsindex = isInEuro(posting, *movement.first) ? kEuro : kOtherCurrency;
+    item.Waehrungsindex = isInEuro(posting, *movement.first) ? vlfn98::kEuro : vlfn98::kOtherCurrency;
     put(item.BetragFW, *movement.foreign);
     put(item.Ausstand2, *movement.foreign);
   }

@@ -8,6 +8,7 @@
 #include "vlba98/text.h"
 #include "vlfn98/costs.h"
 #include "vlfn98/currency.h"
+#include "vlfn98/tax.h"
 #include "vlfn98/terms.h"
 
 using namespace vldb98;
@@ -42,7 +43,7 @@ constexpr bool within(int64_t value, int64_t least, int64_t greatest) {
 }
 
 bool isDimension(int16_t value) {
-  return within(value, 0, 5);
+  return within(value, 0, vlfn98::kDimensions - 1);
 }
 
 bool isCurrency(const char *code) {
@@ -88,7 +89,8 @@ const Rule kRules[] = {
     {kSteusa, "Schluessel muss von 1 bis 511 gehen und darf nicht 32 sein.",
      [](const DATENBANK &r) { return within(r.Steusa.Schluessel, 1, 511) && r.Steusa.Schluessel != 32; }},
     {kSteusa, "GueltigAb fehlt.", [](const DATENBANK &r) { return *r.Steusa.GueltigAb != 0; }},
-    {kSteusa, "Art muss von 0 bis 4 gehen.", [](const DATENBANK &r) { return within(r.Steusa.Art, 0, 4); }},
+    {kSteusa, "Art muss von 0 bis 4 gehen.",
+     [](const DATENBANK &r) { return within(r.Steusa.Art, vlfn98::kTaxFree, vlfn98::kReverseCharge); }},
     {kSteusa, "Anteil muss von 0 bis 99 gehen.", [](const DATENBANK &r) { return within(r.Steusa.Anteil, 0, 99); }},
     {kKurse, "Waehrung muss aus drei Großbuchstaben bestehen.",
      [](const DATENBANK &r) { return isCurrency(r.Kurse.Waehrung); }},
