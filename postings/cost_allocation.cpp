@@ -154,7 +154,7 @@ Refusal CostAllocation::allocateByTemplate(const LineInProgress &line, CostSide 
   const int32_t number = templateOf(line, side);
   if (number == 0) return {};
   const std::vector<KOSCHA_ZEILE> shares = vlfn98::sharesOfTemplate(posting_.store, number);
-  readAheadOfShares(posting_, line, side, shares);
+  tellLookUpsOfShares(posting_, line, side, shares);
   std::vector<int64_t> weights;
   for (const KOSCHA_ZEILE &share : shares) {
     KOBU cost{};

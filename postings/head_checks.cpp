@@ -32,7 +32,7 @@ Refusal checkDocumentDate(PostingInProgress &posting) {
   const std::string before = store.HoleOpenJahr();
   if (!vlfn98::IsBuchjahr(store, *date, frame::programSettings().noFiscalYearCheck)) return refusal;
   // Of the accounts of another year nothing is known yet.
-  if (before != store.HoleOpenJahr()) readAhead(posting);
+  if (before != store.HoleOpenJahr()) tellLookUps(posting);
   vlba98::strncpy2(posting.stored.Belegdatum, vlba98::toReversed(*date).data());
   return {};
 }
@@ -153,7 +153,7 @@ Refusal checkFirstAccounts(PostingInProgress &posting) {
     if (account.found->kind == 0) return {ZELKERR_uzl_Kontonr, side.unknownMessage};
   }
   // No check: what the accounts lead to, for those behind it.
-  readAheadOfAccounts(posting);
+  tellLookUpsOfAccounts(posting);
   if (currenciesAgree(posting, posting.lines.front())) return {};
   return {ZELKERR_nicht_eindeutige_Waehrung, resources::kWaehrungNichtEindeutig};
 }

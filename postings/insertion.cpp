@@ -13,7 +13,7 @@ namespace postings {
 
 Refusal Insertion::run() {
   const ReadingOneState::Scope reading(posting_.reading);
-  readAhead(posting_);
+  tellLookUps(posting_);
   Refusal refusal = check();
   posting_.reading.end();
   if (!refusal) must(posting_.store.InsertBat(posting_.stored));

@@ -63,7 +63,7 @@ private:
 
 } // namespace
 
-void readAhead(PostingInProgress &posting) {
+void tellLookUps(PostingInProgress &posting) {
   if (!posting.store.IsUsedEngineSQL()) return;
   LookUps wanted;
   const FIRMENSTAMM &client = posting.client();
@@ -85,7 +85,7 @@ void readAhead(PostingInProgress &posting) {
   wanted.tell(posting.store);
 }
 
-void readAheadOfAccounts(PostingInProgress &posting) {
+void tellLookUpsOfAccounts(PostingInProgress &posting) {
   if (!posting.store.IsUsedEngineSQL()) return;
   LookUps wanted;
   const FISTA_EXT &client = posting.clientExtension();
@@ -111,8 +111,8 @@ void readAheadOfAccounts(PostingInProgress &posting) {
   wanted.tell(posting.store);
 }
 
-void readAheadOfShares(PostingInProgress &posting, const LineInProgress &line, CostSide side,
-                       const std::vector<KOSCHA_ZEILE> &shares) {
+void tellLookUpsOfShares(PostingInProgress &posting, const LineInProgress &line, CostSide side,
+                         const std::vector<KOSCHA_ZEILE> &shares) {
   if (!posting.store.IsUsedEngineSQL() || shares.empty()) return;
   LookUps wanted;
   for (const KOSCHA_ZEILE &share : shares) {

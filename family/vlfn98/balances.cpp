@@ -11,7 +11,7 @@ using namespace vldb98;
 namespace vlfn98 {
 namespace {
 
-template <class Account> const char *valueOf(const Account &account, int kind, int currency, int index) {
+template <class Record> const char *valueOf(const Record &account, int kind, int currency, int index) {
   const KONTOWERTE &values = currency == kEuro ? account.EuroWerte : account.Werte;
   switch (kind) {
   case kOpeningDebit:
@@ -33,7 +33,7 @@ int64_t hundredths(const char *internalForm) {
   return vlba98::parseMoney(internalForm).value_or(0);
 }
 
-template <class Account> AccountValues sum(const Account &account, const ValueRange &range) {
+template <class Record> AccountValues sum(const Record &account, const ValueRange &range) {
   AccountValues total;
   auto add = [&](int debitKind, int creditKind, int debit, int credit) {
     total.debit += hundredths(GetSaldozeiger(account, debitKind, kOwnCurrency, debit));

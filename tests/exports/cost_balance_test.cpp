@@ -1,7 +1,7 @@
 // Balances of cost postings, and of cost centres on a day.
 #include <algorithm>
 
-#include "support/ledger.h"
+#include "support/figure_books.h"
 
 namespace test {
 namespace {
@@ -15,7 +15,7 @@ struct Cost {
   int64_t own, euro;                       // with its sign
 };
 
-class CostBalance : public Ledger {
+class CostBalance : public FigureBooks {
 protected:
   /// Random cost postings over a fiscal year of client 1, and a report structure (class 7) that names cost centres.
   void post(int year) {

@@ -1,6 +1,6 @@
 // Store operations that fail under the functions that deliver figures: -3, nothing delivered, nothing locked, and the
 // next call as good as ever.
-#include "support/ledger.h"
+#include "support/figure_books.h"
 
 namespace test {
 namespace {
@@ -41,7 +41,7 @@ const Scenario kScenarios[] = {
     {"HoleAufbau", [] { ZELK_InitHoleAufbau(1, 3, 0); },
      [] { return ZELK_HoleAufbauID(nullptr, delivered[0], nullptr, delivered[1]); }}};
 
-using FaultyFigures = Ledger;
+using FaultyFigures = FigureBooks;
 
 TEST_F(FaultyFigures, LeaveNoTrace) {
   for (int32_t number : {1, 2, 3, 4, 5}) {

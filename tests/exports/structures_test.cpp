@@ -2,7 +2,7 @@
 #include <map>
 #include <thread>
 
-#include "support/ledger.h"
+#include "support/figure_books.h"
 #include "vlba98/encoding.h"
 
 namespace test {
@@ -28,7 +28,7 @@ std::vector<std::string> walk(int32_t client, int32_t structure, ZelkResult &res
   return lines;
 }
 
-class Structures : public Ledger {
+class Structures : public FigureBooks {
 protected:
   static constexpr int32_t kAll = 32768, kClass = 5;
 

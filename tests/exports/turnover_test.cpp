@@ -3,7 +3,7 @@
 #include <set>
 
 #include "frame/money_output.h"
-#include "support/ledger.h"
+#include "support/figure_books.h"
 #include "vlba98/encoding.h"
 
 namespace test {
@@ -11,7 +11,7 @@ namespace {
 
 using namespace vldb98;
 
-using Turnover = Ledger;
+using Turnover = FigureBooks;
 
 /// A debit and a credit for the opening, the closing and each month, in both currencies; of a cost centre the debits of
 /// the months.
@@ -33,7 +33,7 @@ struct Values {
       put(target.Monat[month - 1].Haben, internalForm(credits[size_t(month)]));
     }
   }
-  template <class Account> void writeTo(Account &account) const {
+  template <class Record> void writeTo(Record &account) const {
     write(account.Werte, debit, credit);
     write(account.EuroWerte, euroDebit, euroCredit);
   }
@@ -293,7 +293,7 @@ struct Entry {
   int64_t debit, credit, euroDebit, euroCredit;
 };
 
-class BalanceOnDay : public Ledger, public ::testing::WithParamInterface<int> {
+class BalanceOnDay : public FigureBooks, public ::testing::WithParamInterface<int> {
 protected:
   /// Random entries of an account over both fiscal years and beside it those of accounts that resemble it.
   std::vector<Entry> post(int table, const std::string &number, vlba98::Date from) {

@@ -30,8 +30,8 @@ protected:
     const int imported = zelkctl::importPostings(cast.client, cast.batch, path);
     const std::string output = ::testing::internal::GetCapturedStdout();
     ASSERT_EQ(imported, zelkctl::kDone) << output;
-    const ledger::Outcome outcome = post(cast.client, cast.batch);
-    ASSERT_EQ(outcome.state, ledger::Outcome::Posted)
+    const ledger::BatchOutcome outcome = post(cast.client, cast.batch);
+    ASSERT_EQ(outcome.state, ledger::BatchOutcome::Posted)
         << (outcome.refused.empty() ? "" : outcome.refused.front().reason);
     reckoning.post(path);
   }

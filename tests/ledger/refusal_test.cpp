@@ -48,11 +48,11 @@ protected:
     ASSERT_TRUE(store_->Update(record, FileNumber(table)));
   }
 
-  static std::string inWords(const ledger::Outcome &outcome) {
+  static std::string inWords(const ledger::BatchOutcome &outcome) {
     std::string all;
     for (const ledger::RefusedPosting &one : outcome.refused)
       all += std::to_string(one.posting) + ' ' + one.document + ": " + one.reason + '\n';
-    return outcome.state == ledger::Outcome::Refused ? all : "state " + std::to_string(outcome.state);
+    return outcome.state == ledger::BatchOutcome::Refused ? all : "state " + std::to_string(outcome.state);
   }
 };
 
@@ -163,22 +163,22 @@ TEST_F(LedgerRefusals, AFailingDatabaseChangesNothing) {
   const std::string before = dumpClient(1);
   Faults faults;
   std::unique_ptr<Store> failing = session();
-  ledger::Order order;
+  ledger::BatchOrder order;
   order.client = 1;
   order.batch = 3;
   put(order.day, "461121");
   const auto [operations, last] = sweep(
       faults, [] {}, [&] { return ledger::postBatch(*failing, order).state; },
       [&](auto state) {
-        ASSERT_TRUE(state != ledger::Outcome::Refused && state != ledger::Outcome::Posted);
+        ASSERT_TRUE(state != ledger::BatchOutcome::Refused && state != ledger::BatchOutcome::Posted);
         ASSERT_TRUE(dumpClient(1) == before);
         ASSERT_TRUE(nothingLocked(*other_, 1));
       });
-  EXPECT_EQ(last, ledger::Outcome::Posted);
+  EXPECT_EQ(last, ledger::BatchOutcome::Posted);
   EXPECT_GT(operations, 100);
   const std::string posted = dumpClient(1);
   EXPECT_TRUE(posted != before);
-  EXPECT_EQ(post().state, ledger::Outcome::NothingToPost);
+  EXPECT_EQ(post().state, ledger::BatchOutcome::NothingToPost);
   EXPECT_TRUE(dumpClient(1) == posted);
 }
 
@@ -187,10 +187,10 @@ TEST_F(LedgerRefusals, WaitsForNobodyForEver) {
   ASSERT_TRUE(other_->SetzeFista(1, found) && other_->Lock(kSplit, nullptr, 0));
   store_ = session(std::chrono::milliseconds(0));
   const std::string before = dumpClient(1);
-  EXPECT_EQ(post().state, ledger::Outcome::TablesLocked);
+  EXPECT_EQ(post().state, ledger::BatchOutcome::TablesLocked);
   EXPECT_TRUE(dumpClient(1) == before);
   other_->Unlock(kSplit, 1);
-  EXPECT_EQ(post().state, ledger::Outcome::Posted);
+  EXPECT_EQ(post().state, ledger::BatchOutcome::Posted);
 }
 
 } // namespace

@@ -23,14 +23,14 @@ std::string utf8(const char *text) {
   return vlba98::toUtf8(vlba98::trimmed(text));
 }
 
-auto &fieldOf(KONTOWERTE &values, Art art, int month, bool debit) {
-  WERTEPAAR &pair = art == Art::Opening   ? values.Eroeffnung
-                    : art == Art::Closing ? values.Abschluss
-                                          : values.Monat[month - 1];
+auto &fieldOf(KONTOWERTE &values, EntryKind kind, int month, bool debit) {
+  WERTEPAAR &pair = kind == EntryKind::Opening   ? values.Eroeffnung
+                    : kind == EntryKind::Closing ? values.Abschluss
+                                                 : values.Monat[month - 1];
   return debit ? pair.Soll : pair.Haben;
 }
 
-std::string nameOf(const Account &account) {
+std::string nameOf(const ChartAccount &account) {
   return "Konto " + utf8(account.record.Sachkonto.Nr); // all account records begin with the number
 }
 
@@ -53,13 +53,13 @@ Chart::Chart(Store &store) : store_(store) {
   must(store.HoleMinJahr(first));
   firstYear_ = vlba98::yearOfCode(first);
   forEach<GESCHAEFTSJAHR>(store, [&](const GESCHAEFTSJAHR &record) {
-    Year &year = years_[record.Jahr];
+    ChartYear &year = years_[record.Jahr];
     year.record = record;
     must(vlba98::itotwo(year.record.Jahr - vlba98::firstYear, year.code));
   });
 }
 
-Year &Chart::yearOf(const char *reversedDate) {
+ChartYear &Chart::yearOf(const char *reversedDate) {
   for (auto &[number, year] : years_) {
     if (std::strcmp(reversedDate, year.record.Beginn) < 0 || std::strcmp(year.record.Ende, reversedDate) < 0) continue;
     if (year.record.Abgeschlossen) throw Refusal{"Das Geschäftsjahr " + std::to_string(number) + " ist abgeschlossen."};
@@ -68,11 +68,11 @@ Year &Chart::yearOf(const char *reversedDate) {
   throw Refusal{"Zum Belegdatum " + displayed(reversedDate) + " gibt es kein Geschäftsjahr."};
 }
 
-void Chart::open(const Year &year) {
+void Chart::open(const ChartYear &year) {
   if (std::strcmp(store_.HoleOpenJahr(), year.code) != 0) must(store_.SetzeOpenJahr(year.code));
 }
 
-int32_t Chart::nextEntry(Year &year) {
+int32_t Chart::nextEntry(ChartYear &year) {
   if (year.lastEntry < 0) {
     open(year);
     const auto greatest = last<BUCHUNGSBELEG>(store_);
@@ -81,9 +81,9 @@ int32_t Chart::nextEntry(Year &year) {
   return ++year.lastEntry;
 }
 
-Account &Chart::account(Year &year, int table, const char *number, const char *role) {
+ChartAccount &Chart::account(ChartYear &year, int table, const char *number, const char *role) {
   auto [known, fresh] = year.accounts.try_emplace({table, number});
-  Account &account = known->second;
+  ChartAccount &account = known->second;
   if (fresh) {
     open(year);
     account.table = table;
@@ -102,7 +102,7 @@ Account &Chart::account(Year &year, int table, const char *number, const char *r
   return account;
 }
 
-CostCentre &Chart::centre(Year &year, int dimension, const char *number) {
+CostCentre &Chart::centre(ChartYear &year, int dimension, const char *number) {
   auto [known, fresh] = year.centres.try_emplace({dimension, number});
   if (fresh) {
     open(year);
@@ -150,7 +150,7 @@ Amount Chart::valued(int64_t own) const {
   return {own, *euro};
 }
 
-int Chart::monthOf(const Year &year, const char *reversedDate) {
+int Chart::monthOf(const ChartYear &year, const char *reversedDate) {
   const auto day = vlba98::fromReversed(reversedDate);
   if (!day) throw StoreFailed();
   return vlfn98::fiscalMonth(year.record, *day);
@@ -169,12 +169,12 @@ void Chart::takeBack() {
     vlba98::strncpy2(*former_.back().first, former_.back().second);
 }
 
-void Chart::move(Account &account, const Year &year, Art art, const char *reversedDate, bool debit,
+void Chart::move(ChartAccount &account, const ChartYear &year, EntryKind kind, const char *reversedDate, bool debit,
                  const Amount &amount) {
   int month = monthOf(year, reversedDate);
   auto addTo = [&](auto &record) {
-    add(fieldOf(record.Werte, art, month, debit), amount.own, nameOf(account));
-    add(fieldOf(record.EuroWerte, art, month, debit), amount.euro, nameOf(account));
+    add(fieldOf(record.Werte, kind, month, debit), amount.own, nameOf(account));
+    add(fieldOf(record.EuroWerte, kind, month, debit), amount.euro, nameOf(account));
   };
   if (account.table == kSachkonto)
     addTo(account.record.Sachkonto);
@@ -183,7 +183,7 @@ void Chart::move(Account &account, const Year &year, Art art, const char *revers
   account.moved = true;
 }
 
-void Chart::moveCosts(CostCentre &centre, const Year &year, const char *reversedDate, const Amount &amount) {
+void Chart::moveCosts(CostCentre &centre, const ChartYear &year, const char *reversedDate, const Amount &amount) {
   int month = monthOf(year, reversedDate);
   const std::string name = "Kostenstelle " + utf8(centre.record.Nr);
   add(centre.record.Kosten[month - 1], amount.own, name);

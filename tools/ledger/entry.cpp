@@ -33,9 +33,9 @@ struct Value {
   }
 };
 
-class Line {
+class LineMovements {
 public:
-  Line(Chart &chart, Year &year, const BATCHBUCHUNG &posting, const SPLIT &line)
+  LineMovements(Chart &chart, ChartYear &year, const BATCHBUCHUNG &posting, const SPLIT &line)
       : chart_(chart), year_(year), posting_(posting), line_(line),
         debit_(&chart.account(year, tableOfKind(line.Sollart), line.Sollkonto, "Sollkonto")),
         credit_(&chart.account(year, tableOfKind(line.Habenart), line.Habenkonto, "Habenkonto")),
@@ -68,7 +68,7 @@ private:
   }
 
   // \param debit the side; the contra account is that of the other one
-  void add(Account &account, bool debit, const Value &value) {
+  void add(ChartAccount &account, bool debit, const Value &value) {
     movements_.push_back({&account, debit ? credit_ : debit_, debit, value.amount, value.foreign,
                           line_.Steuerschluessel, rate_, &line_});
   }
@@ -101,7 +101,7 @@ private:
     if (deducted.amount.own != *tax) add(taxOnDebit_ ? *debit_ : *credit_, taxOnDebit_, owed - deducted);
   }
 
-  Account &taxAccount(const STEUSA &key, const char *number, const char *name) {
+  ChartAccount &taxAccount(const STEUSA &key, const char *number, const char *name) {
     const std::string role = std::string(name) + " des Steuerschlüssels " + std::to_string(key.Schluessel);
     if (isBlank(number)) throw Refusal{"Das " + role + " fehlt."};
     return chart_.account(year_, kSachkonto, number, role.c_str());
@@ -121,10 +121,10 @@ private:
   }
 
   Chart &chart_;
-  Year &year_;
+  ChartYear &year_;
   const BATCHBUCHUNG &posting_;
   const SPLIT &line_;
-  Account *debit_, *credit_;
+  ChartAccount *debit_, *credit_;
   int64_t rate_;
   bool inEuro_;
   bool taxOnDebit_ = false;
@@ -141,8 +141,8 @@ bool isInEuro(const BATCHBUCHUNG &posting, const SPLIT &line) {
   return *line.BruttoFW && std::strcmp(posting.Waehrung, "EUR") == 0;
 }
 
-std::vector<Movement> movementsOf(Chart &chart, Year &year, const BATCHBUCHUNG &posting, const SPLIT &line) {
-  return Line(chart, year, posting, line).movements();
+std::vector<Movement> movementsOf(Chart &chart, ChartYear &year, const BATCHBUCHUNG &posting, const SPLIT &line) {
+  return LineMovements(chart, year, posting, line).movements();
 }
 
 } // namespace ledger

@@ -19,10 +19,10 @@ namespace {
 
 constexpr int kByNumber = 9; // key of the open items: document number of the item, account
 
-int tableOfItems(const Account &account) {
+int tableOfItems(const ChartAccount &account) {
   return account.table == kDebitor ? kOPDebitor : kOPKreditor;
 }
-int tableOfHistory(const Account &account) {
+int tableOfHistory(const ChartAccount &account) {
   return account.table == kDebitor ? kHistOPDebitor : kHistOPKreditor;
 }
 
@@ -62,7 +62,7 @@ void putDiscount(char (&day)[7], char (&rate)[6], int16_t days, const char (&rat
 
 std::vector<ItemMovement> itemMovementsOf(const std::vector<Movement> &movements) {
   std::vector<ItemMovement> items;
-  auto isIncome = [](const Account &account) {
+  auto isIncome = [](const ChartAccount &account) {
     return account.table == kSachkonto && account.record.Sachkonto.GuV != 0;
   };
   for (const Movement &movement : movements) {
@@ -91,7 +91,7 @@ std::vector<ItemMovement> itemMovementsOf(const std::vector<Movement> &movements
   return items;
 }
 
-void OpenItems::post(const Year &year, const BATCHBUCHUNG &posting, const std::vector<ItemMovement> &movements) {
+void OpenItems::post(const ChartYear &year, const BATCHBUCHUNG &posting, const std::vector<ItemMovement> &movements) {
   std::vector<Change> changes;
   for (const ItemMovement &movement : movements)
     if (auto change = reckon(year, posting, movement)) changes.push_back(*change);
@@ -99,7 +99,7 @@ void OpenItems::post(const Year &year, const BATCHBUCHUNG &posting, const std::v
     write(year, change);
 }
 
-std::optional<OpenItems::Change> OpenItems::reckon(const Year &year, const BATCHBUCHUNG &posting,
+std::optional<OpenItems::Change> OpenItems::reckon(const ChartYear &year, const BATCHBUCHUNG &posting,
                                                    const ItemMovement &movement) {
   // Opening balances bring items into the client's first year only: later ones carry forward what is open already.
   if (posting.Abschluss || (posting.Eroeffnung && !chart_.isFirst(year)) || movement.amount == 0) return std::nullopt;
@@ -190,7 +190,7 @@ OPHISTORIE OpenItems::paymentOf(const BATCHBUCHUNG &posting, const ItemMovement 
   return payment;
 }
 
-void OpenItems::write(const Year &year, Change &change) {
+void OpenItems::write(const ChartYear &year, Change &change) {
   const auto table = FileNumber(change.table), history = FileNumber(change.history);
   if (change.isNew) {
     change.item.Nr = nextNumber();

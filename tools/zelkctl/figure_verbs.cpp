@@ -70,18 +70,18 @@ bool understand(int32_t client, const FigureQuery &query, Question &question) {
 }
 
 /// An account as the walk over its kind delivers it.
-struct Account {
+struct WalkedAccount {
   std::string number, shortName, name, reference; // Windows-1252
   int32_t dimension = 0;
 };
 
-template <class Record> void take(Account &account, const Record &record) {
+template <class Record> void take(WalkedAccount &account, const Record &record) {
   account.number = record.Kontonummer;
   account.shortName = record.Kuerzel;
   account.name = record.Name;
 }
 
-ZelkResult nextAccount(int32_t kind, Account &account) {
+ZelkResult nextAccount(int32_t kind, WalkedAccount &account) {
   ZelkResult result;
   if (kind == ZELK_SACHKONTO) {
     ZELK_SAKO record;
@@ -104,7 +104,7 @@ ZelkResult nextAccount(int32_t kind, Account &account) {
 template <class Each> ZelkResult forEachAccount(int32_t client, int32_t kind, const char *from, Each &&each) {
   ZelkResult result = ZELK_InitHoleKonto(client, kind, 0, from, 0);
   while (result == ZELK_OK) {
-    Account account;
+    WalkedAccount account;
     result = nextAccount(kind, account);
     if (result > 0 && !each(account)) break;
   }
@@ -141,7 +141,7 @@ int showBalances(int32_t client, const FigureQuery &query) {
   };
   std::map<int32_t, Sum> sums; // what a cost posting costs stands in every dimension that it names
   ZelkResult failure = ZELK_OK;
-  auto add = [&](const Account &account) {
+  auto add = [&](const WalkedAccount &account) {
     if (centres && ((query.dimension && account.dimension != *query.dimension) ||
                     (!asked.reference.empty() && account.reference != asked.reference)))
       return true;
@@ -169,8 +169,8 @@ int showBalances(int32_t client, const FigureQuery &query) {
     walked = forEachAccount(client, asked.kind, nullptr, add);
   else {
     // Names stand in the current year, where the account may be missing.
-    Account account{asked.account, "", "", asked.reference, asked.dimension};
-    forEachAccount(client, asked.kind, asked.account.c_str(), [&](const Account &each) {
+    WalkedAccount account{asked.account, "", "", asked.reference, asked.dimension};
+    forEachAccount(client, asked.kind, asked.account.c_str(), [&](const WalkedAccount &each) {
       const bool found = each.number == asked.account && (!centres || each.dimension == asked.dimension) &&
                          (asked.reference.empty() || each.reference == asked.reference);
       if (found) {
@@ -287,7 +287,7 @@ int showBudgets(int32_t client, const FigureQuery &query) {
 
 int showStructure(int32_t client, int32_t structure, const FigureQuery &query) {
   std::map<std::string, std::string> names;
-  ZelkResult result = forEachAccount(client, ZELK_SACHKONTO, nullptr, [&](const Account &account) {
+  ZelkResult result = forEachAccount(client, ZELK_SACHKONTO, nullptr, [&](const WalkedAccount &account) {
     names[account.number] = account.name;
     return true;
   });
