@@ -92,7 +92,7 @@ ZelkResult readNext(ThreadContext &context, DATENBANK &next) {
   }
 }
 
-// The value of a month from 0, of the year behind the last.
+// The value of a month from 0, of the year after the last.
 int64_t budgetValue(const SOLLWERTE &values, int i) {
   return vlba98::parseMoney(i < vlfn98::kMonths ? values.Monat[i] : values.Gesamt).value_or(0);
 }

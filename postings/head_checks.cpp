@@ -87,7 +87,7 @@ Refusal registerDocument(PostingInProgress &posting) {
   return {};
 }
 
-// Refuses nothing: for the checks behind it.
+// Refuses nothing: for the checks after it.
 Refusal convertAccounts(PostingInProgress &posting) {
   for (LineInProgress &line : posting.lines)
     for (const Side &side : kSides)
@@ -152,7 +152,7 @@ Refusal checkFirstAccounts(PostingInProgress &posting) {
     account.found = &posting.accounts.find(account.number);
     if (account.found->kind == 0) return {ZELKERR_uzl_Kontonr, side.unknownMessage};
   }
-  // No check: what the accounts lead to, for those behind it.
+  // No check: what the accounts lead to, for those after it.
   tellLookUpsOfAccounts(posting);
   if (currenciesAgree(posting, posting.lines.front())) return {};
   return {ZELKERR_nicht_eindeutige_Waehrung, resources::kWaehrungNichtEindeutig};

@@ -68,7 +68,7 @@ std::int64_t roundToFive(std::int64_t hundredths);
 /// Tests an amount or rate as a user or an outside program writes it, and delivers its internal form.
 ///
 /// Accepted are, with blanks around: integer digits, plain ("1234") or in groups of three ("1.234"); one or two
-/// decimals behind a comma ("1234,5"); a sign in front ("-12", "+12") or a minus behind ("12,00-"); and the internal
+/// decimals after a comma ("1234,5"); a sign before ("-12", "+12") or a minus after ("12,00-"); and the internal
 /// form of exactly that width ("000000012-50"). Refused is everything else, among it embedded blanks, a comma without
 /// digits on both sides, and more integer digits than the width has.
 ///

@@ -17,7 +17,7 @@ Date day(const char (&reversed)[7]) {
   return vlba98::fromReversed(reversed).value_or(Date{vlba98::firstYear, 1, 1});
 }
 
-// The first day of a month of the year, counting from 1; the day after the range of all dates behind it.
+// The first day of a month of the year, counting from 1; the day after the range of all dates beyond it.
 Date firstDay(const GESCHAEFTSJAHR &year, int month) {
   Date begin = day(year.Beginn);
   if (month == 1) return begin;

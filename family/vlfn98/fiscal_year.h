@@ -24,7 +24,7 @@ void openFiscalYear(vldb98::Store &store, const vldb98::GESCHAEFTSJAHR &year);
 bool OeffneJahr(vldb98::Store &store, int calendarYear);
 
 /// The month of a fiscal year that a day of it lies in: 1 for the calendar month in which the year begins. What lies
-/// behind the twelfth month of a longer year belongs to the twelfth, since accounts have values of twelve months.
+/// after the twelfth month of a longer year belongs to the twelfth, since accounts have values of twelve months.
 int fiscalMonth(const vldb98::GESCHAEFTSJAHR &year, const vlba98::Date &day);
 
 /// Days, the first and the last included; none where the first lies after the last.

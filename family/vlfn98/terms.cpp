@@ -12,7 +12,7 @@ namespace vlfn98 {
 
 std::string storedShortName(const char *given) {
   std::string name = given ? given : "";
-  // What is cut off may have stood behind a blank.
+  // What is cut off may have stood after a blank.
   for (size_t width : {name.size(), sizeof(ZAHLZIEL::Kuerzel) - 1}) {
     name.resize(std::min(name.size(), width));
     vlba98::KillWhiteSpaces(name.data());

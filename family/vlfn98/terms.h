@@ -20,7 +20,7 @@ bool IsZahlziel(vldb98::Store &store, int32_t number);
 /// The day on which payment is due: the net payment period after the day given; then so many months on as the term
 /// names following months; then, where it names a day of the month, that day of the month reached (the last of a
 /// shorter one). Without following months a day that has passed is that of the next month. \return nothing when it lies
-/// behind 2079
+/// after 2079
 std::optional<vlba98::Date> dueDate(const vldb98::ZAHLZIEL &term, const vlba98::Date &from);
 
 /// The due date of a payment term of the open client.

@@ -62,16 +62,16 @@ int64_t cents(const std::string &text) {
   bool negative = false;
   std::string digits;
   size_t decimals = 0;
-  bool behind = false;
+  bool afterComma = false;
   for (char c : text) {
     if (c >= '0' && c <= '9') {
       digits += c;
-      if (behind) ++decimals;
+      if (afterComma) ++decimals;
     } else if (c == '-') {
       negative = true;
-      behind = !digits.empty(); // the minus sign takes the comma's place in the stored form
+      afterComma = !digits.empty(); // the minus sign takes the comma's place in the stored form
     } else if (c == ',') {
-      behind = true;
+      afterComma = true;
     }
   }
   digits.append(2 - decimals, '0');

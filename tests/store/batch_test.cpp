@@ -187,7 +187,7 @@ TEST_P(BatchPostings, AreDeletedByTheBeginningOfTheirKey) {
       {KeyBuilder().number(1).number(2), 2, true, "1100 1101 1110 2100 2101 2110 "},
       {KeyBuilder().number(1).number(1).number(0), 3, true, "1110 1200 1201 1210 2100 2101 2110 "},
       {KeyBuilder().number(1).number(1).number(0).number(1), 4, true, "1100 1110 1200 1201 1210 2100 2101 2110 "},
-      {KeyBuilder().number(1).number(7), 1, true, "2100 2101 2110 "}, // what stands behind does not count
+      {KeyBuilder().number(1).number(7), 1, true, "2100 2101 2110 "}, // what stands after it does not count
       {KeyBuilder().number(3), 1, true, all.c_str()},
       {KeyBuilder().number(1), 0, false, all.c_str()},
       {KeyBuilder().number(1), 5, false, all.c_str()},
@@ -202,7 +202,7 @@ TEST_P(BatchPostings, AreDeletedByTheBeginningOfTheirKey) {
   }
   EXPECT_FALSE(store->DeleteBeginning(KeyBuilder().number(1), 1, kKobu, GetParam().other));
   EXPECT_FALSE(store->DeleteBeginning(KeyBuilder().number(1), 1, fileNumber(kKobu, 1))) << "no such key";
-  // A walk goes on behind what was deleted under it.
+  // A walk goes on after what was deleted under it.
   ASSERT_TRUE(store->GetGeExt(record, KeyBuilder().number(1).number(2), found, kKobu) && found);
   ASSERT_TRUE(store->DeleteBeginning(KeyBuilder().number(1), 1, kKobu));
   EXPECT_FALSE(store->Delete(kKobu)) << "it is no longer there";

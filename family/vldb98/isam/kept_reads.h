@@ -29,12 +29,12 @@ private:
   std::vector<Answer> answers_;
 };
 
-/// Rows of a table that lie behind (before) its current record in the order of a key, for the steps that follow.
+/// Rows of a table that come after (before) its current record in the order of a key, for the steps that follow.
 ///
 /// One row is read for the first step, then ten, then a hundred, so that nobody pays for what only walks use. A block
 /// serves as long as the current record is the one that it delivered last, and for kLife: others may write the table
 /// meanwhile, and a host that pauses must not be given what the table held before. That a range ends is known with its
-/// last rows. That a table ends never is: fetches go on across calls, and what is added behind the last record is not
+/// last rows. That a table ends never is: fetches go on across calls, and what is added after the last record is not
 /// missed.
 class ReadBlock {
 public:

@@ -140,7 +140,7 @@ void bindKeyField(SqlStatement &statement, int parameter, const Field &field, co
   std::string_view text(bytes, length);
   if (field.type == FieldType::Text || length == 0) return bindText(statement, parameter, text, scratch);
   if (length == width) return bindText(statement, parameter, withoutTrailingBlanks(text), scratch);
-  // A key text that was not padded is none of the keys there are, and sorts right behind the one that it resembles.
+  // A key text that was not padded is none of the keys there are, and sorts right after the one that it resembles.
   char unpadded[kKeySize + 1];
   std::memcpy(unpadded, bytes, length);
   unpadded[length] = '\x01';
@@ -150,7 +150,7 @@ void bindKeyField(SqlStatement &statement, int parameter, const Field &field, co
 bool readColumn(SqlStatement &statement, int column, const Field &field, char *record) {
   char *at = record + field.offset;
   if (field.type < FieldType::Text) return storeNumber(field.type, statement.integer(column), at);
-  // The whole field: what another record left behind the text would go into keys and to the caller.
+  // The whole field: what another record left after the text would go into keys and to the caller.
   std::memset(at, 0, field.size);
   switch (field.type) {
   case FieldType::Money:
