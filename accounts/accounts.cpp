@@ -93,9 +93,9 @@ ZelkResult ZELK_CALL ZELK_InitHoleKonto(int32_t Mandantennummer, int32_t Kontoar
              [&](ThreadContext *context) -> ZelkResult {
                context->fetch.end();
                if (!vlfn98::isAccountKind(Kontoart))
-                 return refuse(*context, ZELKERR_uzl_Kontoart, resources::kKontoartUnzulaessig);
+                 return refuse(*context, ZELKERR_uzl_Kontoart, resources::kAccountKindInadmissible);
                if (Sortierung < 0 || Sortierung >= vlfn98::kOrders)
-                 return refuse(*context, ZELKERR_uzl_Sortierung, resources::kSortierungUnzulaessig);
+                 return refuse(*context, ZELKERR_uzl_Sortierung, resources::kOrderInadmissible);
                Store &store = context->store();
                if (ZelkResult opened = openClient(*context, store, Mandantennummer); opened <= 0) return opened;
                int table = vlfn98::KzFromZELKArt(Kontoart);

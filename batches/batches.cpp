@@ -83,7 +83,7 @@ ZelkResult ZELK_CALL ZELK_HoleStapelNr(void *HandleParent, int32_t Mandantennumm
         context->messages = Fehlermeldungen;
         std::string chosen;
         ZelkResult result = choose(
-            *context, resources::kStapelauswahl,
+            *context, resources::kBatchSelection,
             [&](SelectionOrder order, const AddEntry &add) -> ZelkResult {
               // Anew at every filling: while the dialog is open, the host's windows may call the library.
               Store &store = context->store();

@@ -35,7 +35,7 @@ Outcome openYear(Store &store, int32_t year) {
   const int first = *client.StartJahr ? vlba98::yearOfCode(client.StartJahr) : current;
   if (year == 0) year = current;
   if (year >= first && year <= current && vlfn98::OeffneJahr(store, year)) return {};
-  return {ZELKERR_uzl_Zeitraum, resources::kIstUnzulaessig, "Zeitraum"};
+  return {ZELKERR_uzl_Zeitraum, resources::kIsInadmissible, "Zeitraum"};
 }
 
 /// The cost centres that a fetch of their budget values is limited to; kept in the fetch.
@@ -115,7 +115,7 @@ Outcome deliverRecord(int table, const DATENBANK &record, int32_t form, char *co
   for (int i = 0; i < kValues; ++i) {
     values[i] = budgetValue(budgetOf(table, record), i);
     if (table == kKost) values[i] += budgetValue(record.Kost.Sollwerte2, i);
-    if (buffers[i] && !vlba98::formatMoney(values[i], internal)) return {ZELKERR_sonst, resources::kBetragZuGross};
+    if (buffers[i] && !vlba98::formatMoney(values[i], internal)) return {ZELKERR_sonst, resources::kAmountTooGreat};
   }
   for (int i = 0; i < kValues; ++i)
     if (buffers[i] && vlba98::formatMoney(values[i], internal)) formatAmount(form, buffers[i], internal);
@@ -135,7 +135,7 @@ ZelkResult ZELK_CALL ZELK_InitHoleSollwerte(int32_t Mandantennummer, int32_t Kon
              [&](ThreadContext *context) -> ZelkResult {
                context->fetch.end();
                if (Sortierung < 0 || Sortierung >= vlfn98::kOrders)
-                 return refuse(*context, ZELKERR_uzl_Sortierung, resources::kSortierungUnzulaessig);
+                 return refuse(*context, ZELKERR_uzl_Sortierung, resources::kOrderInadmissible);
                Store &store = context->store();
                if (ZelkResult opened = openClient(*context, store, Mandantennummer); opened <= 0) return opened;
                if (Outcome opened = openYear(store, Jahr); opened.result <= 0) return finish(*context, opened);

@@ -37,7 +37,7 @@ Outcome tooLong(const char *what, std::string_view value) {
 
 Outcome checkNumbers(std::string_view costCentre, std::string_view costType) {
   if (vlba98::trimmed(costCentre).empty() && vlba98::trimmed(costType).empty())
-    return {ZELKERR_uzl_Kontonr, resources::kKostenstelleOderKostenart};
+    return {ZELKERR_uzl_Kontonr, resources::kCostCentreOrType};
   if (costCentre.size() > kMaxNumber) return tooLong("Die Kostenstelle %s ist", costCentre);
   if (costType.size() > kMaxNumber) return tooLong("Die Kostenart %s ist", costType);
   return {};
@@ -119,7 +119,7 @@ Outcome costsOf(Store &store, const CostRequest &request, int64_t &euro) {
     first = 3 * (request.period - vlfn98::kFirstQuarter) + 1;
     last = first + 2;
   } else if (request.period < 1 || request.period > vlfn98::kMonths)
-    return {ZELKERR_uzl_Zeitraum, resources::kIstUnzulaessig, "Zeitraum"};
+    return {ZELKERR_uzl_Zeitraum, resources::kIsInadmissible, "Zeitraum"};
   const auto year = vlfn98::findFiscalYear(store, request.year).value_or(GESCHAEFTSJAHR{});
   waitForYear(store, kYearRecords, kKostenbeleg);
   const vlfn98::DateRange days = vlfn98::daysOfMonths(year, first, last);

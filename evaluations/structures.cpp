@@ -146,7 +146,7 @@ ZelkResult ZELK_CALL ZELK_InitHoleAufbau(int32_t Mandatennummer, int32_t Klasse,
                if (ZelkResult opened = openClient(*context, store, Mandatennummer); opened <= 0) return opened;
                const int32_t structure = Klasse & ~vlfn98::kHiddenToo;
                if (structure < 0 || structure >= int32_t(kStructureTables.size()))
-                 return refuse(*context, ZELKERR_uzl_Klasse, resources::kKlasseUnzulaessig);
+                 return refuse(*context, ZELKERR_uzl_Klasse, resources::kClassInadmissible);
                StructureWalk walk;
                walk.hiddenToo = Klasse & vlfn98::kHiddenToo;
                walk.client = Mandatennummer;

@@ -22,18 +22,18 @@ Outcome openYear(Store &store, int32_t year) {
 }
 
 Outcome checkAccount(const AccountRequest &account) {
-  if (!vlfn98::isAccountKind(account.kind)) return {ZELKERR_uzl_Kontoart, resources::kKontoartUnzulaessig};
+  if (!vlfn98::isAccountKind(account.kind)) return {ZELKERR_uzl_Kontoart, resources::kAccountKindInadmissible};
   if (account.number && std::strlen(account.number) >= sizeof SACHKONTO::Nr)
-    return {ZELKERR_uzl_Kontonr, resources::kKontonummerUnzulaessig};
+    return {ZELKERR_uzl_Kontonr, resources::kAccountNumberInadmissible};
   return {};
 }
 
 // Reads the account and sums it up to a day, in one state of the books.
 Outcome sumUpTo(Store &store, const AccountRequest &account, const char *date, vlfn98::AccountValues &values) {
   if (Outcome opened = openQuietly(store, account.client); opened.result <= 0) return opened;
-  if (!vlfn98::isAccountKind(account.kind)) return {ZELKERR_uzl_Kontoart, resources::kKontoartUnzulaessig};
+  if (!vlfn98::isAccountKind(account.kind)) return {ZELKERR_uzl_Kontoart, resources::kAccountKindInadmissible};
   const auto day = vlba98::parseDate(date);
-  if (!day) return {ZELKERR_uzl_Datum, resources::kDatumUnzulaessig};
+  if (!day) return {ZELKERR_uzl_Datum, resources::kDateInadmissible};
 
   const auto year = vlfn98::findFiscalYear(store, *day);
   // In no fiscal year there is no account.

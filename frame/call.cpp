@@ -16,7 +16,7 @@ namespace frame {
 namespace {
 
 std::string overflowText(std::string_view field) {
-  std::string text(resources::text(resources::kTextUeberlauf));
+  std::string text(resources::text(resources::kTextOverflow));
   // The number first: the field's text may hold the mark.
   text.replace(text.find("%i"), 2, std::to_string(field.size() - 1));
   return text.replace(text.find("%s"), 2, vlba98::toUtf8(field));

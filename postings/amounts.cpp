@@ -23,7 +23,7 @@ std::optional<int64_t> givenTax(int64_t tax) {
 }
 
 Refusal refuseAmount(const LineInProgress &line, ZelkResult code, const char *name) {
-  return line.refuse(code, resources::kIstUnzulaessig, name);
+  return line.refuse(code, resources::kIsInadmissible, name);
 }
 
 } // namespace
@@ -45,12 +45,12 @@ Refusal AmountReckoning::chooseTax(LineInProgress &line) {
     if (account->found->kind == ZELK_DEBITOR && hasTaxKey(*account)) swissRules = posting_.clientExtension().Schweiz;
   line.taxChoice = vlfn98::chooseTaxKey(debit.taxKey(), credit.taxKey(), debit.kind, credit.kind, swissRules);
   if (line.taxChoice.key != 0 || (line.tax == 0 && line.rate == 0)) return {};
-  return line.refuse(line.tax != 0 ? ZELKERR_uzl_Steuerbetrag : ZELKERR_uzl_Steuersatz, resources::kKeineSteuer);
+  return line.refuse(line.tax != 0 ? ZELKERR_uzl_Steuerbetrag : ZELKERR_uzl_Steuersatz, resources::kNoTaxAllowed);
 }
 
 Refusal AmountReckoning::readTaxKey(LineInProgress &line) {
   if (line.taxChoice.key == 0) return {};
-  const Refusal taxDoesNotFit = line.refuse(ZELKERR_uzl_Steuerbetrag, resources::kSteuerbetragPasstNicht);
+  const Refusal taxDoesNotFit = line.refuse(ZELKERR_uzl_Steuerbetrag, resources::kTaxAmountDoesNotFit);
   if (line.rate == 0) {
     // Such a posting is free of tax, whatever the account's key.
     line.taxChoice = {};
@@ -106,7 +106,7 @@ Refusal AmountReckoning::readRate() {
   if (!rate_) {
     vlba98::strncpy2(missingRate_.currency, stored.Waehrung);
     vlba98::strncpy2(missingRate_.day, stored.Belegdatum);
-    return {ZELKERR_kein_Kurs, resources::kKursFehlt, currencyAndDay(missingRate_)};
+    return {ZELKERR_kein_Kurs, resources::kRateMissing, currencyAndDay(missingRate_)};
   }
   vlfn98::formatRate(rate_->millionths, stored.Kurs);
   stored.Einheiten = rate_->units;

@@ -50,7 +50,7 @@ Refusal inLine(Refusal refusal, const LineInProgress &line) {
 Refusal CostAllocation::allocate(const LineInProgress &line) {
   const bool given = !line.given->costs.empty(), wanted = given || line.given->Kostenschablone != 0;
   if (frame::programSettings().basicEdition)
-    return wanted ? line.refuse(ZELKERR_uzl_Kostenrechnung, resources::kKostenBasis) : Refusal{};
+    return wanted ? line.refuse(ZELKERR_uzl_Kostenrechnung, resources::kBasicCosts) : Refusal{};
   const bool income = line.debit.found->isIncome() || line.credit.found->isIncome();
   const bool mandatory = (income || wanted) && posting_.clientExtension().Kostenstellenpflicht;
   const CostSide side =
@@ -59,16 +59,16 @@ Refusal CostAllocation::allocate(const LineInProgress &line) {
   if (Refusal refusal = given ? allocateGiven(line, side, costs) : allocateByTemplate(line, side, costs))
     return refusal;
   if (!costs.entries.empty()) {
-    if (side == CostSide::Both) return line.refuse(ZELKERR_uzl_Kostenrechnung, resources::kZweiKostenkonten);
-    if (bothIncome(line)) return line.refuse(ZELKERR_uzl_Kostenrechnung, resources::kGuvUmbuchung);
+    if (side == CostSide::Both) return line.refuse(ZELKERR_uzl_Kostenrechnung, resources::kTwoCostAccounts);
+    if (bothIncome(line)) return line.refuse(ZELKERR_uzl_Kostenrechnung, resources::kIncomeTransfer);
     return store(line, costs);
   }
   // Opening and closing postings only carry balances on.
   if (!mandatory || !income || posting_.stored.Eroeffnung || posting_.stored.Abschluss) return {};
   // No cost centre would be taken between two income-statement accounts: the text says what to do instead.
-  return line.refuse(ZELKERR_uzl_Kostenrechnung, bothIncome(line)          ? resources::kGuvUmbuchung
-                                                 : posting_.given.inPieces ? resources::kKostenstellenpflicht
-                                                                           : resources::kKostenstellenpflichtSchablone);
+  return line.refuse(ZELKERR_uzl_Kostenrechnung, bothIncome(line)          ? resources::kIncomeTransfer
+                                                 : posting_.given.inPieces ? resources::kCostCentreMandatory
+                                                                           : resources::kCostTemplateMandatory);
 }
 
 Refusal CostAllocation::checkCentres(const KOBU &cost) {
@@ -77,10 +77,10 @@ Refusal CostAllocation::checkCentres(const KOBU &cost) {
     std::string name(vlba98::trimmed(cost.*kCentres[i].stored));
     if (name.empty()) continue;
     const auto centre = vlfn98::IsKostenstelle(posting_.store, name.c_str(), vlfn98::costDimension(client, i));
-    if (!centre) return {ZELKERR_uzl_Kostenstelle, resources::kKostenstelleFehlt, name};
+    if (!centre) return {ZELKERR_uzl_Kostenstelle, resources::kCostCentreMissing, name};
     if (vlfn98::IsKostDateValid(*centre, posting_.stored.Belegdatum)) continue;
     std::erase(name, ' ');
-    return {ZELKERR_uzl_Laufzeit, resources::kKostenstelleLaufzeit, name};
+    return {ZELKERR_uzl_Laufzeit, resources::kCostCentreRunningTime, name};
   }
   return {};
 }
@@ -88,7 +88,7 @@ Refusal CostAllocation::checkCentres(const KOBU &cost) {
 Refusal CostAllocation::checkCombinations(const LineInProgress &line, CostSide side, const KOBU &cost) {
   // Where both sides bear costs, or a posting only moves between income-statement accounts, it is refused as a whole.
   if (side == CostSide::Both || bothIncome(line)) return {};
-  const Refusal refused{ZELKERR_uzl_Kostenrechnung, resources::kKombinationUnzulaessig};
+  const Refusal refused{ZELKERR_uzl_Kostenrechnung, resources::kCombinationInadmissible};
   if (side == CostSide::None) return refused;
   for (const Centre &centre : kCentres) {
     if (isBlank(cost.*centre.stored)) continue;
@@ -104,21 +104,21 @@ Refusal CostAllocation::takeGiven(const LineInProgress &line, const PostingCost 
     anyCentre = anyCentre || !isBlank(given.*centre.given);
   }
   if (Refusal refusal = checkCentres(cost)) return inLine(refusal, line);
-  if (!anyCentre) return line.refuse(ZELKERR_uzl_Kostenstelle, resources::kKeineKostenstelle);
+  if (!anyCentre) return line.refuse(ZELKERR_uzl_Kostenstelle, resources::kNoCostCentreGiven);
   if (!vlfn98::isCostKind(given.Kostenkennung))
-    return line.refuse(ZELKERR_uzl_Kostenkennung, resources::kUnzulaessig, "Die Kostenkennung ist");
+    return line.refuse(ZELKERR_uzl_Kostenkennung, resources::kInadmissible, "Die Kostenkennung ist");
   cost.Kostenkennung = given.Kostenkennung;
   if (!isBlank(given.Menge)) {
     const auto quantity = readAmount(given.Menge, vlba98::moneyWidth, false);
-    if (!quantity) return line.refuse(ZELKERR_uzl_Menge, resources::kDieIstUnzulaessig, "Kostenbuchungsmenge");
+    if (!quantity) return line.refuse(ZELKERR_uzl_Menge, resources::kIsInadmissibleFeminine, "Kostenbuchungsmenge");
     vlba98::formatMoney(*quantity, cost.Menge);
   }
   if (unit_.value_or(given.Einheit) != given.Einheit)
-    return line.refuse(ZELKERR_uzl_Einheitenwechsel, resources::kIstUnzulaessig, "Einheitenwechsel");
+    return line.refuse(ZELKERR_uzl_Einheitenwechsel, resources::kIsInadmissible, "Einheitenwechsel");
   unit_ = given.Einheit;
   vlba98::strncpy2(cost.Einheit, given.Einheit);
   const auto hundredths = readAmount(given.Betrag, vlba98::moneyWidth, false);
-  if (!hundredths) return line.refuse(ZELKERR_uzl_Kostenbetrag, resources::kIstUnzulaessig, "Kostenbuchungsbetrag");
+  if (!hundredths) return line.refuse(ZELKERR_uzl_Kostenbetrag, resources::kIsInadmissible, "Kostenbuchungsbetrag");
   amount = *hundredths;
   vlba98::strncpy2(cost.Bemerkung, given.Bemerkung);
   vlba98::strncpy2(cost.Bemerkung2, given.Bemerkung2);
@@ -136,7 +136,7 @@ Refusal CostAllocation::allocateGiven(const LineInProgress &line, CostSide side,
     costs.amounts.push_back(amount);
     sum += amount;
   }
-  return sum == line.amounts.net ? Refusal{} : line.refuse(ZELKERR_uzl_Kostenbetrag, resources::kKostensumme);
+  return sum == line.amounts.net ? Refusal{} : line.refuse(ZELKERR_uzl_Kostenbetrag, resources::kCostSumWrong);
 }
 
 // The more specific one wins: the template that the line names; the one of the captured document; the one of the
@@ -195,7 +195,7 @@ Refusal CostAllocation::store(const LineInProgress &line, Costs &costs) {
     left -= own;
     const auto percent = net ? vlba98::mulDiv(amount, 100'00, net, kCommercial) : 0;
     if (!percent || !vlba98::formatMoney(*percent, cost.Prozent) || !vlba98::formatMoney(own, cost.Betrag))
-      return line.refuse(ZELKERR_uzl_Kostenbetrag, resources::kIstUnzulaessig, "Kostenbuchungsbetrag");
+      return line.refuse(ZELKERR_uzl_Kostenbetrag, resources::kIsInadmissible, "Kostenbuchungsbetrag");
     cost.Split = int32_t(line.index);
     must(posting_.store.MemInsertKobu(cost));
   }

@@ -88,10 +88,10 @@ struct Side {
   ZelkResult wrongCode;
   int wrongMessage;
 };
-inline constexpr Side kSides[] = {{&LineInProgress::debit, resources::kSollkontonummerUnzulaessig,
-                                   ZELKERR_uzl_Sollkontonr, resources::kSollkontoFalsch},
-                                  {&LineInProgress::credit, resources::kHabenkontonummerUnzulaessig,
-                                   ZELKERR_uzl_Habenkontonr, resources::kHabenkontoFalsch}};
+inline constexpr Side kSides[] = {{&LineInProgress::debit, resources::kDebitNumberInadmissible, ZELKERR_uzl_Sollkontonr,
+                                   resources::kDebitAccountWrong},
+                                  {&LineInProgress::credit, resources::kCreditNumberInadmissible,
+                                   ZELKERR_uzl_Habenkontonr, resources::kCreditAccountWrong}};
 
 /// Between begin and end, what is read from the embedded database is of one state, and costs one look at its log
 /// instead of one each. On a server nothing is begun: the accounts, the batch and the postings are locked by now,

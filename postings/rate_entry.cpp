@@ -21,7 +21,7 @@ std::string currencyAndDay(const MissingRate &missing) {
 
 std::optional<vlfn98::ExchangeRate> askForRate(const MissingRate &missing, std::string_view ownCurrency) {
   const auto day = dayOf(missing);
-  std::string prompt(resources::text(resources::kKursEingabe));
+  std::string prompt(resources::text(resources::kRateEntry));
   for (std::string_view value : {std::string_view(missing.currency), std::string_view(day.data()),
                                  vlba98::trimmed(ownCurrency), std::string_view(missing.currency)})
     prompt.replace(prompt.find("%s"), 2, value);
@@ -29,7 +29,7 @@ std::optional<vlfn98::ExchangeRate> askForRate(const MissingRate &missing, std::
     auto entered = platform::ui().input(frame::kMessageCaption, prompt);
     if (!entered) return std::nullopt;
     if (auto millionths = vlfn98::parseRate(vlba98::trimmed(*entered))) return vlfn98::ExchangeRate{*millionths, 1};
-    frame::showMessage(resources::kKursUnzulaessig);
+    frame::showMessage(resources::kRateInadmissible);
   }
 }
 

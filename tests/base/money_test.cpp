@@ -53,7 +53,7 @@ TEST(MulDiv, AgreesWithLonghand) {
   }
 }
 
-TEST(Geld, PercentAgreesWithLonghand) {
+TEST(Money, PercentAgreesWithLonghand) {
   auto random = generator();
   const auto check = [](std::int64_t amount, std::int64_t rate) {
     char rateText[6], net[13], part[13];
@@ -76,7 +76,7 @@ TEST(Geld, PercentAgreesWithLonghand) {
   }
 }
 
-TEST(Geld, InternalFormIsReadAndWrittenExactly) {
+TEST(Money, InternalFormIsReadAndWrittenExactly) {
   const struct {
     std::int64_t value;
     const char *text;
@@ -105,7 +105,7 @@ TEST(Geld, InternalFormIsReadAndWrittenExactly) {
   EXPECT_EQ(internalForm(-maxMoney - 1), "unwritten");
 }
 
-TEST(Geld, UserAmounts) {
+TEST(Money, UserAmounts) {
   const struct {
     const char *text;
     int width, allowEmpty, allowNegative;
@@ -175,7 +175,7 @@ TEST(Geld, UserAmounts) {
   EXPECT_STREQ(inPlace, "000001234,50");
 }
 
-TEST(Geld, Display) {
+TEST(Money, Display) {
   const struct {
     const char *internal, *grouped, *plain;
   } cases[] = {{"000000000,00", "0,00", "0,00"},
@@ -197,7 +197,7 @@ TEST(Geld, Display) {
   EXPECT_STREQ(untouched, "12x");
 }
 
-TEST(Geld, Arithmetic) {
+TEST(Money, Arithmetic) {
   const auto sum = [](char *result, const char *a, const char *b) {
     char left[13];
     strncpy2(left, a);
@@ -256,7 +256,7 @@ TEST(Geld, Arithmetic) {
   }
 }
 
-TEST(Geld, ComparisonsAndConversions) {
+TEST(Money, ComparisonsAndConversions) {
   EXPECT_TRUE(GeldIsGreater("000000000-01", "000000000-02"));
   EXPECT_FALSE(GeldIsGreater("000000000-00", "000000000,00"));
   EXPECT_FALSE(GeldIsGreater("19,00", "000000019,00"));

@@ -395,7 +395,7 @@ TEST_F(Notification, EndsNoProcessByItsNumber) {
   install();
   // A sanitizer needs descriptors for the first look at a class.
   ZELK_Status();
-  frame::showMessage(resources::kZelkoutStart);
+  frame::showMessage(resources::kCompanionNotStarted);
   recorder.takeText();
   // One descriptor more each time: once it is started, and the handle of the process is what is wanting.
   bool started = false;
