@@ -6,7 +6,7 @@
 #include "frame/fetch.h"
 #include "frame/messages.h"
 #include "store/typed.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/text.h"
 #include "vlfn98/account_fields.h"
 #include "vlfn98/client.h"
@@ -93,9 +93,9 @@ ZelkResult ZELK_CALL ZELK_InitHoleKonto(int32_t Mandantennummer, int32_t Kontoar
              [&](ThreadContext *context) -> ZelkResult {
                context->fetch.end();
                if (!vlfn98::isAccountKind(Kontoart))
-                 return refuse(*context, ZELKERR_uzl_Kontoart, resources::kKontoartUnzulaessig);
+                 return refuse(*context, ZELKERR_uzl_Kontoart, resources::kAccountKindInadmissible);
                if (Sortierung < 0 || Sortierung >= vlfn98::kOrders)
-                 return refuse(*context, ZELKERR_uzl_Sortierung, resources::kSortierungUnzulaessig);
+                 return refuse(*context, ZELKERR_uzl_Sortierung, resources::kOrderInadmissible);
                Store &store = context->store();
                if (ZelkResult opened = openClient(*context, store, Mandantennummer); opened <= 0) return opened;
                int table = vlfn98::KzFromZELKArt(Kontoart);

@@ -10,7 +10,7 @@
 #include "frame/messages.h"
 #include "frame/snapshot.h"
 #include "store/typed.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/text.h"
 #include "vlfn98/account_fields.h"
 #include "vlfn98/accounts.h"

@@ -5,7 +5,7 @@
 #include "frame/call.h"
 #include "frame/locked_tables.h"
 #include "store/typed.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlba98/text.h"
 #include "vlfn98/client.h"
 #include "vlfn98/terms.h"
@@ -49,38 +49,38 @@ Outcome checkIdentity(Store &store, const TermRequest &request) {
   auto stored = [&] { return find<ZAHLZIEL>(store, request.number).has_value(); };
   const auto sameName = [&] { return find<ZAHLZIEL>({store, kByShortName}, request.shortName); };
   if (request.action == kCreate)
-    return sameName() ? Outcome{ZELKERR_ZZ_existiert, resources::kExistiertBereits, "Zahlungsziel"} : Outcome{};
-  const Outcome missing{ZELKERR_uzl_Zahlungsziel, resources::kZahlzielFehlt};
+    return sameName() ? Outcome{ZELKERR_ZZ_existiert, resources::kExistsAlready, "Zahlungsziel"} : Outcome{};
+  const Outcome missing{ZELKERR_uzl_Zahlungsziel, resources::kPaymentTermMissing};
   if (!stored()) return missing;
   if (const auto other = sameName(); other && other->Nr != request.number)
-    return {ZELKERR_Kuerzel_existiert, resources::kExistiertBereits, "K\xFCrzel"};
+    return {ZELKERR_Kuerzel_existiert, resources::kExistsAlready, "K\xFCrzel"};
   return stored() ? Outcome{} : missing;
 }
 
 // Takes a rate in internal form, "00,00" where none is given. \return false when the text is no rate
 bool takeRate(char (&rate)[6], const char *text) {
-  vlba98::strncpy2(rate, *text ? text : vlba98::satzZero);
-  return vlba98::IsGeld(rate, int(vlba98::satzWidth), 0, 0, rate);
+  vlba98::strncpy2(rate, *text ? text : vlba98::rateZero);
+  return vlba98::IsGeld(rate, int(vlba98::rateWidth), 0, 0, rate);
 }
 
 Outcome checkDiscounts(const TermRequest &request, ZAHLZIEL &term) {
   const Range periods[] = {
-      {request.discountDays1, 999, ZELKERR_uzl_Skontotage, resources::kUnzulaessig, "Die Skontofrist 1 ist"},
-      {request.discountDays2, 999, ZELKERR_uzl_Skontotage, resources::kUnzulaessig, "Die Skontofrist 2 ist"}};
+      {request.discountDays1, 999, ZELKERR_uzl_Skontotage, resources::kInadmissible, "Die Skontofrist 1 ist"},
+      {request.discountDays2, 999, ZELKERR_uzl_Skontotage, resources::kInadmissible, "Die Skontofrist 2 ist"}};
   for (const Range &period : periods)
     if (!period.holds()) return period.refusal();
   if (request.discountDays1 >= request.discountDays2 && request.discountDays2 != 0)
-    return {ZELKERR_uzl_Skontotage, resources::kSkontoReihenfolge};
+    return {ZELKERR_uzl_Skontotage, resources::kDiscountOrder};
   if (!takeRate(term.Skontosatz1, request.discountRate1))
-    return {ZELKERR_uzl_Skontoprozent, resources::kIstUnzulaessig, "Skontosatz"};
+    return {ZELKERR_uzl_Skontoprozent, resources::kIsInadmissible, "Skontosatz"};
   if (!takeRate(term.Skontosatz2, request.discountRate2))
-    return {ZELKERR_uzl_Skontoprozent, resources::kIstUnzulaessig, "Skontosatz 2"};
+    return {ZELKERR_uzl_Skontoprozent, resources::kIsInadmissible, "Skontosatz 2"};
   // In internal form rates compare as texts.
-  std::string_view rate1 = term.Skontosatz1, rate2 = term.Skontosatz2, none = vlba98::satzZero;
-  if (request.discountDays2 != 0 && rate1 <= rate2) return {ZELKERR_uzl_Skontoprozent, resources::kSkontoReihenfolge};
+  std::string_view rate1 = term.Skontosatz1, rate2 = term.Skontosatz2, none = vlba98::rateZero;
+  if (request.discountDays2 != 0 && rate1 <= rate2) return {ZELKERR_uzl_Skontoprozent, resources::kDiscountOrder};
   if ((rate1 == none && request.discountDays1 > 0) || (rate2 == none && request.discountDays2 > 0) ||
       (rate1 == rate2 && rate1 != none))
-    return {ZELKERR_uzl_Skontoprozent, resources::kSkontoLeer};
+    return {ZELKERR_uzl_Skontoprozent, resources::kDiscountEmpty};
   if (rate2 == none && request.discountDays2 == 0) term.Skontosatz2[0] = 0;
   term.Skontotage1 = int16_t(request.discountDays1);
   term.Skontotage2 = int16_t(request.discountDays2);
@@ -88,10 +88,10 @@ Outcome checkDiscounts(const TermRequest &request, ZAHLZIEL &term) {
 }
 
 Outcome checkDueDate(const TermRequest &request, ZAHLZIEL &term) {
-  const Range ranges[] = {{request.days, 999, ZELKERR_uzl_Zahltage, resources::kUnzulaessig, "Die Zahlungsfrist ist"},
-                          {request.dayOfMonth, 31, ZELKERR_uzl_TagInMonat, resources::kIstUnzulaessig, "Tag im Monat"},
-                          {request.months, 99, ZELKERR_uzl_MonatePlus, resources::kUnzulaessig, "Die Folgemonatszahl"},
-                          {request.method, 5, ZELKERR_uzl_Zahlungsart, resources::kUnzulaessig, "Die Zahlungsart"}};
+  const Range ranges[] = {{request.days, 999, ZELKERR_uzl_Zahltage, resources::kInadmissible, "Die Zahlungsfrist ist"},
+                          {request.dayOfMonth, 31, ZELKERR_uzl_TagInMonat, resources::kIsInadmissible, "Tag im Monat"},
+                          {request.months, 99, ZELKERR_uzl_MonatePlus, resources::kInadmissible, "Die Folgemonatszahl"},
+                          {request.method, 5, ZELKERR_uzl_Zahlungsart, resources::kInadmissible, "Die Zahlungsart"}};
   for (const Range &range : ranges)
     if (!range.holds()) return range.refusal();
   term.Zahltage = int16_t(request.days);
@@ -103,7 +103,7 @@ Outcome checkDueDate(const TermRequest &request, ZAHLZIEL &term) {
 
 // With the table locked. The result is the number of the term.
 Outcome save(Store &store, const TermRequest &request) {
-  if (request.shortName.empty()) return {ZELKERR_uzl_Kuerzel, resources::kKuerzelFehlt};
+  if (request.shortName.empty()) return {ZELKERR_uzl_Kuerzel, resources::kShortNameMissing};
   if (Outcome identity = checkIdentity(store, request); identity.result != ZELK_OK) return identity;
   ZAHLZIEL term{};
   if (request.action == kChange) term.Nr = request.number;
@@ -142,7 +142,7 @@ ZelkResult ZELK_CALL ZELK_Zahlungsziel(int32_t Mandantennummer, int32_t Aktion, 
                Store &store = context->store();
                if (int32_t opened = vlfn98::HoleMandantenDaten(store, Mandantennummer); opened < 1) return opened;
                if (Aktion != kCreate && Aktion != kChange)
-                 return refuse(*context, ZELKERR_sonst, resources::kUnzulaessigeAktion);
+                 return refuse(*context, ZELKERR_sonst, resources::kActionInadmissible);
                TermRequest request{Aktion,
                                    Zahlzielnummer,
                                    vlfn98::storedShortName(Name),

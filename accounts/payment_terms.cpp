@@ -53,7 +53,7 @@ ZelkResult ZELK_CALL ZELK_HoleZahlungsziel(int32_t Mandantennummer, int32_t Zahl
                if (ZelkResult opened = openClient(*context, store, Mandantennummer); opened <= 0) return opened;
                ZELK_ZAHLUNGSZIEL term;
                ZelkResult result = inSnapshot(store, [&] { return readTerm(store, Zahlzielnummer, term); });
-               if (result == ZELKERR_uzl_Zahlungsziel) return refuse(*context, result, resources::kZahlzielFehlt);
+               if (result == ZELKERR_uzl_Zahlungsziel) return refuse(*context, result, resources::kPaymentTermMissing);
                if (result == ZELK_OK) *Zahlungsziel = term;
                return result;
              });

@@ -19,10 +19,10 @@ namespace {
 constexpr size_t kWidth = sizeof(SACHKONTO::Nr) - 1;
 
 int titleOf(int table) {
-  return table == kSachkonto  ? resources::kSachkontenauswahl
-         : table == kKreditor ? resources::kKreditorenauswahl
-         : table == kDebitor  ? resources::kDebitorenauswahl
-                              : resources::kKostenstellenauswahl;
+  return table == kSachkonto  ? resources::kLedgerAccountSelection
+         : table == kKreditor ? resources::kCreditorSelection
+         : table == kDebitor  ? resources::kDebtorSelection
+                              : resources::kCostCentreSelection;
 }
 
 // A number as it is stored; empty when the host gave none.

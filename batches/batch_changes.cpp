@@ -32,16 +32,16 @@ struct WantedBatch {
 Outcome startingRecord(Store &store, const WantedBatch &wanted, STAPEL &batch) {
   const auto stored = wanted.number != 0 ? find<STAPEL>(store, wanted.number) : std::nullopt;
   if (wanted.action == kCreate) {
-    if (wanted.number < 0) return {ZELKERR_uzl_Stapelnr, resources::kDieIstUnzulaessig, "Stapelnummer"};
-    if (stored) return {ZELKERR_uzl_Stapelnr, resources::kStapelnummerVergeben};
+    if (wanted.number < 0) return {ZELKERR_uzl_Stapelnr, resources::kIsInadmissibleFeminine, "Stapelnummer"};
+    if (stored) return {ZELKERR_uzl_Stapelnr, resources::kBatchNumberTaken};
     batch = {};
     batch.Nr = wanted.number;
     batch.VonExtern = 1;
     return {};
   }
-  if (!stored) return {ZELKERR_uzl_Stapelnr, resources::kZuAendernderStapelFehlt};
-  if (stored->Pflicht) return {ZELKERR_uzl_Stapelnr, resources::kPflichtstapel};
-  if (stored->Passwort[0]) return {ZELKERR_StapelPasswort, resources::kStapelPasswortAendern};
+  if (!stored) return {ZELKERR_uzl_Stapelnr, resources::kChangedBatchMissing};
+  if (stored->Pflicht) return {ZELKERR_uzl_Stapelnr, resources::kStandardBatch};
+  if (stored->Passwort[0]) return {ZELKERR_StapelPasswort, resources::kBatchPasswordChange};
   batch = *stored;
   return {};
 }
@@ -59,9 +59,9 @@ bool nameInUse(Store &store, const WantedBatch &wanted) {
 Outcome save(Store &store, const WantedBatch &wanted) {
   STAPEL batch;
   if (Outcome start = startingRecord(store, wanted, batch); start.result != ZELK_OK) return start;
-  if (nameInUse(store, wanted)) return {ZELKERR_uzl_Name, resources::kStapelnameVergeben, wanted.name};
+  if (nameInUse(store, wanted)) return {ZELKERR_uzl_Name, resources::kBatchNameTaken, wanted.name};
   if (wanted.recurrence < 0 || wanted.recurrence > kGreatestRecurrence)
-    return {ZELKERR_uzl_StapelWiederkehr, resources::kStapelWiederkehr};
+    return {ZELKERR_uzl_StapelWiederkehr, resources::kBatchRecurrence};
   vlba98::strncpy2(batch.Name, wanted.name);
   batch.Wiederkehr = int16_t(wanted.recurrence);
   batch.Transitorisch = wanted.transitory != 0;
@@ -79,10 +79,10 @@ Outcome save(Store &store, const WantedBatch &wanted) {
 // The batch becomes the current record of its table.
 Outcome checkDeletable(Store &store, int32_t number) {
   const auto batch = find<STAPEL>(store, number);
-  if (!batch) return {ZELKERR_uzl_Stapelnr, resources::kStapelFehlt};
-  if (!batch->VonExtern) return {ZELKERR_uzl_Stapelnr, resources::kStapelNichtVonExtern};
-  if (batch->Gecleart) return {ZELKERR_uzl_Stapelnr, resources::kStapelGecleart};
-  if (batch->Passwort[0]) return {ZELKERR_uzl_Stapelnr, resources::kStapelPasswortLoeschen};
+  if (!batch) return {ZELKERR_uzl_Stapelnr, resources::kBatchMissing};
+  if (!batch->VonExtern) return {ZELKERR_uzl_Stapelnr, resources::kBatchNotFromOutside};
+  if (batch->Gecleart) return {ZELKERR_uzl_Stapelnr, resources::kBatchCleared};
+  if (batch->Passwort[0]) return {ZELKERR_uzl_Stapelnr, resources::kBatchPasswordDeletion};
   return {};
 }
 
@@ -110,12 +110,12 @@ ZelkResult ZELK_CALL ZELK_Stapel(int32_t Aktion, int32_t Mandantennummer, int32_
                Store &store = context->store();
                if (ZelkResult opened = openClient(*context, store, Mandantennummer); opened <= 0) return opened;
                if (Aktion != kCreate && Aktion != kChange)
-                 return refuse(*context, ZELKERR_uzl_Aktion, resources::kUnzulaessigeAktion);
+                 return refuse(*context, ZELKERR_uzl_Aktion, resources::kActionInadmissible);
                std::string name = Stapelname ? Stapelname : "";
-               if (name.size() > kNameWidth) return refuse(*context, ZELKERR_uzl_Name, resources::kNameZuLang);
+               if (name.size() > kNameWidth) return refuse(*context, ZELKERR_uzl_Name, resources::kNameTooLong);
                vlba98::KillWhiteSpaces(name.data());
                name.resize(std::char_traits<char>::length(name.c_str()));
-               if (name.empty()) return refuse(*context, ZELKERR_uzl_Name, resources::kNameLeer);
+               if (name.empty()) return refuse(*context, ZELKERR_uzl_Name, resources::kNameEmpty);
                WantedBatch wanted{Aktion, Stapelnummer, std::move(name), Wiederkehr, Transitorisch, Abstimm0};
                return changeLocked(*context, store, kBatchTable, [&] { return save(store, wanted); });
              });

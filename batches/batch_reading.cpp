@@ -100,7 +100,7 @@ ZelkResult ZELK_CALL ZELK_InitHoleBatch(int32_t Mandantennummer, int32_t Stapeln
         Store &store = context->store();
         if (ZelkResult opened = openClient(*context, store, Mandantennummer); opened <= 0) return opened;
         if (!exists<STAPEL>(store, Stapelnummer))
-          return refuse(*context, ZELKERR_uzl_Stapelnr, resources::kGibtEsNicht, "Stapel");
+          return refuse(*context, ZELKERR_uzl_Stapelnr, resources::kDoesNotExist, "Stapel");
         BATCHBUCHUNG posting{};
         uint8_t found;
         must(store.ReadBat(posting, Stapelnummer, 0, found));

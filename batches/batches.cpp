@@ -80,10 +80,10 @@ ZelkResult ZELK_CALL ZELK_HoleStapelNr(void *HandleParent, int32_t Mandantennumm
         // Nothing can be listed before the library is initialised; what that came to says more than the want of a
         // context.
         if (!context) return initialisationStatus() < 0 ? initialisationStatus() : ZELKERR_Thread;
-        context->fehlermeldungen = Fehlermeldungen;
+        context->messages = Fehlermeldungen;
         std::string chosen;
         ZelkResult result = choose(
-            *context, resources::kStapelauswahl,
+            *context, resources::kBatchSelection,
             [&](SelectionOrder order, const AddEntry &add) -> ZelkResult {
               // Anew at every filling: while the dialog is open, the host's windows may call the library.
               Store &store = context->store();

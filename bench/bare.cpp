@@ -120,7 +120,7 @@ void BarePosting::insert() {
                credit_.run(client, year, std::string_view("8400")) && taxKey_.run(client, taxKey, day);
   require(known, "a bare look-up");
   int64_t number = greatest_.run(client, int64_t(batch_)) ? greatest_.firstNumber() + 1 : 1;
-  constexpr int numberOfPosting = 2; // column of both tables, behind the client and the batch
+  constexpr int numberOfPosting = 2; // column of both tables, after the client and the batch
   posting_.write(number, numberOfPosting);
   line_.write(number, numberOfPosting);
   commit_.step();

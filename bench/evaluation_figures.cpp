@@ -8,7 +8,7 @@
 #include "bare.h"
 #include "books.h"
 #include "figures.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/text.h"
 
 namespace bench {
@@ -17,7 +17,7 @@ namespace {
 using namespace vldb98;
 using Clock = std::chrono::steady_clock;
 
-constexpr int kTurns = 15, kSaldos = 2000, kDayBalances = 20, kEntries = 100000;
+constexpr int kTurns = 15, kBalances = 2000, kDayBalances = 20, kEntries = 100000;
 constexpr char kAccount[] = "4000";
 constexpr char kDay[] = "30.06.2026";
 
@@ -91,22 +91,22 @@ Figures evaluationFigures() {
                                 "Datum<=?");
   const std::string_view number = kAccount, first = "2026-06-01", last = "2026-06-30";
   char balance[16], euro[16];
-  std::vector<double> saldo, select, dayBalance, monthSum, ratios, dayRatios;
+  std::vector<double> balances, select, dayBalance, monthSum, ratios, dayRatios;
   for (int turn = 0; turn < kTurns; ++turn) {
-    saldo.push_back(microseconds(kSaldos, [&] {
+    balances.push_back(microseconds(kBalances, [&] {
       return ZELK_HoleSaldo(1, kAccount, ZELK_SACHKONTO, 0, 1, balance, euro, nullptr, 0, nullptr) == ZELK_OK;
     }));
-    select.push_back(microseconds(kSaldos, [&] { return account.run(number); }));
+    select.push_back(microseconds(kBalances, [&] { return account.run(number); }));
     dayBalance.push_back(microseconds(kDayBalances, [&] {
       return ZELK_HoleSaldo(1, kAccount, ZELK_SACHKONTO, 0, 1, balance, euro, kDay, 0, nullptr) == ZELK_OK;
     }));
     monthSum.push_back(microseconds(kDayBalances, [&] { return sum.run(number, first, last); }));
-    ratios.push_back(saldo.back() / select.back());
+    ratios.push_back(balances.back() / select.back());
     dayRatios.push_back(dayBalance.back() / monthSum.back());
   }
   std::printf("balance of an account: median %.1f us, bare point select %.1f us; on a day, %d entries in the year: "
               "%.1f us, bare sum over the month %.1f us\n",
-              median(saldo), median(select), kEntries, median(dayBalance), median(monthSum));
+              median(balances), median(select), kEntries, median(dayBalance), median(monthSum));
   return {{"ZELK_HoleSaldo / bare point select", median(ratios), Bound::AtMost, 3},
           {"ZELK_HoleSaldo on a day / bare sum of the month", median(dayRatios), Bound::AtMost, 2}};
 }

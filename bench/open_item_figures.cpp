@@ -65,7 +65,7 @@ int walk(const char *account) {
   return rows;
 }
 
-/// The same rows from the engine: a seek for each, behind the one before.
+/// The same rows from the engine: a seek for each, after the one before.
 class BareWalk {
 public:
   explicit BareWalk(const BareConnection &connection) : next_(connection, select()) {}

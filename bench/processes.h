@@ -3,7 +3,7 @@
 
 namespace bench {
 
-/// The first argument of such a process; workerMain gets those behind it.
+/// The first argument of such a process; workerMain gets those after it.
 inline constexpr char kWorkerOption[] = "--worker";
 int workerMain(char **arguments);
 

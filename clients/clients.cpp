@@ -5,7 +5,7 @@
 #include "frame/call.h"
 #include "frame/selection.h"
 #include "store/typed.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/text.h"
 #include "vlfn98/client.h"
 
@@ -173,7 +173,7 @@ ZelkResult ZELK_CALL ZELK_HoleMandantenNr(void *HandleParent) {
   return run(self, {out("Handle-Parent:", HandleParent)}, [&](ThreadContext *context) -> ZelkResult {
     std::string chosen;
     ZelkResult result = choose(
-        *context, resources::kMandantenauswahl,
+        *context, resources::kClientSelection,
         [&](SelectionOrder order, const AddEntry &add) -> ZelkResult {
           // Anew at every filling: while the dialog is open, the host's windows may call the library.
           Store &store = context->store();

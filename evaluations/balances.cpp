@@ -1,6 +1,7 @@
 // Turnover and balance of an account.
 #include "evaluations/turnover.h"
 #include "frame/call.h"
+#include "vlfn98/periods.h"
 
 using namespace frame;
 using namespace evaluations;
@@ -37,7 +38,7 @@ ZelkResult ZELK_CALL ZELK_HoleSaldo(int32_t Mandantennummer, const char *Kontonu
                const AccountRequest account{Mandantennummer, Kontonummer, Kontoart, Dimension, Kostref};
                if (PerDatum && *PerDatum)
                  return finish(*context, balanceOnDay(*context, account, PerDatum, Ausgabeart, Saldo, Eurosaldo));
-               return finish(*context, turnover(*context, account, kGanzesJahr, -1, Ausgabeart,
+               return finish(*context, turnover(*context, account, vlfn98::kWholeYear, -1, Ausgabeart,
                                                 {nullptr, nullptr, Saldo, nullptr, nullptr, Eurosaldo}));
              });
 }

@@ -8,8 +8,8 @@
 #include "frame/fetch.h"
 #include "frame/money_output.h"
 #include "store/typed.h"
-#include "vlba98/datum.h"
-#include "vlba98/geld.h"
+#include "vlba98/date.h"
+#include "vlba98/money.h"
 #include "vlba98/text.h"
 #include "vlfn98/account_fields.h"
 #include "vlfn98/fiscal_year.h"
@@ -20,9 +20,7 @@ using namespace vldb98;
 
 namespace {
 
-// Records of a fiscal year: the kind of the fetch, whatever their table.
-constexpr int32_t kJahressaetze = 117;
-constexpr int kValues = vlfn98::kMonate + 1; // the months and the year
+constexpr int kValues = vlfn98::kMonths + 1; // the months and the year
 
 int tableOfKind(int32_t kind) {
   return kind == ZELK_KOSTENSTELLE ? kKost
@@ -37,7 +35,7 @@ Outcome openYear(Store &store, int32_t year) {
   const int first = *client.StartJahr ? vlba98::yearOfCode(client.StartJahr) : current;
   if (year == 0) year = current;
   if (year >= first && year <= current && vlfn98::OeffneJahr(store, year)) return {};
-  return {ZELKERR_uzl_Zeitraum, resources::kIstUnzulaessig, "Zeitraum"};
+  return {ZELKERR_uzl_Zeitraum, resources::kIsInadmissible, "Zeitraum"};
 }
 
 /// The cost centres that a fetch of their budget values is limited to; kept in the fetch.
@@ -69,7 +67,7 @@ ZelkResult start(ThreadContext &context, Store &store, FileNumber file, const SC
                  const char *reference) {
   if (ZelkResult started = startFetch(context, store, file, from, ZELK_keinKonto); started != ZELK_OK) return started;
   SharedFetch &fetch = context.fetch;
-  fetch.kind = kJahressaetze;
+  fetch.kind = kYearRecords;
   Centres wanted{dimension, ""};
   if (reference && *reference) {
     vlba98::strncpy2(wanted.reference, reference);
@@ -84,7 +82,7 @@ ZelkResult start(ThreadContext &context, Store &store, FileNumber file, const SC
 
 // Reads the next record that belongs to the fetch.
 ZelkResult readNext(ThreadContext &context, DATENBANK &next) {
-  ZelkResult result = readNext(context, kJahressaetze, next);
+  ZelkResult result = readNext(context, kYearRecords, next);
   if (result != ZELK_OK) return result;
   try {
     return skip(context.store(), context.fetch, next) ? ZELK_OK : ZELK_letzterDatensatz;
@@ -94,9 +92,9 @@ ZelkResult readNext(ThreadContext &context, DATENBANK &next) {
   }
 }
 
-// The value of a month from 0, of the year behind the last.
+// The value of a month from 0, of the year after the last.
 int64_t budgetValue(const SOLLWERTE &values, int i) {
-  return vlba98::parseGeld(i < vlfn98::kMonate ? values.Monat[i] : values.Gesamt).value_or(0);
+  return vlba98::parseMoney(i < vlfn98::kMonths ? values.Monat[i] : values.Gesamt).value_or(0);
 }
 
 const SOLLWERTE &budgetOf(int table, const DATENBANK &record) {
@@ -113,14 +111,14 @@ int32_t budgetInEuro(int table, const DATENBANK &record) {
 
 Outcome deliverRecord(int table, const DATENBANK &record, int32_t form, char *const (&buffers)[kValues]) {
   int64_t values[kValues];
-  char internal[vlba98::geldWidth + 1];
+  char internal[vlba98::moneyWidth + 1];
   for (int i = 0; i < kValues; ++i) {
     values[i] = budgetValue(budgetOf(table, record), i);
     if (table == kKost) values[i] += budgetValue(record.Kost.Sollwerte2, i);
-    if (buffers[i] && !vlba98::formatGeld(values[i], internal)) return {ZELKERR_sonst, resources::kBetragZuGross};
+    if (buffers[i] && !vlba98::formatMoney(values[i], internal)) return {ZELKERR_sonst, resources::kAmountTooGreat};
   }
   for (int i = 0; i < kValues; ++i)
-    if (buffers[i] && vlba98::formatGeld(values[i], internal)) formatAmount(form, buffers[i], internal);
+    if (buffers[i] && vlba98::formatMoney(values[i], internal)) formatAmount(form, buffers[i], internal);
   return {};
 }
 
@@ -137,12 +135,12 @@ ZelkResult ZELK_CALL ZELK_InitHoleSollwerte(int32_t Mandantennummer, int32_t Kon
              [&](ThreadContext *context) -> ZelkResult {
                context->fetch.end();
                if (Sortierung < 0 || Sortierung >= vlfn98::kOrders)
-                 return refuse(*context, ZELKERR_uzl_Sortierung, resources::kSortierungUnzulaessig);
+                 return refuse(*context, ZELKERR_uzl_Sortierung, resources::kOrderInadmissible);
                Store &store = context->store();
                if (ZelkResult opened = openClient(*context, store, Mandantennummer); opened <= 0) return opened;
                if (Outcome opened = openYear(store, Jahr); opened.result <= 0) return finish(*context, opened);
                const int table = tableOfKind(Kontoart);
-               waitForYear(store, kJahressaetze, table);
+               waitForYear(store, kYearRecords, table);
                const FileNumber file = fileNumber(table, vlfn98::keyIndex(table, Sortierung));
                if (!Ab || !*Ab) return start(*context, store, file, nullptr, Dimension, Kostref);
                const SCHLUESSEL key = keyOf(file, Ab);
@@ -165,7 +163,7 @@ ZelkResult ZELK_CALL ZELK_HoleSollwerte(char *Kontonummer, char *Kuerzel, char *
               out("Mon12:", pszMon12), out("Gesamt:", pszGesamt), out("SWinEuro:", plSWinEuro)},
              [&](ThreadContext *context) -> ZelkResult {
                SharedFetch &fetch = context->fetch;
-               if (fetch.kind != kJahressaetze) return ZELKERR_keinInit;
+               if (fetch.kind != kYearRecords) return ZELKERR_keinInit;
                if (!fetch.pending) return ZELKERR_keinDatensatz;
                const bool anyValue = std::any_of(std::begin(values), std::end(values), [](char *v) { return v; });
                if (anyValue && !isAmountForm(Ausgabeart)) return finish(*context, checkForm(Ausgabeart));

@@ -9,6 +9,9 @@
 #include "vlba98/encoding.h"
 #include "vlba98/text.h"
 #include "vlfn98/cost_postings.h"
+#include "vlfn98/costs.h"
+#include "vlfn98/periods.h"
+#include "vlfn98/structure_lines.h"
 
 using namespace evaluations;
 using namespace frame;
@@ -16,11 +19,7 @@ using namespace vldb98;
 
 namespace {
 
-constexpr FileNumber kJahressaetze = 117;
 constexpr size_t kMaxNumber = 9;
-constexpr int32_t kDimensionen = 6;
-constexpr int32_t kErstesQuartal = 13, kGanzesJahr = 17;
-constexpr int32_t kKontozeile = 1, kVerborgen = 4; // flags of a structure line
 
 /// What a call asks for. Empty texts: not given.
 struct CostRequest {
@@ -38,7 +37,7 @@ Outcome tooLong(const char *what, std::string_view value) {
 
 Outcome checkNumbers(std::string_view costCentre, std::string_view costType) {
   if (vlba98::trimmed(costCentre).empty() && vlba98::trimmed(costType).empty())
-    return {ZELKERR_uzl_Kontonr, resources::kKostenstelleOderKostenart};
+    return {ZELKERR_uzl_Kontonr, resources::kCostCentreOrType};
   if (costCentre.size() > kMaxNumber) return tooLong("Die Kostenstelle %s ist", costCentre);
   if (costType.size() > kMaxNumber) return tooLong("Die Kostenart %s ist", costType);
   return {};
@@ -56,7 +55,8 @@ Outcome checkYear(Store &store, int32_t year) {
 std::set<std::string> numbersOf(Store &store, int32_t structure) {
   std::set<std::string> numbers;
   forEachStored<AUFBAU>({store, kStructureTables[size_t(structure)]}, [&](const AUFBAU &line) {
-    if ((line.Flags & kKontozeile) && !(line.Flags & kVerborgen)) numbers.emplace(vlba98::trimmed(line.Name));
+    if ((line.Flags & vlfn98::kAccountLine) && !(line.Flags & vlfn98::kHidden))
+      numbers.emplace(vlba98::trimmed(line.Name));
   });
   return numbers;
 }
@@ -67,10 +67,10 @@ public:
   CostCentres(Store &store, const CostRequest &request) : store_(store), request_(request) {}
 
   /// \param selection its cost centres stay nothing when the call does not restrict them
-  Outcome select(vlfn98::Kostenauswahl &selection) {
+  Outcome select(vlfn98::CostSelection &selection) {
     if (request_.structure >= int32_t(kStructureTables.size()))
       return inadmissible(ZELKERR_uzl_Kontonr, "Der Aufbau ist");
-    const bool hasDimension = request_.dimension >= 0 && request_.dimension < kDimensionen;
+    const bool hasDimension = request_.dimension >= 0 && request_.dimension < vlfn98::kDimensions;
     const bool referenced = !request_.reference.empty() && vlfn98::IsKostrefActive(store_);
     if (request_.structure > 0) inStructure_ = numbersOf(store_, request_.structure);
     if (request_.costCentre.empty() && request_.structure <= 0 && !referenced) return {};
@@ -97,7 +97,7 @@ private:
   std::set<std::string> inStructure_;
 };
 
-Outcome select(Store &store, const CostRequest &request, vlfn98::Kostenauswahl &selection) {
+Outcome select(Store &store, const CostRequest &request, vlfn98::CostSelection &selection) {
   selection.costType = request.costType;
   selection.dimension = request.dimension;
   const bool known = request.costType.empty() || exists<SACHKONTO>(store, request.costType);
@@ -109,21 +109,21 @@ Outcome select(Store &store, const CostRequest &request, vlfn98::Kostenauswahl &
 Outcome costsOf(Store &store, const CostRequest &request, int64_t &euro) {
   if (Outcome opened = openQuietly(store, request.client); opened.result <= 0) return opened;
   if (Outcome checked = checkYear(store, request.year); checked.result <= 0) return checked;
-  vlfn98::Kostenauswahl selection;
+  vlfn98::CostSelection selection;
   if (Outcome selected = select(store, request, selection); selected.result <= 0) return selected;
   int first = request.period, last = first;
-  if (request.period == kGanzesJahr) {
+  if (request.period == vlfn98::kYearOfCosts) {
     first = 1;
-    last = vlfn98::kMonate;
-  } else if (request.period >= kErstesQuartal && request.period < kGanzesJahr) {
-    first = 3 * (request.period % kErstesQuartal) + 1;
+    last = vlfn98::kMonths;
+  } else if (request.period >= vlfn98::kFirstQuarter && request.period < vlfn98::kYearOfCosts) {
+    first = 3 * (request.period - vlfn98::kFirstQuarter) + 1;
     last = first + 2;
-  } else if (request.period < 1 || request.period > vlfn98::kMonate)
-    return {ZELKERR_uzl_Zeitraum, resources::kIstUnzulaessig, "Zeitraum"};
-  const auto year = vlfn98::HoleGeschaeftsjahr(store, request.year).value_or(GESCHAEFTSJAHR{});
-  waitForYear(store, kJahressaetze, kKostenbuchung);
-  const vlfn98::Zeitspanne days = vlfn98::TageDerMonate(year, first, last);
-  euro = vlfn98::SummeDerKostenbuchungen(store, days, selection).euroSaldo();
+  } else if (request.period < 1 || request.period > vlfn98::kMonths)
+    return {ZELKERR_uzl_Zeitraum, resources::kIsInadmissible, "Zeitraum"};
+  const auto year = vlfn98::findFiscalYear(store, request.year).value_or(GESCHAEFTSJAHR{});
+  waitForYear(store, kYearRecords, kKostenbeleg);
+  const vlfn98::DateRange days = vlfn98::daysOfMonths(year, first, last);
+  euro = vlfn98::sumOfCosts(store, days, selection).euroBalance();
   return {};
 }
 

@@ -7,7 +7,7 @@
 #include "frame/money_output.h"
 #include "store/typed.h"
 #include "vlba98/encoding.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlfn98/accounts.h"
 #include "vlfn98/client.h"
 
@@ -17,7 +17,7 @@ using namespace vldb98;
 namespace evaluations {
 
 Outcome inadmissible(ZelkResult code, std::string_view what) {
-  return {code, resources::kUnzulaessig, vlba98::toWindows1252(what).value_or(std::string(what))};
+  return {code, resources::kInadmissible, vlba98::toWindows1252(what).value_or(std::string(what))};
 }
 
 Outcome checkForm(int32_t form) {
@@ -36,7 +36,7 @@ Outcome readAccount(Store &store, const AccountRequest &account, DATENBANK &reco
 
 Outcome noSuchAccount(int32_t kind) {
   if (kind == ZELK_KOSTENSTELLE) return inadmissible(ZELKERR_uzl_Kostenstelle, "Die Kostenstelle ist");
-  return {ZELKERR_uzl_Kontonr, resources::kKontonummerUnzulaessig};
+  return {ZELKERR_uzl_Kontonr, resources::kAccountNumberInadmissible};
 }
 
 void waitForYear(Store &store, FileNumber resource, int table) {
@@ -47,13 +47,13 @@ void waitForYear(Store &store, FileNumber resource, int table) {
 }
 
 Outcome deliver(int32_t form, std::initializer_list<Figure> figures) {
-  char internal[vlba98::geldWidth + 1];
+  char internal[vlba98::moneyWidth + 1];
   for (const Figure &figure : figures)
-    if (figure.buffer && !vlba98::formatGeld(figure.hundredths, internal))
-      return {ZELKERR_sonst, resources::kBetragZuGross}; // the text of -37 speaks of account numbers
+    if (figure.buffer && !vlba98::formatMoney(figure.hundredths, internal))
+      return {ZELKERR_sonst, resources::kAmountTooGreat}; // the text of -37 speaks of account numbers
   for (const Figure &figure : figures) {
     if (!figure.buffer) continue;
-    vlba98::formatGeld(figure.hundredths, internal);
+    vlba98::formatMoney(figure.hundredths, internal);
     formatAmount(form, figure.buffer, internal);
   }
   return {};

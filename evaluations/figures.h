@@ -39,9 +39,14 @@ frame::Outcome noSuchAccount(int32_t kind);
 /// \return 1; that there is none
 frame::Outcome readAccount(vldb98::Store &store, const AccountRequest &account, vldb98::DATENBANK &record);
 
-/// Waits for whoever changes a kind of records of a client's fiscal year. Takes nothing itself: what is read holds
-/// together because it is read in a snapshot. \param resource 117 records of the year, 118 its entries \param table -1:
-/// all
+/// Resources of a client's fiscal year, by which its records (accounts, cost postings) and its entries are waited for.
+/// The former is also the kind of the fetch of budget values, whatever their table.
+constexpr vldb98::FileNumber kYearRecords = 117, kYearEntries = 118;
+
+/// Waits for whoever changes records of a client's fiscal year. Takes nothing itself: what is read holds together
+/// because it is read in a snapshot.
+/// \param resource kYearRecords or kYearEntries
+/// \param table    -1: all
 /// \throws StoreFailed when it takes too long
 void waitForYear(vldb98::Store &store, vldb98::FileNumber resource, int table);
 

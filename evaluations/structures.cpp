@@ -9,6 +9,7 @@
 #include "store/typed.h"
 #include "vlba98/text.h"
 #include "vlfn98/client.h"
+#include "vlfn98/structure_lines.h"
 
 using namespace frame;
 using namespace vldb98;
@@ -26,9 +27,6 @@ struct StructureWalk {
 };
 
 constexpr int32_t kRoot = 1;
-constexpr int32_t kAllLines = 32768;                            // added to a class
-constexpr int32_t kKindBits = 3, kAccountLine = 1, kHidden = 4; // of a line's flags
-constexpr int32_t kSecondHolds = 4;                             // of its second flags
 
 // The depth of the walk that moved last, whichever thread's. It is only told to hosts: no walk finds its way by it.
 std::atomic<int32_t> nestingLevel{0};
@@ -75,7 +73,7 @@ private:
 
   ZelkResult skipHidden() {
     ZelkResult result = ZELK_OK;
-    while (result == ZELK_OK && !walk_.hiddenToo && (line_.Flags & kHidden))
+    while (result == ZELK_OK && !walk_.hiddenToo && (line_.Flags & vlfn98::kHidden))
       result = step();
     return result;
   }
@@ -114,7 +112,7 @@ ZelkResult deliver(ThreadContext &context, int32_t *kind, char *name, int32_t *l
   StructureWalk &walk = context.slot<StructureWalk>();
   if (!walk.active) return ZELKERR_keinInit;
   const AUFBAU line = walk.line;
-  const bool account = line.Flags & kAccountLine;
+  const bool account = line.Flags & vlfn98::kAccountLine;
   const int32_t depth = nestingLevel - (account ? 1 : 0);
   // Until it has gone on: a walk that failed is over.
   walk.active = false;
@@ -125,14 +123,15 @@ ZelkResult deliver(ThreadContext &context, int32_t *kind, char *name, int32_t *l
   if (result < 0) return result;
   if (result == ZELK_OK) walker.commit();
   walk.active = result == ZELK_OK;
-  if (kind) *kind = (line.Flags & kKindBits) + (line.Flags & kHidden);
+  if (kind) *kind = (line.Flags & vlfn98::kKindMask) + (line.Flags & vlfn98::kHidden);
   if (name) vlba98::strncpy2(name, line.Name, sizeof line.Name);
   if (name && account) vlba98::KillSpaces(name);
   if (level) *level = depth;
   if (identifier && account)
     copyWithoutBlanks(identifier, line.Name, sizeof line.Name);
   else if (identifier)
-    copyWithoutBlanks(identifier, line.Flags2 & kSecondHolds ? line.Kennung2 : line.Kennung, sizeof line.Kennung);
+    copyWithoutBlanks(identifier, line.Flags2 & vlfn98::kSecondHolds ? line.Kennung2 : line.Kennung,
+                      sizeof line.Kennung);
   return result;
 }
 
@@ -145,11 +144,11 @@ ZelkResult ZELK_CALL ZELK_InitHoleAufbau(int32_t Mandatennummer, int32_t Klasse,
                context->slot<StructureWalk>() = {};
                Store &store = context->store();
                if (ZelkResult opened = openClient(*context, store, Mandatennummer); opened <= 0) return opened;
-               const int32_t structure = Klasse & ~kAllLines;
+               const int32_t structure = Klasse & ~vlfn98::kHiddenToo;
                if (structure < 0 || structure >= int32_t(kStructureTables.size()))
-                 return refuse(*context, ZELKERR_uzl_Klasse, resources::kKlasseUnzulaessig);
+                 return refuse(*context, ZELKERR_uzl_Klasse, resources::kClassInadmissible);
                StructureWalk walk;
-               walk.hiddenToo = Klasse & kAllLines;
+               walk.hiddenToo = Klasse & vlfn98::kHiddenToo;
                walk.client = Mandatennummer;
                walk.file = kStructureTables[size_t(structure)];
                constexpr int waitOnly = 1;

@@ -8,13 +8,8 @@
 
 namespace evaluations {
 
-/// Period codes: a number in the low five bits, flags above.
-constexpr int32_t kZeitraumMaske = 31;
-constexpr int32_t kMitEroeffnung = 32, kMitAbschluss = 64, kKumuliert = 128;
-constexpr int32_t kErstesQuartal = 13, kNurEroeffnung = 17, kAlleMonate = 18, kNurAbschluss = 19, kGanzesJahr = 20;
-
 /// What a period code stands for; nothing for one that is none.
-std::optional<vlfn98::Wertebereich> parsePeriod(int32_t code);
+std::optional<vlfn98::ValueRange> parsePeriod(int32_t code);
 
 struct TurnoverOutputs {
   char *debit, *credit, *balance;

@@ -16,7 +16,7 @@ namespace frame {
 namespace {
 
 std::string overflowText(std::string_view field) {
-  std::string text(resources::text(resources::kTextUeberlauf));
+  std::string text(resources::text(resources::kTextOverflow));
   // The number first: the field's text may hold the mark.
   text.replace(text.find("%i"), 2, std::to_string(field.size() - 1));
   return text.replace(text.find("%s"), 2, vlba98::toUtf8(field));
@@ -49,7 +49,7 @@ const Parameter *messagesFlag(std::span<const Parameter> parameters) {
 // What a body has around it, whether a host called its export or another export did.
 ZelkResult runBody(ThreadContext *context, std::span<const Parameter> parameters, detail::Body body, void *object) {
   const Parameter *flag = messagesFlag(parameters);
-  if (context && flag) context->fehlermeldungen = int32_t(flag->number);
+  if (context && flag) context->messages = int32_t(flag->number);
   if (const Parameter *overflow = firstOverflow(parameters)) {
     reportOverflow(*overflow, flag && flag->number);
     return ZELKERR_Ueberlauf;

@@ -8,7 +8,7 @@ namespace frame {
 Outcome openQuietly(vldb98::Store &store, int32_t client) {
   const ZelkResult opened = vlfn98::HoleMandantenDaten(store, client);
   if (opened > 0) return {opened};
-  return {opened, resources::kGibtEsNicht, "Mandant"};
+  return {opened, resources::kDoesNotExist, "Mandant"};
 }
 
 ZelkResult openClient(const ThreadContext &context, vldb98::Store &store, int32_t client) {

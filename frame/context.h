@@ -17,7 +17,7 @@ size_t nextSlot();
 /// Created on first need, freed when the thread ends or the library is detached.
 class ThreadContext {
 public:
-  int32_t fehlermeldungen = 0; ///< messages flag of the thread's last call that takes one
+  int32_t messages = 0; ///< messages flag of the thread's last call that takes one
   SharedFetch fetch;
 
   /// What a subsystem keeps for the thread, beyond calls: the value of a type that it declares and nobody else knows.

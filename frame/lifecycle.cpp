@@ -110,7 +110,7 @@ void attach(bool connect) {
     state.attached.store(true, std::memory_order_release);
   }
   // Without the mutex: it may show a message box, under which the host can call again.
-  if (!notifies) showMessage(resources::kZelkoutStart);
+  if (!notifies) showMessage(resources::kCompanionNotStarted);
 }
 
 void detach() {

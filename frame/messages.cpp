@@ -61,7 +61,7 @@ int showMessage(int message, std::string_view fill, int partial) {
 
 ZelkResult refuse(const ThreadContext &context, ZelkResult code, int message, std::string_view fill, int partial) {
   if (protocolOpen()) protocolRefusal(messageText(message, printable(fill), partial));
-  if (context.fehlermeldungen) showText(message, messageText(message, fill, partial));
+  if (context.messages) showText(message, messageText(message, fill, partial));
   return code;
 }
 

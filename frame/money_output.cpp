@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlba98/text.h"
 
 namespace frame {
@@ -10,18 +10,18 @@ namespace frame {
 void formatAmount(int32_t form, char *buffer, const char *internal) {
   if (!buffer) return;
   // What the store delivers is a money text or empty.
-  const int64_t value = vlba98::parseGeld(vlba98::trimmed(internal ? internal : "")).value_or(0);
-  char digits[vlba98::geldWidth + 1] = "";
-  vlba98::formatGeld(value, digits);
+  const int64_t value = vlba98::parseMoney(vlba98::trimmed(internal ? internal : "")).value_or(0);
+  char digits[vlba98::moneyWidth + 1] = "";
+  vlba98::formatMoney(value, digits);
   if (form != kFixedForm && form != kPlainForm) {
-    char display[vlba98::geldDisplaySize];
+    char display[vlba98::moneyDisplaySize];
     vlba98::MakeGeld(display, digits, 1);
     // Hosts were promised this size; an amount that is hard to read is better than bytes after their buffer.
     if (std::strlen(display) >= kAmountSize) vlba98::MakeGeld(display, digits, 0);
     std::memcpy(buffer, display, std::strlen(display) + 1);
     return;
   }
-  digits[vlba98::geldWidth - 3] = vlba98::HoleDezimalTrenner();
+  digits[vlba98::moneyWidth - 3] = vlba98::HoleDezimalTrenner();
   if (form == kFixedForm)
     *buffer++ = value < 0 ? '-' : value > 0 ? '+' : '0';
   else {

@@ -79,7 +79,7 @@ template <class NextBlock> void handOverAll(NextBlock &&nextBlock) {
       if (!state.enabled || !nextBlock(block)) return;
     } while (handOver(state, block));
   }
-  showMessage(resources::kZelkoutUnvollstaendig);
+  showMessage(resources::kCompanionIncomplete);
 }
 
 // The end of a process that may still be at work on its last change.
@@ -87,7 +87,7 @@ void end(platform::PeerProcess &process, bool enabled, Wait wait) {
   if (enabled) {
     const auto ready = [&] { return process.waitReady(wait.milliseconds()); };
     if (!ready()) {
-      showMessage(resources::kZelkoutUnvollstaendig);
+      showMessage(resources::kCompanionIncomplete);
       // Waited for once more: until it is ready, the block is its last change's, and what it answers is that change.
       if (!ready()) return;
     }

@@ -12,7 +12,7 @@ void ZELK_CALL ZELK_InitDLLs() try {
   // The attach has started the process, or told that it could not.
   if (first && initialisationStatus() == ZELK_OK) return;
   endNotification();
-  if (!startNotification()) showMessage(resources::kZelkoutStart);
+  if (!startNotification()) showMessage(resources::kCompanionNotStarted);
 } catch (...) {
 }
 

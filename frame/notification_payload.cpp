@@ -6,8 +6,10 @@
 #include "frame/account_output.h"
 #include "frame/stored_posting.h"
 #include "store/typed.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlba98/text.h"
+#include "vlfn98/accounts.h"
+#include "vlfn98/client.h"
 #include "vlfn98/documents.h"
 
 using namespace vldb98;
@@ -15,12 +17,9 @@ using namespace vldb98;
 namespace frame {
 namespace {
 
-constexpr int32_t kRundenAufFuenf = 0x2000; // of the client's posting options
-constexpr int16_t kSachkontoArt = 2;        // a general-ledger account among the store's account kinds
-
 void fill(ZELK_OUT_SACHKONTO &out, int32_t value, const SACHKONTO &account) {
   out.Wert = value;
-  out.Kontoart = kSachkontoArt;
+  out.Kontoart = vlfn98::ZELKKontoArtToKontoArt(ZELK_SACHKONTO);
   out.Steuerschluessel = account.Steuerschluessel;
   out.Kostenschablone = account.Kostenschablone;
   vlba98::copyTrimmed(out.Kontonummer, account.Nr);
@@ -31,19 +30,19 @@ void fill(ZELK_OUT_SACHKONTO &out, int32_t value, const SACHKONTO &account) {
 void fill(ZELK_OUT_PERSONENKONTO &out, int32_t value, const PERSONENKONTO &account) {
   out.Wert = value;
   fillPersonal(out, account);
-  vlba98::strncpy2(out.Steuersatz, vlba98::satzZero);
+  vlba98::strncpy2(out.Steuersatz, vlba98::rateZero);
 }
 
 // An amount or rate in internal form, its sign moved from the separator to the front. A negative amount so fills its
 // field; the reserved byte after it ends the text.
-void put(char *field, size_t width, const char *geld) {
-  size_t separator = std::strlen(geld);
+void put(char *field, size_t width, const char *money) {
+  size_t separator = std::strlen(money);
   if (separator < 3) return;
   separator -= 3;
-  bool negative = geld[separator] == '-';
-  if (std::strlen(geld) + negative > width) return;
+  bool negative = money[separator] == '-';
+  if (std::strlen(money) + negative > width) return;
   if (negative) *field++ = '-';
-  std::memcpy(field, geld, std::strlen(geld));
+  std::memcpy(field, money, std::strlen(money));
   field[separator] = vlba98::HoleDezimalTrenner();
 }
 
@@ -56,7 +55,7 @@ void fill(ZELK_TEILBUCHUNG &out, const SPLIT &line, bool roundsToFive) {
   bool foreign = *line.BruttoFW;
   const char *gross = foreign ? line.BruttoFW : line.Brutto;
   put(out.Bruttobetrag, sizeof out.Bruttobetrag, gross);
-  char net[vlba98::geldWidth + 1], tax[vlba98::geldWidth + 1];
+  char net[vlba98::moneyWidth + 1], tax[vlba98::moneyWidth + 1];
   if (!vlba98::IsNull(line.Steuersatz) && !vlba98::IsNull(foreign ? line.SteuerFW : line.Steuerbetrag) &&
       vlba98::proz(net, gross, line.Steuersatz) && (!(roundsToFive && foreign) || vlba98::RundeAuf5(net)) &&
       vlba98::subnegativ(tax, gross, net)) {
@@ -81,7 +80,7 @@ void fill(ZELK_SPLITBUCHUNG &out, int32_t value, const BATCHBUCHUNG &posting, St
   } catch (const StoreFailed &) {
     // A change without the identifier is better than none.
   }
-  const bool roundsToFive = (client.Optionen & kRundenAufFuenf) != 0;
+  const bool roundsToFive = (client.Optionen & vlfn98::kRoundToFive) != 0;
   for (ZELK_TEILBUCHUNG &line : out.Teilbuchung) {
     const SPLIT *stored = store->PSplit(start++);
     if (!stored || stored->Stapel != posting.Stapel || stored->Buchung != posting.Nr) break;

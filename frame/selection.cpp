@@ -72,7 +72,7 @@ std::string Selection::title() const {
 }
 
 std::string Selection::orderName(int order) const {
-  return std::string(resources::text(order == 0 ? resources::kNachNummer : resources::kNachName));
+  return std::string(resources::text(order == 0 ? resources::kOrderByNumber : resources::kOrderByName));
 }
 
 std::string Selection::line(size_t index) const {
@@ -106,7 +106,7 @@ void Selection::select(size_t index) {
 bool Selection::confirm() {
   if (!selected_) {
     // Whatever the messages flag: it answers a click, no call is refused.
-    showMessage(resources::kBitteAuswaehlen);
+    showMessage(resources::kPleaseSelect);
     return false;
   }
   chosen_ = numberOf(order_, lines_[*selected_]);

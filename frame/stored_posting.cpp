@@ -1,6 +1,6 @@
 #include "frame/stored_posting.h"
 
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/text.h"
 #include "vlfn98/accounts.h"
 

@@ -5,7 +5,7 @@
 #include "frame/program.h"
 #include "openitems/outputs.h"
 #include "openitems/selection.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/text.h"
 #include "vlfn98/fiscal_year.h"
 
@@ -37,8 +37,8 @@ struct ItemRequest {
 ZelkResult select(ThreadContext &context, const ItemRequest &request, ItemSelection &selection) {
   using By = ItemSelection::By;
   if (auto text = openitems::given(request.date); !text.empty()) {
-    auto date = vlba98::parseDatum(text);
-    if (!date) return refuse(context, ZELKERR_uzl_Datum, resources::kDatumUnzulaessig);
+    auto date = vlba98::parseDate(text);
+    if (!date) return refuse(context, ZELKERR_uzl_Datum, resources::kDateInadmissible);
     selection = openitems::selectBy(By::Date, vlba98::toReversed(*date).data());
   } else if (auto document = openitems::givenNumber(request.document); !document.empty()) {
     selection = openitems::selectBy(By::Document, document);
@@ -46,7 +46,7 @@ ZelkResult select(ThreadContext &context, const ItemRequest &request, ItemSelect
     selection = openitems::selectBy(By::OpenItem, openItem);
   } else if (auto account = openitems::given(request.account); !account.empty()) {
     if (account.size() > openitems::kAccountWidth)
-      return refuse(context, ZELKERR_uzl_Kontonr, resources::kKontonummerUnzulaessig);
+      return refuse(context, ZELKERR_uzl_Kontonr, resources::kAccountNumberInadmissible);
     selection = openitems::selectBy(By::Account, account);
   } else {
     selection = openitems::selectBy(By::Nothing, "");
@@ -92,9 +92,9 @@ ZelkResult ZELK_CALL ZELK_InitHoleHistOP(int32_t Mandantennummer, const char *Ko
              [&](ThreadContext *context) -> ZelkResult {
                context->fetch.end();
                if (programSettings().basicEdition)
-                 return refuse(*context, ZELKERR_nur_PlusVersion, resources::kHistorischeOPs);
+                 return refuse(*context, ZELKERR_nur_PlusVersion, resources::kHistoricalItems);
                if (Kontoart != ZELK_KREDITOR && Kontoart != ZELK_DEBITOR)
-                 return refuse(*context, ZELKERR_uzl_Kontoart, resources::kKontoartUnzulaessig);
+                 return refuse(*context, ZELKERR_uzl_Kontoart, resources::kAccountKindInadmissible);
                Store &store = context->store();
                if (ZelkResult opened = openClient(*context, store, Mandantennummer); opened <= 0) return opened;
                ItemSelection selection;

@@ -22,7 +22,7 @@ constexpr bool isOpenItemTable(int32_t table) {
 ZelkResult checkAccount(ThreadContext &context, Store &store, int32_t kind, std::string_view number) {
   const In accounts{store, FileNumber(vlfn98::KzFromZELKArt(kind))};
   const bool known = number.size() <= openitems::kAccountWidth && exists<PERSONENKONTO>(accounts, number);
-  return known ? ZELK_OK : refuse(context, ZELKERR_uzl_Kontonr, resources::kKontonummerUnzulaessig);
+  return known ? ZELK_OK : refuse(context, ZELKERR_uzl_Kontonr, resources::kAccountNumberInadmissible);
 }
 
 // Delivers the pending item and moves on; the fetch stays where it is when the store fails.
@@ -52,7 +52,7 @@ ZelkResult ZELK_CALL ZELK_InitHoleOP(int32_t Mandantennummer, const char *Konton
              [&](ThreadContext *context) -> ZelkResult {
                context->fetch.end();
                if (Kontoart != ZELK_KREDITOR && Kontoart != ZELK_DEBITOR)
-                 return refuse(*context, ZELKERR_uzl_Kontoart, resources::kKontoartUnzulaessig);
+                 return refuse(*context, ZELKERR_uzl_Kontoart, resources::kAccountKindInadmissible);
                Store &store = context->store();
                if (ZelkResult opened = openClient(*context, store, Mandantennummer); opened <= 0) return opened;
                std::string_view account = openitems::given(Kontonummer);

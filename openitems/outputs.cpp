@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "frame/money_output.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/text.h"
 #include "vlfn98/dates.h"
 #include "vlfn98/documents.h"
@@ -152,7 +152,7 @@ void Outputs::lookUp(Store &store, const DATENBANK &item) {
   for (size_t i = 0; i < count_; ++i) {
     if (!pointers_[i]) continue;
     const Field &field = kFields[fields_[i]];
-    if (field.form == Form::User) vlfn98::HoleBenutzername(store, numberAt(item, field), user_);
+    if (field.form == Form::User) vlfn98::readUserName(store, numberAt(item, field), user_);
     if (field.form == Form::Document) vlfn98::DmsGetDmsID(store, numberAt(item, field), document_);
   }
 }
@@ -192,13 +192,13 @@ void Outputs::write(const DATENBANK &item, int table, const FIRMENSTAMM &client)
       put(numberAt(item, field));
       break;
     case Form::PaymentBlocked:
-      put((common.Flags & vlfn98::kZahlungGesperrt) != 0);
+      put((common.Flags & vlfn98::kPaymentBlocked) != 0);
       break;
     case Form::InCollection:
-      put((common.Flags & vlfn98::kImInkasso) != 0);
+      put((common.Flags & vlfn98::kInCollection) != 0);
       break;
     case Form::DunningBlocked:
-      put(common.Mahnstufe == vlfn98::kMahnsperre);
+      put(common.Mahnstufe == vlfn98::kDunningBlocked);
       break;
     case Form::DunningLevel:
       // Callers know the level as 16 bits without a sign.

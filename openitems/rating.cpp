@@ -34,7 +34,7 @@ public:
     if (!answer || !answer->problem.empty() || !vlfn98::isRating(answer->ratingClass)) return answer;
     const std::string shown = std::to_string(answer->ratingClass) + " " + answer->text;
     protocolLine("Bonität: " + vlba98::toUtf8(shown));
-    if ((request.options & vlfn98::kShowRating) && context_.fehlermeldungen) showMessage(resources::kBonitaet, shown);
+    if ((request.options & vlfn98::kShowRating) && context_.messages) showMessage(resources::kRatingShown, shown);
     return answer;
   }
 
@@ -48,13 +48,13 @@ ZelkResult ask(const ThreadContext &context, const RatingRequest &request, Ratin
   const std::optional<Rating> answer = vlfn98::PruefeBonitaet(request, file);
   if (!answer) return ZELK_keinKonto;
   if (!answer->problem.empty())
-    return refuse(context, ZELKERR_sonst, resources::kBonitaetUnlesbar,
+    return refuse(context, ZELKERR_sonst, resources::kRatingUnreadable,
                   vlba98::toWindows1252(answer->problem).value_or(""));
   rating = *answer;
   return ZELK_OK;
 }
 
-const Outcome kNoSuchAccount{ZELKERR_uzl_Kontonr, resources::kKontonummerUnzulaessig};
+const Outcome kNoSuchAccount{ZELKERR_uzl_Kontonr, resources::kAccountNumberInadmissible};
 
 // An account of the open year.
 std::optional<PERSONENKONTO> readAccount(Store &store, int table, std::string_view number) {
@@ -74,7 +74,7 @@ Outcome writeRating(Store &store, int table, std::string_view number, const char
   }
   changed = *account;
   vlba98::strncpy2(changed.Bonitaet, rating);
-  vlfn98::PekoProtokoll(store, table, account->Nr, vlfn98::kBonitaetGeaendert, store.HoleOpenJahr(), account->Bonitaet,
+  vlfn98::PekoProtokoll(store, table, account->Nr, vlfn98::kRatingChanged, store.HoleOpenJahr(), account->Bonitaet,
                         changed.Bonitaet);
   update({store, FileNumber(table)}, changed);
   must(writing.commit());
@@ -84,7 +84,7 @@ Outcome writeRating(Store &store, int table, std::string_view number, const char
 // The source is asked before anything is locked: it may take long, or wait for a person, and nobody else is to wait.
 ZelkResult rateAccount(ThreadContext &context, Store &store, RatingRequest &request, std::string_view number) {
   if (request.kind != ZELK_KREDITOR && request.kind != ZELK_DEBITOR)
-    return refuse(context, ZELKERR_uzl_Kontoart, resources::kKontoartUnzulaessig);
+    return refuse(context, ZELKERR_uzl_Kontoart, resources::kAccountKindInadmissible);
   const int table = vlfn98::KzFromZELKArt(request.kind);
   const auto account = readAccount(store, table, number);
   if (!account) return refuse(context, kNoSuchAccount.result, kNoSuchAccount.message);
@@ -107,9 +107,9 @@ ZelkResult rateAccount(ThreadContext &context, Store &store, RatingRequest &requ
 // \return 1 for a rating, 0 for none
 ZelkResult rateParty(ThreadContext &context, const RatingRequest &request) {
   if (request.searchType < 0 || request.searchType > kLastSearchType)
-    return refuse(context, ZELKERR_uzl_BonitaetSuchTyp, resources::kUnzulaessig, "Der Suchtyp ist");
+    return refuse(context, ZELKERR_uzl_BonitaetSuchTyp, resources::kInadmissible, "Der Suchtyp ist");
   if (*request.date && !vlfn98::IsDatumLong(request.date))
-    return refuse(context, ZELKERR_uzl_Datum, resources::kDatumUnzulaessig);
+    return refuse(context, ZELKERR_uzl_Datum, resources::kDateInadmissible);
   Rating rating;
   if (ZelkResult asked = ask(context, request, rating); asked != ZELK_OK) return asked;
   return vlfn98::isRating(rating.ratingClass) ? ZELK_OK : ZELK_keinKonto;

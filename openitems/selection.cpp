@@ -57,7 +57,7 @@ FileNumber fileOf(int table, const ItemSelection &selection) {
 
 bool holds(const ItemSelection &selection, const DATENBANK &item) {
   const Rule &rule = ruleOf(selection.by);
-  // A number and the same with blanks behind it stand next to each other in the key.
+  // A number and the same with blanks after it stand next to each other in the key.
   return !rule.sameValue || withoutTrailingBlanks(item.bytes + rule.offset) == withoutTrailingBlanks(selection.value);
 }
 

@@ -29,7 +29,7 @@ public:
   };
   virtual State state() = 0;
 
-  /// Writes behind the file's end, wherever that is by now. For callers that exclude each other. What was written is
+  /// Writes after the file's end, wherever that is by now. For callers that exclude each other. What was written is
   /// the system's to keep, whatever becomes of the process.
   /// \param flush also send what was written so far on its way to the disk; on Windows wait until it is there
   /// \return false when it could not be written; what a full disk took of it is cut off again

@@ -1,6 +1,7 @@
 #include "postings/amounts.h"
 
 #include "vlba98/text.h"
+#include "vlfn98/client.h"
 #include "vlfn98/terms.h"
 
 using namespace vldb98;
@@ -8,10 +9,8 @@ using namespace vldb98;
 namespace postings {
 namespace {
 
-constexpr int32_t kRundenAufFuenf = 0x2000; // of the client's posting options
-
 bool hasTaxKey(const LineAccount &account) {
-  return (account.found->taxKey() & ~vlfn98::kOhneSteuerschluessel) != 0;
+  return (account.found->taxKey() & ~vlfn98::kNoTaxKey) != 0;
 }
 
 const STEUSA *keyOf(const LineInProgress &line) {
@@ -24,7 +23,7 @@ std::optional<int64_t> givenTax(int64_t tax) {
 }
 
 Refusal refuseAmount(const LineInProgress &line, ZelkResult code, const char *name) {
-  return line.refuse(code, resources::kIstUnzulaessig, name);
+  return line.refuse(code, resources::kIsInadmissible, name);
 }
 
 } // namespace
@@ -46,12 +45,12 @@ Refusal AmountReckoning::chooseTax(LineInProgress &line) {
     if (account->found->kind == ZELK_DEBITOR && hasTaxKey(*account)) swissRules = posting_.clientExtension().Schweiz;
   line.taxChoice = vlfn98::chooseTaxKey(debit.taxKey(), credit.taxKey(), debit.kind, credit.kind, swissRules);
   if (line.taxChoice.key != 0 || (line.tax == 0 && line.rate == 0)) return {};
-  return line.refuse(line.tax != 0 ? ZELKERR_uzl_Steuerbetrag : ZELKERR_uzl_Steuersatz, resources::kKeineSteuer);
+  return line.refuse(line.tax != 0 ? ZELKERR_uzl_Steuerbetrag : ZELKERR_uzl_Steuersatz, resources::kNoTaxAllowed);
 }
 
 Refusal AmountReckoning::readTaxKey(LineInProgress &line) {
   if (line.taxChoice.key == 0) return {};
-  const Refusal taxDoesNotFit = line.refuse(ZELKERR_uzl_Steuerbetrag, resources::kSteuerbetragPasstNicht);
+  const Refusal taxDoesNotFit = line.refuse(ZELKERR_uzl_Steuerbetrag, resources::kTaxAmountDoesNotFit);
   if (line.rate == 0) {
     // Such a posting is free of tax, whatever the account's key.
     line.taxChoice = {};
@@ -60,13 +59,13 @@ Refusal AmountReckoning::readTaxKey(LineInProgress &line) {
   const auto key = vlfn98::GetSteusa(posting_.store, line.taxChoice.key, posting_.stored.Belegdatum, line.rate);
   if (!key) return refuseAmount(line, ZELKERR_uzl_Steuersatz, "Steuersatz");
   line.taxKey = *key;
-  const bool fits = line.tax == 0 || vlfn98::passtZumSteuersatz(line.gross, line.rate, line.tax, line.taxKey);
+  const bool fits = line.tax == 0 || vlfn98::fitsTaxRate(line.gross, line.rate, line.tax, line.taxKey);
   return fits ? Refusal{} : taxDoesNotFit;
 }
 
 Refusal AmountReckoning::takeTaxOut(LineInProgress &line) {
-  const bool roundToFive = posting_.foreign && (posting_.client().Optionen & kRundenAufFuenf);
-  const auto amounts = vlfn98::rechneSteuer(line.gross, line.rate, givenTax(line.tax), keyOf(line), roundToFive);
+  const bool roundToFive = posting_.foreign && (posting_.client().Optionen & vlfn98::kRoundToFive);
+  const auto amounts = vlfn98::splitTax(line.gross, line.rate, givenTax(line.tax), keyOf(line), roundToFive);
   if (!amounts) return refuseAmount(line, ZELKERR_uzl_Steuerbetrag, "Steuerbetrag");
   line.amounts = *amounts;
   if (!amounts->keyKept) line.taxChoice = {};
@@ -83,8 +82,8 @@ Refusal AmountReckoning::toOwnCurrency(LineInProgress &line) {
 Refusal AmountReckoning::takeOwnAmounts(LineInProgress &line) {
   const auto [gross, tax] = *line.own;
   const STEUSA *key = keyOf(line);
-  const auto amounts = vlfn98::rechneSteuer(gross, line.rate, givenTax(tax), key, false);
-  const bool fits = tax == 0 || (key && vlfn98::passtZumSteuersatz(gross, line.rate, tax, *key));
+  const auto amounts = vlfn98::splitTax(gross, line.rate, givenTax(tax), key, false);
+  const bool fits = tax == 0 || (key && vlfn98::fitsTaxRate(gross, line.rate, tax, *key));
   if (!amounts || !fits) return refuseAmount(line, ZELKERR_uzl_Steuerbetrag, "Steuerbetrag (EW)");
   line.ownGross = gross;
   line.ownNet = amounts->net;
@@ -103,13 +102,13 @@ Refusal AmountReckoning::convert(LineInProgress &line) {
 Refusal AmountReckoning::readRate() {
   if (rate_) return {};
   BATCHBUCHUNG &stored = posting_.stored;
-  rate_ = vlfn98::HoleKurs(posting_.store, stored.Waehrung, stored.Belegdatum);
+  rate_ = vlfn98::findRate(posting_.store, stored.Waehrung, stored.Belegdatum);
   if (!rate_) {
     vlba98::strncpy2(missingRate_.currency, stored.Waehrung);
     vlba98::strncpy2(missingRate_.day, stored.Belegdatum);
-    return {ZELKERR_kein_Kurs, resources::kKursFehlt, currencyAndDay(missingRate_)};
+    return {ZELKERR_kein_Kurs, resources::kRateMissing, currencyAndDay(missingRate_)};
   }
-  vlfn98::formatKurs(rate_->millionths, stored.Kurs);
+  vlfn98::formatRate(rate_->millionths, stored.Kurs);
   stored.Einheiten = rate_->units;
   return {};
 }

@@ -34,7 +34,7 @@ private:
   const std::string &dueDateOf(int32_t term);
 
   PostingInProgress &posting_;
-  std::optional<vlfn98::Wechselkurs> rate_;
+  std::optional<vlfn98::ExchangeRate> rate_;
   MissingRate missingRate_{};
   std::map<int32_t, std::string> dueDates_; // by payment term
 };

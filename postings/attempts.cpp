@@ -29,7 +29,7 @@ constexpr int kAttempts = 3;
 
 struct EnteredRate {
   MissingRate missing;
-  vlfn98::Wechselkurs rate;
+  vlfn98::ExchangeRate rate;
 };
 
 // What one attempt came to.
@@ -39,7 +39,7 @@ struct Attempt {
 };
 
 Attempt attempt(Store &store, Insertion &insertion, const std::optional<EnteredRate> &entered) try {
-  if (entered) vlfn98::SpeichereKurs(store, entered->missing.currency, entered->missing.day, entered->rate);
+  if (entered) vlfn98::storeRate(store, entered->missing.currency, entered->missing.day, entered->rate);
   const LockedTables locks(store, kLockOrder, kReleaseOrder);
   if (locks.held()) return {insertion.run()};
   must(store.usable());

@@ -71,7 +71,7 @@ ZelkResult end(ThreadContext &context, bool insert, int32_t Fehlermeldungen) {
   const Construction ended = std::exchange(postings::constructionOf(context), {});
   if (ended.plainAdditions > 0 && ended.exAdditions > 0) return ZELKERR_uzl_Split;
   if (ended.exAdditions > 0 && ended.exAdditions != ended.linesWithOwnAmounts())
-    return refuse(context, ZELKERR_uzl_Split, resources::kSplitExVermischt);
+    return refuse(context, ZELKERR_uzl_Split, resources::kSplitExMixed);
   if (!insert) return ZELK_OK;
   if (!ended.started) return ZELKERR_keinInit;
   return postings::insertWithin(context, ended.posting, Fehlermeldungen);

@@ -3,12 +3,12 @@
 #include "frame/program.h"
 #include "netwr98/capture.h"
 #include "postings/look_ups.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlba98/muldiv.h"
 #include "vlba98/text.h"
 
 using namespace vldb98;
-using vlfn98::Kostenseite;
+using vlfn98::CostSide;
 
 namespace postings {
 namespace {
@@ -17,7 +17,7 @@ struct Centre {
   char (KOBU::*stored)[8];
   char (PostingCost::*given)[8];
 };
-constexpr Centre kCentres[vlfn98::kKostenstellen] = {
+constexpr Centre kCentres[vlfn98::kCentresPerPosting] = {
     {&KOBU::Kostenstelle1, &PostingCost::Kostenstelle1}, {&KOBU::Kostenstelle2, &PostingCost::Kostenstelle2},
     {&KOBU::Kostenstelle3, &PostingCost::Kostenstelle3}, {&KOBU::Kostenstelle4, &PostingCost::Kostenstelle4},
     {&KOBU::Kostenstelle5, &PostingCost::Kostenstelle5}, {&KOBU::Kostenstelle6, &PostingCost::Kostenstelle6}};
@@ -32,12 +32,12 @@ bool bothIncome(const LineInProgress &line) {
   return line.debit.found->isIncome() && line.credit.found->isIncome();
 }
 
-bool onOneSide(Kostenseite side) {
-  return side == Kostenseite::Soll || side == Kostenseite::Haben;
+bool onOneSide(CostSide side) {
+  return side == CostSide::Debit || side == CostSide::Credit;
 }
 
-const LineAccount &costBearing(const LineInProgress &line, Kostenseite side) {
-  return side == Kostenseite::Soll ? line.debit : line.credit;
+const LineAccount &costBearing(const LineInProgress &line, CostSide side) {
+  return side == CostSide::Debit ? line.debit : line.credit;
 }
 
 Refusal inLine(Refusal refusal, const LineInProgress &line) {
@@ -50,46 +50,46 @@ Refusal inLine(Refusal refusal, const LineInProgress &line) {
 Refusal CostAllocation::allocate(const LineInProgress &line) {
   const bool given = !line.given->costs.empty(), wanted = given || line.given->Kostenschablone != 0;
   if (frame::programSettings().basicEdition)
-    return wanted ? line.refuse(ZELKERR_uzl_Kostenrechnung, resources::kKostenBasis) : Refusal{};
+    return wanted ? line.refuse(ZELKERR_uzl_Kostenrechnung, resources::kBasicCosts) : Refusal{};
   const bool income = line.debit.found->isIncome() || line.credit.found->isIncome();
   const bool mandatory = (income || wanted) && posting_.clientExtension().Kostenstellenpflicht;
-  const Kostenseite side =
+  const CostSide side =
       vlfn98::BestimmeKostenseite(line.debit.found->ledgerAccount(), line.credit.found->ledgerAccount(), mandatory);
   Costs costs;
   if (Refusal refusal = given ? allocateGiven(line, side, costs) : allocateByTemplate(line, side, costs))
     return refusal;
   if (!costs.entries.empty()) {
-    if (side == Kostenseite::Beide) return line.refuse(ZELKERR_uzl_Kostenrechnung, resources::kZweiKostenkonten);
-    if (bothIncome(line)) return line.refuse(ZELKERR_uzl_Kostenrechnung, resources::kGuvUmbuchung);
+    if (side == CostSide::Both) return line.refuse(ZELKERR_uzl_Kostenrechnung, resources::kTwoCostAccounts);
+    if (bothIncome(line)) return line.refuse(ZELKERR_uzl_Kostenrechnung, resources::kIncomeTransfer);
     return store(line, costs);
   }
   // Opening and closing postings only carry balances on.
   if (!mandatory || !income || posting_.stored.Eroeffnung || posting_.stored.Abschluss) return {};
   // No cost centre would be taken between two income-statement accounts: the text says what to do instead.
-  return line.refuse(ZELKERR_uzl_Kostenrechnung, bothIncome(line)          ? resources::kGuvUmbuchung
-                                                 : posting_.given.inPieces ? resources::kKostenstellenpflicht
-                                                                           : resources::kKostenstellenpflichtSchablone);
+  return line.refuse(ZELKERR_uzl_Kostenrechnung, bothIncome(line)          ? resources::kIncomeTransfer
+                                                 : posting_.given.inPieces ? resources::kCostCentreMandatory
+                                                                           : resources::kCostTemplateMandatory);
 }
 
 Refusal CostAllocation::checkCentres(const KOBU &cost) {
   const FISTA_EXT &client = posting_.clientExtension();
-  for (int i = 0; i < vlfn98::kKostenstellen; ++i) {
+  for (int i = 0; i < vlfn98::kCentresPerPosting; ++i) {
     std::string name(vlba98::trimmed(cost.*kCentres[i].stored));
     if (name.empty()) continue;
-    const auto centre = vlfn98::IsKostenstelle(posting_.store, name.c_str(), vlfn98::kostDimension(client, i));
-    if (!centre) return {ZELKERR_uzl_Kostenstelle, resources::kKostenstelleFehlt, name};
+    const auto centre = vlfn98::IsKostenstelle(posting_.store, name.c_str(), vlfn98::costDimension(client, i));
+    if (!centre) return {ZELKERR_uzl_Kostenstelle, resources::kCostCentreMissing, name};
     if (vlfn98::IsKostDateValid(*centre, posting_.stored.Belegdatum)) continue;
     std::erase(name, ' ');
-    return {ZELKERR_uzl_Laufzeit, resources::kKostenstelleLaufzeit, name};
+    return {ZELKERR_uzl_Laufzeit, resources::kCostCentreRunningTime, name};
   }
   return {};
 }
 
-Refusal CostAllocation::checkCombinations(const LineInProgress &line, Kostenseite side, const KOBU &cost) {
+Refusal CostAllocation::checkCombinations(const LineInProgress &line, CostSide side, const KOBU &cost) {
   // Where both sides bear costs, or a posting only moves between income-statement accounts, it is refused as a whole.
-  if (side == Kostenseite::Beide || bothIncome(line)) return {};
-  const Refusal refused{ZELKERR_uzl_Kostenrechnung, resources::kKombinationUnzulaessig};
-  if (side == Kostenseite::Keine) return refused;
+  if (side == CostSide::Both || bothIncome(line)) return {};
+  const Refusal refused{ZELKERR_uzl_Kostenrechnung, resources::kCombinationInadmissible};
+  if (side == CostSide::None) return refused;
   for (const Centre &centre : kCentres) {
     if (isBlank(cost.*centre.stored)) continue;
     if (!vlfn98::CheckKomb(posting_.store, costBearing(line, side).number, cost.*centre.stored)) return refused;
@@ -104,28 +104,28 @@ Refusal CostAllocation::takeGiven(const LineInProgress &line, const PostingCost 
     anyCentre = anyCentre || !isBlank(given.*centre.given);
   }
   if (Refusal refusal = checkCentres(cost)) return inLine(refusal, line);
-  if (!anyCentre) return line.refuse(ZELKERR_uzl_Kostenstelle, resources::kKeineKostenstelle);
-  if (!vlfn98::isKostenkennung(given.Kostenkennung))
-    return line.refuse(ZELKERR_uzl_Kostenkennung, resources::kUnzulaessig, "Die Kostenkennung ist");
+  if (!anyCentre) return line.refuse(ZELKERR_uzl_Kostenstelle, resources::kNoCostCentreGiven);
+  if (!vlfn98::isCostKind(given.Kostenkennung))
+    return line.refuse(ZELKERR_uzl_Kostenkennung, resources::kInadmissible, "Die Kostenkennung ist");
   cost.Kostenkennung = given.Kostenkennung;
   if (!isBlank(given.Menge)) {
-    const auto quantity = readAmount(given.Menge, vlba98::geldWidth, false);
-    if (!quantity) return line.refuse(ZELKERR_uzl_Menge, resources::kDieIstUnzulaessig, "Kostenbuchungsmenge");
-    vlba98::formatGeld(*quantity, cost.Menge);
+    const auto quantity = readAmount(given.Menge, vlba98::moneyWidth, false);
+    if (!quantity) return line.refuse(ZELKERR_uzl_Menge, resources::kIsInadmissibleFeminine, "Kostenbuchungsmenge");
+    vlba98::formatMoney(*quantity, cost.Menge);
   }
   if (unit_.value_or(given.Einheit) != given.Einheit)
-    return line.refuse(ZELKERR_uzl_Einheitenwechsel, resources::kIstUnzulaessig, "Einheitenwechsel");
+    return line.refuse(ZELKERR_uzl_Einheitenwechsel, resources::kIsInadmissible, "Einheitenwechsel");
   unit_ = given.Einheit;
   vlba98::strncpy2(cost.Einheit, given.Einheit);
-  const auto hundredths = readAmount(given.Betrag, vlba98::geldWidth, false);
-  if (!hundredths) return line.refuse(ZELKERR_uzl_Kostenbetrag, resources::kIstUnzulaessig, "Kostenbuchungsbetrag");
+  const auto hundredths = readAmount(given.Betrag, vlba98::moneyWidth, false);
+  if (!hundredths) return line.refuse(ZELKERR_uzl_Kostenbetrag, resources::kIsInadmissible, "Kostenbuchungsbetrag");
   amount = *hundredths;
   vlba98::strncpy2(cost.Bemerkung, given.Bemerkung);
   vlba98::strncpy2(cost.Bemerkung2, given.Bemerkung2);
   return {};
 }
 
-Refusal CostAllocation::allocateGiven(const LineInProgress &line, Kostenseite side, Costs &costs) {
+Refusal CostAllocation::allocateGiven(const LineInProgress &line, CostSide side, Costs &costs) {
   int64_t sum = 0;
   for (const PostingCost &given : line.given->costs) {
     KOBU cost{};
@@ -136,12 +136,12 @@ Refusal CostAllocation::allocateGiven(const LineInProgress &line, Kostenseite si
     costs.amounts.push_back(amount);
     sum += amount;
   }
-  return sum == line.amounts.net ? Refusal{} : line.refuse(ZELKERR_uzl_Kostenbetrag, resources::kKostensumme);
+  return sum == line.amounts.net ? Refusal{} : line.refuse(ZELKERR_uzl_Kostenbetrag, resources::kCostSumWrong);
 }
 
 // The more specific one wins: the template that the line names; the one of the captured document; the one of the
 // account.
-int32_t CostAllocation::templateOf(const LineInProgress &line, Kostenseite side) {
+int32_t CostAllocation::templateOf(const LineInProgress &line, CostSide side) {
   if (line.given->Kostenschablone != 0) return line.given->Kostenschablone;
   if (!onOneSide(side) || bothIncome(line)) return 0;
   const int32_t document = posting_.stored.DMSNr;
@@ -150,11 +150,11 @@ int32_t CostAllocation::templateOf(const LineInProgress &line, Kostenseite side)
   return costBearing(line, side).found->ledger.Kostenschablone;
 }
 
-Refusal CostAllocation::allocateByTemplate(const LineInProgress &line, Kostenseite side, Costs &costs) {
+Refusal CostAllocation::allocateByTemplate(const LineInProgress &line, CostSide side, Costs &costs) {
   const int32_t number = templateOf(line, side);
   if (number == 0) return {};
-  const std::vector<KOSCHA_ZEILE> shares = vlfn98::HoleKoscha(posting_.store, number);
-  readAheadOfShares(posting_, line, side, shares);
+  const std::vector<KOSCHA_ZEILE> shares = vlfn98::sharesOfTemplate(posting_.store, number);
+  tellLookUpsOfShares(posting_, line, side, shares);
   std::vector<int64_t> weights;
   for (const KOSCHA_ZEILE &share : shares) {
     KOBU cost{};
@@ -171,10 +171,10 @@ Refusal CostAllocation::allocateByTemplate(const LineInProgress &line, Kostensei
       return line.given->Kostenschablone != 0 ? inLine(refusal, line) : Refusal{};
     }
     costs.entries.push_back(cost);
-    weights.push_back(vlba98::parseGeld(share.Anteil).value_or(0));
+    weights.push_back(vlba98::parseMoney(share.Anteil).value_or(0));
   }
   costs.amounts.resize(weights.size());
-  vlfn98::verteile(line.amounts.net, weights, costs.amounts);
+  vlfn98::distribute(line.amounts.net, weights, costs.amounts);
   return {};
 }
 
@@ -190,12 +190,12 @@ Refusal CostAllocation::store(const LineInProgress &line, Costs &costs) {
     if (posting_.foreign) {
       own = net ? vlba98::mulDiv(amount, line.ownNet, net, kCommercial).value_or(0) : 0;
       if (i + 1 == costs.entries.size()) own = left;
-      vlba98::formatGeld(amount, cost.BetragFW);
+      vlba98::formatMoney(amount, cost.BetragFW);
     }
     left -= own;
     const auto percent = net ? vlba98::mulDiv(amount, 100'00, net, kCommercial) : 0;
-    if (!percent || !vlba98::formatGeld(*percent, cost.Prozent) || !vlba98::formatGeld(own, cost.Betrag))
-      return line.refuse(ZELKERR_uzl_Kostenbetrag, resources::kIstUnzulaessig, "Kostenbuchungsbetrag");
+    if (!percent || !vlba98::formatMoney(*percent, cost.Prozent) || !vlba98::formatMoney(own, cost.Betrag))
+      return line.refuse(ZELKERR_uzl_Kostenbetrag, resources::kIsInadmissible, "Kostenbuchungsbetrag");
     cost.Split = int32_t(line.index);
     must(posting_.store.MemInsertKobu(cost));
   }

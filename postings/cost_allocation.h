@@ -25,12 +25,12 @@ private:
     std::vector<int64_t> amounts;
   };
 
-  Refusal allocateGiven(const LineInProgress &line, vlfn98::Kostenseite side, Costs &costs);
+  Refusal allocateGiven(const LineInProgress &line, vlfn98::CostSide side, Costs &costs);
   Refusal takeGiven(const LineInProgress &line, const PostingCost &given, vldb98::KOBU &cost, int64_t &amount);
-  Refusal allocateByTemplate(const LineInProgress &line, vlfn98::Kostenseite side, Costs &costs);
-  int32_t templateOf(const LineInProgress &line, vlfn98::Kostenseite side);
+  Refusal allocateByTemplate(const LineInProgress &line, vlfn98::CostSide side, Costs &costs);
+  int32_t templateOf(const LineInProgress &line, vlfn98::CostSide side);
   Refusal checkCentres(const vldb98::KOBU &cost);
-  Refusal checkCombinations(const LineInProgress &line, vlfn98::Kostenseite side, const vldb98::KOBU &cost);
+  Refusal checkCombinations(const LineInProgress &line, vlfn98::CostSide side, const vldb98::KOBU &cost);
   Refusal store(const LineInProgress &line, Costs &costs);
 
   PostingInProgress &posting_;

@@ -77,9 +77,9 @@ ZelkResult ZELK_CALL ZELK_BuchungEinfuegenDirekt(int32_t Fehlermeldungen, int32_
     vldb98::Store &store = context->store();
     if (ZelkResult opened = openClient(*context, store, Mandantennummer); opened <= 0) return opened;
     if (!postings::isDate(Belegdatum))
-      return refuse(*context, ZELKERR_uzl_Belegdatum, resources::kBuchungsdatumUnzulaessig);
+      return refuse(*context, ZELKERR_uzl_Belegdatum, resources::kPostingDateInadmissible);
     if (!vlba98::trimmed(Valutadatum ? Valutadatum : "").empty() && !postings::isDate(Valutadatum))
-      return refuse(*context, ZELKERR_uzl_Valutadatum, resources::kValutadatumUnzulaessig);
+      return refuse(*context, ZELKERR_uzl_Valutadatum, resources::kValueDateInadmissible);
     return postings::insertWithin(*context, postings::toPosting(arguments), Fehlermeldungen, postings::Client::IsOpen);
   });
 } catch (...) {

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/text.h"
 
 namespace postings {
@@ -102,10 +102,10 @@ void copyFields(PartOfPosting &part, const Fields &fields, const Record &record,
 enum class TooLong : uint8_t { IsCut, StaysSo };
 
 void putText(char *to, const Field &field, const char *text, TooLong tooLong) {
-  vlba98::DatumText6 six{};
+  vlba98::DateText6 six{};
   if (field.kind == Kind::Date) {
     const std::string_view given = vlba98::trimmed(text);
-    const auto date = vlba98::parseDatum(given);
+    const auto date = vlba98::parseDate(given);
     if (date) six = vlba98::toExternal6(*date);
     // Blanks are none, however many.
     if (date || (given.empty() && tooLong == TooLong::StaysSo)) text = six.data();
@@ -198,7 +198,7 @@ void take(PostingCost &cost, FlatArguments arguments) {
 }
 
 bool isDate(const char *text) {
-  return vlba98::parseDatum(vlba98::trimmed(text ? text : "")).has_value();
+  return vlba98::parseDate(vlba98::trimmed(text ? text : "")).has_value();
 }
 
 } // namespace postings

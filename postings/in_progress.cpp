@@ -1,6 +1,6 @@
 #include "postings/in_progress.h"
 
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlba98/text.h"
 
 using namespace vldb98;
@@ -51,10 +51,10 @@ bool currenciesAgree(const PostingInProgress &posting, const LineInProgress &lin
 }
 
 std::optional<int64_t> readAmount(const char *text, size_t width, bool optional) {
-  char internal[vlba98::geldWidth + 1];
-  const bool negative = width != vlba98::satzWidth;
+  char internal[vlba98::moneyWidth + 1];
+  const bool negative = width != vlba98::rateWidth;
   if (!vlba98::IsGeld(text, int(width), optional, negative, internal)) return std::nullopt;
-  return vlba98::parseGeld(internal);
+  return vlba98::parseMoney(internal);
 }
 
 } // namespace postings

@@ -74,9 +74,9 @@ struct LineInProgress {
     int64_t gross, tax;
   };
   std::optional<OwnAmounts> own; ///< as given, beside a foreign currency; without them it is converted
-  vlfn98::Steuerwahl taxChoice;
+  vlfn98::TaxChoice taxChoice;
   vldb98::STEUSA taxKey{};
-  vlfn98::Steuerrechnung amounts{}; ///< in the currency of the posting
+  vlfn98::TaxSplit amounts{};       ///< in the currency of the posting
   int64_t ownGross = 0, ownNet = 0; ///< in the client's
   char dueDate[7] = "";             ///< reversed; empty: none
 };
@@ -88,10 +88,10 @@ struct Side {
   ZelkResult wrongCode;
   int wrongMessage;
 };
-inline constexpr Side kSides[] = {{&LineInProgress::debit, resources::kSollkontonummerUnzulaessig,
-                                   ZELKERR_uzl_Sollkontonr, resources::kSollkontoFalsch},
-                                  {&LineInProgress::credit, resources::kHabenkontonummerUnzulaessig,
-                                   ZELKERR_uzl_Habenkontonr, resources::kHabenkontoFalsch}};
+inline constexpr Side kSides[] = {{&LineInProgress::debit, resources::kDebitNumberInadmissible, ZELKERR_uzl_Sollkontonr,
+                                   resources::kDebitAccountWrong},
+                                  {&LineInProgress::credit, resources::kCreditNumberInadmissible,
+                                   ZELKERR_uzl_Habenkontonr, resources::kCreditAccountWrong}};
 
 struct PostingInProgress {
   /// \param posting stays where and as it is until the end
@@ -124,7 +124,7 @@ constexpr bool isPersonal(int32_t kind) {
 bool currenciesAgree(const PostingInProgress &posting, const LineInProgress &line);
 
 /// An amount, or a rate, as a host writes it. \return hundredths; nothing where it is none
-/// \param width    characters of the internal form: geldWidth, or satzWidth for a rate, which is never below zero
+/// \param width    characters of the internal form: moneyWidth, or rateWidth for a rate, which is never below zero
 /// \param optional an empty text counts as zero
 std::optional<int64_t> readAmount(const char *text, size_t width, bool optional);
 

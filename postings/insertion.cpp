@@ -3,7 +3,7 @@
 #include "postings/head_checks.h"
 #include "postings/line_checks.h"
 #include "postings/look_ups.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlba98/text.h"
 #include "vlfn98/accounts.h"
 
@@ -13,7 +13,7 @@ namespace postings {
 
 Refusal Insertion::run() {
   const ReadingOneState::Scope reading(posting_.reading);
-  readAhead(posting_);
+  tellLookUps(posting_);
   Refusal refusal = check();
   posting_.reading.end();
   if (!refusal) must(posting_.store.InsertBat(posting_.stored));
@@ -38,16 +38,16 @@ void Insertion::addLine(const LineInProgress &line) {
   stored.Habenart = vlfn98::ZELKKontoArtToKontoArt(line.credit.kind);
   vlba98::strncpy2(stored.Sollkonto, line.debit.number);
   vlba98::strncpy2(stored.Habenkonto, line.credit.number);
-  vlba98::formatGeld(line.ownGross, stored.Brutto);
-  vlba98::formatGeld(line.ownNet, stored.Netto);
-  vlba98::formatGeld(line.ownGross - line.ownNet, stored.Steuerbetrag);
-  vlba98::formatGeld(line.amounts.rate, stored.Steuersatz, vlba98::satzWidth);
+  vlba98::formatMoney(line.ownGross, stored.Brutto);
+  vlba98::formatMoney(line.ownNet, stored.Netto);
+  vlba98::formatMoney(line.ownGross - line.ownNet, stored.Steuerbetrag);
+  vlba98::formatMoney(line.amounts.rate, stored.Steuersatz, vlba98::rateWidth);
   stored.Steuerschluessel = line.taxChoice.key;
   if (line.taxChoice.key != 0) vlba98::strncpy2(stored.Schluesselsatz, line.taxKey.Satz);
   stored.Steuerseite = int16_t(line.taxChoice.side);
   if (posting_.foreign) {
-    vlba98::formatGeld(line.gross, stored.BruttoFW);
-    vlba98::formatGeld(line.amounts.tax, stored.SteuerFW);
+    vlba98::formatMoney(line.gross, stored.BruttoFW);
+    vlba98::formatMoney(line.amounts.tax, stored.SteuerFW);
   }
   vlba98::strncpy2(stored.Faelligkeit, line.dueDate);
   vlba98::strncpy2(stored.Text, given.Text);

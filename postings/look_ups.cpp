@@ -5,12 +5,12 @@
 #include <tuple>
 #include <utility>
 
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/text.h"
 #include "vlfn98/accounts.h"
 
 using namespace vldb98;
-using vlfn98::Kostenseite;
+using vlfn98::CostSide;
 
 namespace postings {
 namespace {
@@ -18,8 +18,8 @@ namespace {
 constexpr size_t kWorthAStep = 2; // look-ups
 
 // The account that bears a line's costs; null: none, or both.
-const char *costTypeOf(const LineInProgress &line, Kostenseite side) {
-  return side == Kostenseite::Soll ? line.debit.number : side == Kostenseite::Haben ? line.credit.number : nullptr;
+const char *costTypeOf(const LineInProgress &line, CostSide side) {
+  return side == CostSide::Debit ? line.debit.number : side == CostSide::Credit ? line.credit.number : nullptr;
 }
 
 /// Look-ups, each of them once.
@@ -47,7 +47,7 @@ public:
     const std::string centre(vlba98::trimmed(number));
     if (centre.empty()) return;
     SCHLUESSEL key;
-    const int byNumber = vlfn98::GetKostKontoKey(centre.c_str(), vlfn98::kostDimension(client, n), nullptr, key);
+    const int byNumber = vlfn98::GetKostKontoKey(centre.c_str(), vlfn98::costDimension(client, n), nullptr, key);
     add(ReadOp::Exact, FileNumber(kKost + byNumber), key);
     if (!costType) return;
     add(ReadOp::Ge, kKombination, std::string_view(costType));
@@ -63,14 +63,14 @@ private:
 
 } // namespace
 
-void readAhead(PostingInProgress &posting) {
+void tellLookUps(PostingInProgress &posting) {
   if (!posting.store.IsUsedEngineSQL()) return;
   LookUps wanted;
   const FIRMENSTAMM &client = posting.client();
   const PostingHead &head = posting.given.head;
   wanted.add(ReadOp::Exact, kStapel, head.Stapelnummer);
   wanted.add(ReadOp::Exact, kFistaExt, uint16_t(client.Nummer));
-  if (const auto date = vlba98::parseDatum(head.Belegdatum))
+  if (const auto date = vlba98::parseDate(head.Belegdatum))
     wanted.add(ReadOp::Le, fileNumber(kGeschaeftsjahr, 1), std::string_view(vlba98::toReversed(*date).data()));
   if (head.Zahlungsziel != 0) wanted.add(ReadOp::Exact, kZahlziel, head.Zahlungsziel);
   for (const PostingLine &given : posting.given.lines) {
@@ -85,7 +85,7 @@ void readAhead(PostingInProgress &posting) {
   wanted.tell(posting.store);
 }
 
-void readAheadOfAccounts(PostingInProgress &posting) {
+void tellLookUpsOfAccounts(PostingInProgress &posting) {
   if (!posting.store.IsUsedEngineSQL()) return;
   LookUps wanted;
   const FISTA_EXT &client = posting.clientExtension();
@@ -99,7 +99,7 @@ void readAheadOfAccounts(PostingInProgress &posting) {
       if (const int16_t key = account.taxKey(); key != 0) wanted.add(ReadOp::Le, kSteusa, key, day);
       if (account.term != 0 && posting.given.head.Zahlungsziel == 0) wanted.add(ReadOp::Exact, kZahlziel, account.term);
     }
-    const Kostenseite side =
+    const CostSide side =
         vlfn98::BestimmeKostenseite(ledgerAccounts[0], ledgerAccounts[1], client.Kostenstellenpflicht);
     for (const PostingCost &cost : line.given->costs) {
       int n = 0;
@@ -111,8 +111,8 @@ void readAheadOfAccounts(PostingInProgress &posting) {
   wanted.tell(posting.store);
 }
 
-void readAheadOfShares(PostingInProgress &posting, const LineInProgress &line, Kostenseite side,
-                       const std::vector<KOSCHA_ZEILE> &shares) {
+void tellLookUpsOfShares(PostingInProgress &posting, const LineInProgress &line, CostSide side,
+                         const std::vector<KOSCHA_ZEILE> &shares) {
   if (!posting.store.IsUsedEngineSQL() || shares.empty()) return;
   LookUps wanted;
   for (const KOSCHA_ZEILE &share : shares) {

@@ -10,13 +10,13 @@
 namespace postings {
 
 /// What the posting itself names.
-void readAhead(PostingInProgress &posting);
+void tellLookUps(PostingInProgress &posting);
 
 /// What its accounts lead to.
-void readAheadOfAccounts(PostingInProgress &posting);
+void tellLookUpsOfAccounts(PostingInProgress &posting);
 
 /// What the shares of a cost template do.
-void readAheadOfShares(PostingInProgress &posting, const LineInProgress &line, vlfn98::Kostenseite side,
-                       const std::vector<vldb98::KOSCHA_ZEILE> &shares);
+void tellLookUpsOfShares(PostingInProgress &posting, const LineInProgress &line, vlfn98::CostSide side,
+                         const std::vector<vldb98::KOSCHA_ZEILE> &shares);
 
 } // namespace postings

@@ -18,6 +18,6 @@ struct MissingRate {
 std::string currencyAndDay(const MissingRate &missing);
 
 /// Asks for the rate until it has a right form. \param ownCurrency the client's \return nothing when none was entered
-std::optional<vlfn98::Wechselkurs> askForRate(const MissingRate &missing, std::string_view ownCurrency);
+std::optional<vlfn98::ExchangeRate> askForRate(const MissingRate &missing, std::string_view ownCurrency);
 
 } // namespace postings

@@ -1,6 +1,6 @@
 #include "vlba98/decimal.h"
 
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlba98/text.h"
 
 #include <stdexcept>
@@ -17,11 +17,11 @@ void refuseOverflow(bool overflow) {
 
 } // namespace
 
-decimal::decimal(std::string_view geld) {
-  const std::string_view text = trimmed(geld);
+decimal::decimal(std::string_view money) {
+  const std::string_view text = trimmed(money);
   if (text.empty()) return;
-  const auto hundredths = parseGeld(text);
-  if (!hundredths) throw std::invalid_argument("decimal: not a money text: '" + std::string(geld) + "'");
+  const auto hundredths = parseMoney(text);
+  if (!hundredths) throw std::invalid_argument("decimal: not a money text: '" + std::string(money) + "'");
   currency_ = *hundredths * (perUnit / 100);
 }
 

@@ -23,9 +23,9 @@ public:
 
   constexpr decimal() = default;
 
-  /// From a money text in internal form (see geld.h); an empty or blank text is zero.
+  /// From a money text in internal form (see money.h); an empty or blank text is zero.
   /// \throws std::invalid_argument for any other text: a damaged amount must not pass as zero
-  explicit decimal(std::string_view geld);
+  explicit decimal(std::string_view money);
 
   /// From whole currency units: decimal(12) is 12,0000. \throws std::overflow_error beyond ±922337203685477
   explicit decimal(std::int64_t units);

@@ -6,7 +6,7 @@
 
 namespace vlba98 {
 
-/// What happens to the part of a quotient behind the last place.
+/// What happens to the part of a quotient after the last place.
 enum class Rounding {
   halfAwayFromZero, ///< commercial rounding: from one half on to the next greater magnitude (DIN 1333)
   towardZero,       ///< the remainder is dropped

@@ -18,7 +18,7 @@ constexpr bool IsZiffer(char c) {
 /// True for a text of one or more digits and nothing else.
 bool IsZahl(std::string_view text);
 
-/// Pads the text with blanks behind it to its width, as key fields are stored.
+/// Pads the text with blanks after it to its width, as key fields are stored.
 /// \return false, and the text unchanged, when it is longer than the width
 bool FillWithSpaces(char *text, std::size_t width);
 template <std::size_t N> bool FillWithSpaces(char (&field)[N]) {
@@ -35,16 +35,16 @@ template <std::size_t N> bool FillWithNull(char (&field)[N]) {
 /// Removes every blank, inner ones included: for numbers and codes. Names are trimmed with trimSpaces.
 void KillSpaces(char *text);
 
-/// Removes the blanks in front and behind, in place, and keeps the inner ones.
+/// Removes the blanks before and after, in place, and keeps the inner ones.
 void trimSpaces(char *text);
 
-/// The part of the text without the blanks in front and behind.
+/// The part of the text without the blanks before and after.
 std::string_view trimmed(std::string_view text);
 
 /// A number of things as a sentence names it: "1 Zeile", "2 Zeilen", "0 Zeilen".
 std::string counted(std::size_t count, const char *one, const char *many);
 
-/// Removes blanks, tabs and line ends in front and behind; a text of nothing else becomes empty.
+/// Removes blanks, tabs and line ends before and after; a text of nothing else becomes empty.
 void KillWhiteSpaces(char *text);
 
 /// Removes leading zeros as long as a digit follows: "000000012,50" becomes "12,50", "000" becomes "0".
@@ -57,7 +57,7 @@ template <std::size_t N> bool strncpy2(char (&target)[N], std::string_view sourc
   return strncpy2(target, source, N);
 }
 
-/// The same without the blanks in front and behind: a key field for a caller.
+/// The same without the blanks before and after: a key field for a caller.
 template <std::size_t N> bool copyTrimmed(char (&target)[N], std::string_view source) {
   return strncpy2(target, trimmed(source), N);
 }

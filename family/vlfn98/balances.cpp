@@ -3,7 +3,7 @@
 #include <iterator>
 
 #include "store/typed.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlba98/text.h"
 
 using namespace vldb98;
@@ -11,16 +11,16 @@ using namespace vldb98;
 namespace vlfn98 {
 namespace {
 
-template <class Account> const char *valueOf(const Account &account, int kind, int currency, int index) {
-  const KONTOWERTE &values = currency == kEurowert ? account.EuroWerte : account.Werte;
+template <class Record> const char *valueOf(const Record &account, int kind, int currency, int index) {
+  const KONTOWERTE &values = currency == kEuro ? account.EuroWerte : account.Werte;
   switch (kind) {
-  case kEroeffnungSoll:
+  case kOpeningDebit:
     return values.Eroeffnung.Soll;
-  case kEroeffnungHaben:
+  case kOpeningCredit:
     return values.Eroeffnung.Haben;
-  case kAbschlussSoll:
+  case kClosingDebit:
     return values.Abschluss.Soll;
-  case kAbschlussHaben:
+  case kClosingCredit:
     return values.Abschluss.Haben;
   default:
     const WERTEPAAR &month = values.Monat[index / 2];
@@ -30,21 +30,21 @@ template <class Account> const char *valueOf(const Account &account, int kind, i
 
 // What the store delivers is a money text, or empty for zero.
 int64_t hundredths(const char *internalForm) {
-  return vlba98::parseGeld(internalForm).value_or(0);
+  return vlba98::parseMoney(internalForm).value_or(0);
 }
 
-template <class Account> Werte sum(const Account &account, const Wertebereich &range) {
-  Werte total;
+template <class Record> AccountValues sum(const Record &account, const ValueRange &range) {
+  AccountValues total;
   auto add = [&](int debitKind, int creditKind, int debit, int credit) {
-    total.soll += hundredths(GetSaldozeiger(account, debitKind, kEigeneWaehrung, debit));
-    total.haben += hundredths(GetSaldozeiger(account, creditKind, kEigeneWaehrung, credit));
-    total.euroSoll += hundredths(GetSaldozeiger(account, debitKind, kEurowert, debit));
-    total.euroHaben += hundredths(GetSaldozeiger(account, creditKind, kEurowert, credit));
+    total.debit += hundredths(GetSaldozeiger(account, debitKind, kOwnCurrency, debit));
+    total.credit += hundredths(GetSaldozeiger(account, creditKind, kOwnCurrency, credit));
+    total.euroDebit += hundredths(GetSaldozeiger(account, debitKind, kEuro, debit));
+    total.euroCredit += hundredths(GetSaldozeiger(account, creditKind, kEuro, credit));
   };
-  if (range.opening) add(kEroeffnungSoll, kEroeffnungHaben, 0, 0);
-  if (range.closing) add(kAbschlussSoll, kAbschlussHaben, 0, 0);
+  if (range.opening) add(kOpeningDebit, kOpeningCredit, 0, 0);
+  if (range.closing) add(kClosingDebit, kClosingCredit, 0, 0);
   for (int month = range.first; month <= range.last; ++month)
-    add(kMonatswert, kMonatswert, 2 * month - 2, 2 * month - 1);
+    add(kMonthlyValue, kMonthlyValue, 2 * month - 2, 2 * month - 1);
   return total;
 }
 
@@ -57,32 +57,32 @@ const char *GetSaldozeiger(const PERSONENKONTO &account, int kind, int currency,
   return valueOf(account, kind, currency, index);
 }
 const char *GetSaldozeiger(const KOST &centre, int currency, int index) {
-  return currency == kEurowert ? centre.EuroKosten[index] : centre.Kosten[index];
+  return currency == kEuro ? centre.EuroKosten[index] : centre.Kosten[index];
 }
 
-Werte summeDerWerte(int table, const DATENBANK &record, const Wertebereich &range) {
+AccountValues sumOfValues(int table, const DATENBANK &record, const ValueRange &range) {
   if (table == kSachkonto) return sum(record.Sachkonto, range);
   if (table != kKost) return sum(record.Personenkonto, range);
-  Werte total;
+  AccountValues total;
   for (int month = range.first; month <= range.last; ++month) {
-    total.soll += hundredths(GetSaldozeiger(record.Kost, kEigeneWaehrung, month - 1));
-    total.euroSoll += hundredths(GetSaldozeiger(record.Kost, kEurowert, month - 1));
+    total.debit += hundredths(GetSaldozeiger(record.Kost, kOwnCurrency, month - 1));
+    total.euroDebit += hundredths(GetSaldozeiger(record.Kost, kEuro, month - 1));
   }
   return total;
 }
 
-Werte GetKontoMonatsWerte(Store &store, int table, const char *account, const Zeitspanne &days) {
+AccountValues GetKontoMonatsWerte(Store &store, int table, const char *account, const DateRange &days) {
   constexpr int ofTheYear = 0;
   constexpr FileNumber byAccount = fileNumber(kBuchungsbeleg, 1);
   static const Table &entries = *findTable(kBuchungsbeleg);
   static const int fields[] = {entries.fieldIndex("Soll"), entries.fieldIndex("Haben"), entries.fieldIndex("EuroSoll"),
                                entries.fieldIndex("EuroHaben")};
-  auto key = [&](const vlba98::Datum &day) {
+  auto key = [&](const vlba98::Date &day) {
     return keyOf(byAccount, table, account, ofTheYear, vlba98::toReversed(day).data());
   };
-  if (days.von > days.bis) return {};
+  if (days.first > days.last) return {};
   int64_t sums[std::size(fields)];
-  must(store.Sum(key(days.von), key(days.bis), fields, sums, byAccount));
+  must(store.Sum(key(days.first), key(days.last), fields, sums, byAccount));
   return {sums[0], sums[1], sums[2], sums[3]};
 }
 

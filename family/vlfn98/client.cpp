@@ -19,10 +19,10 @@ int32_t HoleMandantenDaten(Store &store, int64_t client) {
   return ZELK_OK;
 }
 
-bool IsBuchjahr(Store &store, const vlba98::Datum &day, bool closedToo) {
-  const auto year = HoleGeschaeftsjahr(store, day);
+bool IsBuchjahr(Store &store, const vlba98::Date &day, bool closedToo) {
+  const auto year = findFiscalYear(store, day);
   if (!year || (year->Abgeschlossen && !closedToo)) return false;
-  oeffne(store, *year);
+  openFiscalYear(store, *year);
   return true;
 }
 

@@ -10,11 +10,14 @@
 
 namespace vlfn98 {
 
+/// Mark of a cost posting in KOSTENBELEG.Flags, beside its kind of costs: it stands in credit and lessens them.
+constexpr int16_t kLessensCosts = 32;
+
 /// Whether the open client uses cost references: some cost centre of the open fiscal year has one.
 bool IsKostrefActive(vldb98::Store &store);
 
 /// Which cost postings count. Numbers without blanks.
-struct Kostenauswahl {
+struct CostSelection {
   std::string costType;                             ///< general-ledger account; empty: all
   std::optional<std::set<std::string>> costCentres; ///< nothing: all
   std::optional<std::string> reference;             ///< of the cost centres; nothing: any
@@ -22,9 +25,9 @@ struct Kostenauswahl {
 };
 
 /// What the cost postings of some days of the open fiscal year come to: costs, less what lessens them, as debit.
-Werte SummeDerKostenbuchungen(vldb98::Store &store, const Zeitspanne &days, const Kostenauswahl &selection);
+AccountValues sumOfCosts(vldb98::Store &store, const DateRange &days, const CostSelection &selection);
 
 /// The same of the cost postings that have moved the costs of a cost centre.
-Werte GetKostMonatsWerte(vldb98::Store &store, const vldb98::KOST &centre, const Zeitspanne &days);
+AccountValues costsOfCentre(vldb98::Store &store, const vldb98::KOST &centre, const DateRange &days);
 
 } // namespace vlfn98

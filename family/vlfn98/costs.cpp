@@ -13,8 +13,8 @@ using namespace vldb98;
 
 namespace vlfn98 {
 
-int kostDimension(const FISTA_EXT &client, int n) {
-  const int16_t assigned[kKostenstellen] = {
+int costDimension(const FISTA_EXT &client, int n) {
+  const int16_t assigned[kCentresPerPosting] = {
       0, 0, client.Dimension3, client.Dimension4, client.Dimension5, client.Dimension6};
   return assigned[n] != 0 ? assigned[n] : n;
 }
@@ -40,7 +40,7 @@ bool IsKoscha(Store &store, int32_t number) {
   return exists<KOSCHA>(store, number);
 }
 
-std::vector<KOSCHA_ZEILE> HoleKoscha(Store &store, int32_t number) {
+std::vector<KOSCHA_ZEILE> sharesOfTemplate(Store &store, int32_t number) {
   std::vector<KOSCHA_ZEILE> shares;
   const Between all{keyOf(kKoschaZeile, number, std::numeric_limits<int32_t>::min()),
                     keyOf(kKoschaZeile, number, std::numeric_limits<int32_t>::max())};
@@ -48,7 +48,7 @@ std::vector<KOSCHA_ZEILE> HoleKoscha(Store &store, int32_t number) {
   return shares;
 }
 
-void verteile(int64_t amount, std::span<const int64_t> weights, std::span<int64_t> parts) {
+void distribute(int64_t amount, std::span<const int64_t> weights, std::span<int64_t> parts) {
   int64_t total = 0;
   for (int64_t weight : weights)
     total += std::max<int64_t>(weight, 0);
@@ -62,12 +62,12 @@ void verteile(int64_t amount, std::span<const int64_t> weights, std::span<int64_
   }
 }
 
-Kostenseite BestimmeKostenseite(const SACHKONTO *debit, const SACHKONTO *credit, bool mandatory) {
+CostSide BestimmeKostenseite(const SACHKONTO *debit, const SACHKONTO *credit, bool mandatory) {
   auto bearsCosts = [&](const SACHKONTO *account) {
     return account && (account->Kostenart || (mandatory && account->GuV));
   };
-  if (bearsCosts(debit)) return bearsCosts(credit) ? Kostenseite::Beide : Kostenseite::Soll;
-  return bearsCosts(credit) ? Kostenseite::Haben : Kostenseite::Keine;
+  if (bearsCosts(debit)) return bearsCosts(credit) ? CostSide::Both : CostSide::Debit;
+  return bearsCosts(credit) ? CostSide::Credit : CostSide::None;
 }
 
 } // namespace vlfn98

@@ -2,14 +2,14 @@
 
 #include <chrono>
 
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/text.h"
 
 namespace vlfn98 {
 
 bool MakeDatum(char (&text)[11], std::string_view internal) {
   constexpr size_t kDisplayWidth = sizeof text - 1;
-  auto day = internal.size() == kDisplayWidth ? vlba98::parseDatum(internal) : vlba98::fromInternal(internal);
+  auto day = internal.size() == kDisplayWidth ? vlba98::parseDate(internal) : vlba98::fromInternal(internal);
   vlba98::strncpy2(text, day ? vlba98::toDisplay(*day).data() : "");
   return day.has_value();
 }

@@ -7,7 +7,7 @@ namespace vlfn98 {
 
 /// A date for display, "TT.MM.JJJJ".
 /// \param text     may be the date itself
-/// \param internal TTMMJJ with the year code (a stored date behind ReverseDatum), or the display form
+/// \param internal TTMMJJ with the year code (a stored date after ReverseDatum), or the display form
 /// \return false, and an empty text, when there is no date
 bool MakeDatum(char (&text)[11], std::string_view internal);
 

@@ -5,34 +5,34 @@
 #include <optional>
 
 #include "store/store.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 
 namespace vlfn98 {
 
-constexpr int kMonate = 12;
+constexpr int kMonths = 12;
 
 /// The fiscal year of the open client that a day lies in.
-std::optional<vldb98::GESCHAEFTSJAHR> HoleGeschaeftsjahr(vldb98::Store &store, const vlba98::Datum &day);
+std::optional<vldb98::GESCHAEFTSJAHR> findFiscalYear(vldb98::Store &store, const vlba98::Date &day);
 
 /// The fiscal year of the open client that bears a calendar year.
-std::optional<vldb98::GESCHAEFTSJAHR> HoleGeschaeftsjahr(vldb98::Store &store, int calendarYear);
+std::optional<vldb98::GESCHAEFTSJAHR> findFiscalYear(vldb98::Store &store, int calendarYear);
 
 /// Makes a fiscal year that was read the open one.
-void oeffne(vldb98::Store &store, const vldb98::GESCHAEFTSJAHR &year);
+void openFiscalYear(vldb98::Store &store, const vldb98::GESCHAEFTSJAHR &year);
 
 /// Makes the fiscal year that bears a calendar year the open one. \return false when there is none
 bool OeffneJahr(vldb98::Store &store, int calendarYear);
 
 /// The month of a fiscal year that a day of it lies in: 1 for the calendar month in which the year begins. What lies
-/// behind the twelfth month of a longer year belongs to the twelfth, since accounts have values of twelve months.
-int BuchungsMonat(const vldb98::GESCHAEFTSJAHR &year, const vlba98::Datum &day);
+/// after the twelfth month of a longer year belongs to the twelfth, since accounts have values of twelve months.
+int fiscalMonth(const vldb98::GESCHAEFTSJAHR &year, const vlba98::Date &day);
 
-struct Zeitspanne {
-  vlba98::Datum von, bis; ///< first and last day
+/// Days, the first and the last included; none where the first lies after the last.
+struct DateRange {
+  vlba98::Date first, last;
 };
 
-/// The days of months first to last (1 to 12) of a fiscal year; none (von after bis) where a short year has no such
-/// month.
-Zeitspanne TageDerMonate(const vldb98::GESCHAEFTSJAHR &year, int first, int last);
+/// The days of months first to last (1 to 12) of a fiscal year; none where a short year has no such month.
+DateRange daysOfMonths(const vldb98::GESCHAEFTSJAHR &year, int first, int last);
 
 } // namespace vlfn98

@@ -12,12 +12,12 @@ const char *GetWaehrung(const FIRMENSTAMM &client, const char *code, int16_t ind
   return index < 0 || client.Euro ? "EUR" : client.Waehrung;
 }
 
-Inkassonummern GetInkassoForderungsnummer(const OPBELEG &item) {
-  if (!(item.Flags & kImInkasso)) return {};
+CollectionNumbers GetInkassoForderungsnummer(const OPBELEG &item) {
+  if (!(item.Flags & kInCollection)) return {};
   return {item.InkassoForderung, item.InkassoMahnkosten};
 }
 
-void HoleBenutzername(Store &store, int32_t number, char (&name)[41]) {
+void readUserName(Store &store, int32_t number, char (&name)[41]) {
   const auto user = number != 0 ? find<BENUTZER>(store, number) : std::nullopt;
   vlba98::strncpy2(name, user ? user->Name : "");
 }

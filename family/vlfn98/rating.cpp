@@ -4,7 +4,7 @@
 
 #include "platform/system.h"
 #include "store/typed.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/text.h"
 
 using namespace vldb98;

@@ -59,7 +59,7 @@ std::optional<Rating> PruefeBonitaet(const RatingRequest &request, RatingSource 
 std::optional<Rating> rateFromFile(const std::string &path, const RatingRequest &request);
 
 /// Actions of the account-change protocol.
-constexpr int16_t kBonitaetGeaendert = 10;
+constexpr int16_t kRatingChanged = 10;
 
 /// Writes a change of an account, now, into the account-change protocol.
 /// \param table    the account's: 2, 3

@@ -9,28 +9,37 @@
 namespace vlfn98 {
 
 /// Which account of a posting bears the tax.
-enum class Steuerseite : int16_t { Keine = 0, Haben = 1, Soll = 2 };
+enum class TaxSide : int16_t { None = 0, Credit = 1, Debit = 2 };
 
-struct Steuerwahl {
+struct TaxChoice {
   int16_t key = 0; ///< 0: none
-  Steuerseite side = Steuerseite::Keine;
+  TaxSide side = TaxSide::None;
 };
 
 /// An account that is marked as having no tax key.
-constexpr int16_t kOhneSteuerschluessel = 32;
+constexpr int16_t kNoTaxKey = 32;
 
 /// The tax key of a posting and the side that bears the tax.
 /// \param debitKey,creditKey   tax keys of the accounts; 0 or 32: none
 /// \param debitKind,creditKind account kinds at the boundary (1, 2, 4, 8)
 /// \param swissRules           the client's books are kept under the rules of Switzerland
-Steuerwahl chooseTaxKey(int16_t debitKey, int16_t creditKey, int32_t debitKind, int32_t creditKind, bool swissRules);
+TaxChoice chooseTaxKey(int16_t debitKey, int16_t creditKey, int32_t debitKind, int32_t creditKind, bool swissRules);
 
-/// Any of these flags of a tax key: the gross amount holds no tax.
-constexpr int32_t kSteuerAusgeschlossen = 0x3600;
+/// Kinds of tax keys (STEUSA.Art).
+enum TaxKind : int16_t {
+  kTaxFree = 0,
+  kOutputTax = 1,
+  kInputTax = 2,
+  kAcquisition = 3, ///< within the European Union
+  kReverseCharge = 4,
+};
 
-/// The flags of a tax key, from its kind: tax-free 0x1000, acquisition 0x0400, reverse charge 0x0200 (all of which
-/// exclude tax from the gross amount), output tax 1, input tax 2.
-int32_t SteuerFlags(const vldb98::STEUSA &key);
+/// Any of these flags of a tax key: the gross amount holds no tax. Tax-free keys, acquisitions and reverse charge have
+/// one.
+constexpr int32_t kTaxExcluded = 0x3600;
+
+/// The flags of a tax key, from its kind; 0 where that is none.
+int32_t taxFlags(const vldb98::STEUSA &key);
 
 /// The record of a tax key of the open client that is valid on a day.
 /// \param reversedDate the document date, reversed
@@ -43,7 +52,7 @@ std::optional<vldb98::STEUSA> GetSteusa(vldb98::Store &store, int16_t key, const
 int64_t CalcSteuerAnteil(int64_t tax, const vldb98::STEUSA &key);
 
 /// A gross amount taken apart: gross = net + tax, always.
-struct Steuerrechnung {
+struct TaxSplit {
   int64_t net;
   int64_t tax;
   int64_t rate; ///< 0 where the key excludes tax
@@ -56,11 +65,11 @@ struct Steuerrechnung {
 /// \param roundToFive round tax and net amount to five hundredths
 /// \return nothing when a tax amount that came with the posting gives the net amount another sign than the gross amount
 ///         has, or when an amount leaves its range
-std::optional<Steuerrechnung> rechneSteuer(int64_t gross, int64_t rate, std::optional<int64_t> given,
-                                           const vldb98::STEUSA *key, bool roundToFive);
+std::optional<TaxSplit> splitTax(int64_t gross, int64_t rate, std::optional<int64_t> given, const vldb98::STEUSA *key,
+                                 bool roundToFive);
 
 /// Whether a tax amount that came with a posting fits its gross amount and rate: of the same sign, and within five
 /// hundredths of the tax or of its deductible share, which invoices that round line by line keep to.
-bool passtZumSteuersatz(int64_t gross, int64_t rate, int64_t given, const vldb98::STEUSA &key);
+bool fitsTaxRate(int64_t gross, int64_t rate, int64_t given, const vldb98::STEUSA &key);
 
 } // namespace vlfn98

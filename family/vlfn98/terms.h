@@ -6,7 +6,7 @@
 #include <string>
 
 #include "store/store.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 
 namespace vlfn98 {
 
@@ -20,11 +20,11 @@ bool IsZahlziel(vldb98::Store &store, int32_t number);
 /// The day on which payment is due: the net payment period after the day given; then so many months on as the term
 /// names following months; then, where it names a day of the month, that day of the month reached (the last of a
 /// shorter one). Without following months a day that has passed is that of the next month. \return nothing when it lies
-/// behind 2079
-std::optional<vlba98::Datum> faelligkeit(const vldb98::ZAHLZIEL &term, const vlba98::Datum &from);
+/// after 2079
+std::optional<vlba98::Date> dueDate(const vldb98::ZAHLZIEL &term, const vlba98::Date &from);
 
 /// The due date of a payment term of the open client.
 /// \param due receives the reversed date; empty where there is no such term or no such day
-void ErmittleZahlungsziel(vldb98::Store &store, int32_t number, const vlba98::Datum &from, char (&due)[7]);
+void ErmittleZahlungsziel(vldb98::Store &store, int32_t number, const vlba98::Date &from, char (&due)[7]);
 
 } // namespace vlfn98

@@ -37,7 +37,7 @@
  * Result. A ZelkResult unless said otherwise: 1 success, 2 the last record of a fetch, 0 neutral (none, not in use,
  * cancelled), below zero an error. A refused call has changed nothing, delivers nothing and holds no lock. Two things
  * outlive a refused posting: its document identifier (DMSID) stays registered, and an exchange rate that a person has
- * entered stays stored. Below, a code with nothing but a parameter behind it means that this is none of the values
+ * entered stays stored. Below, a code with nothing but a parameter after it means that this is none of the values
  * named for it.
  *
  * Every call can return these; a function names only what it returns beside them:
@@ -64,7 +64,7 @@
  * holds, unless said otherwise. A text of a record that does not end within its field is refused with -37.
  *
  * Amounts are texts in German notation: up to nine digits in front of the comma, plain or in groups of three, one or
- * two behind it or none, a sign in front or a minus behind, blanks around: "1234,5", "1.234,50", "-12,00", "12,00-".
+ * two after it or none, a sign before or a minus after, blanks around: "1234,5", "1.234,50", "-12,00", "12,00-".
  * Rates are the same with two digits in front of the comma and no sign: "19,00", "7". The internal form of an amount
  * is "000001234,50", below zero with the minus in the comma's place: "000000012-50"; of a rate "07,00". Both are taken
  * wherever an amount or rate is.
@@ -72,7 +72,7 @@
  * Dates are texts of real days from 1980 to 2079: "TTMMJJ" in records; where "any form" is said "TT.MM.JJ" and
  * "TT.MM.JJJJ" as well. JJ is 80 to 99 for 1980 to 1999, 00 to 79 for 2000 to 2079.
  *
- * Memory. Buffers belong to the caller and have at least the stated size; the library keeps no pointer behind a call.
+ * Memory. Buffers belong to the caller and have at least the stated size; the library keeps no pointer after a call.
  * A value whose pointer is null is not delivered. A pointer to a record must not be null: -38.
  *
  * Fehlermeldungen. Where a function takes this flag, non-zero shows each refusal of what the host passed as a message
@@ -104,7 +104,7 @@
  *
  * Fiscal years are named by the calendar year in which they begin. Accounts belong to a fiscal year; where a function
  * takes no year, it means the client's current one. Months are months of the fiscal year: 1 is the one in which it
- * begins; what lies behind the twelfth month of a longer year belongs to the twelfth.
+ * begins; what lies after the twelfth month of a longer year belongs to the twelfth.
  *
  * Account numbers have at most 7 characters and compare as texts; of a longer one the first 7 count, unless it is
  * refused. Cost centres are told apart by Dimension (0 cost centre, 1 cost unit, 2 to 5) and Kostref (a reference of
@@ -173,7 +173,7 @@ enum {
   ZELKERR_Ini = -36,                       /* no program directory in the settings */
   ZELKERR_Ueberlauf = -37,                 /* text does not end within its field; no free account number */
   ZELKERR_nicht_moeglich = -38,            /* pointer to a record is null */
-  ZELKERR_keinDatensatz = -39,             /* fetch: behind the last record */
+  ZELKERR_keinDatensatz = -39,             /* fetch: after the last record */
   ZELKERR_keinInit = -40,                  /* fetch: not begun, ended, or another one was begun; no SplitStart */
   ZELKERR_Thread = -42,                    /* no thread-local storage */
   ZELKERR_uzl_Zeitraum = -44,              /* period that there is not, or fiscal year that the client has not */
@@ -235,7 +235,7 @@ enum {
 /* Account kinds (Kontoart): general ledger, creditor, debtor, cost centre. */
 enum { ZELK_SACHKONTO = 1, ZELK_KREDITOR = 2, ZELK_DEBITOR = 4, ZELK_KOSTENSTELLE = 8 };
 
-/* Records are byte-packed, integers little-endian. Behind each stands its size in bytes and the offset of each field,
+/* Records are byte-packed, integers little-endian. After each stands its size in bytes and the offset of each field,
  * which the compiler checks: hosts in other languages declare them by these numbers. */
 #define ZELK_SIZE(record, bytes) typedef char record##_of_##bytes##_bytes[sizeof(record) == (bytes) ? 1 : -1]
 #define ZELK_AT(record, field, offset)                                                                                 \
@@ -329,7 +329,7 @@ ZELK_API ZelkResult ZELK_CALL ZELK_SQLDeInit(void);
  *   Buffer   Size bytes; null, or Size 0: 0
  *
  * Returns the number of characters delivered, without the last terminator. A value that is too long is cut to Size - 1
- * characters; Default and the list of names to Size - 2, with two zero bytes behind. */
+ * characters; Default and the list of names to Size - 2, with two zero bytes after them. */
 ZELK_API uint32_t ZELK_CALL MFGetPrivateProfileString(const char *Section, const char *Key, const char *Default,
                                                       char *Buffer, uint32_t Size, const char *File);
 
@@ -391,7 +391,7 @@ ZELK_API ZelkResult ZELK_CALL ZELK_Protokoll(int32_t Fenster, int32_t Aktion, ch
  *     }
  *     if (result < 0) failed(result);              0: there was none
  *
- *   Fetch of              Init without a record   behind the last   -3 within the fetch
+ *   Fetch of              Init without a record   after the last    -3 within the fetch
  *   clients               -1                      -40               same record again
  *   batches               -1                      -39               ends it (-40)
  *   accounts              0                       -39               ends it (-40)
@@ -577,7 +577,7 @@ ZELK_API ZelkResult ZELK_CALL ZELK_HoleKonto(void *HandleParent, int32_t Mandant
                                              char *Kuerzel, int32_t Dimension, const char *Kostref);
 
 /* Proposes a number for a new account that no account has in any fiscal year of the client (cost centres do not
- * count). It lies behind the greatest number of that kind, with both bounds behind the greatest one between them. Where
+ * count). It lies after the greatest number of that kind, with both bounds after the greatest one between them. Where
  * nothing is in use yet, it is NummerVon, or without bounds the first of the kind: with four-digit general-ledger
  * accounts "0001", creditors "70000", debtors "10000". With both bounds, a range that is used up at its end is searched
  * for a gap, the bounds themselves excepted. Nothing is reserved.
@@ -788,7 +788,7 @@ ZELK_AT4(ZELK_SPLITBUCHUNG, Waehrung, 80, ESR, 84, DMSID, 134, Teilbuchung, 185)
  * (-65 when it is cancelled) while nothing is locked; what is entered is stored for that day.
  *
  * Due date. By the posting's payment term; without one by the account's, where a debtor is debited or a creditor
- * credited. It counts from the value date, else the document date. Behind 2079 there is none.
+ * credited. It counts from the value date, else the document date. After 2079 there is none.
  *
  * Costs. A general-ledger account bears costs when it is a cost type; where the client demands cost centres, each
  * income-statement account does. Exactly one account of a line may. Its net amount is distributed by the first cost
@@ -963,8 +963,8 @@ ZELK_AT4(ZELK_BATCHKOBU, Betrag, 56, BetragFW, 69, Prozent, 82, Menge, 95);
 ZELK_AT3(ZELK_BATCHKOBU, Einheit, 108, Bemerkung, 112, Bemerkung2, 153);
 
 /* Fetch the lines, the cost postings of the posting that ZELK_HoleBatch delivered last, one by one, in two fetches of
- * their own that need no Init. 1 more follow; 2 this was the last; 0 the posting has none; -39 behind the last; -40
- * before the first ZELK_HoleBatch, or when another fetch was begun behind it; -38 the pointer is null. */
+ * their own that need no Init. 1 more follow; 2 this was the last; 0 the posting has none; -39 after the last; -40
+ * before the first ZELK_HoleBatch, or when another fetch was begun after it; -38 the pointer is null. */
 ZELK_API ZelkResult ZELK_CALL ZELK_HoleBatchZeile(ZELK_BATCHZEILE *Zeile);
 ZELK_API ZelkResult ZELK_CALL ZELK_HoleBatchKobu(ZELK_BATCHKOBU *Kobu);
 
@@ -1100,8 +1100,8 @@ ZELK_API ZelkResult ZELK_CALL ZELK_HoleOP(char *Kontonummer, char *Kuerzel, char
  * first fiscal year to its current one. The first of these that is given (neither null nor blank) selects:
  *
  *   Buchungsdatum       payments of that day and later; any form; by day
- *   Belegnr, OPBelegnr  items of that document number, 16 characters count; blanks in front are part of it, blanks
- *                       behind are not
+ *   Belegnr, OPBelegnr  items of that document number, 16 characters count; blanks before are part of it, blanks
+ *                       after are not
  *   Kontonummer         items of that account; it need not exist
  *   none of them        all items, in the order of their numbers
  *   Kontoart            2, 4
@@ -1287,7 +1287,7 @@ ZELK_API ZelkResult ZELK_CALL ZELK_HoleSollwerte(char *Kontonummer, char *Kuerze
  * 1; 0 it has no lines; -67 Klasse. */
 ZELK_API ZelkResult ZELK_CALL ZELK_InitHoleAufbau(int32_t Mandatennummer, int32_t Klasse, int32_t Fehlermeldungen);
 
-/* Fetch a line. It is read when it is delivered, so what was put in or taken out behind it meanwhile is seen.
+/* Fetch a line. It is read when it is delivered, so what was put in or taken out after it meanwhile is seen.
  *
  *   Art    kind, 0 to 3; 1 and 3: account line. Plus 4: hidden
  *   Name   41 bytes: heading; of an account line the account number, without blanks
@@ -1356,7 +1356,7 @@ ZELK_AT4(ZELK_OUT_PERSONENKONTO, IBAN, 309, BIC, 344, Waehrung, 356, Kreditlimit
 ZELK_AT3(ZELK_OUT_PERSONENKONTO, UStIdNr, 373, Steuersatz, 389, reserviert, 395);
 
 /* The shared block. What Art has no use for is zero. In a posting, Waehrung is never empty, amounts have nine digits
- * with a minus in front ("-000000012,50" fills its field, the reserved byte behind ends it), and Steuersatz and
+ * with a minus in front ("-000000012,50" fills its field, the reserved byte after it ends it), and Steuersatz and
  * Steuerbetrag are empty for a line without tax. */
 typedef struct ZELK_OUT_BLOCK {
   uint8_t Befehl; /* 1 = a change follows, 0 = end of work */

@@ -8,7 +8,7 @@
 namespace platform {
 namespace {
 
-// Users lock one byte far behind the end of any file, shared; the first one for a moment exclusively.
+// Users lock one byte far beyond the end of any file, shared; the first one for a moment exclusively.
 constexpr off_t kUsers = off_t{1} << 62;
 
 class PosixAppendFile final : public AppendFile {

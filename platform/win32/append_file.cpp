@@ -5,8 +5,8 @@
 namespace platform {
 namespace {
 
-// Bytes far behind the end of any file, where a lock is in nobody's way: of the users, and of who is becoming one.
-constexpr DWORD kFarBehind = 0x40000000, kUsers = 0, kGate = 1;
+// Bytes far beyond the end of any file, where a lock is in nobody's way: of the users, and of who is becoming one.
+constexpr DWORD kFarBeyond = 0x40000000, kUsers = 0, kGate = 1;
 
 class Win32AppendFile final : public AppendFile {
 public:
@@ -50,7 +50,7 @@ private:
   static OVERLAPPED position(DWORD byte) {
     OVERLAPPED at{};
     at.Offset = byte;
-    at.OffsetHigh = kFarBehind;
+    at.OffsetHigh = kFarBeyond;
     return at;
   }
   bool lock(DWORD byte, DWORD flags) {

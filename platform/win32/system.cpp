@@ -51,7 +51,7 @@ public:
   void choose(Selection &, void *) override {}
 
   std::optional<std::string> saveFile(uintptr_t owner, const std::string &what, const std::string &pattern) override {
-    // Texts and patterns, each with its terminator, and one more behind the last.
+    // Texts and patterns, each with its terminator, and one more after the last.
     std::wstring filter = toWide(what) + L'\0' + toWide(pattern) + L'\0';
     wchar_t path[1024] = L"";
     HWND window = reinterpret_cast<HWND>(owner);

@@ -7,7 +7,7 @@
 #include "base/random.h"
 #include "netwr98/capture.h"
 #include "support/books.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 
 namespace test {
 namespace {
@@ -19,7 +19,7 @@ TEST(CostDistribution, IsExact) {
   auto random = generator();
   auto check = [](int64_t amount, const std::vector<int64_t> &weights) {
     std::vector<int64_t> parts(weights.size(), 4711);
-    verteile(amount, weights, parts);
+    distribute(amount, weights, parts);
     auto positive = [](int64_t sum, int64_t weight) { return sum + std::max<int64_t>(weight, 0); };
     const int64_t total = std::accumulate(weights.begin(), weights.end(), int64_t{0}, positive);
     if (total == 0) {
@@ -44,7 +44,7 @@ TEST(CostDistribution, IsExact) {
     }
     ASSERT_EQ(amountSoFar, amount);
   };
-  const int64_t greatest = vlba98::maxGeld;
+  const int64_t greatest = vlba98::maxMoney;
   for (int64_t amount : {int64_t{0}, int64_t{1}, int64_t{-1}, int64_t{100'00}, greatest, -greatest}) {
     for (const auto &weights : {std::vector<int64_t>{},
                                 {5},
@@ -78,8 +78,7 @@ TEST(CostSide, IsThatOfTheAccountsThatBearCosts) {
                   {&income, false, true},
                   {&cost, true, true},
                   {&balanceCost, true, true}};
-  constexpr Kostenseite sides[2][2] = {{Kostenseite::Keine, Kostenseite::Haben},
-                                       {Kostenseite::Soll, Kostenseite::Beide}};
+  constexpr CostSide sides[2][2] = {{CostSide::None, CostSide::Credit}, {CostSide::Debit, CostSide::Both}};
   for (const auto &debit : accounts)
     for (const auto &credit : accounts) {
       EXPECT_EQ(BestimmeKostenseite(debit.account, credit.account, false), sides[debit.bears][credit.bears]);
@@ -113,14 +112,14 @@ TEST(CostCentre, RunningTimeHoldsItsFirstAndLastDay) {
 
 TEST(CostCentre, DimensionsAreTheClientsOrTheUsualOnes) {
   FISTA_EXT client{};
-  for (int n = 0; n < kKostenstellen; ++n)
-    EXPECT_EQ(kostDimension(client, n), n);
+  for (int n = 0; n < kCentresPerPosting; ++n)
+    EXPECT_EQ(costDimension(client, n), n);
   client.Dimension3 = 5;
   client.Dimension5 = 2;
   client.Dimension6 = 3;
   constexpr int assigned[] = {0, 1, 5, 3, 2, 3};
-  for (int n = 0; n < kKostenstellen; ++n)
-    EXPECT_EQ(kostDimension(client, n), assigned[n]) << n;
+  for (int n = 0; n < kCentresPerPosting; ++n)
+    EXPECT_EQ(costDimension(client, n), assigned[n]) << n;
 }
 
 class CostBooks : public Books {
@@ -181,7 +180,7 @@ TEST_F(CostBooks, TemplatesWithTheirShares) {
               {-1, ""}};
   for (const auto &row : rows) {
     std::string text;
-    for (const KOSCHA_ZEILE &share : HoleKoscha(*store, row.number))
+    for (const KOSCHA_ZEILE &share : sharesOfTemplate(*store, row.number))
       text += std::string(vlba98::trimmed(share.Kostenstelle1)) + "/" +
               std::string(vlba98::trimmed(share.Kostenstelle2)) + "/" + std::to_string(share.Kostenkennung) + "/" +
               share.Anteil + " ";

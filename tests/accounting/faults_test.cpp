@@ -18,7 +18,7 @@ TEST_F(Books, ExchangeRateIsNotHalfStored) {
       faults, [] {},
       [&] {
         try {
-          vlfn98::SpeichereKurs(*store, "GBP", "460315", {1'154'321, 1});
+          vlfn98::storeRate(*store, "GBP", "460315", {1'154'321, 1});
           return true;
         } catch (const StoreFailed &) {
           return false;

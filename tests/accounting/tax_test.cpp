@@ -3,7 +3,7 @@
 
 #include "base/random.h"
 #include "support/books.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 
 namespace test {
 namespace {
@@ -21,7 +21,7 @@ int64_t toFive(int64_t amount) {
   return 5 * nearest(amount, 5);
 }
 
-STEUSA steusa(int16_t number, int16_t kind, int16_t share) {
+STEUSA taxKey(int16_t number, int16_t kind, int16_t share) {
   STEUSA key{};
   key.Schluessel = number;
   key.Art = kind;
@@ -29,20 +29,19 @@ STEUSA steusa(int16_t number, int16_t kind, int16_t share) {
   return key;
 }
 
-constexpr int16_t kTaxFree = 0, kOutput = 1, kInput = 2, kAcquisition = 3, kReverse = 4;
 constexpr auto kNone = std::optional<int64_t>();
 
-std::string shown(const std::optional<Steuerrechnung> &r) {
+std::string shown(const std::optional<TaxSplit> &r) {
   return r ? std::to_string(r->net) + " + " + std::to_string(r->tax) + " at " + std::to_string(r->rate) +
                  (r->keyKept ? " with key" : " without key")
            : "refused";
 }
 
 /// The rules once more, written down from the outcome instead of step by step.
-std::optional<Steuerrechnung> expected(int64_t gross, int64_t rate, std::optional<int64_t> given, const STEUSA *key,
-                                       bool five) {
+std::optional<TaxSplit> expected(int64_t gross, int64_t rate, std::optional<int64_t> given, const STEUSA *key,
+                                 bool five) {
   const bool withKey = key && rate != 0;
-  const bool excluded = withKey && (key->Art == kTaxFree || key->Art == kAcquisition || key->Art == kReverse);
+  const bool excluded = withKey && (key->Art == kTaxFree || key->Art == kAcquisition || key->Art == kReverseCharge);
   int64_t tax = 0;
   if (!excluded && given) {
     tax = five ? toFive(*given) : *given;
@@ -55,16 +54,16 @@ std::optional<Steuerrechnung> expected(int64_t gross, int64_t rate, std::optiona
   }
   int64_t net = gross - tax;
   const bool signChanged = given && ((gross >= 0 && net < 0) || (gross <= 0 && net > 0));
-  const bool fits = std::max(std::abs(net), std::abs(tax)) <= vlba98::maxGeld;
+  const bool fits = std::max(std::abs(net), std::abs(tax)) <= vlba98::maxMoney;
   if (signChanged || !fits) return std::nullopt;
-  return Steuerrechnung{net, tax, excluded ? 0 : rate, withKey};
+  return TaxSplit{net, tax, excluded ? 0 : rate, withKey};
 }
 
 TEST(Tax, IsReckonedLikeExactFractions) {
   auto random = generator();
   auto oneOf = [&](std::initializer_list<int64_t> values) { return values.begin()[random() % values.size()]; };
   auto check = [&](int64_t gross, int64_t rate, std::optional<int64_t> given, const STEUSA *key, bool five) {
-    const auto reckoned = rechneSteuer(gross, rate, given, key, five);
+    const auto reckoned = splitTax(gross, rate, given, key, five);
     ASSERT_EQ(shown(reckoned), shown(expected(gross, rate, given, key, five)))
         << gross << " at " << rate << (given ? " given " + std::to_string(*given) : "") << (five ? " in fives" : "")
         << (key ? " key " + std::to_string(key->Schluessel) + " kind " + std::to_string(key->Art) + " share " +
@@ -74,7 +73,7 @@ TEST(Tax, IsReckonedLikeExactFractions) {
       ASSERT_EQ(reckoned->net + reckoned->tax, gross);
     }
   };
-  const STEUSA plain = steusa(3, kOutput, 0), half = steusa(5, kInput, 50);
+  const STEUSA plain = taxKey(3, kOutputTax, 0), half = taxKey(5, kInputTax, 50);
   for (int64_t gross = -1'000; gross <= 1'000; ++gross)
     for (int64_t rate : {1, 260, 700, 810, 1'900, 9'999})
       for (const STEUSA *key : {&plain, &half})
@@ -82,22 +81,22 @@ TEST(Tax, IsReckonedLikeExactFractions) {
           ASSERT_NO_FATAL_FAILURE(check(gross, rate, kNone, key, five));
   for (int i = 0; i < 60'000; ++i) {
     const int64_t gross =
-        random() % 50 ? anyMagnitude(random, vlba98::maxGeld) : oneOf({0, 1, -1, vlba98::maxGeld, -vlba98::maxGeld});
+        random() % 50 ? anyMagnitude(random, vlba98::maxMoney) : oneOf({0, 1, -1, vlba98::maxMoney, -vlba98::maxMoney});
     const int64_t rate = random() % 2 ? oneOf({0, 1, 250, 260, 380, 500, 700, 770, 810, 1'600, 1'900, 9'999})
                                       : int64_t(random() % 10'000);
-    const STEUSA key = steusa(int16_t(oneOf({1, 5, 8, 32, 511})), int16_t(oneOf({0, 1, 1, 2, 2, 2, 3, 4})),
+    const STEUSA key = taxKey(int16_t(oneOf({1, 5, 8, 32, 511})), int16_t(oneOf({0, 1, 1, 2, 2, 2, 3, 4})),
                               int16_t(random() % 3 ? 0 : oneOf({-1, 1, 50, 70, 99, 100})));
     std::optional<int64_t> given;
     if (random() % 3 == 0)
-      given = random() % 2 ? anyMagnitude(random, vlba98::maxGeld) : nearest(gross, oneOf({1, -1, 2, 5, 20}));
+      given = random() % 2 ? anyMagnitude(random, vlba98::maxMoney) : nearest(gross, oneOf({1, -1, 2, 5, 20}));
     ASSERT_NO_FATAL_FAILURE(check(gross, rate, given, random() % 8 ? &key : nullptr, random() % 2));
   }
 }
 
 TEST(Tax, OfTheBook) {
-  const STEUSA output = steusa(3, kOutput, 0), input = steusa(5, kInput, 0), half = steusa(9, kInput, 50),
-               eight = steusa(8, kInput, 0), acquisition = steusa(8, kAcquisition, 0),
-               reverse = steusa(10, kReverse, 0), free = steusa(1, kTaxFree, 0);
+  const STEUSA output = taxKey(3, kOutputTax, 0), input = taxKey(5, kInputTax, 0), half = taxKey(9, kInputTax, 50),
+               eight = taxKey(8, kInputTax, 0), acquisition = taxKey(8, kAcquisition, 0),
+               reverse = taxKey(10, kReverseCharge, 0), free = taxKey(1, kTaxFree, 0);
   const struct {
     int64_t gross, rate;
     std::optional<int64_t> given;
@@ -124,16 +123,17 @@ TEST(Tax, OfTheBook) {
       {100'00, 1900, 100'01, &output, false, "refused"},
       {-100'00, 1900, -100'01, &output, false, "refused"},
       {0, 1900, 5, &output, false, "refused"},
-      {vlba98::maxGeld, 1900, -1, &output, false, "refused"},
-      {vlba98::maxGeld + 1, 0, kNone, nullptr, false, "refused"},
+      {vlba98::maxMoney, 1900, -1, &output, false, "refused"},
+      {vlba98::maxMoney + 1, 0, kNone, nullptr, false, "refused"},
   };
   for (const auto &row : rows)
-    EXPECT_EQ(shown(rechneSteuer(row.gross, row.rate, row.given, row.key, row.five)), row.result)
+    EXPECT_EQ(shown(splitTax(row.gross, row.rate, row.given, row.key, row.five)), row.result)
         << row.gross << " at " << row.rate;
 }
 
 TEST(Tax, ThatIsGivenFitsWithinFiveHundredths) {
-  const STEUSA whole = steusa(5, kInput, 0), half = steusa(9, kInput, 50), acquisition = steusa(8, kAcquisition, 0);
+  const STEUSA whole = taxKey(5, kInputTax, 0), half = taxKey(9, kInputTax, 50),
+               acquisition = taxKey(8, kAcquisition, 0);
   const struct {
     int64_t gross, rate;
     const STEUSA *key;
@@ -150,9 +150,9 @@ TEST(Tax, ThatIsGivenFitsWithinFiveHundredths) {
               {100'00, 1900, &acquisition, 18'95, 19'05}};
   for (const auto &row : rows) {
     for (int64_t tax : {row.least, (row.least + row.greatest) / 2, row.greatest})
-      EXPECT_TRUE(passtZumSteuersatz(row.gross, row.rate, tax, *row.key)) << tax;
+      EXPECT_TRUE(fitsTaxRate(row.gross, row.rate, tax, *row.key)) << tax;
     for (int64_t tax : {row.least - 1, row.greatest + 1})
-      EXPECT_FALSE(passtZumSteuersatz(row.gross, row.rate, tax, *row.key)) << tax;
+      EXPECT_FALSE(fitsTaxRate(row.gross, row.rate, tax, *row.key)) << tax;
   }
 }
 
@@ -176,7 +176,7 @@ TEST(TaxKey, AndItsSideForAllAccounts) {
           for (int s = 0; s < 4; ++s)
             for (int h = 0; h < 4; ++h) {
               const char side = (swiss ? rule.swiss : rule.german)[5 * s + h];
-              const Steuerwahl choice = chooseTaxKey(debit, credit, kinds[s], kinds[h], swiss);
+              const TaxChoice choice = chooseTaxKey(debit, credit, kinds[s], kinds[h], swiss);
               SCOPED_TRACE(std::to_string(debit) + " " + std::to_string(credit) + " kinds " + std::to_string(kinds[s]) +
                            " " + std::to_string(kinds[h]) + (swiss ? " Swiss" : ""));
               EXPECT_EQ(choice.key, side == 'S' ? debit : side == 'H' ? credit : 0);
@@ -187,9 +187,9 @@ TEST(TaxKey, AndItsSideForAllAccounts) {
 TEST(TaxKey, FlagsFollowItsKind) {
   constexpr int32_t flags[] = {0x1000, 1, 2, 0x0400, 0x0200};
   for (int16_t kind = 0; kind < 5; ++kind)
-    EXPECT_EQ(SteuerFlags(steusa(1, kind, 0)), flags[kind]);
-  EXPECT_EQ(SteuerFlags(steusa(1, -1, 0)), 0);
-  EXPECT_EQ(SteuerFlags(steusa(1, 5, 0)), 0);
+    EXPECT_EQ(taxFlags(taxKey(1, kind, 0)), flags[kind]);
+  EXPECT_EQ(taxFlags(taxKey(1, -1, 0)), 0);
+  EXPECT_EQ(taxFlags(taxKey(1, 5, 0)), 0);
 }
 
 TEST_F(Books, TaxKeyOfADayAndARate) {
@@ -199,7 +199,7 @@ TEST_F(Books, TaxKeyOfADayAndARate) {
     int16_t key;
     const char *day;
     int64_t rate;
-    const char *validFrom, *satz; ///< null: none
+    const char *validFrom, *rateText; ///< null: none
   };
   static constexpr Row rows[] = {
       {1, 3, "461121", -1, "410101", "19,00"},    {1, 3, "410101", -1, "410101", "19,00"},
@@ -222,11 +222,11 @@ TEST_F(Books, TaxKeyOfADayAndARate) {
     uint8_t found = 0;
     ASSERT_TRUE(store->SetzeFista(row.client, found) && found);
     const auto record = GetSteusa(*store, row.key, row.day, row.rate);
-    EXPECT_EQ(record.has_value(), row.satz != nullptr);
-    if (!record || !row.satz) continue;
+    EXPECT_EQ(record.has_value(), row.rateText != nullptr);
+    if (!record || !row.rateText) continue;
     EXPECT_EQ(record->Schluessel, row.key);
     EXPECT_STREQ(record->GueltigAb, row.validFrom);
-    EXPECT_STREQ(record->Satz, row.satz);
+    EXPECT_STREQ(record->Satz, row.rateText);
   }
   uint8_t found = 0;
   ASSERT_TRUE(store->SetzeFista(1, found));

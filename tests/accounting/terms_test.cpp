@@ -8,9 +8,9 @@ namespace test {
 namespace {
 
 using namespace vldb98;
-using vlba98::Datum;
+using vlba98::Date;
 
-std::string shown(const std::optional<Datum> &day) {
+std::string shown(const std::optional<Date> &day) {
   return day ? vlba98::toIso(*day).data() : "none";
 }
 
@@ -24,7 +24,7 @@ ZAHLZIEL term(int16_t days, int16_t months, int16_t dayOfMonth) {
 
 TEST(DueDate, AtTheCornersOfTheCalendar) {
   const struct {
-    Datum from;
+    Date from;
     int16_t days, months, dayOfMonth;
     const char *due;
   } rows[] = {
@@ -44,7 +44,7 @@ TEST(DueDate, AtTheCornersOfTheCalendar) {
       {{2079, 12, 1}, 30, 0, 0, "2079-12-31"},
   };
   for (const auto &row : rows)
-    EXPECT_EQ(shown(vlfn98::faelligkeit(term(row.days, row.months, row.dayOfMonth), row.from)), row.due)
+    EXPECT_EQ(shown(vlfn98::dueDate(term(row.days, row.months, row.dayOfMonth), row.from)), row.due)
         << shown(row.from) << " " << row.days << " " << row.months << " " << row.dayOfMonth;
 }
 
@@ -64,7 +64,7 @@ struct Count {
   }
 };
 
-std::string counted(const Datum &from, int days, int months, int dayOfMonth) {
+std::string counted(const Date &from, int days, int months, int dayOfMonth) {
   Count at{from.year, from.month, from.day};
   for (int i = 0; i < days; ++i)
     at.next();
@@ -78,7 +78,7 @@ std::string counted(const Datum &from, int days, int months, int dayOfMonth) {
   if (months > 0 && dayOfMonth > 0) at.day = std::min(dayOfMonth, at.length());
   while (dayOfMonth > 0 && at.day != std::min(dayOfMonth, at.length()))
     at.next();
-  return at.year > 2079 ? "none" : shown(Datum{at.year, at.month, at.day});
+  return at.year > 2079 ? "none" : shown(Date{at.year, at.month, at.day});
 }
 
 TEST(DueDate, AgreesWithACountOfDays) {
@@ -88,7 +88,7 @@ TEST(DueDate, AgreesWithACountOfDays) {
     ASSERT_TRUE(from);
     const int days = random() % 2 ? int(random() % 100) : 0, months = random() % 2 ? int(random() % 100) : 0,
               dayOfMonth = random() % 3 ? int(random() % 32) : 0;
-    ASSERT_EQ(shown(vlfn98::faelligkeit(term(int16_t(days), int16_t(months), int16_t(dayOfMonth)), *from)),
+    ASSERT_EQ(shown(vlfn98::dueDate(term(int16_t(days), int16_t(months), int16_t(dayOfMonth)), *from)),
               counted(*from, days, months, dayOfMonth))
         << shown(from) << " " << days << " " << months << " " << dayOfMonth;
   }
@@ -99,7 +99,7 @@ TEST_F(Books, DueDatesOfThePaymentTerms) {
   const struct {
     uint16_t client;
     int32_t number;
-    Datum from;
+    Date from;
     const char *due;
     bool exists;
   } rows[] = {{1, 1, {2026, 1, 21}, "460121", true},  {1, 2, {2026, 1, 31}, "460302", true},

@@ -1,5 +1,5 @@
 #include "vlba98/decimal.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlba98/text.h"
 
 #include "longhand.h"
@@ -22,7 +22,7 @@ constexpr auto minInt64 = std::numeric_limits<std::int64_t>::min();
 
 std::string internalForm(std::int64_t hundredths) {
   char text[13] = "unwritten";
-  formatGeld(hundredths, text);
+  formatMoney(hundredths, text);
   return text;
 }
 
@@ -33,8 +33,8 @@ std::string shown(const std::optional<std::int64_t> &value) {
 TEST(MulDiv, AgreesWithLonghand) {
   auto random = generator();
   const std::int64_t corners[] = {
-      minInt64,    -maxInt64, -maxGeld,           -3,      -2, -1, 0, 1, 2, 3, 100, 0xffffffff,
-      0x100000000, maxGeld,   0x4000000000000000, maxInt64};
+      minInt64,    -maxInt64, -maxMoney,          -3,      -2, -1, 0, 1, 2, 3, 100, 0xffffffff,
+      0x100000000, maxMoney,  0x4000000000000000, maxInt64};
   const auto check = [](std::int64_t a, std::int64_t b, std::int64_t c) {
     for (const auto rounding : {Rounding::halfAwayFromZero, Rounding::towardZero}) {
       ASSERT_EQ(shown(mulDiv(a, b, c, rounding)), longhand::mulDiv(a, b, c, rounding)) << a << " * " << b << " / " << c;
@@ -53,61 +53,62 @@ TEST(MulDiv, AgreesWithLonghand) {
   }
 }
 
-TEST(Geld, PercentAgreesWithLonghand) {
+TEST(Money, PercentAgreesWithLonghand) {
   auto random = generator();
   const auto check = [](std::int64_t amount, std::int64_t rate) {
     char rateText[6], net[13], part[13];
-    ASSERT_TRUE(formatGeld(rate, rateText, satzWidth));
+    ASSERT_TRUE(formatMoney(rate, rateText, rateWidth));
     ASSERT_TRUE(proz(net, internalForm(amount).c_str(), rateText));
     ASSERT_TRUE(nettoproz(part, internalForm(amount).c_str(), rateText));
     const auto half = Rounding::halfAwayFromZero;
-    ASSERT_EQ(shown(parseGeld(net)), longhand::mulDiv(amount, 10'000, 10'000 + rate, half)) << amount << ' ' << rate;
-    ASSERT_EQ(shown(parseGeld(part)), longhand::mulDiv(amount, rate, 10'000, half)) << amount << ' ' << rate;
+    ASSERT_EQ(shown(parseMoney(net)), longhand::mulDiv(amount, 10'000, 10'000 + rate, half)) << amount << ' ' << rate;
+    ASSERT_EQ(shown(parseMoney(part)), longhand::mulDiv(amount, rate, 10'000, half)) << amount << ' ' << rate;
   };
-  for (const auto amount : {-maxGeld, maxGeld, std::int64_t{0}})
+  for (const auto amount : {-maxMoney, maxMoney, std::int64_t{0}})
     for (const auto rate : {0, 1, 700, 1900, 9999})
       ASSERT_NO_FATAL_FAILURE(check(amount, rate));
   for (int i = 0; i < 20'000; ++i)
-    ASSERT_NO_FATAL_FAILURE(check(anyMagnitude(random, maxGeld), static_cast<int>(random() % 10'000)));
-  for (const auto amount : {-maxGeld, maxGeld}) {
+    ASSERT_NO_FATAL_FAILURE(check(anyMagnitude(random, maxMoney), static_cast<int>(random() % 10'000)));
+  for (const auto amount : {-maxMoney, maxMoney}) {
     EXPECT_EQ(percentOf(amount, 100'00), amount);
     EXPECT_EQ(percentOf(amount, 100'01), std::nullopt);
     EXPECT_EQ(netOfGross(amount, -1), std::nullopt);
   }
 }
 
-TEST(Geld, InternalFormIsReadAndWrittenExactly) {
+TEST(Money, InternalFormIsReadAndWrittenExactly) {
   const struct {
     std::int64_t value;
     const char *text;
-  } cases[] = {{0, "000000000,00"},      {5, "000000000,05"},       {-5, "000000000-05"},      {-1250, "000000012-50"},
-               {123450, "000001234,50"}, {maxGeld, "999999999,99"}, {-maxGeld, "999999999-99"}};
+  } cases[] = {{0, "000000000,00"},        {5, "000000000,05"},      {-5, "000000000-05"},
+               {-1250, "000000012-50"},    {123450, "000001234,50"}, {maxMoney, "999999999,99"},
+               {-maxMoney, "999999999-99"}};
   for (const auto &[value, text] : cases) {
     EXPECT_EQ(internalForm(value), text);
-    EXPECT_EQ(parseGeld(text), value) << text;
+    EXPECT_EQ(parseMoney(text), value) << text;
   }
-  EXPECT_EQ(parseGeld("19,00"), 1900);
-  EXPECT_EQ(parseGeld("1-05"), -105);
-  EXPECT_EQ(parseGeld("000000000-00"), 0);
+  EXPECT_EQ(parseMoney("19,00"), 1900);
+  EXPECT_EQ(parseMoney("1-05"), -105);
+  EXPECT_EQ(parseMoney("000000000-00"), 0);
   for (const char *text : {"", ",00", "0,0", "0000000000,00", "000000000.00", "000000000,0x", "00000000 ,00",
                            "-00000012,50", "000000012,5:", "000000012,5\xB2"})
-    EXPECT_EQ(parseGeld(text), std::nullopt) << text;
+    EXPECT_EQ(parseMoney(text), std::nullopt) << text;
 
   char rate[6] = "alt";
   for (const auto value : {std::int64_t{10'000}, std::int64_t{-10'000}, minInt64})
-    EXPECT_FALSE(formatGeld(value, rate, satzWidth));
-  EXPECT_FALSE(formatGeld(0, rate, 3));
+    EXPECT_FALSE(formatMoney(value, rate, rateWidth));
+  EXPECT_FALSE(formatMoney(0, rate, 3));
   EXPECT_STREQ(rate, "alt");
-  EXPECT_TRUE(formatGeld(-9999, rate, satzWidth));
+  EXPECT_TRUE(formatMoney(-9999, rate, rateWidth));
   EXPECT_STREQ(rate, "99-99");
-  EXPECT_EQ(internalForm(maxGeld + 1), "unwritten");
-  EXPECT_EQ(internalForm(-maxGeld - 1), "unwritten");
+  EXPECT_EQ(internalForm(maxMoney + 1), "unwritten");
+  EXPECT_EQ(internalForm(-maxMoney - 1), "unwritten");
 }
 
-TEST(Geld, UserAmounts) {
+TEST(Money, UserAmounts) {
   const struct {
     const char *text;
-    int width, leerErlaubt, negativErlaubt;
+    int width, allowEmpty, allowNegative;
     const char *internal; ///< null: refused
     const char *rest = "";
   } cases[] = {
@@ -164,7 +165,7 @@ TEST(Geld, UserAmounts) {
     SCOPED_TRACE(row.text ? row.text : "(null)");
     char normalised[13] = "unberuehrt";
     const char *rest = nullptr;
-    EXPECT_EQ(IsGeld(row.text, row.width, row.leerErlaubt, row.negativErlaubt, normalised, &rest),
+    EXPECT_EQ(IsGeld(row.text, row.width, row.allowEmpty, row.allowNegative, normalised, &rest),
               row.internal != nullptr);
     EXPECT_STREQ(normalised, row.internal ? row.internal : "unberuehrt");
     EXPECT_STREQ(rest, row.rest);
@@ -174,7 +175,7 @@ TEST(Geld, UserAmounts) {
   EXPECT_STREQ(inPlace, "000001234,50");
 }
 
-TEST(Geld, Display) {
+TEST(Money, Display) {
   const struct {
     const char *internal, *grouped, *plain;
   } cases[] = {{"000000000,00", "0,00", "0,00"},
@@ -184,19 +185,19 @@ TEST(Geld, Display) {
                {"999999999-99", "-999.999.999,99", "-999999999,99"},
                {"", "0,00", "0,00"}};
   for (const auto &[internal, grouped, plain] : cases) {
-    char display[geldDisplaySize], inPlace[geldDisplaySize];
+    char display[moneyDisplaySize], inPlace[moneyDisplaySize];
     EXPECT_TRUE(MakeGeld(display, internal, 1));
     EXPECT_STREQ(display, grouped);
     strncpy2(inPlace, internal);
     EXPECT_TRUE(MakeGeld(inPlace, 0));
     EXPECT_STREQ(inPlace, plain);
   }
-  char untouched[geldDisplaySize] = "12x";
+  char untouched[moneyDisplaySize] = "12x";
   EXPECT_FALSE(MakeGeld(untouched, 1));
   EXPECT_STREQ(untouched, "12x");
 }
 
-TEST(Geld, Arithmetic) {
+TEST(Money, Arithmetic) {
   const auto sum = [](char *result, const char *a, const char *b) {
     char left[13];
     strncpy2(left, a);
@@ -255,7 +256,7 @@ TEST(Geld, Arithmetic) {
   }
 }
 
-TEST(Geld, ComparisonsAndConversions) {
+TEST(Money, ComparisonsAndConversions) {
   EXPECT_TRUE(GeldIsGreater("000000000-01", "000000000-02"));
   EXPECT_FALSE(GeldIsGreater("000000000-00", "000000000,00"));
   EXPECT_FALSE(GeldIsGreater("19,00", "000000019,00"));
@@ -277,8 +278,8 @@ TEST(Geld, ComparisonsAndConversions) {
                {50, "000000000,01"},
                {-50, "000000000-01"},
                {-49, "000000000,00"},
-               {maxGeld * 100 + 49, "999999999,99"},
-               {maxGeld * 100 + 50, nullptr},
+               {maxMoney * 100 + 49, "999999999,99"},
+               {maxMoney * 100 + 50, nullptr},
                {minInt64, nullptr}};
   for (const auto &[value, text] : cases) {
     char result[13] = "unberuehrt";

@@ -1,4 +1,4 @@
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/encoding.h"
 #include "vlba98/text.h"
 
@@ -94,7 +94,7 @@ TEST(Text, CopiesAndReadsWithinBounds) {
     EXPECT_EQ(twotoi(text), -1) << text;
 }
 
-TEST(Datum, EveryDayOfTheRange) {
+TEST(Date, EveryDayOfTheRange) {
   constexpr int lengths[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
   std::int32_t number = 3652; // 1 January 1980: ten years of which 1972 and 1976 had a leap day
   std::string before;
@@ -105,17 +105,17 @@ TEST(Datum, EveryDayOfTheRange) {
       ASSERT_EQ(daysInMonth(year, month), length);
       ASSERT_FALSE(isValid({year, month, length + 1}));
       for (int day = 1; day <= length; ++day, ++number) {
-        const Datum datum{year, month, day};
-        ASSERT_EQ(toDayNumber(datum), number);
-        ASSERT_EQ(fromDayNumber(number), datum);
-        ASSERT_EQ(fromInternal(toInternal(datum).data()), datum);
-        ASSERT_EQ(fromReversed(toReversed(datum).data()), datum);
-        ASSERT_EQ(fromIso(toIso(datum).data()), datum);
-        ASSERT_EQ(parseDatum(toExternal6(datum).data()), datum);
-        ASSERT_EQ(parseDatum(toDisplay(datum).data()), datum);
-        auto reversed = toInternal(datum);
+        const Date date{year, month, day};
+        ASSERT_EQ(toDayNumber(date), number);
+        ASSERT_EQ(fromDayNumber(number), date);
+        ASSERT_EQ(fromInternal(toInternal(date).data()), date);
+        ASSERT_EQ(fromReversed(toReversed(date).data()), date);
+        ASSERT_EQ(fromIso(toIso(date).data()), date);
+        ASSERT_EQ(parseDate(toExternal6(date).data()), date);
+        ASSERT_EQ(parseDate(toDisplay(date).data()), date);
+        auto reversed = toInternal(date);
         ASSERT_TRUE(ReverseDatum(reversed.data()));
-        ASSERT_EQ(reversed, toReversed(datum));
+        ASSERT_EQ(reversed, toReversed(date));
         ASSERT_LT(before, reversed.data());
         before = reversed.data();
       }
@@ -126,42 +126,42 @@ TEST(Datum, EveryDayOfTheRange) {
   EXPECT_TRUE(isLeapYear(2000) && !isLeapYear(2100) && !isLeapYear(2026));
 }
 
-TEST(Datum, Texts) {
-  const Datum datum{2026, 11, 2};
-  EXPECT_STREQ(toInternal(datum).data(), "021146");
-  EXPECT_STREQ(toReversed(datum).data(), "461102");
-  EXPECT_STREQ(toExternal6(datum).data(), "021126");
-  EXPECT_STREQ(toDisplay(datum).data(), "02.11.2026");
-  EXPECT_STREQ(toIso(datum).data(), "2026-11-02");
-  for (const Datum &invalid : {Datum{2026, 2, 29}, Datum{1979, 12, 31}, Datum{2080, 1, 1}, Datum{2026, 0, 1}, Datum{}})
+TEST(Date, Texts) {
+  const Date date{2026, 11, 2};
+  EXPECT_STREQ(toInternal(date).data(), "021146");
+  EXPECT_STREQ(toReversed(date).data(), "461102");
+  EXPECT_STREQ(toExternal6(date).data(), "021126");
+  EXPECT_STREQ(toDisplay(date).data(), "02.11.2026");
+  EXPECT_STREQ(toIso(date).data(), "2026-11-02");
+  for (const Date &invalid : {Date{2026, 2, 29}, Date{1979, 12, 31}, Date{2080, 1, 1}, Date{2026, 0, 1}, Date{}})
     EXPECT_STREQ(toReversed(invalid).data(), "") << invalid.year;
 
   for (const char *text : {"021126", "02.11.26", "02.11.2026"})
-    EXPECT_EQ(parseDatum(text), datum) << text;
-  EXPECT_EQ(parseDatum("010180"), (Datum{1980, 1, 1}));
-  EXPECT_EQ(parseDatum("31.12.79"), (Datum{2079, 12, 31}));
-  EXPECT_EQ(parseDatum("29.02.2000"), (Datum{2000, 2, 29}));
+    EXPECT_EQ(parseDate(text), date) << text;
+  EXPECT_EQ(parseDate("010180"), (Date{1980, 1, 1}));
+  EXPECT_EQ(parseDate("31.12.79"), (Date{2079, 12, 31}));
+  EXPECT_EQ(parseDate("29.02.2000"), (Date{2000, 2, 29}));
   for (const char *text : {"",         "29.02.2026", "310426",      "001126",    "021326",   "31.12.1979", "01.01.2080",
                            "2.11.26",  "02.1.2026",  "02.11.026",   "002.11.26", ".11.26",   "02.11",      "02-11-26",
                            " 021126",  "021126 ",    "02112026",    "02.1.1.26", "+2.11.26", "2026-11-02", "1.1.25",
                            "02.11.2 ", "02.11.",     "02.11.02026", "02.11:26"})
-    EXPECT_FALSE(parseDatum(text)) << text;
+    EXPECT_FALSE(parseDate(text)) << text;
   for (const char *text :
        {"", "2026-11-2", "2026.11-02", "2026-11.02", "2026-02-29", "1979-12-31", "2026-11-0x", "2026-11-020"})
     EXPECT_FALSE(fromIso(text)) << text;
   EXPECT_FALSE(fromInternal("310246") || fromInternal("0211466") || fromReversed("460231") || fromReversed("46 102"));
 }
 
-TEST(Datum, Steps) {
+TEST(Date, Steps) {
   const struct {
-    Datum from;
+    Date from;
     int months, days;
-    std::optional<Datum> byMonths, byDays;
+    std::optional<Date> byMonths, byDays;
   } cases[] = {
-      {{2026, 1, 31}, 1, 1, Datum{2026, 2, 28}, Datum{2026, 2, 1}},
-      {{2028, 3, 31}, -1, -31, Datum{2028, 2, 29}, Datum{2028, 2, 29}},
-      {{2026, 1, 15}, -1, -15, Datum{2025, 12, 15}, Datum{2025, 12, 31}},
-      {{1980, 1, 31}, 1199, 36'494, Datum{2079, 12, 31}, Datum{2079, 12, 31}},
+      {{2026, 1, 31}, 1, 1, Date{2026, 2, 28}, Date{2026, 2, 1}},
+      {{2028, 3, 31}, -1, -31, Date{2028, 2, 29}, Date{2028, 2, 29}},
+      {{2026, 1, 15}, -1, -15, Date{2025, 12, 15}, Date{2025, 12, 31}},
+      {{1980, 1, 31}, 1199, 36'494, Date{2079, 12, 31}, Date{2079, 12, 31}},
       {{1980, 1, 31}, 1200, 36'495, std::nullopt, std::nullopt},
       {{1980, 1, 1}, -1, -1, std::nullopt, std::nullopt},
       {{2026, 1, 1}, std::numeric_limits<int>::max(), std::numeric_limits<int>::min(), std::nullopt, std::nullopt},

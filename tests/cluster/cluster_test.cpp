@@ -226,7 +226,7 @@ TEST_P(LockRows, LetOneOfTwoWritersFail) {
     // Who takes the lock anew goes on.
     ASSERT_TRUE(first->Lock(kSachkonto, nullptr, 0));
     EXPECT_EQ(bool(first->Insert(own, kSachkonto)), !goes);
-    // And again while the lock is held on, also behind a transaction that came to nothing, and with a lock out of it.
+    // And again while the lock is held on, also after a transaction that came to nothing, and with a lock out of it.
     DATENBANK more = account("71" + std::to_string(number));
     ASSERT_TRUE(first->Transaktion(1, 0) && first->Lock(kKreditor, nullptr, 0));
     ASSERT_TRUE(first->Insert(more, kSachkonto) && first->Transaktion(4, 0));
@@ -249,14 +249,14 @@ TEST_F(Cluster, PostingGoesOnWhenTheNodeInUseDies) {
   // What becomes of a COMMIT is known when the nodes that are left have agreed that they are the majority.
   ZELK_Detach();
   ASSERT_TRUE(MFWritePrivateProfileString("ZELK", "Sperrwartezeit", "60000", nullptr));
-  constexpr int kWriters = 3, kBefore = 10, kBehind = 10;
+  constexpr int kWriters = 3, kBefore = 10, kAfterwards = 10;
   std::mutex mutex;
   std::set<std::string> acknowledged, refused;
   std::atomic<bool> killed{false};
   std::promise<void> enough;
   auto write = [&](const std::string &writer) {
-    int behind = 0;
-    for (int i = 1; behind < kBehind && i < kAttempts; ++i) {
+    int afterwards = 0;
+    for (int i = 1; afterwards < kAfterwards && i < kAttempts; ++i) {
       ZELK_BUCHUNG posting = validPosting();
       const std::string number = writer + "-" + std::to_string(i);
       put(posting.Belegnummer, number);
@@ -265,10 +265,10 @@ TEST_F(Cluster, PostingGoesOnWhenTheNodeInUseDies) {
       std::lock_guard guard(mutex);
       EXPECT_TRUE(result == ZELK_OK || result == ZELKERR_Datenbank) << result;
       (result == ZELK_OK ? acknowledged : refused).insert(number);
-      if (after && result == ZELK_OK) ++behind;
+      if (after && result == ZELK_OK) ++afterwards;
       if (result == ZELK_OK && acknowledged.size() == kBefore) enough.set_value();
     }
-    EXPECT_EQ(behind, kBehind);
+    EXPECT_EQ(afterwards, kAfterwards);
   };
   std::vector<std::thread> threads;
   for (int i = 0; i < kWriters; ++i)

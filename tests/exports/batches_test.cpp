@@ -92,7 +92,7 @@ TEST_F(Batches, AreCheckedInTheirOrder) {
              kRecurrence[] = "Das Widerkehrintervall des Stapels kann nur zwischen 0 und 99 Monaten betragen!";
   auto taken = [](const std::string &name) { return "Es exisitiert bereits ein Stapel mit dem Namen '" + name + "'!"; };
   const std::string longName(41, 'x'), mid = "Monatliche Daueraufträge";
-  // Each row is wrong in all that is checked behind what it is refused for.
+  // Each row is wrong in all that is checked after what it is refused for.
   const struct {
     int32_t action, client, number;
     const char *name; ///< UTF-8
@@ -155,7 +155,7 @@ TEST_F(Batches, AreCreatedAndChanged) {
       {kChange, 5, "Vorjahr", 0, 0, 0, 5, "Vorjahr 0 gesperrt"},
       {kChange, 9, "Quartal", 0, 0, 0, 9, "Quartal 0"}, // cleared
       {kChange, 10, "Kosten", 0, 0, 0, 10, "Kosten 0"}, // of the cost-accounting product
-      // Behind the greatest number there is none: the lowest that is free.
+      // After the greatest number there is none: the lowest that is free.
       {kCreate, INT32_MAX, "Letzter", 0, 0, 0, INT32_MAX, "Letzter 0"},
       {kCreate, 0, "Lücke", 0, 0, 0, 13, "Lücke 0"},
       {kCreate, 0, "Nächste", 0, 0, 0, 14, "Nächste 0"},

@@ -1,7 +1,7 @@
 // The fetch of budget values.
 #include <algorithm>
 
-#include "support/ledger.h"
+#include "support/figure_books.h"
 #include "vlba98/encoding.h"
 
 namespace test {
@@ -28,7 +28,7 @@ Fetched fetch(int32_t form = 2) {
   return {result, line + ";" + std::to_string(inEuro)};
 }
 
-class BudgetValues : public Ledger {
+class BudgetValues : public FigureBooks {
 protected:
   /// Gives every account of a table random budget values in both fiscal years.
   void plan(int table) {

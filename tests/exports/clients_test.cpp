@@ -47,7 +47,7 @@ TEST_F(Clients, AreWalkedAndRestarted) {
 
 TEST_F(Clients, DeletedMeanwhileEndTheFetch) {
   auto other = session();
-  // The one behind the cursor, which is the last one then; the one under it.
+  // The one after the cursor, which is the last one then; the one under it.
   ASSERT_EQ(ZELK_InitHoleMandant(), ZELK_OK);
   for (uint16_t client : {2, 1}) {
     ASSERT_TRUE(changeMaster(*other, client, [](vldb98::FIRMENSTAMM &) {}));

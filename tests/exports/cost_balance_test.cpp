@@ -1,7 +1,7 @@
 // Balances of cost postings, and of cost centres on a day.
 #include <algorithm>
 
-#include "support/ledger.h"
+#include "support/figure_books.h"
 
 namespace test {
 namespace {
@@ -10,12 +10,12 @@ using namespace vldb98;
 
 /// A cost posting as the test keeps it.
 struct Cost {
-  vlba98::Datum day;
+  vlba98::Date day;
   std::string type, centres[6], reference; // of the fourth cost centre
   int64_t own, euro;                       // with its sign
 };
 
-class CostBalance : public Ledger {
+class CostBalance : public FigureBooks {
 protected:
   /// Random cost postings over a fiscal year of client 1, and a report structure (class 7) that names cost centres.
   void post(int year) {
@@ -23,7 +23,7 @@ protected:
     static const std::string types[] = {"4210", "4600", "4920"};
     static const std::vector<std::string> centres[6] = {
         {"", "100", "200", "300"}, {"", "5001", "5002", "100"}, {"", "NORD", "SUED"}, {"", "R"}, {""}, {"", "100"}};
-    KOSTENBUCHUNG row{};
+    KOSTENBELEG row{};
     ASSERT_TRUE(other->Transaktion(1, 0));
     for (int i = 0; i < 300; ++i) {
       Cost cost{*vlba98::addDays({year, 1, 1}, int(random() % 365)), types[random() % 3], {}, "", 0, 0};
@@ -46,7 +46,7 @@ protected:
       put(row.EuroBetrag, internalForm(euro));
       cost.own = row.Flags & 32 ? -own : own;
       cost.euro = row.Flags & 32 ? -euro : euro;
-      insert(&DATENBANK::Kostenbuchung, row, kKostenbuchung);
+      insert(&DATENBANK::Kostenbeleg, row, kKostenbeleg);
       costs[year].push_back(cost);
     }
     ASSERT_TRUE(other->Transaktion(2, 0));
@@ -224,16 +224,16 @@ TEST_F(CostBalance, OfACentreOnADay) {
 TEST_F(CostBalance, FollowsTheMonthsOfTheFiscalYear) {
   open(2, 2025); // July 2025 to June 2026
   for (int i = 0; i < 12; ++i) {
-    KOSTENBUCHUNG row{};
+    KOSTENBELEG row{};
     row.Nr = i + 1;
     put(row.Datum, vlba98::toReversed(*vlba98::addMonths({2025, 7, 31}, i)).data());
-    for (auto field : {&KOSTENBUCHUNG::Kostenart, &KOSTENBUCHUNG::Kostenstelle1, &KOSTENBUCHUNG::Kostenstelle2,
-                       &KOSTENBUCHUNG::Kostenstelle3, &KOSTENBUCHUNG::Kostenstelle4, &KOSTENBUCHUNG::Kostenstelle5,
-                       &KOSTENBUCHUNG::Kostenstelle6})
+    for (auto field : {&KOSTENBELEG::Kostenart, &KOSTENBELEG::Kostenstelle1, &KOSTENBELEG::Kostenstelle2,
+                       &KOSTENBELEG::Kostenstelle3, &KOSTENBELEG::Kostenstelle4, &KOSTENBELEG::Kostenstelle5,
+                       &KOSTENBELEG::Kostenstelle6})
       put(row.*field, padded(""));
     put(row.Kostenstelle1, padded("10"));
     put(row.EuroBetrag, internalForm(int64_t{1} << i));
-    insert(&DATENBANK::Kostenbuchung, row, kKostenbuchung);
+    insert(&DATENBANK::Kostenbeleg, row, kKostenbeleg);
   }
   for (int32_t period = 1; period <= 17; ++period) {
     int64_t bits = period <= 12 ? int64_t{1} << (period - 1) : period < 17 ? int64_t{7} << 3 * (period - 13) : 4095;

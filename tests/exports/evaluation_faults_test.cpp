@@ -1,6 +1,6 @@
 // Store operations that fail under the functions that deliver figures: -3, nothing delivered, nothing locked, and the
 // next call as good as ever.
-#include "support/ledger.h"
+#include "support/figure_books.h"
 
 namespace test {
 namespace {
@@ -41,7 +41,7 @@ const Scenario kScenarios[] = {
     {"HoleAufbau", [] { ZELK_InitHoleAufbau(1, 3, 0); },
      [] { return ZELK_HoleAufbauID(nullptr, delivered[0], nullptr, delivered[1]); }}};
 
-using FaultyFigures = Ledger;
+using FaultyFigures = FigureBooks;
 
 TEST_F(FaultyFigures, LeaveNoTrace) {
   for (int32_t number : {1, 2, 3, 4, 5}) {
@@ -54,15 +54,15 @@ TEST_F(FaultyFigures, LeaveNoTrace) {
     put(line.Name, "100");
     insert(&DATENBANK::Aufbau, line, kStructureTables[3]);
   }
-  KOSTENBUCHUNG cost{};
-  for (auto field : {&KOSTENBUCHUNG::Kostenstelle1, &KOSTENBUCHUNG::Kostenstelle2, &KOSTENBUCHUNG::Kostenstelle3,
-                     &KOSTENBUCHUNG::Kostenstelle4, &KOSTENBUCHUNG::Kostenstelle5, &KOSTENBUCHUNG::Kostenstelle6})
+  KOSTENBELEG cost{};
+  for (auto field : {&KOSTENBELEG::Kostenstelle1, &KOSTENBELEG::Kostenstelle2, &KOSTENBELEG::Kostenstelle3,
+                     &KOSTENBELEG::Kostenstelle4, &KOSTENBELEG::Kostenstelle5, &KOSTENBELEG::Kostenstelle6})
     put(cost.*field, padded("100"));
   put(cost.Kostenart, padded("4210"));
   for (int year : {2025, 2026}) {
     open(1, year);
     put(cost.Datum, std::to_string(year - 1980) + "0610");
-    insert(&DATENBANK::Kostenbuchung, cost, kKostenbuchung);
+    insert(&DATENBANK::Kostenbeleg, cost, kKostenbeleg);
   }
   Faults faults;
   for (const Scenario &scenario : kScenarios) {

@@ -17,7 +17,7 @@ protected:
   std::unique_ptr<Store> other = session();
 
   /// \param accounts blank-separated, each led by the letter of its table (S, K, D; C a cost centre), "_" for a blank;
-  /// behind "<" those of the year before
+  /// after "<" those of the year before
   void give(int16_t length, const std::string &accounts) {
     uint8_t found;
     ASSERT_TRUE(other->SetzeFista(1, found) && found);
@@ -70,7 +70,7 @@ TEST_F(FreeNumbers, AreProposed) {
       {4, "D10000 S1000 C1", K, nullptr, nullptr, "70000"},
       {4, "", D, "", "19999", "10000"},
       {4, "", D, "15000", nullptr, "10000"},
-      // Behind the greatest one, as the texts are ordered.
+      // After the greatest one, as the texts are ordered.
       {4, "D10000", D, nullptr, nullptr, "10001"},
       {4, "D10000 D10005", D, "", "", "10006"},
       {4, "D9 D10000", D, nullptr, nullptr, "10"},
@@ -105,7 +105,7 @@ TEST_F(FreeNumbers, AreProposed) {
       {4, "D9999998", D, nullptr, nullptr, "9999999"},
       {4, "D9999999", D, nullptr, nullptr, nullptr},
       {4, "D9999998 K9999999", D, nullptr, nullptr, nullptr},
-      // Between two bounds: from the lower one when nothing is in use there, then behind the greatest one.
+      // Between two bounds: from the lower one when nothing is in use there, then after the greatest one.
       {4, "D10000", D, "20000", "29999", "20000"},
       {4, "", D, " 20000 ", "29999", "20000"},
       {4, "D30000", D, "20000", "29999", "20000"},

@@ -128,7 +128,7 @@ TEST_F(ItemWalks, OverYearsAreThoseOfTheModel) {
       {"", "", "", " O-1  ", [](const Item &item) { return item.openItem == " O-1"; }, unordered},
       {"", "", " R-1", "O-1", [](const Item &item) { return item.document == " R-1"; }, unordered},
       {"10020", "", "R-1", "O-1",
-       [](const Item &item) { return item.document == "R-1" || item.document == "R-1 "; }, // blanks behind do not count
+       [](const Item &item) { return item.document == "R-1" || item.document == "R-1 "; }, // blanks after do not count
        [](const Item &item) { return item.document; }},
       {"", "", "12345678901234567", "", [](const Item &item) { return item.document == "1234567890123456"; },
        unordered},
@@ -201,7 +201,7 @@ TEST_F(ItemWalks, GoOnWhateverHappensInBetween) {
     }
     EXPECT_EQ(past, (std::vector<std::string>{"1", "2", "3", "4", "5", "6"}));
   }
-  // Items that somebody settles: the one under the cursor is still delivered, those behind it are not.
+  // Items that somebody settles: the one under the cursor is still delivered, those after it are not.
   ASSERT_EQ(ZELK_InitHoleOP(1, "10010", 4, 0), 1);
   remove(1);
   remove(2);

@@ -293,7 +293,7 @@ TEST_F(Lifecycle, FrameRefusesTextsWithoutAnEnd) {
     for (int32_t flag : {0, 1}) {
       EXPECT_EQ(call(flag), row.result);
       EXPECT_EQ(recorder.takeText(), flag ? row.message : "");
-      EXPECT_EQ(frame::threadContext()->fehlermeldungen, flag) << "kept, whatever became of the call";
+      EXPECT_EQ(frame::threadContext()->messages, flag) << "kept, whatever became of the call";
     }
     EXPECT_EQ(runs, row.result == ZELK_OK ? 2 : 0);
   }

@@ -361,7 +361,7 @@ TEST_F(Notification, LeavesTheBlockToAProcessThatReadsIt) {
       endProcess(peerId());
     }
     EXPECT_TRUE(eventually([&] { return !processRuns(peerId()); }));
-    // The change as it was handed over, and the end only behind it.
+    // The change as it was handed over, and the end only after it.
     expected += inTime ? "\1\0"s : "\1"s;
     std::string commands, text = outputText();
     for (size_t i = 0; i < text.size(); i += sizeof(ZELK_OUT_BLOCK))
@@ -395,7 +395,7 @@ TEST_F(Notification, EndsNoProcessByItsNumber) {
   install();
   // A sanitizer needs descriptors for the first look at a class.
   ZELK_Status();
-  frame::showMessage(resources::kZelkoutStart);
+  frame::showMessage(resources::kCompanionNotStarted);
   recorder.takeText();
   // One descriptor more each time: once it is started, and the handle of the process is what is wanting.
   bool started = false;

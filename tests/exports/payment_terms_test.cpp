@@ -57,7 +57,7 @@ protected:
 };
 
 TEST_F(PaymentTerms, AreCheckedInTheirOrder) {
-  // What is checked behind the reason of a refusal is wrong as well.
+  // What is checked after the reason of a refusal is wrong as well.
   const struct {
     Term term;
     ZelkResult result;

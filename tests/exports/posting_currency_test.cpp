@@ -95,7 +95,7 @@ TEST_F(PostingCurrency, MissingRateIsAskedForUntilItIsOne) {
   EXPECT_EQ(insert(draft, Way::Pieces), "1 " + kAsked + " | " + kWrong + " | " + kAsked) << "once for all lines";
   EXPECT_EQ(conversionOf(last(draft)), "136,85-21,85 = 119,00-19,00 at 1,15/1");
   EXPECT_EQ(conversionOf(last(draft), 1), "115,00-0,00 = 100,00-0,00 at 1,15/1");
-  // Stored for that day and those behind it.
+  // Stored for that day and those after it.
   EXPECT_EQ(insert(draft, Way::Whole), "1");
   draft.date = "311226";
   EXPECT_EQ(insert(draft, Way::Whole), "1");

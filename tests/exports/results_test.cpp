@@ -75,7 +75,7 @@ TEST_F(Results, OutsideTheCodesTouchNothing) {
 TEST_F(Results, AreCutAndInTheCodePageOfTheHost) {
   char name[50], text[251];
   std::memset(text, '?', sizeof text);
-  // Of 371 characters 249 remain, and nothing is written behind the buffer.
+  // Of 371 characters 249 remain, and nothing is written beyond the buffer.
   ASSERT_EQ(ZELK_HoleFehlertext(-38, name, text), ZELK_OK);
   EXPECT_EQ(std::strlen(text), 249u);
   EXPECT_EQ(text[250], '?');

@@ -23,8 +23,8 @@ uint64_t tripsOf(const std::function<void()> &work) {
 }
 
 void balance(const char *account, int32_t kind) {
-  char saldo[20] = "", euro[20] = "";
-  EXPECT_EQ(ZELK_HoleSaldo(1, account, kind, 0, 1, saldo, euro, "", 0, ""), ZELK_OK);
+  char balance[20] = "", euro[20] = "";
+  EXPECT_EQ(ZELK_HoleSaldo(1, account, kind, 0, 1, balance, euro, "", 0, ""), ZELK_OK);
 }
 
 int walked(int32_t kind) {

@@ -26,7 +26,7 @@ struct Delivered {
 Delivered read(const char *section, const char *key, const char *missing, uint32_t size) {
   std::string buffer(size + 4, '?');
   uint32_t length = MFGetPrivateProfileString(section, key, missing, buffer.data(), size, "MFIBU.INI");
-  EXPECT_EQ(buffer.substr(size), "????") << "written behind the buffer of " << size;
+  EXPECT_EQ(buffer.substr(size), "????") << "written beyond the buffer of " << size;
   return {length, buffer.substr(0, size)};
 }
 
@@ -55,7 +55,7 @@ TEST_F(Settings, AreDeliveredIntoTheBuffer) {
               {"fehlt", "abcdefgh", 2, 0, z("\0\0", 2)},
               {"fehlt", "abcdefgh", 1, 0, z("\0", 1)},
               {"fehlt", "abcdefgh", 0, 0, ""},
-              // A value is cut behind what the buffer holds.
+              // A value is cut after what the buffer holds.
               {"Name", "x", 9, 8, z("abcdefgh\0", 9)},
               {"Name", "x", 8, 7, z("abcdefg\0", 8)},
               {"Name", nullptr, 2, 1, z("a\0", 2)},

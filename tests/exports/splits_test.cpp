@@ -45,7 +45,7 @@ TEST_F(Splits, HaveOneSideThatStays) {
               {{{"1200", "1000"}, ofKinds("1200", 1, "1010", 4)}, kPersonal},
               {{{"1200", "1000"}, ofKinds("1200", 1, "10010", 1)}, kCredit},
               {{{"1200", "1000"}, {"1200", "4998"}}, kCredit},
-              // A refusal in the last line leaves nothing, not even for the posting behind it.
+              // A refusal in the last line leaves nothing, not even for the posting after it.
               {{{"1200", "1000"}, {"1200", "1010"}, {"1200", "1210", "viel"}},
                "-12 Teilbuchung 3: Der Bruttobetrag ist unzulässig!"},
               {{{"1200", "1000"}}, "1"}};

@@ -4,7 +4,7 @@
 
 #include "support/dependants.h"
 #include "support/items.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlfn98/rating.h"
 
 namespace test {

@@ -2,7 +2,7 @@
 #include <map>
 #include <thread>
 
-#include "support/ledger.h"
+#include "support/figure_books.h"
 #include "vlba98/encoding.h"
 
 namespace test {
@@ -28,7 +28,7 @@ std::vector<std::string> walk(int32_t client, int32_t structure, ZelkResult &res
   return lines;
 }
 
-class Structures : public Ledger {
+class Structures : public FigureBooks {
 protected:
   static constexpr int32_t kAll = 32768, kClass = 5;
 
@@ -232,8 +232,8 @@ TEST_F(Structures, AreNotDisturbed) {
   for (size_t i = 0; i < expected.size(); ++i) {
     std::thread([&] { EXPECT_EQ(ZELK_InitHoleAufbau(1, kClass, 0), ZELK_OK); }).join();
     auto withoutLevel = [](std::string text) {
-      const size_t behind = text.rfind('|'), before = text.rfind('|', behind - 1);
-      return text.erase(before, behind - before);
+      const size_t last = text.rfind('|'), before = text.rfind('|', last - 1);
+      return text.erase(before, last - before);
     };
     ASSERT_EQ(withoutLevel(fetched(result)), withoutLevel(expected[i]));
   }
@@ -263,7 +263,7 @@ TEST_F(Structures, ThatChangeUnderTheWalk) {
   store(table, tree);
   EXPECT_EQ(fetchName(), "1 4");
   EXPECT_EQ(fetchName(), "2 5");
-  // Where the line and the one behind it are gone, nothing leads on.
+  // Where the line and the one after it are gone, nothing leads on.
   ASSERT_EQ(ZELK_InitHoleAufbau(1, kClass, 0), ZELK_OK);
   ASSERT_TRUE(other->DeleteTable(table));
   EXPECT_EQ(fetchName(), "-3 ");

@@ -3,7 +3,7 @@
 #include <set>
 
 #include "frame/money_output.h"
-#include "support/ledger.h"
+#include "support/figure_books.h"
 #include "vlba98/encoding.h"
 
 namespace test {
@@ -11,7 +11,7 @@ namespace {
 
 using namespace vldb98;
 
-using Turnover = Ledger;
+using Turnover = FigureBooks;
 
 /// A debit and a credit for the opening, the closing and each month, in both currencies; of a cost centre the debits of
 /// the months.
@@ -23,17 +23,17 @@ struct Values {
       for (int64_t &value : *side)
         value = int64_t(random() % 20'000'001) - 5'000'000;
   }
-  void write(KONTOWERTE &target, const std::array<int64_t, 14> &soll, const std::array<int64_t, 14> &haben) const {
-    put(target.Eroeffnung.Soll, internalForm(soll[0]));
-    put(target.Eroeffnung.Haben, internalForm(haben[0]));
-    put(target.Abschluss.Soll, internalForm(soll[13]));
-    put(target.Abschluss.Haben, internalForm(haben[13]));
+  void write(KONTOWERTE &target, const std::array<int64_t, 14> &debits, const std::array<int64_t, 14> &credits) const {
+    put(target.Eroeffnung.Soll, internalForm(debits[0]));
+    put(target.Eroeffnung.Haben, internalForm(credits[0]));
+    put(target.Abschluss.Soll, internalForm(debits[13]));
+    put(target.Abschluss.Haben, internalForm(credits[13]));
     for (int month = 1; month <= 12; ++month) {
-      put(target.Monat[month - 1].Soll, internalForm(soll[size_t(month)]));
-      put(target.Monat[month - 1].Haben, internalForm(haben[size_t(month)]));
+      put(target.Monat[month - 1].Soll, internalForm(debits[size_t(month)]));
+      put(target.Monat[month - 1].Haben, internalForm(credits[size_t(month)]));
     }
   }
-  template <class Account> void writeTo(Account &account) const {
+  template <class Record> void writeTo(Record &account) const {
     write(account.Werte, debit, credit);
     write(account.EuroWerte, euroDebit, euroCredit);
   }
@@ -288,15 +288,15 @@ TEST_F(Turnover, BeyondNineDigitsIsRefusedWhereItIsWanted) {
 
 /// An entry of an account.
 struct Entry {
-  vlba98::Datum day;
+  vlba98::Date day;
   int16_t kind; // 0 of the year, 1 opening, 2 closing
   int64_t debit, credit, euroDebit, euroCredit;
 };
 
-class BalanceOnDay : public Ledger, public ::testing::WithParamInterface<int> {
+class BalanceOnDay : public FigureBooks, public ::testing::WithParamInterface<int> {
 protected:
   /// Random entries of an account over both fiscal years and beside it those of accounts that resemble it.
-  std::vector<Entry> post(int table, const std::string &number, vlba98::Datum from) {
+  std::vector<Entry> post(int table, const std::string &number, vlba98::Date from) {
     std::vector<Entry> entries;
     BUCHUNGSBELEG row{};
     put(row.Gegenkonto, padded(""));
@@ -342,7 +342,7 @@ TEST_P(BalanceOnDay, IsThatOfItsEntries) {
   const int table = client == 1 ? kDebitor : kSachkonto, beginsIn = client == 1 ? 1 : 7;
   for (int year : {2025, 2026}) {
     open(client, year);
-    const vlba98::Datum begin{year, beginsIn, 1};
+    const vlba98::Date begin{year, beginsIn, 1};
     const std::vector<Entry> entries = post(table, number, begin);
     change(table, number, [&](DATENBANK &record) {
       KONTOWERTE &own = client == 1 ? record.Personenkonto.Werte : record.Sachkonto.Werte;

@@ -30,8 +30,8 @@ protected:
     const int imported = zelkctl::importPostings(cast.client, cast.batch, path);
     const std::string output = ::testing::internal::GetCapturedStdout();
     ASSERT_EQ(imported, zelkctl::kDone) << output;
-    const ledger::Outcome outcome = post(cast.client, cast.batch);
-    ASSERT_EQ(outcome.state, ledger::Outcome::Posted)
+    const ledger::BatchOutcome outcome = post(cast.client, cast.batch);
+    ASSERT_EQ(outcome.state, ledger::BatchOutcome::Posted)
         << (outcome.refused.empty() ? "" : outcome.refused.front().reason);
     reckoning.post(path);
   }
@@ -60,7 +60,7 @@ protected:
       }
     }
     bool holds(const Move &move) const {
-      return move.art == 1 ? opening : move.art == 2 ? closing : first <= move.month && move.month <= last;
+      return move.kind == 1 ? opening : move.kind == 2 ? closing : first <= move.month && move.month <= last;
     }
   };
 
@@ -117,7 +117,7 @@ protected:
         std::string text = std::to_string(day);
         text = text.substr(6) + '.' + text.substr(4, 2) + '.' + text.substr(0, 4);
         compare(account, text, sumOf(moves, [&](const Move &m) {
-                  return m.year == near.year && (m.art == 1 || (m.art == 0 && m.day <= day));
+                  return m.year == near.year && (m.kind == 1 || (m.kind == 0 && m.day <= day));
                 }));
       }
     }
@@ -178,7 +178,7 @@ protected:
     }
     for (const auto &[account, moves] : reckoning.moves)
       for (const Move &move : moves) {
-        auto &sum = expected[{account, move.day, move.art}];
+        auto &sum = expected[{account, move.day, move.kind}];
         sum.first += move.debit ? move.own : -move.own;
         sum.second += move.debit ? move.euro : -move.euro;
       }

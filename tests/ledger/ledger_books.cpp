@@ -2,15 +2,15 @@
 
 #include <sstream>
 
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/text.h"
 
 namespace test {
 
 using namespace vldb98;
 
-ledger::Outcome LedgerBooks::post(int32_t client, int32_t batch, int32_t user) {
-  ledger::Order order;
+ledger::BatchOutcome LedgerBooks::post(int32_t client, int32_t batch, int32_t user) {
+  ledger::BatchOrder order;
   order.client = client;
   order.batch = batch;
   order.user = user;

@@ -18,11 +18,11 @@ template <class Visit> void eachRow(vldb98::Store &store, int table, Visit &&vis
 
 class LedgerBooks : public PostingBooks {
 protected:
-  ledger::Outcome post(int32_t client = 1, int32_t batch = 3, int32_t user = 0);
+  ledger::BatchOutcome post(int32_t client = 1, int32_t batch = 3, int32_t user = 0);
   void openYear(uint16_t client, int year);
 
   /// The entries of a fiscal year, a text each: "3:10010 S 119,00; 0:8400 H 100,00 3/19,00; ...": table, account, side,
-  /// amount, tax key and rate; "(opening)" and "(closing)" behind it.
+  /// amount, tax key and rate; "(opening)" and "(closing)" after it.
   std::vector<std::string> journal(uint16_t client, int year);
   /// The items of a document number and their payments: "100,00 left 60,00" for an open one, "2025/1: paid 40,00 left
   /// 60,00" for a payment. Foreign amounts follow in brackets.

@@ -78,8 +78,8 @@ TEST_F(Ledger, MovesTheAccountsOfEachKindOfPosting) {
     insertAll({one.draft});
     expected[one.draft.client - 1].push_back(one.entry);
   }
-  ASSERT_EQ(post(1, 3).state, ledger::Outcome::Posted);
-  ASSERT_EQ(post(2, 2).state, ledger::Outcome::Posted);
+  ASSERT_EQ(post(1, 3).state, ledger::BatchOutcome::Posted);
+  ASSERT_EQ(post(2, 2).state, ledger::BatchOutcome::Posted);
   EXPECT_EQ(journal(1, 2026), expected[0]);
   EXPECT_EQ(journal(2, 2025), expected[1]); // its fiscal year begins in July
   // 21 January is the seventh month of that year; what was posted in Euro is its own value.
@@ -121,8 +121,8 @@ TEST_F(Ledger, BringsCostsToCostCentres) {
   ASSERT_EQ(post().years.at(2026).costs, 6u);
   std::string postings, centres;
   openYear(1, 2026);
-  eachRow(*store_, kKostenbuchung, [&](const DATENBANK &record) {
-    const KOSTENBUCHUNG cost = record.Kostenbuchung;
+  eachRow(*store_, kKostenbeleg, [&](const DATENBANK &record) {
+    const KOSTENBELEG cost = record.Kostenbeleg;
     postings += std::to_string(cost.Nr) + '.' + std::to_string(cost.Zeile) + ' ' +
                 std::string(vlba98::trimmed(cost.Kostenart)) + ' ' + std::string(vlba98::trimmed(cost.Kostenstelle1)) +
                 ' ' + plain(cost.Betrag) + ' ' + std::to_string(cost.Flags) + "; ";
@@ -216,8 +216,8 @@ TEST_F(Ledger, OpensAndSettlesItems) {
     expected.push_back(std::string(one.what) + ": " + one.items);
     ++number;
   }
-  const ledger::Outcome outcome = post();
-  ASSERT_EQ(outcome.state, ledger::Outcome::Posted);
+  const ledger::BatchOutcome outcome = post();
+  ASSERT_EQ(outcome.state, ledger::BatchOutcome::Posted);
   for (int i = 0; i < number; ++i)
     found.push_back(std::string(cases[i].what) + ": " + itemsOf(1, "OP" + std::to_string(i)));
   EXPECT_EQ(found, expected);

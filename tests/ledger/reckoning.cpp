@@ -62,16 +62,16 @@ int64_t cents(const std::string &text) {
   bool negative = false;
   std::string digits;
   size_t decimals = 0;
-  bool behind = false;
+  bool afterComma = false;
   for (char c : text) {
     if (c >= '0' && c <= '9') {
       digits += c;
-      if (behind) ++decimals;
+      if (afterComma) ++decimals;
     } else if (c == '-') {
       negative = true;
-      behind = !digits.empty(); // the minus sign takes the comma's place in the stored form
+      afterComma = !digits.empty(); // the minus sign takes the comma's place in the stored form
     } else if (c == ',') {
-      behind = true;
+      afterComma = true;
     }
   }
   digits.append(2 - decimals, '0');
@@ -126,7 +126,7 @@ void Reckoning::post(const std::string &file) {
     const Row &top = rows[first];
     Head head;
     head.day = dayOf(top.at("Belegdatum"));
-    head.art = at(top, "Eröffnungsbuchung") == "1" ? 1 : at(top, "Abschlussbuchung") == "1" ? 2 : 0;
+    head.kind = at(top, "Eröffnungsbuchung") == "1" ? 1 : at(top, "Abschlussbuchung") == "1" ? 2 : 0;
     head.currency = at(top, "Währung");
     head.item = at(top, "OP-Belegnummer").empty() ? top.at("Belegnummer") : at(top, "OP-Belegnummer");
     for (const Row &year : fiscalYears_) {
@@ -151,7 +151,7 @@ void Reckoning::post(const std::string &file) {
 
 void Reckoning::move(const Head &head, const std::string &account, bool debit, int64_t own, int64_t euro) {
   const int table = tableOf(account);
-  moves[{table, account}].push_back({head.day, head.year, head.month, head.art, debit, own, euro});
+  moves[{table, account}].push_back({head.day, head.year, head.month, head.kind, debit, own, euro});
   if (table != kLedger) move(head, accounts_.at(account).at("Sammelkonto"), debit, own, euro);
 }
 
@@ -228,7 +228,7 @@ void Reckoning::postCosts(const Head &head, const Row &row, const Row &line) {
 
 void Reckoning::postItem(const Head &head, const ItemMove &itemMove) {
   const bool firstYear = head.year == number(client_, "StartJahr");
-  if (head.art == 2 || (head.art == 1 && !firstYear) || itemMove.amount == 0) return;
+  if (head.kind == 2 || (head.kind == 1 && !firstYear) || itemMove.amount == 0) return;
   auto open = items.find(itemMove.key);
   if (open == items.end()) {
     Item item;

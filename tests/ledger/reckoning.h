@@ -21,7 +21,7 @@ using Day = int;
 struct Move {
   Day day;
   int year, month; ///< fiscal year, and month of it
-  int art;         ///< 0 of the year, 1 opening, 2 closing
+  int kind;        ///< 0 of the year, 1 opening, 2 closing
   bool debit;
   int64_t own, euro;
 };
@@ -78,7 +78,7 @@ private:
   };
   struct Head {
     Day day = 0;
-    int year = 0, month = 0, art = 0;
+    int year = 0, month = 0, kind = 0;
     std::string currency, item;
   };
   const Row *latest(const std::vector<Row> &rows, const char *name, const std::string &value, const char *since,

@@ -2,14 +2,14 @@
 #include "ledger/ledger_books.h"
 
 #include "support/items.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 
 namespace test {
 namespace {
 
 using namespace vldb98;
 
-constexpr int16_t kOutputTax = 3, kAcquisition = 8;
+constexpr int16_t kOutputTaxKey = 3, kAcquisitionKey = 8;
 
 class LedgerRefusals : public LedgerBooks {
 protected:
@@ -48,11 +48,11 @@ protected:
     ASSERT_TRUE(store_->Update(record, FileNumber(table)));
   }
 
-  static std::string inWords(const ledger::Outcome &outcome) {
+  static std::string inWords(const ledger::BatchOutcome &outcome) {
     std::string all;
     for (const ledger::RefusedPosting &one : outcome.refused)
       all += std::to_string(one.posting) + ' ' + one.document + ": " + one.reason + '\n';
-    return outcome.state == ledger::Outcome::Refused ? all : "state " + std::to_string(outcome.state);
+    return outcome.state == ledger::BatchOutcome::Refused ? all : "state " + std::to_string(outcome.state);
   }
 };
 
@@ -87,9 +87,9 @@ TEST_F(LedgerRefusals, ChangeNothing) {
        "1 B-1: Das Personenkonto 10010 hat kein Sammelkonto.\n"},
       {2026, kKreditor, account("70180"), [](DATENBANK &r) { put(r.Personenkonto.Sammelkonto, "1699   "); },
        "3 B-3: Sammelkonto 1699 gibt es im Geschäftsjahr 2026 nicht.\n"},
-      {2026, kSteusa, taxKey(kOutputTax), [](DATENBANK &r) { put(r.Steusa.Steuerkonto, "       "); },
+      {2026, kSteusa, taxKey(kOutputTaxKey), [](DATENBANK &r) { put(r.Steusa.Steuerkonto, "       "); },
        "1 B-1: Das Steuerkonto des Steuerschlüssels 3 fehlt.\n"},
-      {2026, kSteusa, taxKey(kAcquisition), [](DATENBANK &r) { put(r.Steusa.Gegenkonto, "1599   "); },
+      {2026, kSteusa, taxKey(kAcquisitionKey), [](DATENBANK &r) { put(r.Steusa.Gegenkonto, "1599   "); },
        "3 B-3: Gegenkonto des Steuerschlüssels 8 1599 gibt es im Geschäftsjahr 2026 nicht.\n"},
       {2026, kSplit, KeyBuilder().number(3).number(1).number(0), [](DATENBANK &r) { put(r.Split.Steuersatz, "18,00"); },
        "1 B-1: Der Steuerschlüssel 3 hat am 15.06.2025 nicht den Steuersatz der Buchung.\n"},
@@ -99,7 +99,7 @@ TEST_F(LedgerRefusals, ChangeNothing) {
       {2026, kSachkonto, account("4910"), [](DATENBANK &r) { r.Sachkonto.Kostenart = 0; },
        "4 B-4: Die Kostenbuchung hat keine eindeutige Kostenart.\n"},
       {2026, kSachkonto, account("1000"),
-       [](DATENBANK &r) { vlba98::formatGeld(vlba98::maxGeld - 999, r.Sachkonto.Werte.Monat[0].Haben); },
+       [](DATENBANK &r) { vlba98::formatMoney(vlba98::maxMoney - 999, r.Sachkonto.Werte.Monat[0].Haben); },
        "4 B-4: Konto 1000: der Wert überschreitet 999.999.999,99.\n"},
       {2026, kFirmenstamm, KeyBuilder().number(uint16_t(1)),
        [](DATENBANK &r) {
@@ -163,22 +163,22 @@ TEST_F(LedgerRefusals, AFailingDatabaseChangesNothing) {
   const std::string before = dumpClient(1);
   Faults faults;
   std::unique_ptr<Store> failing = session();
-  ledger::Order order;
+  ledger::BatchOrder order;
   order.client = 1;
   order.batch = 3;
   put(order.day, "461121");
   const auto [operations, last] = sweep(
       faults, [] {}, [&] { return ledger::postBatch(*failing, order).state; },
       [&](auto state) {
-        ASSERT_TRUE(state != ledger::Outcome::Refused && state != ledger::Outcome::Posted);
+        ASSERT_TRUE(state != ledger::BatchOutcome::Refused && state != ledger::BatchOutcome::Posted);
         ASSERT_TRUE(dumpClient(1) == before);
         ASSERT_TRUE(nothingLocked(*other_, 1));
       });
-  EXPECT_EQ(last, ledger::Outcome::Posted);
+  EXPECT_EQ(last, ledger::BatchOutcome::Posted);
   EXPECT_GT(operations, 100);
   const std::string posted = dumpClient(1);
   EXPECT_TRUE(posted != before);
-  EXPECT_EQ(post().state, ledger::Outcome::NothingToPost);
+  EXPECT_EQ(post().state, ledger::BatchOutcome::NothingToPost);
   EXPECT_TRUE(dumpClient(1) == posted);
 }
 
@@ -187,10 +187,10 @@ TEST_F(LedgerRefusals, WaitsForNobodyForEver) {
   ASSERT_TRUE(other_->SetzeFista(1, found) && other_->Lock(kSplit, nullptr, 0));
   store_ = session(std::chrono::milliseconds(0));
   const std::string before = dumpClient(1);
-  EXPECT_EQ(post().state, ledger::Outcome::TablesLocked);
+  EXPECT_EQ(post().state, ledger::BatchOutcome::TablesLocked);
   EXPECT_TRUE(dumpClient(1) == before);
   other_->Unlock(kSplit, 1);
-  EXPECT_EQ(post().state, ledger::Outcome::Posted);
+  EXPECT_EQ(post().state, ledger::BatchOutcome::Posted);
 }
 
 } // namespace

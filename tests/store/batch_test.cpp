@@ -54,12 +54,12 @@ protected:
     for (size_t i = 0; SPLIT *split = from.PSplit(i); ++i)
       text += " " + std::to_string(split->Nr) + "/" + euros(split->Brutto);
     text += ";";
-    for (size_t i = 0; KOBU *kobu = from.costAt(i); ++i)
-      text += " " + std::to_string(kobu->Split) + "." + std::to_string(kobu->Nr) + "/" + euros(kobu->Betrag);
+    for (size_t i = 0; KOBU *cost = from.costAt(i); ++i)
+      text += " " + std::to_string(cost->Split) + "." + std::to_string(cost->Nr) + "/" + euros(cost->Betrag);
     return text;
   }
 
-  bool bebucht(int32_t batch) {
+  bool holdsPostings(int32_t batch) {
     DATENBANK record{};
     EXPECT_TRUE(store->UsedGet(record, KeyBuilder().number(batch), found, kStapel) && found);
     return record.Stapel.Bebucht;
@@ -75,8 +75,8 @@ TEST_P(BatchPostings, AreWrittenReadAndDeletedWhole) {
   ASSERT_TRUE(insertSplit(*store, made));
   EXPECT_EQ(+made.Nr, 1);
   EXPECT_EQ(+made.Anzahl, 2);
-  EXPECT_TRUE(bebucht(1));
-  EXPECT_FALSE(bebucht(2));
+  EXPECT_TRUE(holdsPostings(1));
+  EXPECT_FALSE(holdsPostings(2));
   made = posting("B-2", 2);
   store->SplitFree();
   store->MemInsertSplit(line("000000001,00"));
@@ -132,18 +132,18 @@ TEST_P(BatchPostings, TellTheirBatch) {
   };
   insert(1), insert(1), insert(2);
   remove(1);
-  EXPECT_TRUE(bebucht(1)) << "one is left";
+  EXPECT_TRUE(holdsPostings(1)) << "one is left";
   remove(1);
-  EXPECT_FALSE(bebucht(1)) << "the posting of the next batch is not one of its own";
+  EXPECT_FALSE(holdsPostings(1)) << "the posting of the next batch is not one of its own";
   remove(2);
-  EXPECT_FALSE(bebucht(2)) << "the last of all";
+  EXPECT_FALSE(holdsPostings(2)) << "the last of all";
   insert(1), insert(1), insert(2);
   BATCHBUCHUNG read{};
   ASSERT_TRUE(store->ReadBat(read, 1, 0, found) && found);
   ASSERT_TRUE(store->EmptyBat(1));
   EXPECT_FALSE(store->DeleteBat()) << "the posting read is gone";
-  EXPECT_FALSE(bebucht(1));
-  EXPECT_TRUE(bebucht(2));
+  EXPECT_FALSE(holdsPostings(1));
+  EXPECT_TRUE(holdsPostings(2));
   ASSERT_TRUE(store->EmptyBat(2));
   EXPECT_EQ(dump(*store, 1, {kBatchbuchung, kSplit, kKobu}), "");
   EXPECT_TRUE(store->EmptyBat(2)) << "nothing to do";
@@ -187,7 +187,7 @@ TEST_P(BatchPostings, AreDeletedByTheBeginningOfTheirKey) {
       {KeyBuilder().number(1).number(2), 2, true, "1100 1101 1110 2100 2101 2110 "},
       {KeyBuilder().number(1).number(1).number(0), 3, true, "1110 1200 1201 1210 2100 2101 2110 "},
       {KeyBuilder().number(1).number(1).number(0).number(1), 4, true, "1100 1110 1200 1201 1210 2100 2101 2110 "},
-      {KeyBuilder().number(1).number(7), 1, true, "2100 2101 2110 "}, // what stands behind does not count
+      {KeyBuilder().number(1).number(7), 1, true, "2100 2101 2110 "}, // what stands after it does not count
       {KeyBuilder().number(3), 1, true, all.c_str()},
       {KeyBuilder().number(1), 0, false, all.c_str()},
       {KeyBuilder().number(1), 5, false, all.c_str()},
@@ -202,7 +202,7 @@ TEST_P(BatchPostings, AreDeletedByTheBeginningOfTheirKey) {
   }
   EXPECT_FALSE(store->DeleteBeginning(KeyBuilder().number(1), 1, kKobu, GetParam().other));
   EXPECT_FALSE(store->DeleteBeginning(KeyBuilder().number(1), 1, fileNumber(kKobu, 1))) << "no such key";
-  // A walk goes on behind what was deleted under it.
+  // A walk goes on after what was deleted under it.
   ASSERT_TRUE(store->GetGeExt(record, KeyBuilder().number(1).number(2), found, kKobu) && found);
   ASSERT_TRUE(store->DeleteBeginning(KeyBuilder().number(1), 1, kKobu));
   EXPECT_FALSE(store->Delete(kKobu)) << "it is no longer there";

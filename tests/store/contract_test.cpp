@@ -81,7 +81,7 @@ TEST_P(Contract, UnpaddedKeyIsMissing) {
     ASSERT_TRUE(store->UsedGet(record, unpadded, found, kSachkonto));
     EXPECT_EQ(found != 0, row.there) << row.bytes;
   }
-  // As a start it lies behind the account that it resembles.
+  // As a start it lies after the account that it resembles.
   SCHLUESSEL unpadded;
   std::memcpy(unpadded.bytes, "1200", 4);
   EXPECT_EQ(answer(store->GetGeExt(record, unpadded, found, kSachkonto)), "1400");
@@ -259,7 +259,7 @@ TEST_P(Contract, RangeEndsAtItsUpperKey) {
          at != "none" && walk.size() < 40; at = next())
       walk += at + " ";
     EXPECT_EQ(walk, row.walk) << row.lower << " to " << row.upper;
-    EXPECT_EQ(next(), "none") << "behind " << row.lower << " to " << row.upper;
+    EXPECT_EQ(next(), "none") << "after " << row.lower << " to " << row.upper;
   }
   // All records of a non-unique key belong to the range.
   FileNumber byShortName = fileNumber(kSachkonto, 1);
@@ -335,18 +335,18 @@ TEST_P(Contract, InsertAssignsNumbers) {
   EXPECT_EQ(inserted(kStapel, 9), 9);
   EXPECT_EQ(inserted(kStapel, 0), 10);
   EXPECT_EQ(inserted(kStapel, 9), -1);
-  // A refused record keeps its number. Behind the greatest number there is, the lowest free one follows.
+  // A refused record keeps its number. After the greatest number there is, the lowest free one follows.
   EXPECT_EQ(inserted(kStapel, INT32_MAX), INT32_MAX);
   EXPECT_EQ(inserted(kStapel, 0), 3);
   EXPECT_EQ(inserted(kStapel, 0), 4);
 
   record = {};
   std::set<std::string> identifiers;
-  for (int32_t stapel : {1, 2}) {
-    record.Batchbuchung.Stapel = stapel;
+  for (int32_t batch : {1, 2}) {
+    record.Batchbuchung.Stapel = batch;
     for (int32_t n : {1, 2, 3}) {
       put(record.Batchbuchung.Kennung, "");
-      EXPECT_EQ(inserted(kBatchbuchung, 0), n) << "batch " << stapel;
+      EXPECT_EQ(inserted(kBatchbuchung, 0), n) << "batch " << batch;
       identifiers.insert(record.Batchbuchung.Kennung);
     }
   }

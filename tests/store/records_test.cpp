@@ -127,7 +127,7 @@ protected:
     if (!store->UsedGet(buffer, key, found, file(table))) return found ? "failed?" : "failed";
     EXPECT_EQ(std::string(buffer.bytes + table.recordSize, sizeof buffer - table.recordSize),
               std::string(sizeof buffer - table.recordSize, '\xAA'))
-        << "wrote behind the record";
+        << "wrote beyond the record";
     return found ? std::string(buffer.bytes, table.recordSize) : "none";
   }
 };

@@ -87,10 +87,10 @@ TEST_F(ServerLoss, SettlesACommitWithoutAnAnswer) {
     bool unreachable; ///< afterwards
     ZelkResult result;
     int stored;
-  } rows[] = {{"behind", Fate::CutBehind, false, ZELK_OK, 1},
+  } rows[] = {{"after", Fate::CutAfter, false, ZELK_OK, 1},
               {"before", Fate::CutBefore, false, ZELKERR_Datenbank, 0},
               {"held", Fate::Hold, false, ZELKERR_Datenbank, 0},
-              {"behind, alone", Fate::CutBehind, true, ZELKERR_Datenbank, 1},
+              {"after, alone", Fate::CutAfter, true, ZELKERR_Datenbank, 1},
               {"before, alone", Fate::CutBefore, true, ZELKERR_Datenbank, 0}};
   ASSERT_EQ(ZELK_ProtokollStart(), ZELK_OK);
   for (const auto &row : rows) {

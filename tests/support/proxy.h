@@ -13,12 +13,12 @@ public:
   enum class Fate : uint8_t {
     Forward,
     CutBefore, ///< both connections end, and the server never sees the command
-    CutBehind, ///< both end, when the server has answered and before the answer is handed on
+    CutAfter,  ///< both end, when the server has answered and before the answer is handed on
     Deadlock,  ///< the server never sees the command, and the client is told of error 1213, as a cluster does at a
                ///< COMMIT
     Hold,      ///< the client's connection ends; the server's stays open, and gets the command with release()
   };
-  /// Says what becomes of a command of the client: of all commands so far the n-th, from 1, with its bytes behind the
+  /// Says what becomes of a command of the client: of all commands so far the n-th, from 1, with its bytes after the
   /// packet's length. It runs in the proxy's thread.
   using Judge = std::function<Fate(int number, std::string_view command)>;
 

@@ -125,7 +125,7 @@ bool Proxy::State::pass(Connection &connection, const std::string &packet) {
   switch (fate) {
   case Fate::CutBefore:
     return false;
-  case Fate::CutBehind:
+  case Fate::CutAfter:
     connection.cutAtAnswer = true;
     break;
   case Fate::Deadlock:

@@ -2,10 +2,10 @@
  *   stumm      is never ready
  *   einmal     is ready once, and then does nothing more
  *   taub       answers every change, but not the end of work
- *   langsam    answers a change only when there is a file ZELK_OUT_DATEI with ".weiter" behind, which it removes then;
- *              writes as abschrift does what it has read by then, and ends when it is told to
- *   abschrift  answers everything, and writes each block as it is behind ZELK_OUT_DATEI; does not end by itself
- * Then it writes its process id to ZELK_OUT_DATEI with ".id" behind. */
+ *   langsam    answers a change only when there is a file ZELK_OUT_DATEI with ".weiter" after it, which it removes
+ * then; writes as abschrift does what it has read by then, and ends when it is told to abschrift  answers everything,
+ * and appends each block as it is to ZELK_OUT_DATEI; does not end by itself Then it writes its process id to
+ * ZELK_OUT_DATEI with ".id" after it. */
 #define main reference_main
 #include "examples/zelkout.c"
 #undef main

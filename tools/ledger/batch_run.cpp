@@ -8,10 +8,12 @@
 #include "ledger/refusal.h"
 #include "store/guards.h"
 #include "vlba98/encoding.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlba98/muldiv.h"
 #include "vlba98/text.h"
+#include "vlfn98/accounts.h"
 #include "vlfn98/client.h"
+#include "vlfn98/cost_postings.h"
 #include "vlfn98/costs.h"
 #include "zelk98/zelk98.h"
 
@@ -22,10 +24,8 @@ namespace {
 
 // Those of an insertion first, in its order; then the ledger's.
 constexpr FileNumber kTables[] = {kKreditor,  kDebitor,    kSachkonto,     kBatchbuchung,  kSplit,
-                                  kStapel,    kKobu,       kKost,          kBuchungsbeleg, kKostenbuchung,
+                                  kStapel,    kKobu,       kKost,          kBuchungsbeleg, kKostenbeleg,
                                   kOPDebitor, kOPKreditor, kHistOPDebitor, kHistOPKreditor};
-
-constexpr int16_t kLessensCosts = 32; // KOSTENBUCHUNG.Flags
 
 template <class Record> auto centresOf(Record &record) {
   return std::array{record.Kostenstelle1, record.Kostenstelle2, record.Kostenstelle3,
@@ -34,7 +34,7 @@ template <class Record> auto centresOf(Record &record) {
 
 // Stored with the posting: asked for again at an evaluation, a cost centre that was added since would change what was
 // posted.
-auto referencesOf(KOSTENBUCHUNG &record) {
+auto referencesOf(KOSTENBELEG &record) {
   return std::array{record.Kostref1, record.Kostref2, record.Kostref3,
                     record.Kostref4, record.Kostref5, record.Kostref6};
 }
@@ -49,13 +49,13 @@ struct CostsOfLine {
   int64_t part = 0, partForEuro = 0;
 };
 
-Art artOf(const BATCHBUCHUNG &posting) {
-  return posting.Eroeffnung ? Art::Opening : posting.Abschluss ? Art::Closing : Art::OfTheYear;
+EntryKind kindOf(const BATCHBUCHUNG &posting) {
+  return posting.Eroeffnung ? EntryKind::Opening : posting.Abschluss ? EntryKind::Closing : EntryKind::OfTheYear;
 }
 
 class BatchRun {
 public:
-  BatchRun(Store &store, const Order &order, Outcome &outcome)
+  BatchRun(Store &store, const BatchOrder &order, BatchOutcome &outcome)
       : store_(store), order_(order), outcome_(outcome), chart_(store), items_(store, chart_, order.user) {}
 
   void run() {
@@ -63,7 +63,7 @@ public:
     checkUser();
     const size_t total = countPostings();
     if (total == 0) {
-      outcome_.state = Outcome::NothingToPost;
+      outcome_.state = BatchOutcome::NothingToPost;
       return;
     }
     BATCHBUCHUNG posting{};
@@ -81,13 +81,13 @@ public:
       }
     }
     if (!outcome_.refused.empty()) {
-      outcome_.state = Outcome::Refused;
+      outcome_.state = BatchOutcome::Refused;
       return;
     }
     chart_.write();
     clearBatch();
     outcome_.items = items_.counts();
-    outcome_.state = Outcome::Posted;
+    outcome_.state = BatchOutcome::Posted;
   }
 
 private:
@@ -118,7 +118,7 @@ private:
   }
 
   void post(const BATCHBUCHUNG &posting) {
-    Year &year = chart_.yearOf(posting.Belegdatum);
+    ChartYear &year = chart_.yearOf(posting.Belegdatum);
     std::vector<Movement> movements;
     for (size_t i = 0; i < store_.lineCount(); ++i) {
       std::vector<Movement> ofLine = movementsOf(chart_, year, posting, *store_.PSplit(i));
@@ -147,29 +147,29 @@ private:
     sum.credit += figures.credit;
   }
 
-  void writeEntry(Year &year, const BATCHBUCHUNG &posting, const Movement &movement, int32_t entry, int32_t row) {
+  void writeEntry(ChartYear &year, const BATCHBUCHUNG &posting, const Movement &movement, int32_t entry, int32_t row) {
     const Amount &amount = movement.amount;
-    chart_.move(*movement.account, year, artOf(posting), posting.Belegdatum, movement.debit, amount);
+    chart_.move(*movement.account, year, kindOf(posting), posting.Belegdatum, movement.debit, amount);
     const SPLIT &line = *movement.line;
     BUCHUNGSBELEG written{};
     written.Nr = entry;
     written.Zeile = row;
     written.Kontotabelle = int16_t(movement.account->table);
     vlba98::strncpy2(written.Konto, movement.account->record.Sachkonto.Nr);
-    written.Art = int16_t(artOf(posting));
+    written.Art = int16_t(kindOf(posting));
     vlba98::strncpy2(written.Datum, posting.Belegdatum);
-    vlba98::formatGeld(movement.debit ? amount.own : 0, written.Soll);
-    vlba98::formatGeld(movement.debit ? 0 : amount.own, written.Haben);
-    vlba98::formatGeld(movement.debit ? amount.euro : 0, written.EuroSoll);
-    vlba98::formatGeld(movement.debit ? 0 : amount.euro, written.EuroHaben);
+    vlba98::formatMoney(movement.debit ? amount.own : 0, written.Soll);
+    vlba98::formatMoney(movement.debit ? 0 : amount.own, written.Haben);
+    vlba98::formatMoney(movement.debit ? amount.euro : 0, written.EuroSoll);
+    vlba98::formatMoney(movement.debit ? 0 : amount.euro, written.EuroHaben);
     if (movement.foreign) {
       vlba98::strncpy2(written.Waehrung, posting.Waehrung);
-      vlba98::formatGeld(*movement.foreign, written.BetragFW);
+      vlba98::formatMoney(*movement.foreign, written.BetragFW);
     }
     written.Gegentabelle = int16_t(movement.contra->table);
     vlba98::strncpy2(written.Gegenkonto, movement.contra->record.Sachkonto.Nr);
     written.Steuerschluessel = movement.taxKey;
-    vlba98::formatGeld(movement.rate, written.Steuersatz, vlba98::satzWidth);
+    vlba98::formatMoney(movement.rate, written.Steuersatz, vlba98::rateWidth);
     vlba98::strncpy2(written.Belegnummer, posting.Belegnummer);
     vlba98::strncpy2(written.OPBelegnummer, posting.OPBelegnummer);
     vlba98::strncpy2(written.Text, line.Text);
@@ -182,13 +182,12 @@ private:
     insert(store_, written);
   }
 
-  std::optional<SACHKONTO> generalLedgerAccount(Year &year, int16_t kind, const char *number) {
-    constexpr int16_t kGeneralLedger = 2; // SPLIT.Sollart
-    if (kind != kGeneralLedger) return std::nullopt;
+  std::optional<SACHKONTO> generalLedgerAccount(ChartYear &year, int16_t kind, const char *number) {
+    if (kind != vlfn98::ZELKKontoArtToKontoArt(ZELK_SACHKONTO)) return std::nullopt;
     return chart_.account(year, kSachkonto, number, "Konto").record.Sachkonto;
   }
 
-  CostsOfLine costsOf(Year &year, int32_t number, const std::vector<Movement> &movements) {
+  CostsOfLine costsOf(ChartYear &year, int32_t number, const std::vector<Movement> &movements) {
     const SPLIT *line = nullptr;
     for (size_t i = 0; !line && i < store_.lineCount(); ++i)
       if (store_.PSplit(i)->Nr == number) line = store_.PSplit(i);
@@ -197,10 +196,10 @@ private:
     const auto credit = generalLedgerAccount(year, line->Habenart, line->Habenkonto);
     const auto side = vlfn98::BestimmeKostenseite(debit ? &*debit : nullptr, credit ? &*credit : nullptr,
                                                   chart_.mandatoryCostCentres());
-    if (side != vlfn98::Kostenseite::Soll && side != vlfn98::Kostenseite::Haben)
+    if (side != vlfn98::CostSide::Debit && side != vlfn98::CostSide::Credit)
       throw Refusal{"Die Kostenbuchung hat keine eindeutige Kostenart."};
-    CostsOfLine costs{line, side == vlfn98::Kostenseite::Haben};
-    const Account &costType =
+    CostsOfLine costs{line, side == vlfn98::CostSide::Credit};
+    const ChartAccount &costType =
         chart_.account(year, kSachkonto, costs.onCredit ? line->Habenkonto : line->Sollkonto, "Konto");
     for (const Movement &movement : movements)
       if (movement.line == line && movement.account == &costType) {
@@ -227,7 +226,7 @@ private:
     return {*upTo - before.own, *euroUpTo - before.euro};
   }
 
-  void postCosts(Year &year, const BATCHBUCHUNG &posting, const std::vector<Movement> &movements, int32_t entry,
+  void postCosts(ChartYear &year, const BATCHBUCHUNG &posting, const std::vector<Movement> &movements, int32_t entry,
                  YearFigures &figures) {
     std::optional<CostsOfLine> costs;
     for (size_t i = 0; i < store_.costCount(); ++i) {
@@ -238,16 +237,16 @@ private:
     }
   }
 
-  void writeCost(Year &year, const BATCHBUCHUNG &posting, const CostsOfLine &costs, const KOBU &cost,
+  void writeCost(ChartYear &year, const BATCHBUCHUNG &posting, const CostsOfLine &costs, const KOBU &cost,
                  const Amount &amount, int32_t entry, int32_t row) {
-    KOSTENBUCHUNG written{};
+    KOSTENBELEG written{};
     written.Nr = entry;
     written.Zeile = row;
     vlba98::strncpy2(written.Datum, posting.Belegdatum);
     vlba98::strncpy2(written.Kostenart, costs.onCredit ? costs.line->Habenkonto : costs.line->Sollkonto);
-    written.Flags = int16_t(cost.Kostenkennung | (costs.onCredit ? kLessensCosts : 0));
-    vlba98::formatGeld(amount.own, written.Betrag);
-    vlba98::formatGeld(amount.euro, written.EuroBetrag);
+    written.Flags = int16_t(cost.Kostenkennung | (costs.onCredit ? vlfn98::kLessensCosts : 0));
+    vlba98::formatMoney(amount.own, written.Betrag);
+    vlba98::formatMoney(amount.euro, written.EuroBetrag);
     vlba98::strncpy2(written.Menge, cost.Menge);
     vlba98::strncpy2(written.Einheit, cost.Einheit);
     vlba98::strncpy2(written.Belegnummer, posting.Belegnummer);
@@ -255,11 +254,11 @@ private:
     vlba98::strncpy2(written.Bemerkung2, cost.Bemerkung2);
     const Amount moved = costs.onCredit ? Amount{-amount.own, -amount.euro} : amount;
     std::vector<CostCentre *> centres; // that it names, each once
-    for (int n = 0; n < vlfn98::kKostenstellen; ++n) {
+    for (int n = 0; n < vlfn98::kCentresPerPosting; ++n) {
       const char *number = centresOf(cost)[size_t(n)];
       std::memcpy(centresOf(written)[size_t(n)], number, sizeof written.Kostenstelle1);
       if (vlba98::trimmed(number).empty()) continue;
-      CostCentre &centre = chart_.centre(year, vlfn98::kostDimension(chart_.extension(), n), number);
+      CostCentre &centre = chart_.centre(year, vlfn98::costDimension(chart_.extension(), n), number);
       std::memcpy(referencesOf(written)[size_t(n)], centre.record.Kostref, sizeof written.Kostref1);
       if (std::find(centres.begin(), centres.end(), &centre) != centres.end()) continue;
       centres.push_back(&centre);
@@ -277,18 +276,18 @@ private:
   }
 
   Store &store_;
-  const Order &order_;
-  Outcome &outcome_;
+  const BatchOrder &order_;
+  BatchOutcome &outcome_;
   Chart chart_;
   OpenItems items_;
 };
 
 } // namespace
 
-Outcome postBatch(Store &store, const Order &order) try {
-  Outcome outcome;
+BatchOutcome postBatch(Store &store, const BatchOrder &order) try {
+  BatchOutcome outcome;
   auto refuse = [&](std::string reason) {
-    outcome.state = Outcome::Refused;
+    outcome.state = BatchOutcome::Refused;
     outcome.refused.push_back({0, "", std::move(reason)});
     return outcome;
   };
@@ -302,7 +301,7 @@ Outcome postBatch(Store &store, const Order &order) try {
   }
   LockedTables locked(store, kTables);
   if (!locked.held()) {
-    outcome.state = Outcome::TablesLocked;
+    outcome.state = BatchOutcome::TablesLocked;
     return outcome;
   }
   Transaction transaction(store, false);
@@ -312,7 +311,7 @@ Outcome postBatch(Store &store, const Order &order) try {
   } catch (const Refusal &refusal) {
     refuse(refusal.text);
   }
-  must(outcome.state == Outcome::Posted ? transaction.commit() : transaction.rollback());
+  must(outcome.state == BatchOutcome::Posted ? transaction.commit() : transaction.rollback());
   return outcome;
 } catch (const StoreFailed &) {
   return {};

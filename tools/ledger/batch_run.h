@@ -9,7 +9,7 @@
 
 namespace ledger {
 
-struct Order {
+struct BatchOrder {
   int32_t client = 0, batch = 0;
   char day[7] = ""; ///< day on which the batch is posted (reversed date)
   int32_t user = 0; ///< who posts; 0: nobody in particular
@@ -28,7 +28,7 @@ struct YearFigures {
   int64_t debit = 0, credit = 0;               ///< of the general ledger, in the client's currency
 };
 
-struct Outcome {
+struct BatchOutcome {
   enum { Posted, NothingToPost, Refused, TablesLocked, StoreFailed } state = StoreFailed;
   std::vector<RefusedPosting> refused;
   std::map<int, YearFigures> years;
@@ -37,6 +37,6 @@ struct Outcome {
 
 /// Posts every posting of the batch in one transaction and clears the batch, or changes nothing. All tables concerned
 /// are locked meanwhile, in the order in which the insertion of a posting locks them.
-Outcome postBatch(vldb98::Store &store, const Order &order);
+BatchOutcome postBatch(vldb98::Store &store, const BatchOrder &order);
 
 } // namespace ledger

@@ -6,7 +6,7 @@
 #include "ledger/refusal.h"
 #include "store/typed.h"
 #include "vlba98/encoding.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlba98/muldiv.h"
 #include "vlba98/text.h"
 #include "vlfn98/costs.h"
@@ -23,14 +23,14 @@ std::string utf8(const char *text) {
   return vlba98::toUtf8(vlba98::trimmed(text));
 }
 
-auto &fieldOf(KONTOWERTE &values, Art art, int month, bool debit) {
-  WERTEPAAR &pair = art == Art::Opening   ? values.Eroeffnung
-                    : art == Art::Closing ? values.Abschluss
-                                          : values.Monat[month - 1];
+auto &fieldOf(KONTOWERTE &values, EntryKind kind, int month, bool debit) {
+  WERTEPAAR &pair = kind == EntryKind::Opening   ? values.Eroeffnung
+                    : kind == EntryKind::Closing ? values.Abschluss
+                                                 : values.Monat[month - 1];
   return debit ? pair.Soll : pair.Haben;
 }
 
-std::string nameOf(const Account &account) {
+std::string nameOf(const ChartAccount &account) {
   return "Konto " + utf8(account.record.Sachkonto.Nr); // all account records begin with the number
 }
 
@@ -46,20 +46,20 @@ Chart::Chart(Store &store) : store_(store) {
   uint8_t found;
   must(store.GetExtFista(extension_, found));
   if (!client.Euro) {
-    euroRate_ = vlfn98::parseKurs(client.Eurokurs).value_or(0);
+    euroRate_ = vlfn98::parseRate(client.Eurokurs).value_or(0);
     if (euroRate_ <= 0) throw Refusal{"Der Mandant hat keinen Eurokurs."};
   }
   char first[3];
   must(store.HoleMinJahr(first));
   firstYear_ = vlba98::yearOfCode(first);
   forEach<GESCHAEFTSJAHR>(store, [&](const GESCHAEFTSJAHR &record) {
-    Year &year = years_[record.Jahr];
+    ChartYear &year = years_[record.Jahr];
     year.record = record;
     must(vlba98::itotwo(year.record.Jahr - vlba98::firstYear, year.code));
   });
 }
 
-Year &Chart::yearOf(const char *reversedDate) {
+ChartYear &Chart::yearOf(const char *reversedDate) {
   for (auto &[number, year] : years_) {
     if (std::strcmp(reversedDate, year.record.Beginn) < 0 || std::strcmp(year.record.Ende, reversedDate) < 0) continue;
     if (year.record.Abgeschlossen) throw Refusal{"Das Geschäftsjahr " + std::to_string(number) + " ist abgeschlossen."};
@@ -68,11 +68,11 @@ Year &Chart::yearOf(const char *reversedDate) {
   throw Refusal{"Zum Belegdatum " + displayed(reversedDate) + " gibt es kein Geschäftsjahr."};
 }
 
-void Chart::open(const Year &year) {
+void Chart::open(const ChartYear &year) {
   if (std::strcmp(store_.HoleOpenJahr(), year.code) != 0) must(store_.SetzeOpenJahr(year.code));
 }
 
-int32_t Chart::nextEntry(Year &year) {
+int32_t Chart::nextEntry(ChartYear &year) {
   if (year.lastEntry < 0) {
     open(year);
     const auto greatest = last<BUCHUNGSBELEG>(store_);
@@ -81,9 +81,9 @@ int32_t Chart::nextEntry(Year &year) {
   return ++year.lastEntry;
 }
 
-Account &Chart::account(Year &year, int table, const char *number, const char *role) {
+ChartAccount &Chart::account(ChartYear &year, int table, const char *number, const char *role) {
   auto [known, fresh] = year.accounts.try_emplace({table, number});
-  Account &account = known->second;
+  ChartAccount &account = known->second;
   if (fresh) {
     open(year);
     account.table = table;
@@ -102,7 +102,7 @@ Account &Chart::account(Year &year, int table, const char *number, const char *r
   return account;
 }
 
-CostCentre &Chart::centre(Year &year, int dimension, const char *number) {
+CostCentre &Chart::centre(ChartYear &year, int dimension, const char *number) {
   auto [known, fresh] = year.centres.try_emplace({dimension, number});
   if (fresh) {
     open(year);
@@ -145,21 +145,21 @@ Amount Chart::valued(int64_t own) const {
   if (euroRate_ == 0) return {own, own};
   constexpr int64_t millionths = 1'000'000;
   auto euro = vlba98::mulDiv(own, millionths, euroRate_, vlba98::Rounding::halfAwayFromZero);
-  if (!euro || *euro > vlba98::maxGeld || *euro < -vlba98::maxGeld)
+  if (!euro || *euro > vlba98::maxMoney || *euro < -vlba98::maxMoney)
     throw Refusal{"Der Betrag in Euro überschreitet 999.999.999,99."};
   return {own, *euro};
 }
 
-int Chart::monthOf(const Year &year, const char *reversedDate) {
+int Chart::monthOf(const ChartYear &year, const char *reversedDate) {
   const auto day = vlba98::fromReversed(reversedDate);
   if (!day) throw StoreFailed();
-  return vlfn98::BuchungsMonat(year.record, *day);
+  return vlfn98::fiscalMonth(year.record, *day);
 }
 
 void Chart::add(MoneyText &sum, int64_t amount, const std::string &of) {
   if (amount == 0) return;
   const std::string former = sum;
-  if (!vlba98::formatGeld(vlba98::parseGeld(sum).value_or(0) + amount, sum))
+  if (!vlba98::formatMoney(vlba98::parseMoney(sum).value_or(0) + amount, sum))
     throw Refusal{of + ": der Wert überschreitet 999.999.999,99."};
   former_.emplace_back(&sum, former);
 }
@@ -169,12 +169,12 @@ void Chart::takeBack() {
     vlba98::strncpy2(*former_.back().first, former_.back().second);
 }
 
-void Chart::move(Account &account, const Year &year, Art art, const char *reversedDate, bool debit,
+void Chart::move(ChartAccount &account, const ChartYear &year, EntryKind kind, const char *reversedDate, bool debit,
                  const Amount &amount) {
   int month = monthOf(year, reversedDate);
   auto addTo = [&](auto &record) {
-    add(fieldOf(record.Werte, art, month, debit), amount.own, nameOf(account));
-    add(fieldOf(record.EuroWerte, art, month, debit), amount.euro, nameOf(account));
+    add(fieldOf(record.Werte, kind, month, debit), amount.own, nameOf(account));
+    add(fieldOf(record.EuroWerte, kind, month, debit), amount.euro, nameOf(account));
   };
   if (account.table == kSachkonto)
     addTo(account.record.Sachkonto);
@@ -183,7 +183,7 @@ void Chart::move(Account &account, const Year &year, Art art, const char *revers
   account.moved = true;
 }
 
-void Chart::moveCosts(CostCentre &centre, const Year &year, const char *reversedDate, const Amount &amount) {
+void Chart::moveCosts(CostCentre &centre, const ChartYear &year, const char *reversedDate, const Amount &amount) {
   int month = monthOf(year, reversedDate);
   const std::string name = "Kostenstelle " + utf8(centre.record.Nr);
   add(centre.record.Kosten[month - 1], amount.own, name);

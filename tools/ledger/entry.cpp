@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "ledger/refusal.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlba98/text.h"
 #include "vlfn98/accounts.h"
 #include "vlfn98/tax.h"
@@ -12,8 +12,6 @@ using namespace vldb98;
 
 namespace ledger {
 namespace {
-
-enum TaxKind : int16_t { kSteuerfrei = 0, kErwerb = 3, kReverseCharge = 4 };
 
 bool isBlank(const char *number) {
   return vlba98::trimmed(number).empty();
@@ -35,9 +33,9 @@ struct Value {
   }
 };
 
-class Line {
+class LineMovements {
 public:
-  Line(Chart &chart, Year &year, const BATCHBUCHUNG &posting, const SPLIT &line)
+  LineMovements(Chart &chart, ChartYear &year, const BATCHBUCHUNG &posting, const SPLIT &line)
       : chart_(chart), year_(year), posting_(posting), line_(line),
         debit_(&chart.account(year, tableOfKind(line.Sollart), line.Sollkonto, "Sollkonto")),
         credit_(&chart.account(year, tableOfKind(line.Habenart), line.Habenkonto, "Habenkonto")),
@@ -46,14 +44,14 @@ public:
   std::vector<Movement> movements() {
     const Value gross = stored(line_.Brutto, line_.BruttoFW), tax = stored(line_.Steuerbetrag, line_.SteuerFW);
     const Value net = gross - tax;
-    const auto side = vlfn98::Steuerseite(line_.Steuerseite);
-    if (valueOf(line_.Netto) != net.amount.own || (tax.amount.own != 0 && side == vlfn98::Steuerseite::Keine))
+    const auto side = vlfn98::TaxSide(line_.Steuerseite);
+    if (valueOf(line_.Netto) != net.amount.own || (tax.amount.own != 0 && side == vlfn98::TaxSide::None))
       throw Refusal{"Netto- und Steuerbetrag ergeben nicht den Bruttobetrag."};
-    taxOnDebit_ = side == vlfn98::Steuerseite::Soll;
-    const bool taxOnCredit = side == vlfn98::Steuerseite::Haben;
+    taxOnDebit_ = side == vlfn98::TaxSide::Debit;
+    const bool taxOnCredit = side == vlfn98::TaxSide::Credit;
     add(*debit_, true, taxOnDebit_ ? net : gross);
     add(*credit_, false, taxOnCredit ? net : gross);
-    if (side != vlfn98::Steuerseite::Keine && line_.Steuerschluessel != 0) addTax(gross, tax);
+    if (side != vlfn98::TaxSide::None && line_.Steuerschluessel != 0) addTax(gross, tax);
     addControlAccounts();
     return std::move(movements_);
   }
@@ -70,7 +68,7 @@ private:
   }
 
   // \param debit the side; the contra account is that of the other one
-  void add(Account &account, bool debit, const Value &value) {
+  void add(ChartAccount &account, bool debit, const Value &value) {
     movements_.push_back({&account, debit ? credit_ : debit_, debit, value.amount, value.foreign,
                           line_.Steuerschluessel, rate_, &line_});
   }
@@ -80,7 +78,7 @@ private:
     const bool excluded = tax.amount.own == 0 && rate_ == 0;
     const STEUSA key =
         chart_.taxKey(line_.Steuerschluessel, posting_.Belegdatum, excluded ? valueOf(line_.Schluesselsatz) : rate_);
-    if (key.Art == kErwerb || key.Art == kReverseCharge) return addTaxOwed(gross, key);
+    if (key.Art == vlfn98::kAcquisition || key.Art == vlfn98::kReverseCharge) return addTaxOwed(gross, key);
     if (tax.amount.own != 0) add(taxAccount(key, key.Steuerkonto, "Steuerkonto"), taxOnDebit_, tax);
   }
 
@@ -103,7 +101,7 @@ private:
     if (deducted.amount.own != *tax) add(taxOnDebit_ ? *debit_ : *credit_, taxOnDebit_, owed - deducted);
   }
 
-  Account &taxAccount(const STEUSA &key, const char *number, const char *name) {
+  ChartAccount &taxAccount(const STEUSA &key, const char *number, const char *name) {
     const std::string role = std::string(name) + " des Steuerschlüssels " + std::to_string(key.Schluessel);
     if (isBlank(number)) throw Refusal{"Das " + role + " fehlt."};
     return chart_.account(year_, kSachkonto, number, role.c_str());
@@ -123,10 +121,10 @@ private:
   }
 
   Chart &chart_;
-  Year &year_;
+  ChartYear &year_;
   const BATCHBUCHUNG &posting_;
   const SPLIT &line_;
-  Account *debit_, *credit_;
+  ChartAccount *debit_, *credit_;
   int64_t rate_;
   bool inEuro_;
   bool taxOnDebit_ = false;
@@ -136,15 +134,15 @@ private:
 } // namespace
 
 int64_t valueOf(const char *money) {
-  return vlba98::parseGeld(money).value_or(0);
+  return vlba98::parseMoney(money).value_or(0);
 }
 
 bool isInEuro(const BATCHBUCHUNG &posting, const SPLIT &line) {
   return *line.BruttoFW && std::strcmp(posting.Waehrung, "EUR") == 0;
 }
 
-std::vector<Movement> movementsOf(Chart &chart, Year &year, const BATCHBUCHUNG &posting, const SPLIT &line) {
-  return Line(chart, year, posting, line).movements();
+std::vector<Movement> movementsOf(Chart &chart, ChartYear &year, const BATCHBUCHUNG &posting, const SPLIT &line) {
+  return LineMovements(chart, year, posting, line).movements();
 }
 
 } // namespace ledger

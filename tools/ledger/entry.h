@@ -10,8 +10,8 @@ namespace ledger {
 
 /// One account moved by one line of a posting.
 struct Movement {
-  Account *account;
-  Account *contra;
+  ChartAccount *account;
+  ChartAccount *contra;
   bool debit;
   Amount amount;                  ///< below zero for a reversal
   std::optional<int64_t> foreign; ///< the same in the posting's currency
@@ -29,7 +29,7 @@ bool isInEuro(const vldb98::BATCHBUCHUNG &posting, const vldb98::SPLIT &line);
 /// The movements of a line: its two accounts, the tax accounts, and the control accounts of personal accounts. Over the
 /// general ledger they balance, in the client's currency and in Euro.
 /// \throws Refusal when the line cannot be posted
-std::vector<Movement> movementsOf(Chart &chart, Year &year, const vldb98::BATCHBUCHUNG &posting,
+std::vector<Movement> movementsOf(Chart &chart, ChartYear &year, const vldb98::BATCHBUCHUNG &posting,
                                   const vldb98::SPLIT &line);
 
 } // namespace ledger

@@ -6,9 +6,10 @@
 
 #include "ledger/refusal.h"
 #include "store/typed.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlba98/muldiv.h"
 #include "vlba98/text.h"
+#include "vlfn98/currency.h"
 #include "vlfn98/terms.h"
 
 using namespace vldb98;
@@ -17,12 +18,11 @@ namespace ledger {
 namespace {
 
 constexpr int kByNumber = 9; // key of the open items: document number of the item, account
-constexpr int16_t kOwnCurrency = 0, kEuro = -1, kOtherCurrency = 1;
 
-int tableOfItems(const Account &account) {
+int tableOfItems(const ChartAccount &account) {
   return account.table == kDebitor ? kOPDebitor : kOPKreditor;
 }
-int tableOfHistory(const Account &account) {
+int tableOfHistory(const ChartAccount &account) {
   return account.table == kDebitor ? kHistOPDebitor : kHistOPKreditor;
 }
 
@@ -31,7 +31,7 @@ const char *itemNumber(const BATCHBUCHUNG &posting) {
 }
 
 void put(char (&money)[13], int64_t amount) {
-  if (!vlba98::formatGeld(amount, money)) throw Refusal{"Der offene Posten überschreitet 999.999.999,99."};
+  if (!vlba98::formatMoney(amount, money)) throw Refusal{"Der offene Posten überschreitet 999.999.999,99."};
 }
 
 bool sameSign(int64_t a, int64_t b) {
@@ -49,11 +49,10 @@ void putBlank(char (&number)[8]) {
 }
 
 void putRate(char (&field)[6], int64_t rate) {
-  vlba98::formatGeld(rate, field, vlba98::satzWidth);
+  vlba98::formatMoney(rate, field, vlba98::rateWidth);
 }
 
-void putDiscount(char (&day)[7], char (&rate)[6], int16_t days, const char (&rateOfTerm)[6],
-                 const vlba98::Datum &from) {
+void putDiscount(char (&day)[7], char (&rate)[6], int16_t days, const char (&rateOfTerm)[6], const vlba98::Date &from) {
   if (valueOf(rateOfTerm) == 0) return;
   std::memcpy(rate, rateOfTerm, sizeof rate);
   if (auto until = vlba98::addDays(from, days)) std::memcpy(day, vlba98::toReversed(*until).data(), sizeof day);
@@ -63,7 +62,7 @@ void putDiscount(char (&day)[7], char (&rate)[6], int16_t days, const char (&rat
 
 std::vector<ItemMovement> itemMovementsOf(const std::vector<Movement> &movements) {
   std::vector<ItemMovement> items;
-  auto isIncome = [](const Account &account) {
+  auto isIncome = [](const ChartAccount &account) {
     return account.table == kSachkonto && account.record.Sachkonto.GuV != 0;
   };
   for (const Movement &movement : movements) {
@@ -92,7 +91,7 @@ std::vector<ItemMovement> itemMovementsOf(const std::vector<Movement> &movements
   return items;
 }
 
-void OpenItems::post(const Year &year, const BATCHBUCHUNG &posting, const std::vector<ItemMovement> &movements) {
+void OpenItems::post(const ChartYear &year, const BATCHBUCHUNG &posting, const std::vector<ItemMovement> &movements) {
   std::vector<Change> changes;
   for (const ItemMovement &movement : movements)
     if (auto change = reckon(year, posting, movement)) changes.push_back(*change);
@@ -100,7 +99,7 @@ void OpenItems::post(const Year &year, const BATCHBUCHUNG &posting, const std::v
     write(year, change);
 }
 
-std::optional<OpenItems::Change> OpenItems::reckon(const Year &year, const BATCHBUCHUNG &posting,
+std::optional<OpenItems::Change> OpenItems::reckon(const ChartYear &year, const BATCHBUCHUNG &posting,
                                                    const ItemMovement &movement) {
   // Opening balances bring items into the client's first year only: later ones carry forward what is open already.
   if (posting.Abschluss || (posting.Eroeffnung && !chart_.isFirst(year)) || movement.amount == 0) return std::nullopt;
@@ -134,7 +133,7 @@ OPBELEG OpenItems::created(const BATCHBUCHUNG &posting, const ItemMovement &move
   put(item.Ausstand, movement.amount);
   if (movement.foreign) {
     vlba98::strncpy2(item.Waehrung, posting.Waehrung);
-    item.Waehrungsindex = isInEuro(posting, *movement.first) ? kEuro : kOtherCurrency;
+    item.Waehrungsindex = isInEuro(posting, *movement.first) ? vlfn98::kEuro : vlfn98::kOtherCurrency;
     put(item.BetragFW, *movement.foreign);
     put(item.Ausstand2, *movement.foreign);
   }
@@ -153,8 +152,7 @@ OPBELEG OpenItems::created(const BATCHBUCHUNG &posting, const ItemMovement &move
     putDiscount(item.Skontodatum1, item.Skontosatz1, term->Skontotage1, term->Skontosatz1, *from);
     putDiscount(item.Skontodatum2, item.Skontosatz2, term->Skontotage2, term->Skontosatz2, *from);
     if (!*item.Faelligkeit)
-      if (auto due = vlfn98::faelligkeit(*term, *from))
-        vlba98::strncpy2(item.Faelligkeit, vlba98::toReversed(*due).data());
+      if (auto due = vlfn98::dueDate(*term, *from)) vlba98::strncpy2(item.Faelligkeit, vlba98::toReversed(*due).data());
   }
   return item;
 }
@@ -192,7 +190,7 @@ OPHISTORIE OpenItems::paymentOf(const BATCHBUCHUNG &posting, const ItemMovement 
   return payment;
 }
 
-void OpenItems::write(const Year &year, Change &change) {
+void OpenItems::write(const ChartYear &year, Change &change) {
   const auto table = FileNumber(change.table), history = FileNumber(change.history);
   if (change.isNew) {
     change.item.Nr = nextNumber();

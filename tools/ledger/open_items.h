@@ -10,8 +10,8 @@ namespace ledger {
 
 /// What one posting does to one personal account, all of its lines together.
 struct ItemMovement {
-  Account *account = nullptr;
-  Account *contra = nullptr;
+  ChartAccount *account = nullptr;
+  ChartAccount *contra = nullptr;
   int64_t amount = 0;   ///< above zero in the usual direction: a debtor owes more, more is owed to a creditor
   int64_t discount = 0; ///< part of the amount that was deducted, not paid
   std::optional<int64_t> foreign;
@@ -37,7 +37,7 @@ public:
   OpenItems(vldb98::Store &store, Chart &chart, int32_t user) : store_(store), chart_(chart), user_(user) {}
 
   /// Posts what a posting does to items: all of it or, with a refusal, nothing.
-  void post(const Year &year, const vldb98::BATCHBUCHUNG &posting, const std::vector<ItemMovement> &movements);
+  void post(const ChartYear &year, const vldb98::BATCHBUCHUNG &posting, const std::vector<ItemMovement> &movements);
   const ItemCounts &counts() const { return counts_; }
 
 private:
@@ -48,12 +48,13 @@ private:
     bool isNew;
     std::optional<vldb98::OPHISTORIE> payment;
   };
-  std::optional<Change> reckon(const Year &year, const vldb98::BATCHBUCHUNG &posting, const ItemMovement &movement);
+  std::optional<Change> reckon(const ChartYear &year, const vldb98::BATCHBUCHUNG &posting,
+                               const ItemMovement &movement);
   vldb98::OPBELEG created(const vldb98::BATCHBUCHUNG &posting, const ItemMovement &movement);
   void change(const vldb98::BATCHBUCHUNG &posting, const ItemMovement &movement, Change &change);
   vldb98::OPHISTORIE paymentOf(const vldb98::BATCHBUCHUNG &posting, const ItemMovement &movement,
                                const vldb98::OPBELEG &item);
-  void write(const Year &year, Change &change);
+  void write(const ChartYear &year, Change &change);
   int32_t nextNumber();
   int32_t greatestInHistory(int table, int32_t item);
 

@@ -1,13 +1,13 @@
 #include "zelkctl/amounts.h"
 
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 
 namespace zelkctl {
 
 int64_t hundredths(const char *plain) {
-  char internal[vlba98::geldWidth + 1];
-  bool amount = vlba98::IsGeld(plain, int(vlba98::geldWidth), 1, 1, internal);
-  return amount ? vlba98::parseGeld(internal).value_or(0) : 0;
+  char internal[vlba98::moneyWidth + 1];
+  bool amount = vlba98::IsGeld(plain, int(vlba98::moneyWidth), 1, 1, internal);
+  return amount ? vlba98::parseMoney(internal).value_or(0) : 0;
 }
 
 std::string grouped(int64_t value) {

@@ -9,9 +9,9 @@
 #include "platform/files.h"
 #include "store/guards.h"
 #include "vlba98/csv.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/encoding.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlba98/text.h"
 #include "zelkctl/console.h"
 #include "zelkctl/folder_rules.h"
@@ -66,7 +66,7 @@ std::string storeValue(const Field &field, const std::string &value, char *recor
            : width == 5                                        ? "ein Prozentsatz wie 19,00"
                                                                : "ein Betrag wie 1234,50";
   case FieldType::Date: {
-    auto date = vlba98::parseDatum(value);
+    auto date = vlba98::parseDate(value);
     if (date) std::memcpy(at, vlba98::toReversed(*date).data(), field.size);
     return date ? "" : "ein Datum TT.MM.JJJJ";
   }

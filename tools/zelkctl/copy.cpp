@@ -5,7 +5,7 @@
 
 #include "store/guards.h"
 #include "store/typed.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/text.h"
 
 using namespace vldb98;

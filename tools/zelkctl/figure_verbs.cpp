@@ -4,6 +4,9 @@
 #include <map>
 
 #include "vlba98/encoding.h"
+#include "vlfn98/fiscal_year.h"
+#include "vlfn98/periods.h"
+#include "vlfn98/structure_lines.h"
 #include "zelk98/zelk98.h"
 #include "zelkctl/amounts.h"
 #include "zelkctl/console.h"
@@ -15,7 +18,8 @@ namespace {
 constexpr int32_t kPlainAmounts = 2;
 constexpr size_t kAmountSize = 16;
 constexpr size_t kLineWidth = 120;
-constexpr int kMonths = 12, kMonthsPerRow = 6;
+using vlfn98::kMonths;
+constexpr int kMonthsPerRow = 6;
 
 struct KindName {
   const char *name;
@@ -66,18 +70,18 @@ bool understand(int32_t client, const FigureQuery &query, Question &question) {
 }
 
 /// An account as the walk over its kind delivers it.
-struct Account {
+struct WalkedAccount {
   std::string number, shortName, name, reference; // Windows-1252
   int32_t dimension = 0;
 };
 
-template <class Record> void take(Account &account, const Record &record) {
+template <class Record> void take(WalkedAccount &account, const Record &record) {
   account.number = record.Kontonummer;
   account.shortName = record.Kuerzel;
   account.name = record.Name;
 }
 
-ZelkResult nextAccount(int32_t kind, Account &account) {
+ZelkResult nextAccount(int32_t kind, WalkedAccount &account) {
   ZelkResult result;
   if (kind == ZELK_SACHKONTO) {
     ZELK_SAKO record;
@@ -100,7 +104,7 @@ ZelkResult nextAccount(int32_t kind, Account &account) {
 template <class Each> ZelkResult forEachAccount(int32_t client, int32_t kind, const char *from, Each &&each) {
   ZelkResult result = ZELK_InitHoleKonto(client, kind, 0, from, 0);
   while (result == ZELK_OK) {
-    Account account;
+    WalkedAccount account;
     result = nextAccount(kind, account);
     if (result > 0 && !each(account)) break;
   }
@@ -137,7 +141,7 @@ int showBalances(int32_t client, const FigureQuery &query) {
   };
   std::map<int32_t, Sum> sums; // what a cost posting costs stands in every dimension that it names
   ZelkResult failure = ZELK_OK;
-  auto add = [&](const Account &account) {
+  auto add = [&](const WalkedAccount &account) {
     if (centres && ((query.dimension && account.dimension != *query.dimension) ||
                     (!asked.reference.empty() && account.reference != asked.reference)))
       return true;
@@ -165,8 +169,8 @@ int showBalances(int32_t client, const FigureQuery &query) {
     walked = forEachAccount(client, asked.kind, nullptr, add);
   else {
     // Names stand in the current year, where the account may be missing.
-    Account account{asked.account, "", "", asked.reference, asked.dimension};
-    forEachAccount(client, asked.kind, asked.account.c_str(), [&](const Account &each) {
+    WalkedAccount account{asked.account, "", "", asked.reference, asked.dimension};
+    forEachAccount(client, asked.kind, asked.account.c_str(), [&](const WalkedAccount &each) {
       const bool found = each.number == asked.account && (!centres || each.dimension == asked.dimension) &&
                          (asked.reference.empty() || each.reference == asked.reference);
       if (found) {
@@ -218,13 +222,13 @@ int showTurnover(int32_t client, const FigureQuery &query) {
   for (int32_t quarter = 1; quarter <= 4; ++quarter) {
     for (int32_t month = 3 * quarter - 2; month <= 3 * quarter; ++month)
       periods.push_back({std::to_string(month) + " " + monthName(month, info.Gejabeginn), month});
-    periods.push_back({std::to_string(quarter) + ". Quartal", 12 + quarter});
+    periods.push_back({std::to_string(quarter) + ". Quartal", vlfn98::kFirstQuarter + quarter - 1});
   }
   if (!centre) {
-    periods.insert(periods.begin(), {"Eröffnung", 17});
-    periods.push_back({"Abschluss", 19});
+    periods.insert(periods.begin(), {"Eröffnung", vlfn98::kOpeningOnly});
+    periods.push_back({"Abschluss", vlfn98::kClosingOnly});
   }
-  periods.push_back({"Jahr", 20});
+  periods.push_back({"Jahr", vlfn98::kWholeYear});
   for (const Period &period : periods) {
     char values[6][kAmountSize] = {};
     ZelkResult result = ZELK_HoleUmsatz(client, asked.account.c_str(), asked.kind, period.code, query.year.value_or(-1),
@@ -282,9 +286,8 @@ int showBudgets(int32_t client, const FigureQuery &query) {
 }
 
 int showStructure(int32_t client, int32_t structure, const FigureQuery &query) {
-  constexpr int32_t allLines = 32768, accountLine = 1, hidden = 4;
   std::map<std::string, std::string> names;
-  ZelkResult result = forEachAccount(client, ZELK_SACHKONTO, nullptr, [&](const Account &account) {
+  ZelkResult result = forEachAccount(client, ZELK_SACHKONTO, nullptr, [&](const WalkedAccount &account) {
     names[account.number] = account.name;
     return true;
   });
@@ -293,7 +296,8 @@ int showStructure(int32_t client, int32_t structure, const FigureQuery &query) {
       query.csv ? std::vector<TextTable::Column>{{"Ebene", true}, {"Art", true}, {"Name"}, {"Kennung"}, {"Bezeichnung"}}
                 : std::vector<TextTable::Column>{{"Zeile"}, {"Kennung"}});
   // A class that has this bit already would pass for another one.
-  const int32_t asked = query.all && structure >= 0 && structure < allLines ? structure + allLines : structure;
+  const int32_t asked =
+      query.all && structure >= 0 && structure < vlfn98::kHiddenToo ? structure + vlfn98::kHiddenToo : structure;
   result = ZELK_InitHoleAufbau(client, asked, 0);
   if (result == ZELK_keinKonto && !query.csv) {
     std::puts("Der Aufbau hat keine Zeilen.");
@@ -304,7 +308,7 @@ int showStructure(int32_t client, int32_t structure, const FigureQuery &query) {
     char name[41], identifier[41];
     result = ZELK_HoleAufbauID(&kind, name, &level, identifier);
     if (result < 0) break;
-    const bool account = kind & accountLine;
+    const bool account = kind & vlfn98::kAccountLine;
     const auto known = account ? names.find(name) : names.end();
     const std::string title = known == names.end() ? "" : shown(known->second.c_str());
     if (query.csv) {
@@ -314,7 +318,7 @@ int showStructure(int32_t client, int32_t structure, const FigureQuery &query) {
     const int depth = std::max(0, level - (account ? 0 : 1));
     std::string line = std::string(size_t(2 * depth), ' ') + shown(name);
     if (!title.empty()) line += "  " + title;
-    if (kind & hidden) line += "  (verborgen)";
+    if (kind & vlfn98::kHidden) line += "  (verborgen)";
     table.add({line, account ? "" : shown(identifier)});
   }
   if (result < 0) return complainOf("aufbau", result);

@@ -3,11 +3,12 @@
 #include <algorithm>
 #include <cstring>
 
-#include "vlba98/datum.h"
-#include "vlba98/geld.h"
+#include "vlba98/date.h"
+#include "vlba98/money.h"
 #include "vlba98/text.h"
 #include "vlfn98/costs.h"
 #include "vlfn98/currency.h"
+#include "vlfn98/tax.h"
 #include "vlfn98/terms.h"
 
 using namespace vldb98;
@@ -42,7 +43,7 @@ constexpr bool within(int64_t value, int64_t least, int64_t greatest) {
 }
 
 bool isDimension(int16_t value) {
-  return within(value, 0, 5);
+  return within(value, 0, vlfn98::kDimensions - 1);
 }
 
 bool isCurrency(const char *code) {
@@ -88,21 +89,22 @@ const Rule kRules[] = {
     {kSteusa, "Schluessel muss von 1 bis 511 gehen und darf nicht 32 sein.",
      [](const DATENBANK &r) { return within(r.Steusa.Schluessel, 1, 511) && r.Steusa.Schluessel != 32; }},
     {kSteusa, "GueltigAb fehlt.", [](const DATENBANK &r) { return *r.Steusa.GueltigAb != 0; }},
-    {kSteusa, "Art muss von 0 bis 4 gehen.", [](const DATENBANK &r) { return within(r.Steusa.Art, 0, 4); }},
+    {kSteusa, "Art muss von 0 bis 4 gehen.",
+     [](const DATENBANK &r) { return within(r.Steusa.Art, vlfn98::kTaxFree, vlfn98::kReverseCharge); }},
     {kSteusa, "Anteil muss von 0 bis 99 gehen.", [](const DATENBANK &r) { return within(r.Steusa.Anteil, 0, 99); }},
     {kKurse, "Waehrung muss aus drei Großbuchstaben bestehen.",
      [](const DATENBANK &r) { return isCurrency(r.Kurse.Waehrung); }},
     {kKurse, "Datum fehlt.", [](const DATENBANK &r) { return *r.Kurse.Datum != 0; }},
     {kKurse, "Kurs muss eine Zahl über null mit höchstens sechs Stellen hinter dem Komma sein.",
-     [](const DATENBANK &r) { return vlfn98::parseKurs(r.Kurse.Kurs).has_value(); }},
+     [](const DATENBANK &r) { return vlfn98::parseRate(r.Kurse.Kurs).has_value(); }},
     {kKurse, "Einheiten muss mindestens 1 sein.", [](const DATENBANK &r) { return r.Kurse.Einheiten >= 1; }},
     {kKoscha, "Nr muss mindestens 1 sein.", [](const DATENBANK &r) { return r.Koscha.Nr >= 1; }},
     {kKoschaZeile, "Es ist keine Kostenstelle genannt.",
      [](const DATENBANK &r) { return !isBlank(r.KoschaZeile.Kostenstelle1) || !isBlank(r.KoschaZeile.Kostenstelle2); }},
     {kKoschaZeile, "Kostenkennung muss von 0 bis 2 gehen.",
-     [](const DATENBANK &r) { return vlfn98::isKostenkennung(r.KoschaZeile.Kostenkennung); }},
+     [](const DATENBANK &r) { return vlfn98::isCostKind(r.KoschaZeile.Kostenkennung); }},
     {kKoschaZeile, "Anteil muss über null liegen.",
-     [](const DATENBANK &r) { return vlba98::parseGeld(r.KoschaZeile.Anteil).value_or(0) > 0; }},
+     [](const DATENBANK &r) { return vlba98::parseMoney(r.KoschaZeile.Anteil).value_or(0) > 0; }},
     {kZahlziel, "Kuerzel hat am Anfang oder Ende Leerzeichen.",
      [](const DATENBANK &r) { return vlfn98::storedShortName(r.Zahlziel.Kuerzel) == r.Zahlziel.Kuerzel; }},
     {kAnyStructure, "Flags muss von 0 bis 7 gehen.", [](const DATENBANK &r) { return within(r.Aufbau.Flags, 0, 7); }},

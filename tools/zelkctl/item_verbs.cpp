@@ -13,7 +13,7 @@ namespace {
 
 constexpr int32_t kPlainAmounts = 2;
 constexpr size_t kLineWidth = 120;
-constexpr int32_t kDunningBlocked = 65535;
+constexpr int32_t kBlockedLevel = 65535;
 
 /// An item as a fetch delivers it; what only historical ones have stays empty for the others.
 struct Item {
@@ -61,7 +61,7 @@ std::string shortDate(const char *date) {
 }
 
 std::string level(const Item &item) {
-  if (item.dunningBlocked || item.dunningLevel == kDunningBlocked) return "gesperrt";
+  if (item.dunningBlocked || item.dunningLevel == kBlockedLevel) return "gesperrt";
   return item.dunningLevel ? std::to_string(item.dunningLevel) : "";
 }
 

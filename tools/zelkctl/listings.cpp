@@ -2,9 +2,9 @@
 #include <cstdio>
 #include <cstring>
 
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/encoding.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 #include "vlba98/text.h"
 #include "zelk98/zelk98.h"
 #include "zelkctl/console.h"
@@ -14,12 +14,12 @@ namespace zelkctl {
 namespace {
 
 std::string amount(const char *internalForm) {
-  char display[vlba98::geldDisplaySize];
+  char display[vlba98::moneyDisplaySize];
   return vlba98::MakeGeld(display, internalForm, 1) ? display : shown(internalForm);
 }
 
 std::string date(const char *external) {
-  auto parsed = vlba98::parseDatum(external);
+  auto parsed = vlba98::parseDate(external);
   return parsed ? vlba98::toDisplay(*parsed).data() : "";
 }
 
@@ -95,7 +95,7 @@ std::string shortDate(const char *external) {
 // A rate as people say it: "19", "8,1".
 std::string shortRate(const char *rate) {
   std::string text = shown(rate);
-  if (vlba98::parseGeld(rate).value_or(0) == 0) return "";
+  if (vlba98::parseMoney(rate).value_or(0) == 0) return "";
   text.erase(0, text.front() == '0' ? 1 : 0);
   text.erase(text.find_last_not_of('0') + 1);
   if (text.back() == ',') text.pop_back();
@@ -103,7 +103,7 @@ std::string shortRate(const char *rate) {
 }
 
 std::string amountUnlessZero(const char *internalForm) {
-  return vlba98::parseGeld(internalForm).value_or(0) ? amount(internalForm) : "";
+  return vlba98::parseMoney(internalForm).value_or(0) ? amount(internalForm) : "";
 }
 
 std::string describe(const ZELK_BATCHKOBU &cost) {
@@ -136,9 +136,9 @@ void addPosting(TextTable &table, const ZELK_SPLITBUCHUNG &posting, const Postin
                shortRate(line.Steuersatz), amountUnlessZero(stored.Steuer), amount(stored.Netto),
                shortDate(stored.Faelligkeit), shown(line.Text)});
     if (converted) {
-      char net[vlba98::geldWidth + 1] = "";
-      vlba98::formatGeld(
-          vlba98::parseGeld(line.Bruttobetrag).value_or(0) - vlba98::parseGeld(line.Steuerbetrag).value_or(0), net);
+      char net[vlba98::moneyWidth + 1] = "";
+      vlba98::formatMoney(
+          vlba98::parseMoney(line.Bruttobetrag).value_or(0) - vlba98::parseMoney(line.Steuerbetrag).value_or(0), net);
       table.add({"", "", "", "", amount(line.Bruttobetrag), shown(posting.Waehrung), "",
                  amountUnlessZero(line.Steuerbetrag), amount(net), "", ""});
     }

@@ -31,7 +31,7 @@ public:
 };
 
 std::string germanError(const CLI::App *app, const CLI::Error &error) {
-  // The option library names the option, or what was typed, in front of or behind its sentence.
+  // The option library names the option, or what was typed, before or after its sentence.
   struct Sentence {
     const char *error, *german;
   };

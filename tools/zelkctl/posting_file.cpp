@@ -6,7 +6,7 @@
 #include <map>
 
 #include "vlba98/csv.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/encoding.h"
 #include "vlba98/text.h"
 #include "zelkctl/values.h"
@@ -111,7 +111,7 @@ char *fieldOf(PostingRow &row, const Column &column) {
 // What is no date goes over as a text that is none either, never as a part of it that happens to be one.
 std::string boundaryDate(const std::string &value) {
   std::string_view text = vlba98::trimmed(value);
-  if (auto date = vlba98::parseDatum(text)) return vlba98::toExternal6(*date).data();
+  if (auto date = vlba98::parseDate(text)) return vlba98::toExternal6(*date).data();
   return text.empty() ? "" : "?";
 }
 

@@ -10,7 +10,7 @@
 namespace zelkctl {
 
 struct StructureProblem {
-  size_t line; ///< index of the line; one behind the last: of the structure as a whole
+  size_t line; ///< index of the line; one after the last: of the structure as a whole
   std::string text;
 };
 

@@ -84,7 +84,7 @@ int showTurnover(int32_t client, const FigureQuery &query);
 int showBudgets(int32_t client, const FigureQuery &query);
 int showStructure(int32_t client, int32_t structure, const FigureQuery &query);
 
-/// Complains of a result of the library by its number, name and text, behind a text that says what was tried.
+/// Complains of a result of the library by its number, name and text, after a text that says what was tried.
 /// \return kFailed
 int complainOf(const std::string &tried, int32_t result);
 /// Complains of characters that Windows-1252 has not. \return kFailed

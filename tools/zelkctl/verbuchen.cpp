@@ -5,7 +5,7 @@
 
 #include "ledger/batch_run.h"
 #include "platform/system.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/text.h"
 #include "zelkctl/amounts.h"
 #include "zelkctl/console.h"
@@ -15,25 +15,25 @@
 namespace zelkctl {
 namespace {
 
-std::optional<vlba98::Datum> dayOf(const std::string &text) {
-  if (!text.empty()) return vlba98::parseDatum(text);
+std::optional<vlba98::Date> dayOf(const std::string &text) {
+  if (!text.empty()) return vlba98::parseDate(text);
   const platform::LocalTime now = platform::localTime();
-  return vlba98::Datum{now.year, now.month, now.day};
+  return vlba98::Date{now.year, now.month, now.day};
 }
 
-int report(const ledger::Order &order, const ledger::Outcome &outcome) {
+int report(const ledger::BatchOrder &order, const ledger::BatchOutcome &outcome) {
   const std::string batch = "Stapel " + std::to_string(order.batch);
   switch (outcome.state) {
-  case ledger::Outcome::StoreFailed:
+  case ledger::BatchOutcome::StoreFailed:
     complain("Fehler beim Zugriff auf die Datenbank. Es wurde nichts verbucht.");
     return kFailed;
-  case ledger::Outcome::TablesLocked:
+  case ledger::BatchOutcome::TablesLocked:
     complain("Die Tabellen des Mandanten sind gesperrt. Es wurde nichts verbucht.");
     return kFailed;
-  case ledger::Outcome::NothingToPost:
+  case ledger::BatchOutcome::NothingToPost:
     std::printf("%s hat keine Buchungen. Es gibt nichts zu verbuchen.\n", batch.c_str());
     return kDone;
-  case ledger::Outcome::Refused: {
+  case ledger::BatchOutcome::Refused: {
     TextTable refused({{"Buchung", true}, {"Beleg"}, {"Grund"}});
     for (const ledger::RefusedPosting &one : outcome.refused)
       refused.add({one.posting ? std::to_string(one.posting) : "", one.document, one.reason});
@@ -42,7 +42,7 @@ int report(const ledger::Order &order, const ledger::Outcome &outcome) {
     complain(batch + ": es wurde nichts verbucht.");
     return kRefused;
   }
-  case ledger::Outcome::Posted:
+  case ledger::BatchOutcome::Posted:
     break;
   }
   TextTable years({{"Geschäftsjahr"},
@@ -76,7 +76,7 @@ int postToLedger(int32_t client, int32_t batch, const std::string &day, int32_t 
   }
   auto store = openBooks();
   if (!store) return kFailed;
-  ledger::Order order;
+  ledger::BatchOrder order;
   order.client = client;
   order.batch = batch;
   order.user = user;
@@ -88,7 +88,7 @@ int postToLedger(int32_t client, int32_t batch, const std::string &day, int32_t 
     else
       progress->advance();
   };
-  const ledger::Outcome outcome = ledger::postBatch(*store, order);
+  const ledger::BatchOutcome outcome = ledger::postBatch(*store, order);
   progress.reset();
   return report(order, outcome);
 }

@@ -87,7 +87,7 @@ public:
   virtual bool change(ChangeOp op, FileNumber file, DATENBANK *record) = 0;
 
   /// Inserts records of a table that assigns no numbers, on a server in few steps; only inside a transaction, which has
-  /// to be rolled back when it fails. The last one becomes the current record. \param records one behind the other,
+  /// to be rolled back when it fails. The last one becomes the current record. \param records one after the other,
   /// each as long as the table's record
   virtual bool insertAll(FileNumber file, const char *records, size_t count) = 0;
 

@@ -3,9 +3,9 @@
 #include <cassert>
 #include <cstring>
 
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/encoding.h"
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 
 namespace vldb98 {
 namespace {
@@ -87,7 +87,7 @@ bool readColumn(SqlStatement &statement, int column, const Field &field, char *a
   switch (field.type) {
   case FieldType::Money: {
     const auto hundredths = statement.number(column);
-    return !hundredths || vlba98::formatGeld(*hundredths, at, field.size - 1u);
+    return !hundredths || vlba98::formatMoney(*hundredths, at, field.size - 1u);
   }
   case FieldType::Year: {
     const auto year = statement.number(column);
@@ -138,7 +138,7 @@ bool bindField(SqlStatement &statement, int parameter, const Field &field, const
       statement.bindNull(parameter);
       return true;
     }
-    if (auto hundredths = vlba98::parseGeld(text)) {
+    if (auto hundredths = vlba98::parseMoney(text)) {
       statement.bind(parameter, *hundredths);
       return true;
     }
@@ -173,7 +173,7 @@ void bindKeyField(SqlStatement &statement, int parameter, const Field &field, co
   std::string_view text(bytes, length);
   if (field.type == FieldType::Text || length == 0) return bindText(statement, parameter, text, scratch);
   if (length == width) return bindText(statement, parameter, withoutTrailingBlanks(text), scratch);
-  // A key text that was not padded is none of the keys there are, and sorts right behind the one that it resembles.
+  // A key text that was not padded is none of the keys there are, and sorts right after the one that it resembles.
   char unpadded[kKeySize + 1];
   std::memcpy(unpadded, bytes, length);
   unpadded[length] = '\x01';

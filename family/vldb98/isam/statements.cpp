@@ -21,7 +21,7 @@ Names allColumns(const Table &table) {
 
 // Compares the columns with as many parameters from the given one on, as one row. Where the engine seeks such a
 // comparison it stands as it is; else as the alternatives that it consists of, each of which is a range of the index,
-// behind a bound of the first column for servers that seek no alternatives.
+// after a bound of the first column for servers that seek no alternatives.
 std::string compared(const Dialect &dialect, const Names &names, const std::string &comparison, size_t parameter) {
   if (dialect.comparesRows)
     return "(" + joined(names, ",") + ")" + comparison + "(" + joined(Names(names.size(), "?"), ",") + ")";
@@ -97,7 +97,7 @@ Names scopeColumns(const Table &table) {
 }
 
 Names createStatements(const Dialect &dialect, const Table &table) {
-  Names lines, behind;
+  Names lines, indexes;
   for (const std::string &column : scopeColumns(table))
     lines.push_back(column + " " + dialect.integers[size_t(FieldType::UInt16)] + " NOT NULL");
   for (const Field &field : table.fields) {
@@ -117,12 +117,12 @@ Names createStatements(const Dialect &dialect, const Table &table) {
       lines.push_back(filledIn(key.unique ? dialect.uniqueIndex : dialect.index, "%s", indexName(table, key)) +
                       inBrackets);
     else
-      behind.push_back(std::string("CREATE ") + (key.unique ? "UNIQUE " : "") + "INDEX IF NOT EXISTS " +
-                       indexName(table, key) + " ON " + quoted(table.name) + inBrackets);
+      indexes.push_back(std::string("CREATE ") + (key.unique ? "UNIQUE " : "") + "INDEX IF NOT EXISTS " +
+                        indexName(table, key) + " ON " + quoted(table.name) + inBrackets);
   }
   Names statements{filledIn(dialect.createInFront, "%s", table.name) + quoted(table.name) + " (" + joined(lines, ",") +
                    ")" + dialect.createBehind};
-  append(statements, behind);
+  append(statements, indexes);
   return statements;
 }
 
@@ -140,8 +140,8 @@ std::string selectStatement(const Dialect &dialect, const Table &table, const Ke
   const size_t parameter = inFront + conditions.size() + 1;
   Names keyColumns = columns(table, key.fields);
   Names order = columns(table, key.totalOrder);
-  auto compare = [&](const Names &names, const char *comparison, size_t behind = 0) {
-    return compared(dialect, names, comparison, parameter + behind);
+  auto compare = [&](const Names &names, const char *comparison, size_t offset = 0) {
+    return compared(dialect, names, comparison, parameter + offset);
   };
   switch (op) {
   case ReadOp::Ge:

@@ -24,8 +24,8 @@ std::string clearStatement(const Table &table);
 
 /// A read that delivers all fields in the order of the schema (Exists: nothing). Parameters: the scope, then what the
 /// operation compares with: the key's fields (Ge, Le, Exact, Exists), twice for Range; the total order's (Next, Prev).
-/// Next with a bound takes the key's fields of the upper key behind. \param forUpdate nobody else writes the row until
-/// the end of the transaction \param rows at most \param inFront parameters of the text that it is put into
+/// Next with a bound takes the key's fields of the upper key after that. \param forUpdate nobody else writes the row
+/// until the end of the transaction \param rows at most \param inFront parameters of the text that it is put into
 std::string selectStatement(const Dialect &dialect, const Table &table, const Key &key, ReadOp op, bool bounded = false,
                             bool forUpdate = false, int rows = 1, size_t inFront = 0);
 
@@ -45,7 +45,7 @@ std::string sumStatement(const Table &table, const Key &key, const std::vector<i
 
 /// Parameters: of each row the scope, then all fields.
 std::string insertStatement(const Table &table, size_t rows = 1);
-/// Inserts with the number behind the greatest one in the assigned field, and delivers it. Parameters: the scope, all
+/// Inserts with the number after the greatest one in the assigned field, and delivers it. Parameters: the scope, all
 /// other fields, then what greatestStatement takes.
 std::string insertNumberedStatement(const Dialect &dialect, const Table &table);
 /// Parameters: all fields, the scope, then the primary key's fields.

@@ -46,7 +46,7 @@ public:
   virtual ~Locks() = default;
 
   /// Takes locks in the order given, all of them or none. \return false when another session holds one of them and does
-  /// not let it go within the waiting time; the locks behind that one are not tried
+  /// not let it go within the waiting time; the locks after that one are not tried
   bool acquire(std::span<const LockName> names, LockMode mode);
   /// Lowers the counts and lets those locks go that are not held any more. Names that the session does not hold do not
   /// matter.

@@ -12,7 +12,7 @@ std::string upper(std::string_view text) {
   return result;
 }
 
-// Takes the first option, without the semicolon behind it, off a connection string.
+// Takes the first option, without the semicolon after it, off a connection string.
 std::string_view takeOption(std::string_view &text) {
   size_t end = text.find_first_of("=;");
   if (end != text.npos && text[end] == '=') {
@@ -66,15 +66,15 @@ std::string braced(std::string_view value) {
 
 std::string withoutSecrets(std::string_view text) {
   std::string shown;
-  bool behindSecret = false;
+  bool afterSecret = false;
   while (!text.empty()) {
     const size_t before = text.size();
     const std::string_view option = takeOption(text);
     const bool separated = before - text.size() > option.size();
     const size_t value = option.find('=') + 1; // 0: this is no option
     // It can be the rest of a secret that should have stood in braces.
-    const bool secret = value ? carriesSecret(option) : behindSecret && !option.empty();
-    if (value) behindSecret = secret;
+    const bool secret = value ? carriesSecret(option) : afterSecret && !option.empty();
+    if (value) afterSecret = secret;
     shown += secret ? option.substr(0, value) : option;
     if (secret) shown += "***";
     if (separated) shown += ';';

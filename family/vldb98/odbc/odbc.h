@@ -64,7 +64,7 @@ inline SQLWCHAR *wide(std::u16string &text) {
   return wide(text.data());
 }
 
-/// Well-formed UTF-8 to UTF-16, behind what stands there; a malformed byte becomes a question mark.
+/// Well-formed UTF-8 to UTF-16, after what stands there; a malformed byte becomes a question mark.
 void appendUtf16(std::u16string &to, std::string_view utf8);
 /// The way back; half of a pair becomes a question mark.
 void appendUtf8(std::string &to, const char16_t *text, size_t length);

@@ -168,7 +168,7 @@ bool Connection::connect(const ServerSettings &server) {
   std::u16string text;
   text.reserve(2 * options.size() + 1);
   appendUtf16(text, options);
-  // For drivers that miscount the units: what they read behind the end ends there.
+  // For drivers that miscount the units: what they read beyond the end ends there.
   const auto units = SQLSMALLINT(text.size());
   text.resize(2 * text.size() + 1);
   char16_t completed[2];

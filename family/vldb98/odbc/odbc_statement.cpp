@@ -102,7 +102,7 @@ bool OdbcStatement::bindParameters() {
   return true;
 }
 
-// Behind the first execution, since a server tells of some batches only then what they deliver.
+// After the first execution, since a server tells of some batches only then what they deliver.
 bool OdbcStatement::bindColumns() {
   SQLSMALLINT count = 0;
   if (!SQL_SUCCEEDED(SQLNumResultCols(handle_.get(), &count))) return false;

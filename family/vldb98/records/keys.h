@@ -11,7 +11,7 @@ namespace vldb98 {
 
 constexpr size_t kKeySize = 201;
 
-/// A key buffer. The key's fields stand one behind the other in the key's field order: integers little-endian in the
+/// A key buffer. The key's fields stand one after the other in the key's field order: integers little-endian in the
 /// width of their record field, texts in the width of their record field without the terminator (an account number: 7
 /// characters, blank-padded; a short name: zero-padded). Cleared to begin with; a field left cleared is the least
 /// value.

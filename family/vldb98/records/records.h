@@ -265,7 +265,7 @@ struct BUCHUNGSBELEG {
 };
 
 // Posted cost posting of a fiscal year.
-struct KOSTENBUCHUNG {
+struct KOSTENBELEG {
   int32_t Nr;            // BUCHUNGSBELEG.Nr
   int32_t Zeile;         // 0 and up
   char Datum[7];         // document date
@@ -468,7 +468,7 @@ union DATENBANK {
   KOSCHA_ZEILE KoschaZeile;
   KOMBINATION Kombination;
   BUCHUNGSBELEG Buchungsbeleg;
-  KOSTENBUCHUNG Kostenbuchung;
+  KOSTENBELEG Kostenbeleg;
   OPBELEG Opbeleg;
   OPHISTORIE Ophistorie;
   BENUTZER Benutzer;

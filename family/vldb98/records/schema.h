@@ -36,7 +36,7 @@ enum TableNumber : int {
   kDebitor = 3,
   kStapel = 4,
   kKost = 16,
-  kKostenbuchung = 17,
+  kKostenbeleg = 17,
   kHistOPDebitor = 24,
   kHistOPKreditor = 25,
   kFirmenstamm = 50,

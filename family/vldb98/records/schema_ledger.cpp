@@ -129,8 +129,8 @@ std::vector<Table> ledgerTables() {
                            {{0, true, {"Nr", "Zeile"}}, {1, false, {"Kontotabelle", "Konto", "Art", "Datum"}}}));
   }
   {
-    using R = KOSTENBUCHUNG;
-    tables.push_back(table(kKostenbuchung, "Kostenbeleg", Scope::FiscalYear, sizeof(R),
+    using R = KOSTENBELEG;
+    tables.push_back(table(kKostenbeleg, "Kostenbeleg", Scope::FiscalYear, sizeof(R),
                            joined({{NUMBER(R, Nr), NUMBER(R, Zeile), DATE(R, Datum), KEYTEXT(R, Kostenart),
                                     KEYTEXT(R, Kostenstelle1), KEYTEXT(R, Kostenstelle2), KEYTEXT(R, Kostenstelle3),
                                     KEYTEXT(R, Kostenstelle4), KEYTEXT(R, Kostenstelle5), KEYTEXT(R, Kostenstelle6),

@@ -33,11 +33,11 @@ struct Dialect {
   DBENGINE engine;
 
   // --- Reads ---
-  const char *rowsInFront; ///< behind SELECT; %d: how many rows at most
+  const char *rowsInFront; ///< after SELECT; %d: how many rows at most
   const char *rowsBehind;  ///< the same, at the end of the statement
   /// A comparison of rows, "(a,b)>(?,?)", is one seek of the index. Where it is not, it is written out.
   bool comparesRows;
-  /// Names the index behind the table, so that no statistics of an empty table lead to a scan; %s: the index. Null: the
+  /// Names the index after the table, so that no statistics of an empty table lead to a scan; %s: the index. Null: the
   /// server chooses.
   const char *useIndex;
   const char *primaryIndex;     ///< what useIndex calls the primary key
@@ -67,7 +67,7 @@ struct Dialect {
   /// What stands in a comment is left out where the server does not know it.
   const char *whoIsThere;
   const char *isReady; ///< asks a node whether it takes part in the cluster: 1
-  std::vector<std::string> (*setUp)(std::chrono::milliseconds wait); ///< statements behind the connection
+  std::vector<std::string> (*setUp)(std::chrono::milliseconds wait); ///< statements after the connection
   std::vector<std::string> begin, beginSnapshot;
   const char *commit, *rollback;
   const char *savepoint, *rollbackTo, *release; ///< %d: its number; an empty release: not needed

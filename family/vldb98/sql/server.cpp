@@ -51,13 +51,13 @@ uint16_t portOf(std::string_view digits) {
 void takeHost(ServerSettings &server, std::string_view text) {
   const bool bracketed = text.starts_with('[');
   const size_t end = bracketed ? text.find(']') : text.find(':');
-  std::string_view host = text.substr(0, end), behind = end == text.npos ? "" : text.substr(end);
-  if (bracketed && !behind.empty()) {
+  std::string_view host = text.substr(0, end), rest = end == text.npos ? "" : text.substr(end);
+  if (bracketed && !rest.empty()) {
     host.remove_prefix(1);
-    behind.remove_prefix(1);
+    rest.remove_prefix(1);
   }
-  const uint16_t port = behind.empty() ? uint16_t(0) : portOf(behind.substr(1));
-  const bool understood = behind.empty() || (behind.front() == ':' && port != 0);
+  const uint16_t port = rest.empty() ? uint16_t(0) : portOf(rest.substr(1));
+  const bool understood = rest.empty() || (rest.front() == ':' && port != 0);
   server.host = understood ? host : text;
   if (port) server.port = port;
 }

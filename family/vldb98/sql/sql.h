@@ -36,7 +36,7 @@ class SqlStatement {
 public:
   virtual ~SqlStatement() = default;
 
-  /// Parameters count from 1: "?" is the one behind the greatest so far, "?3" the third, also where it stands several
+  /// Parameters count from 1: "?" is the one after the greatest so far, "?3" the third, also where it stands several
   /// times. A text must stay where it is until the next reset().
   virtual void bind(int parameter, int64_t value) = 0;
   virtual void bind(int parameter, std::string_view utf8) = 0;
@@ -56,7 +56,7 @@ public:
   virtual std::string_view text(int column) = 0;
 };
 
-/// A statement must not stay open behind an operation: it would hold a read transaction.
+/// A statement must not stay open after an operation: it would hold a read transaction.
 class Execution {
 public:
   explicit Execution(SqlStatement &statement) : statement_(statement) {}

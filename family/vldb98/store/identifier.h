@@ -16,7 +16,7 @@ public:
   IdentifierSource();
 
   /// Writes 32 hexadecimal digits in lower case and a terminator. They begin with the time, so that later postings lie
-  /// behind earlier ones in an index.
+  /// after earlier ones in an index.
   /// \par Source
   /// UUID version 7 of RFC 9562, without its dashes.
   void make(char (&identifier)[kDigits + 1]);

@@ -101,7 +101,7 @@ int Store::UsedAndGetKnr(const char *account, uint8_t &found, DATENBANK &record,
   if (number.size() >= sizeof(SACHKONTO::Nr)) return 1; // a key would cut it to another account's
   for (const Kind &kind : kinds) {
     uint8_t there = 0;
-    // A cost centre's key goes on behind the number, padded like the stored one where there is no reference.
+    // A cost centre's key goes on after the number, padded like the stored one where there is no reference.
     KeyBuilder key;
     key.account(number);
     if (kind.table == kKost) key.number<int16_t>(0).account("");

@@ -159,7 +159,7 @@ public:
   int InsertBat(BATCHBUCHUNG &posting);
   /// Whether InsertBat failed without having found that out: the posting is stored whole or not at all.
   bool outcomeUnknown() const { return outcomeUnknown_; }
-  /// Reads the posting that the key (batch, number) names, or the first behind it in the same batch, with its lines and
+  /// Reads the posting that the key (batch, number) names, or the first after it in the same batch, with its lines and
   /// cost postings into memory.
   int ReadBat(BATCHBUCHUNG &posting, int32_t batch, int32_t number, uint8_t &found);
   /// Deletes the posting that was read last by ReadBat or written by InsertBat, with its lines and cost postings; with

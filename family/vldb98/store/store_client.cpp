@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 #include "vlba98/text.h"
 
 namespace vldb98 {

@@ -63,7 +63,7 @@ VLDB_RECORD(KOSCHA, kKoscha, Koscha);
 VLDB_RECORD(KOSCHA_ZEILE, kKoschaZeile, KoschaZeile);
 VLDB_RECORD(KOMBINATION, kKombination, Kombination);
 VLDB_RECORD(BUCHUNGSBELEG, kBuchungsbeleg, Buchungsbeleg);
-VLDB_RECORD(KOSTENBUCHUNG, kKostenbuchung, Kostenbuchung);
+VLDB_RECORD(KOSTENBELEG, kKostenbeleg, Kostenbeleg);
 VLDB_RECORD(OPBELEG, kSeveralTables, Opbeleg);
 VLDB_RECORD(OPHISTORIE, kSeveralTables, Ophistorie);
 VLDB_RECORD(BENUTZER, kBenutzer, Benutzer);

@@ -1,4 +1,4 @@
-#include "vlba98/geld.h"
+#include "vlba98/money.h"
 
 #include "vlba98/text.h"
 
@@ -13,19 +13,19 @@ constexpr std::size_t minWidth = 4; ///< one integer digit, separator, two decim
 constexpr std::int64_t hundredPercent = 100'00;
 
 std::optional<std::int64_t> withinRange(std::optional<std::int64_t> value) {
-  return value && *value >= -maxGeld && *value <= maxGeld ? value : std::nullopt;
+  return value && *value >= -maxMoney && *value <= maxMoney ? value : std::nullopt;
 }
 
 std::optional<std::int64_t> operand(const char *text) {
   const std::string_view value = trimmed(text ? text : "");
-  return value.empty() ? 0 : parseGeld(value);
+  return value.empty() ? 0 : parseMoney(value);
 }
 
 template <typename Operation> bool combine(char *result, const char *a, const char *b, Operation operation) {
   const auto left = operand(a), right = operand(b);
   if (!left || !right) return false;
   const std::optional<std::int64_t> value = operation(*left, *right);
-  return value && formatGeld(*value, result);
+  return value && formatMoney(*value, result);
 }
 
 /// Reads an amount in one of the notations of IsGeld. `at` ends on the first character that is not taken.
@@ -99,9 +99,9 @@ std::optional<std::int64_t> parseWhole(const char *text) {
 
 } // namespace
 
-std::optional<std::int64_t> parseGeld(std::string_view internalForm) {
-  if (internalForm.size() == geldWidth) return parseWhole(internalForm.data());
-  if (internalForm.size() < minWidth || internalForm.size() > geldWidth) return std::nullopt;
+std::optional<std::int64_t> parseMoney(std::string_view internalForm) {
+  if (internalForm.size() == moneyWidth) return parseWhole(internalForm.data());
+  if (internalForm.size() < minWidth || internalForm.size() > moneyWidth) return std::nullopt;
   const std::size_t separatorAt = internalForm.size() - 3;
   bool digitsOnly = true;
   const auto digit = [&](std::size_t at) {
@@ -120,10 +120,10 @@ std::optional<std::int64_t> parseGeld(std::string_view internalForm) {
   return separator == '-' ? -value : value;
 }
 
-bool formatGeld(std::int64_t hundredths, char *out, std::size_t width) {
+bool formatMoney(std::int64_t hundredths, char *out, std::size_t width) {
   static constexpr std::uint32_t powersOfTen[] = {1,       10,        100,        1'000,       10'000,
                                                   100'000, 1'000'000, 10'000'000, 100'000'000, 1'000'000'000};
-  if (width < minWidth || width > geldWidth || hundredths < -maxGeld || hundredths > maxGeld) return false;
+  if (width < minWidth || width > moneyWidth || hundredths < -maxMoney || hundredths > maxMoney) return false;
   const auto magnitude = static_cast<std::uint64_t>(hundredths < 0 ? -hundredths : hundredths);
   auto units = static_cast<std::uint32_t>(magnitude / 100);
   // Not magnitude % 100: a second 64-bit division, which 32-bit machines do in software.
@@ -142,8 +142,8 @@ bool formatGeld(std::int64_t hundredths, char *out, std::size_t width) {
   return true;
 }
 
-bool formatGeld(std::int64_t hundredths, char out[geldWidth + 1]) {
-  return formatGeld(hundredths, out, geldWidth);
+bool formatMoney(std::int64_t hundredths, char out[moneyWidth + 1]) {
+  return formatMoney(hundredths, out, moneyWidth);
 }
 
 std::optional<std::int64_t> netOfGross(std::int64_t gross, std::int64_t rate) {
@@ -158,13 +158,13 @@ std::int64_t roundToFive(std::int64_t hundredths) {
   return (hundredths + (hundredths < 0 ? -2 : 2)) / 5 * 5;
 }
 
-bool IsGeld(const char *text, int width, int leerErlaubt, int negativErlaubt, char *normalised, const char **rest) {
+bool IsGeld(const char *text, int width, int allowEmpty, int allowNegative, char *normalised, const char **rest) {
   const char *at = text ? text : "";
   const auto refuse = [&](const char *where) {
     if (rest) *rest = where;
     return false;
   };
-  if (width < static_cast<int>(minWidth) || width > static_cast<int>(geldWidth)) return refuse(at);
+  if (width < static_cast<int>(minWidth) || width > static_cast<int>(moneyWidth)) return refuse(at);
   const auto skipBlanks = [&] {
     while (*at == ' ')
       ++at;
@@ -173,23 +173,23 @@ bool IsGeld(const char *text, int width, int leerErlaubt, int negativErlaubt, ch
   skipBlanks();
   std::int64_t value = 0;
   if (*at == '\0') {
-    if (!leerErlaubt) return refuse(at);
+    if (!allowEmpty) return refuse(at);
   } else {
     const char *start = at;
     const auto amount = readAmount(at, static_cast<std::size_t>(width) - 3);
     if (!amount) return refuse(*at != '\0' ? at : start);
     skipBlanks();
     if (*at != '\0') return refuse(at);
-    if (*amount < 0 && !negativErlaubt) return refuse(start);
+    if (*amount < 0 && !allowNegative) return refuse(start);
     value = *amount;
   }
   if (rest) *rest = "";
-  return !normalised || formatGeld(value, normalised, static_cast<std::size_t>(width));
+  return !normalised || formatMoney(value, normalised, static_cast<std::size_t>(width));
 }
 
 bool IsNull(const char *text) {
   const std::string_view value = trimmed(text ? text : "");
-  return value.find_first_not_of('0') == std::string_view::npos || parseGeld(value) == 0;
+  return value.find_first_not_of('0') == std::string_view::npos || parseMoney(value) == 0;
 }
 
 bool GeldToCurrency(std::int64_t &currency, const char *text) {
@@ -200,14 +200,14 @@ bool GeldToCurrency(std::int64_t &currency, const char *text) {
 
 bool CurrencyToGeld(char *text, std::int64_t currency) {
   const auto value = mulDiv(currency, 1, 100, Rounding::halfAwayFromZero);
-  return value && formatGeld(*value, text);
+  return value && formatMoney(*value, text);
 }
 
-bool MakeGeld(char *display, const char *text, int mitTausender) {
+bool MakeGeld(char *display, const char *text, int grouped) {
   const auto value = operand(text);
   if (!value) return false;
   auto magnitude = static_cast<std::uint64_t>(*value < 0 ? -*value : *value);
-  std::array<char, geldDisplaySize> backwards;
+  std::array<char, moneyDisplaySize> backwards;
   std::size_t length = 0;
   const auto put = [&](char c) { backwards[length++] = c; };
   const auto putDigit = [&] {
@@ -221,7 +221,7 @@ bool MakeGeld(char *display, const char *text, int mitTausender) {
   putDigit();
   int digits = 1;
   while (magnitude > 0) {
-    if (mitTausender && digits++ % 3 == 0) put(HoleTausenderTrenner());
+    if (grouped && digits++ % 3 == 0) put(HoleTausenderTrenner());
     putDigit();
   }
   if (*value < 0) put('-');
@@ -230,8 +230,8 @@ bool MakeGeld(char *display, const char *text, int mitTausender) {
   return true;
 }
 
-bool MakeGeld(char *text, int mitTausender) {
-  return MakeGeld(text, text, mitTausender);
+bool MakeGeld(char *text, int grouped) {
+  return MakeGeld(text, text, grouped);
 }
 
 double GeldToDouble(const char *text) {
@@ -276,7 +276,7 @@ bool nettoproz(char *result, const char *net, const char *percent) {
 
 bool RundeAuf5(char *text) {
   const auto value = operand(text);
-  return value && formatGeld(roundToFive(*value), text);
+  return value && formatMoney(roundToFive(*value), text);
 }
 
 } // namespace vlba98

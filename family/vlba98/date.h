@@ -23,16 +23,16 @@ inline constexpr int firstYear = 1980;
 inline constexpr int lastYear = 2079;
 
 /// A day of the Gregorian calendar. The functions below deliver only real days from 1980 to 2079.
-struct Datum {
+struct Date {
   int year;  ///< 1980 to 2079
   int month; ///< 1 to 12
   int day;   ///< 1 to daysInMonth(year, month)
-  auto operator<=>(const Datum &) const = default;
+  auto operator<=>(const Date &) const = default;
 };
 
 /// Zero-terminated date texts of six and of ten characters; data() is the C text.
-using DatumText6 = std::array<char, 7>;
-using DatumText10 = std::array<char, 11>;
+using DateText6 = std::array<char, 7>;
+using DateText10 = std::array<char, 11>;
 
 bool isLeapYear(int year);
 
@@ -40,38 +40,38 @@ bool isLeapYear(int year);
 int daysInMonth(int year, int month);
 
 /// True for a real calendar day from 1980 to 2079.
-bool isValid(const Datum &datum);
+bool isValid(const Date &date);
 
 /// Days since 1 January 1970, negative before it. The date must be valid.
 /// \par Source
 /// The standard library's std::chrono::sys_days.
-std::int32_t toDayNumber(const Datum &datum);
+std::int32_t toDayNumber(const Date &date);
 
 /// The day of a day number; nothing outside 1980 to 2079.
-std::optional<Datum> fromDayNumber(std::int64_t dayNumber);
+std::optional<Date> fromDayNumber(std::int64_t dayNumber);
 
 /// The same day n months on (back when negative); where that month is shorter, its last day: 31 January plus one month
 /// is 28 or 29 February. Nothing when the date is invalid or the result lies outside 1980 to 2079.
-std::optional<Datum> addMonths(const Datum &datum, int months);
+std::optional<Date> addMonths(const Date &date, int months);
 
 /// The day n days on (back when negative). Nothing when the date is invalid or the result lies outside 1980 to 2079.
-std::optional<Datum> addDays(const Datum &datum, int days);
+std::optional<Date> addDays(const Date &date, int days);
 
 /// A date as a user or an outside program writes it: "TTMMJJ", "TT.MM.JJ" or "TT.MM.JJJJ". JJ is a calendar year as in
 /// external6. Nothing for any other text, one-digit days and months among them, or no calendar day.
-std::optional<Datum> parseDatum(std::string_view external);
+std::optional<Date> parseDate(std::string_view external);
 
 // The texts of a date: an invalid date gives the empty text, and a text that is not exactly such a date gives nothing.
 
-DatumText6 toInternal(const Datum &datum);
-DatumText6 toReversed(const Datum &datum);
-DatumText6 toExternal6(const Datum &datum);
-DatumText10 toDisplay(const Datum &datum);
-DatumText10 toIso(const Datum &datum);
+DateText6 toInternal(const Date &date);
+DateText6 toReversed(const Date &date);
+DateText6 toExternal6(const Date &date);
+DateText10 toDisplay(const Date &date);
+DateText10 toIso(const Date &date);
 
-std::optional<Datum> fromInternal(std::string_view text);
-std::optional<Datum> fromReversed(std::string_view text);
-std::optional<Datum> fromIso(std::string_view text);
+std::optional<Date> fromInternal(std::string_view text);
+std::optional<Date> fromReversed(std::string_view text);
+std::optional<Date> fromIso(std::string_view text);
 
 /// Swaps day and year of a six-character text in place, TTMMJJ to JJMMTT and back: its own inverse. The characters are
 /// not looked at. \return false, and the text unchanged, when it has not six characters (an empty date stays empty)

@@ -22,12 +22,11 @@
 
 namespace vlba98 {
 
-inline constexpr std::size_t geldWidth = 12;            ///< characters of an amount in internal form
-inline constexpr std::size_t satzWidth = 5;             ///< characters of a rate in internal form
-inline constexpr std::int64_t maxGeld = 99'999'999'999; ///< greatest amount, in hundredths: 999999999,99
-inline constexpr std::size_t geldDisplaySize = 16;      ///< bytes of the longest display: "-999.999.999,99"
-inline constexpr char geldZero[geldWidth + 1] = "000000000,00";
-inline constexpr char satzZero[satzWidth + 1] = "00,00";
+inline constexpr std::size_t moneyWidth = 12;            ///< characters of an amount in internal form
+inline constexpr std::size_t rateWidth = 5;              ///< characters of a rate in internal form
+inline constexpr std::int64_t maxMoney = 99'999'999'999; ///< greatest amount, in hundredths: 999999999,99
+inline constexpr std::size_t moneyDisplaySize = 16;      ///< bytes of the longest display: "-999.999.999,99"
+inline constexpr char rateZero[rateWidth + 1] = "00,00";
 
 /// The separators of German notation.
 constexpr char HoleDezimalTrenner() {
@@ -41,24 +40,24 @@ constexpr char HoleTausenderTrenner() {
 
 /// The value of a text in internal form, in hundredths. One to nine integer digits, hence 4 to 12 characters.
 /// "000000000-00" is zero. \return nothing for any other text, the empty one included
-std::optional<std::int64_t> parseGeld(std::string_view internalForm);
+std::optional<std::int64_t> parseMoney(std::string_view internalForm);
 
 /// Writes the amount in internal form: 12 characters and the terminator.
-/// \return false, and out untouched, beyond ±maxGeld
-bool formatGeld(std::int64_t hundredths, char out[geldWidth + 1]);
+/// \return false, and out untouched, beyond ±maxMoney
+bool formatMoney(std::int64_t hundredths, char out[moneyWidth + 1]);
 
 /// Writes the value in the internal form of another width (5 for a rate), 4 to 12 characters and the terminator.
 /// \return false, and out untouched, when the value needs more digits or the width is none of these
-bool formatGeld(std::int64_t hundredths, char *out, std::size_t width);
+bool formatMoney(std::int64_t hundredths, char *out, std::size_t width);
 
-// The operands of the next three are hundredths within ±maxGeld; rounding is commercial.
+// The operands of the next three are hundredths within ±maxMoney; rounding is commercial.
 
 /// The net value of which the gross value is net plus rate percent: gross * 100 / (100 + rate).
-/// \return nothing when the rate is -100 percent or the result exceeds ±maxGeld
+/// \return nothing when the rate is -100 percent or the result exceeds ±maxMoney
 std::optional<std::int64_t> netOfGross(std::int64_t gross, std::int64_t rate);
 
 /// Rate percent of the net value: net * rate / 100.
-/// \return nothing when the result exceeds ±maxGeld
+/// \return nothing when the result exceeds ±maxMoney
 std::optional<std::int64_t> percentOf(std::int64_t net, std::int64_t rate);
 
 /// The value rounded to five hundredths, as Swiss cash amounts are.
@@ -69,20 +68,20 @@ std::int64_t roundToFive(std::int64_t hundredths);
 /// Tests an amount or rate as a user or an outside program writes it, and delivers its internal form.
 ///
 /// Accepted are, with blanks around: integer digits, plain ("1234") or in groups of three ("1.234"); one or two
-/// decimals behind a comma ("1234,5"); a sign in front ("-12", "+12") or a minus behind ("12,00-"); and the internal
+/// decimals after a comma ("1234,5"); a sign before ("-12", "+12") or a minus after ("12,00-"); and the internal
 /// form of exactly that width ("000000012-50"). Refused is everything else, among it embedded blanks, a comma without
 /// digits on both sides, and more integer digits than the width has.
 ///
 /// \param text           zero-terminated; null counts as empty
 /// \param width          characters of the internal form: 12 for an amount, 5 for a rate (4 to 12 in general)
-/// \param leerErlaubt    non-zero: an empty or blank text is accepted, as zero
-/// \param negativErlaubt non-zero: a value below zero is accepted
+/// \param allowEmpty     non-zero: an empty or blank text is accepted, as zero
+/// \param allowNegative  non-zero: a value below zero is accepted
 /// \param normalised     may be null; receives the internal form, width + 1 bytes. May be the text itself. Untouched
 ///                       when the text is refused
 /// \param rest           may be null; receives an empty text when all is well, otherwise the refused remainder of the
 ///                       text: from the first character that does not belong, or from the start of the number when
 ///                       it breaks off or its value is refused (of an empty or blank text nothing remains)
-bool IsGeld(const char *text, int width, int leerErlaubt = 0, int negativErlaubt = 0, char *normalised = nullptr,
+bool IsGeld(const char *text, int width, int allowEmpty = 0, int allowNegative = 0, char *normalised = nullptr,
             const char **rest = nullptr);
 
 /// True for a text without a value: null, empty, blank, zeros only ("0", "000") or a money text of value zero.
@@ -94,12 +93,12 @@ bool GeldToCurrency(std::int64_t &currency, const char *text);
 /// The money text of a currency integer, rounded to hundredths.
 bool CurrencyToGeld(char *text, std::int64_t currency);
 
-/// Formats for display: no leading zeros, the sign in front, groups of three where mitTausender is non-zero:
-/// "-1.234,50" or "-1234,50". The result needs up to geldDisplaySize (16) bytes.
-bool MakeGeld(char *display, const char *text, int mitTausender);
+/// Formats for display: no leading zeros, the sign in front, groups of three where grouped is non-zero:
+/// "-1.234,50" or "-1234,50". The result needs up to moneyDisplaySize (16) bytes.
+bool MakeGeld(char *display, const char *text, int grouped);
 
-/// The same in place; the buffer has geldDisplaySize bytes.
-bool MakeGeld(char *text, int mitTausender);
+/// The same in place; the buffer has moneyDisplaySize bytes.
+bool MakeGeld(char *text, int grouped);
 
 /// The amount as a floating-point number, for display and graphics only; a text that is no money text gives 0.
 double GeldToDouble(const char *text);

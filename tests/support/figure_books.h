@@ -5,7 +5,7 @@
 #include <random>
 
 #include "support/books.h"
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 
 namespace test {
 
@@ -33,9 +33,9 @@ inline std::string padded(std::string text) {
   return text;
 }
 
-class Ledger : public Books {
+class FigureBooks : public Books {
 protected:
-  Ledger() { open(1); }
+  FigureBooks() { open(1); }
 
   /// Makes a client and fiscal year those that the session below the exports works in.
   void open(uint16_t client, int year = 2026) {

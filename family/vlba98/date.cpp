@@ -1,4 +1,4 @@
-#include "vlba98/datum.h"
+#include "vlba98/date.h"
 
 #include "vlba98/text.h"
 
@@ -11,13 +11,13 @@ namespace {
 
 constexpr int centuryTurn = firstYear % 100; ///< two-digit calendar years from here on belong to the 20th century
 
-std::chrono::year_month_day toChrono(const Datum &datum) {
-  return std::chrono::year(datum.year) / datum.month / datum.day;
+std::chrono::year_month_day toChrono(const Date &date) {
+  return std::chrono::year(date.year) / date.month / date.day;
 }
 
-std::optional<Datum> checked(int year, int month, int day) {
-  const Datum datum{year, month, day};
-  return isValid(datum) ? std::optional(datum) : std::nullopt;
+std::optional<Date> checked(int year, int month, int day) {
+  const Date date{year, month, day};
+  return isValid(date) ? std::optional(date) : std::nullopt;
 }
 
 int fromTwoDigitYear(int year) {
@@ -42,10 +42,10 @@ std::optional<Pairs> readPairs(std::string_view text) {
 }
 
 /// A date text, written from a picture in which T, M, J and C stand for the digits of day, month, year and year code.
-template <std::size_t N> std::array<char, N> write(const char (&picture)[N], const Datum &datum) {
+template <std::size_t N> std::array<char, N> write(const char (&picture)[N], const Date &date) {
   std::array<char, N> text{};
-  if (!isValid(datum)) return text;
-  int day = datum.day, month = datum.month, year = datum.year, code = datum.year - firstYear;
+  if (!isValid(date)) return text;
+  int day = date.day, month = date.month, year = date.year, code = date.year - firstYear;
   const auto lastDigit = [](int &value) {
     const char digit = static_cast<char>('0' + value % 10);
     value /= 10;
@@ -84,38 +84,38 @@ int daysInMonth(int year, int month) {
   return static_cast<int>(static_cast<unsigned>(last.day()));
 }
 
-bool isValid(const Datum &datum) {
-  return datum.year >= firstYear && datum.year <= lastYear && datum.day >= 1 &&
-         datum.day <= daysInMonth(datum.year, datum.month);
+bool isValid(const Date &date) {
+  return date.year >= firstYear && date.year <= lastYear && date.day >= 1 &&
+         date.day <= daysInMonth(date.year, date.month);
 }
 
-std::int32_t toDayNumber(const Datum &datum) {
-  return static_cast<std::int32_t>(std::chrono::sys_days(toChrono(datum)).time_since_epoch().count());
+std::int32_t toDayNumber(const Date &date) {
+  return static_cast<std::int32_t>(std::chrono::sys_days(toChrono(date)).time_since_epoch().count());
 }
 
-std::optional<Datum> fromDayNumber(std::int64_t dayNumber) {
+std::optional<Date> fromDayNumber(std::int64_t dayNumber) {
   using namespace std::chrono;
   constexpr sys_days first = year(firstYear) / January / 1, last = year(lastYear) / December / 31;
   if (dayNumber < first.time_since_epoch().count() || dayNumber > last.time_since_epoch().count()) return std::nullopt;
   const year_month_day date{sys_days(days(static_cast<int>(dayNumber)))};
-  return Datum{static_cast<int>(date.year()), static_cast<int>(static_cast<unsigned>(date.month())),
-               static_cast<int>(static_cast<unsigned>(date.day()))};
+  return Date{static_cast<int>(date.year()), static_cast<int>(static_cast<unsigned>(date.month())),
+              static_cast<int>(static_cast<unsigned>(date.day()))};
 }
 
-std::optional<Datum> addMonths(const Datum &datum, int months) {
-  if (!isValid(datum)) return std::nullopt;
-  const std::int64_t total = std::int64_t{datum.year} * 12 + (datum.month - 1) + months;
+std::optional<Date> addMonths(const Date &date, int months) {
+  if (!isValid(date)) return std::nullopt;
+  const std::int64_t total = std::int64_t{date.year} * 12 + (date.month - 1) + months;
   if (total < firstYear * 12 || total >= (lastYear + 1) * 12) return std::nullopt;
   const int year = static_cast<int>(total / 12), month = static_cast<int>(total % 12) + 1;
-  return Datum{year, month, std::min(datum.day, daysInMonth(year, month))};
+  return Date{year, month, std::min(date.day, daysInMonth(year, month))};
 }
 
-std::optional<Datum> addDays(const Datum &datum, int days) {
-  if (!isValid(datum)) return std::nullopt;
-  return fromDayNumber(std::int64_t{toDayNumber(datum)} + days);
+std::optional<Date> addDays(const Date &date, int days) {
+  if (!isValid(date)) return std::nullopt;
+  return fromDayNumber(std::int64_t{toDayNumber(date)} + days);
 }
 
-std::optional<Datum> parseDatum(std::string_view external) {
+std::optional<Date> parseDate(std::string_view external) {
   if (const auto pairs = readPairs(external))
     return checked(fromTwoDigitYear(pairs->third), pairs->second, pairs->first);
 
@@ -125,33 +125,33 @@ std::optional<Datum> parseDatum(std::string_view external) {
   return checked(year.size() == 2 ? fromTwoDigitYear(number(year)) : number(year), number(month), number(day));
 }
 
-DatumText6 toInternal(const Datum &datum) {
-  return write("TTMMCC", datum);
+DateText6 toInternal(const Date &date) {
+  return write("TTMMCC", date);
 }
-DatumText6 toReversed(const Datum &datum) {
-  return write("CCMMTT", datum);
+DateText6 toReversed(const Date &date) {
+  return write("CCMMTT", date);
 }
-DatumText6 toExternal6(const Datum &datum) {
-  return write("TTMMJJ", datum);
+DateText6 toExternal6(const Date &date) {
+  return write("TTMMJJ", date);
 }
-DatumText10 toDisplay(const Datum &datum) {
-  return write("TT.MM.JJJJ", datum);
+DateText10 toDisplay(const Date &date) {
+  return write("TT.MM.JJJJ", date);
 }
-DatumText10 toIso(const Datum &datum) {
-  return write("JJJJ-MM-TT", datum);
+DateText10 toIso(const Date &date) {
+  return write("JJJJ-MM-TT", date);
 }
 
-std::optional<Datum> fromInternal(std::string_view text) {
+std::optional<Date> fromInternal(std::string_view text) {
   const auto pairs = readPairs(text);
   return pairs ? checked(firstYear + pairs->third, pairs->second, pairs->first) : std::nullopt;
 }
 
-std::optional<Datum> fromReversed(std::string_view text) {
+std::optional<Date> fromReversed(std::string_view text) {
   const auto pairs = readPairs(text);
   return pairs ? checked(firstYear + pairs->first, pairs->second, pairs->third) : std::nullopt;
 }
 
-std::optional<Datum> fromIso(std::string_view text) {
+std::optional<Date> fromIso(std::string_view text) {
   if (text.size() != 10 || text[4] != '-' || text[7] != '-') return std::nullopt;
   const std::string_view year = text.substr(0, 4), month = text.substr(5, 2), day = text.substr(8, 2);
   if (!IsZahl(year) || !IsZahl(month) || !IsZahl(day)) return std::nullopt;
@@ -165,10 +165,10 @@ bool ReverseDatum(char *text) {
 }
 
 bool IncMonat(char *reversed) {
-  const auto datum = fromReversed(reversed);
-  const auto next = datum ? addMonths(*datum, 1) : std::nullopt;
+  const auto date = fromReversed(reversed);
+  const auto next = date ? addMonths(*date, 1) : std::nullopt;
   if (!next) return false;
-  std::memcpy(reversed, toReversed(*next).data(), sizeof(DatumText6));
+  std::memcpy(reversed, toReversed(*next).data(), sizeof(DateText6));
   return true;
 }
 
