@@ -93,7 +93,8 @@
  *
  * Waiting. A call that needs a lock that others hold waits for it, at most Sperrwartezeit, then returns -3; but see
  * chapter 11 for the insertion of a posting. Fetches and dialogs hold no lock, so one that is abandoned blocks nobody.
- * On a database server fetches read ahead: changes that others made within the last second may not be seen.
+ * Fetches read ahead: changes that other programs made within the last five milliseconds, on a database server within
+ * the last second, may not be seen. Those of other threads are.
  *
  * Settings that change what calls do, read at the attach (docs/betrieb.md has all, and where they are kept):
  *
@@ -830,8 +831,8 @@ ZELK_API ZelkResult ZELK_CALL ZELK_BuchungEinfuegenDirekt(
  * Other postings may be inserted in between. What was said of the lines so far by ZELK_SplitEinfuegenEx (own amounts),
  * ZELK_SetAnbuBewegungsart and ZELK_SetDmsID is lost then (the amounts are converted); lines and cost postings stay. */
 
-/* Begins a split posting; one that was begun before is discarded. The client is not looked at yet. 1; -38 from within a
- * dialog that the thread's ZELK_SplitEnde shows. */
+/* Begins a split posting; one that was begun before is discarded, but for the one that the thread's ZELK_SplitEnde is
+ * inserting while it shows a dialog. The client is not looked at yet. 1. */
 ZELK_API ZelkResult ZELK_CALL ZELK_SplitStart(int32_t Mandantennummer, int32_t Stapelnummer, const char *Belegdatum,
                                               const char *Belegnummer, int32_t UStDirekt, int32_t Zahlungsziel,
                                               const char *OPBelegnummer, const char *Valutadatum, const char *Waehrung,
