@@ -105,15 +105,18 @@ ZelkResult ZELK_CALL ZELK_HoleKonto(void *HandleParent, int32_t Mandantennummer,
                    },
                    HandleParent, chosen);
                if (result <= 0) return result;
-               std::optional<DATENBANK> record;
+               DATENBANK record{};
                if (Name || Kuerzel) {
                  ZelkResult read = withClient(*context, Mandantennummer, [&](Store &store) -> ZelkResult {
-                   record = vlfn98::findAccount(store, list.table, chosen.c_str(), Dimension, list.reference.c_str());
-                   return record ? ZELK_OK : ZELKERR_Datenbank;
+                   const auto account =
+                       vlfn98::findAccount(store, list.table, chosen.c_str(), Dimension, list.reference.c_str());
+                   must(account.has_value());
+                   record = *account;
+                   return ZELK_OK;
                  });
                  if (read != ZELK_OK) return ZELKERR_Datenbank;
                }
-               const vlfn98::AccountFields account = vlfn98::accountOf(list.table, record.value_or(DATENBANK{}));
+               const vlfn98::AccountFields account = vlfn98::accountOf(list.table, record);
                if (Kontonummer) vlba98::strncpy2(Kontonummer, chosen, sizeof(SACHKONTO::Nr));
                if (Name) vlba98::strncpy2(Name, account.name, sizeof(SACHKONTO::Name));
                if (Kuerzel) vlba98::strncpy2(Kuerzel, account.shortName, sizeof(SACHKONTO::Kuerzel));
