@@ -1,4 +1,5 @@
 // Steps of walks and ranges, which read the rows that follow as well.
+#include <algorithm>
 #include <cstring>
 
 #include "isam/isam_engine.h"
@@ -59,7 +60,7 @@ void IsamEngine::deliverRow(const Table &table, DATENBANK &record) {
 }
 
 bool IsamEngine::readBlock(SqlStatement &statement, const Table &table, bool &found) {
-  if (walked_.empty() || walked_.back() != table.number) walked_.push_back(table.number);
+  if (std::find(walked_.begin(), walked_.end(), table.number) == walked_.end()) walked_.push_back(table.number);
   ReadBlock &block = stateOf(table).block;
   Execution execution(statement);
   Step step;
