@@ -3,6 +3,7 @@
 #include <cassert>
 #include <cstring>
 
+#include "records/numbers.h"
 #include "vlba98/date.h"
 #include "vlba98/encoding.h"
 #include "vlba98/money.h"
@@ -15,45 +16,6 @@ constexpr std::string_view kBlank = " ";
 std::string_view withoutTrailingBlanks(std::string_view text) {
   size_t last = text.find_last_not_of(kBlank);
   return last == std::string_view::npos ? std::string_view{} : text.substr(0, last + 1);
-}
-
-template <class Integer> int64_t load(const char *at) {
-  Integer value;
-  std::memcpy(&value, at, sizeof value);
-  return value;
-}
-
-template <class Integer> bool store(int64_t value, char *at) {
-  Integer narrow = Integer(value);
-  if (narrow != value) return false;
-  std::memcpy(at, &narrow, sizeof narrow);
-  return true;
-}
-
-int64_t loadNumber(FieldType type, const char *at) {
-  switch (type) {
-  case FieldType::UInt8:
-    return load<uint8_t>(at);
-  case FieldType::Int16:
-    return load<int16_t>(at);
-  case FieldType::UInt16:
-    return load<uint16_t>(at);
-  default:
-    return load<int32_t>(at);
-  }
-}
-
-bool storeNumber(FieldType type, int64_t value, char *at) {
-  switch (type) {
-  case FieldType::UInt8:
-    return store<uint8_t>(value, at);
-  case FieldType::Int16:
-    return store<int16_t>(value, at);
-  case FieldType::UInt16:
-    return store<uint16_t>(value, at);
-  default:
-    return store<int32_t>(value, at);
-  }
 }
 
 void bindText(SqlStatement &statement, int parameter, std::string_view cp1252, Scratch &scratch) {

@@ -1,35 +1,10 @@
 #include "records/key_writer.h"
 
 #include <cstring>
-#include <limits>
+
+#include "records/numbers.h"
 
 namespace vldb98 {
-namespace {
-
-template <class Number> bool put(char *to, int64_t value) {
-  if (value < std::numeric_limits<Number>::min() || value > std::numeric_limits<Number>::max()) return false;
-  const auto number = Number(value);
-  std::memcpy(to, &number, sizeof number);
-  return true;
-}
-
-bool putNumber(char *to, FieldType type, int64_t value) {
-  switch (type) {
-  case FieldType::UInt8:
-    return put<uint8_t>(to, value);
-  case FieldType::Int16:
-    return put<int16_t>(to, value);
-  case FieldType::UInt16:
-    return put<uint16_t>(to, value);
-  case FieldType::Int32:
-    return put<int32_t>(to, value);
-  default:
-    return false;
-  }
-}
-
-} // namespace
-
 KeyWriter::KeyWriter(FileNumber file)
     : table_(findTable(tableOf(file))), fields_(table_ ? table_->key(keyIndexOf(file)) : nullptr) {
   if (!fields_) throw KeyRefused();
@@ -42,7 +17,7 @@ const Field &KeyWriter::nextField() {
 
 void KeyWriter::addNumber(int64_t value) {
   const Field &field = nextField();
-  if (!putNumber(key_.bytes + at_, field.type, value)) throw KeyRefused(table_->name + "." + field.name);
+  if (!storeNumber(field.type, value, key_.bytes + at_)) throw KeyRefused(table_->name + "." + field.name);
   at_ += field.keyWidth();
 }
 
