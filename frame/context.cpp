@@ -24,7 +24,7 @@ size_t detail::nextSlot() {
   return next++;
 }
 
-vldb98::Store *ThreadContext::session() {
+vldb98::Store &ThreadContext::store() {
   // A change of the database concerns the sessions of all threads; each notices at its next call.
   uint32_t now = vldb98::generation();
   if (generation_ != now) {
@@ -36,13 +36,8 @@ vldb98::Store *ThreadContext::session() {
     // Its locks would else be in the way of this one for as long as the server believes in it.
     if (session_ && lost_.connection) session_->endLost(std::exchange(lost_, {}));
   }
-  return session_.get();
-}
-
-vldb98::Store &ThreadContext::store() {
-  vldb98::Store *opened = session();
-  vldb98::must(opened != nullptr);
-  return *opened;
+  vldb98::must(session_ != nullptr);
+  return *session_;
 }
 
 void ThreadContext::closeSession() {

@@ -29,9 +29,7 @@ public:
     return *static_cast<T *>(slots_[index].get());
   }
 
-  /// The thread's session, opened on first need; null when the database cannot be opened.
-  vldb98::Store *session();
-  /// The same. \throws vldb98::StoreFailed when it cannot be opened
+  /// The thread's session, opened on first need. \throws vldb98::StoreFailed when the database cannot be opened
   vldb98::Store &store();
 
   /// Whether the session has lost its connection, or its file is no longer in its place.

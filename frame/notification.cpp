@@ -104,16 +104,16 @@ void end(platform::PeerProcess &process, bool enabled, Wait wait) {
 // null when there is no such client, and for all postings of a batch.
 vldb98::Store *sessionWithLines(int32_t client, const vldb98::BATCHBUCHUNG &posting) try {
   ThreadContext *context = posting.Nr != 0 ? threadContext() : nullptr;
-  vldb98::Store *store = context ? context->session() : nullptr;
-  if (!store || (store->HoleFista().Nummer != client && vlfn98::HoleMandantenDaten(*store, client) != ZELK_OK))
-    return nullptr;
-  const vldb98::SPLIT *first = store->PSplit(0);
-  if (first && first->Stapel == posting.Stapel && first->Buchung == posting.Nr) return store;
+  if (!context) return nullptr;
+  vldb98::Store &store = context->store();
+  if (store.HoleFista().Nummer != client && vlfn98::HoleMandantenDaten(store, client) != ZELK_OK) return nullptr;
+  const vldb98::SPLIT *first = store.PSplit(0);
+  if (first && first->Stapel == posting.Stapel && first->Buchung == posting.Nr) return &store;
   vldb98::BATCHBUCHUNG stored;
   uint8_t found;
   // No lines are better than some of them.
-  if (!store->ReadBat(stored, posting.Stapel, posting.Nr, found)) store->SplitFree();
-  return store;
+  if (!store.ReadBat(stored, posting.Stapel, posting.Nr, found)) store.SplitFree();
+  return &store;
 } catch (const vldb98::StoreFailed &) {
   return nullptr;
 }

@@ -48,7 +48,7 @@ protected:
 };
 
 // A script of steps with what each must answer: b begin, c commit, r rollback, i insert of the next account.
-TEST_P(Transactions, NestAndAreDecidedByTheOutermost) {
+TEST_P(Transactions, NestAndInnerOnesAreRolledBackAlone) {
   struct Row {
     const char *script, *answers, *left;
   };

@@ -7,10 +7,9 @@
 /// Every operation returns non-zero when it was carried out and 0 when it failed. "Not there" is no failure: the found
 /// flag tells it apart. Reads without a found flag return 0 also when there is no record.
 ///
-/// - A read makes the record delivered the table's current one, from which the stepping reads continue and on which
-/// Update
-///   and Delete act. After Delete, stepping goes on from where the record was. When nothing is found, buffer and
-///   current record stay as they were.
+/// - A read makes the record delivered the table's current one: the stepping reads go on from it, Update and Delete act
+///   on it. After Delete, stepping goes on from where the record was. When nothing is found, buffer and current record
+///   stay as they were.
 /// - File number = table number + 127 x key index. Rows of a table per client are those of the open client, per fiscal
 ///   year those of its open year. The engine argument is ZELK_ENG_DEFAULT or the engine in use; another one fails.
 /// - Lock selector of the positioning reads: 0 takes nothing; any other value waits until no other session holds the
