@@ -5,6 +5,7 @@
 #include "records/numbers.h"
 
 namespace vldb98 {
+
 KeyWriter::KeyWriter(FileNumber file)
     : table_(findTable(tableOf(file))), fields_(table_ ? table_->key(keyIndexOf(file)) : nullptr) {
   if (!fields_) throw KeyRefused();

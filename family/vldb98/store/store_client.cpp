@@ -7,6 +7,7 @@
 #include "vlba98/text.h"
 
 namespace vldb98 {
+
 int Store::openCalendarYear() const {
   return vlba98::yearOfCode(openYear_);
 }
