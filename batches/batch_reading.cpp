@@ -16,9 +16,6 @@ using namespace vldb98;
 
 namespace {
 
-// Hosts in other languages declare the records by their widths.
-static_assert(sizeof(ZELK_BATCHZEILE) == 196 && sizeof(ZELK_BATCHKOBU) == 194);
-
 /// What the fetch keeps beside its place.
 struct Reading {
   BATCHBUCHUNG posting{}; ///< the next one to deliver

@@ -29,33 +29,26 @@ struct Field {
 using HeadRecord = ZELK_SPLITBUCHUNG;
 using LineRecord = ZELK_TEILBUCHUNG;
 
-#define COMMON(part, field, kind, bytes)                                                                               \
-  PostingField::field, Part::part, Kind::kind, bytes, offsetof(Posting##part, field)
-#define IN_RECORDS(part, field, kind, bytes, single, split, label)                                                     \
-  Field{COMMON(part, field, kind, bytes), single, split, label},
-#define IN_SPLIT(part, field, kind, bytes, split, label)                                                               \
-  Field{COMMON(part, field, kind, bytes), kNowhere, split, label},
-#define IN_PIECES(part, field, kind, bytes, label) Field{COMMON(part, field, kind, bytes), kNowhere, kNowhere, label},
+#define COMMON(part, field, kind)                                                                                      \
+  PostingField::field, Part::part, Kind::kind, sizeof(Posting##part::field), offsetof(Posting##part, field)
+#define IN_RECORDS(part, field, kind, label)                                                                           \
+  Field{COMMON(part, field, kind), offsetof(ZELK_BUCHUNG, field), offsetof(part##Record, field), label},
+#define IN_SPLIT(part, field, kind, label)                                                                             \
+  Field{COMMON(part, field, kind), kNowhere, offsetof(part##Record, field), label},
+#define IN_PIECES(part, field, kind, label) Field{COMMON(part, field, kind), kNowhere, kNowhere, label},
 constexpr Field kFields[] = {POSTING_FIELDS(IN_RECORDS, IN_SPLIT, IN_PIECES)};
 #undef COMMON
 #undef IN_RECORDS
 #undef IN_SPLIT
 #undef IN_PIECES
 
-// Hosts in other languages declare the records by offset and width: a field that moves would be read as another one.
-#define STANDS(record, field, bytes, at)                                                                               \
-  static_assert(offsetof(record, field) == (at) && sizeof(record::field) == (bytes));
-#define IN_PIECES(part, field, kind, bytes, ...) static_assert(sizeof(Posting##part::field) == (bytes));
-#define IN_SPLIT(part, field, kind, bytes, split, label)                                                               \
-  STANDS(part##Record, field, bytes, split)                                                                            \
-  IN_PIECES(part, field, kind, bytes)
-#define IN_RECORDS(part, field, kind, bytes, single, split, label)                                                     \
-  STANDS(ZELK_BUCHUNG, field, bytes, single)                                                                           \
-  IN_SPLIT(part, field, kind, bytes, split, label)
+// Fields are copied from the records as they are. Where they stand there, the public header asserts.
+#define IN_PIECES(part, field, ...)
+#define IN_SPLIT(part, field, ...) static_assert(sizeof(Posting##part::field) == sizeof(part##Record::field));
+#define IN_RECORDS(part, field, ...)                                                                                   \
+  IN_SPLIT(part, field) static_assert(sizeof(Posting##part::field) == sizeof(ZELK_BUCHUNG::field));
 POSTING_FIELDS(IN_RECORDS, IN_SPLIT, IN_PIECES)
-STANDS(ZELK_SPLITBUCHUNG, Teilbuchung, kRecordLines * sizeof(ZELK_TEILBUCHUNG), 185)
-static_assert(sizeof(ZELK_BUCHUNG) == 313 && sizeof(ZELK_TEILBUCHUNG) == 134 && sizeof(ZELK_SPLITBUCHUNG) == 1525);
-#undef STANDS
+static_assert(sizeof(ZELK_SPLITBUCHUNG::Teilbuchung) == kRecordLines * sizeof(ZELK_TEILBUCHUNG));
 #undef IN_RECORDS
 #undef IN_SPLIT
 #undef IN_PIECES
